@@ -1,0 +1,72 @@
+#include "files/BoundedLineReader.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+constexpr std::size_t bufferSize = 64 * 1024;
+
+/** A descriptor of the regular file at @p path, or -1. */
+int openRegularFile(const char* path) {
+    // Without O_NONBLOCK, opening a pipe that nobody writes to would never return.
+    const int file = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
+    if (file < 0)
+        return -1;
+    struct stat status = {};
+    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+        ::close(file);
+        return -1;
+    }
+    return file;
+}
+
+} // namespace
+
+BoundedLineReader::BoundedLineReader(const char* path, std::size_t maxLine)
+    : m_file(openRegularFile(path)), m_maxLine(maxLine) {
+    if (isOpen())
+        m_buffer.resize(bufferSize);
+}
+
+BoundedLineReader::~BoundedLineReader() {
+    if (isOpen())
+        ::close(m_file);
+}
+
+bool BoundedLineReader::next(std::string& line) {
+    line.clear();
+    bool anything = false;
+    while (m_begin < m_end || fill()) {
+        anything = true;
+        const char* begin = m_buffer.data() + m_begin;
+        const std::size_t available = m_end - m_begin;
+        const void* lineEnd = std::memchr(begin, '\n', available);
+        const std::size_t length =
+            lineEnd ? static_cast<std::size_t>(static_cast<const char*>(lineEnd) - begin)
+                    : available;
+        line.append(begin, std::min(length, m_maxLine - line.size()));
+        m_begin += length;
+        if (lineEnd) {
+            ++m_begin;
+            return true;
+        }
+    }
+    return anything;
+}
+
+bool BoundedLineReader::fill() {
+    if (!isOpen())
+        return false;
+    ssize_t count = 0;
+    do {
+        count = ::read(m_file, m_buffer.data(), m_buffer.size());
+    } while (count < 0 && errno == EINTR);
+    m_begin = 0;
+    m_end = count > 0 ? static_cast<std::size_t>(count) : 0;
+    return m_end > 0;
+}

@@ -1,0 +1,42 @@
+#ifndef FILES_BOUNDEDLINEREADER_H
+#define FILES_BOUNDEDLINEREADER_H
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+/**
+ * Reads a text file line by line in bounded memory.
+ *
+ * Lines end at '\n', which is not part of them; the last line needs none. A line longer than the
+ * limit is cut there and its rest is skipped, so that a file that is one endless line costs time
+ * but no memory.
+ *
+ * Only regular files open: a folder has no lines, and a pipe or a device might never end.
+ */
+class BoundedLineReader {
+public:
+    /** @param path     in the local 8-bit encoding
+        @param maxLine  the most bytes of a line that are kept */
+    BoundedLineReader(const char* path, std::size_t maxLine);
+    ~BoundedLineReader();
+    BoundedLineReader(const BoundedLineReader&) = delete;
+    BoundedLineReader& operator=(const BoundedLineReader&) = delete;
+
+    bool isOpen() const { return m_file >= 0; }
+
+    /** Puts the next line into @p line. False at the end of the file or when it cannot be read
+        further; @p line is then empty. */
+    bool next(std::string& line);
+
+private:
+    bool fill();
+
+    int m_file;
+    std::size_t m_maxLine;
+    std::vector<char> m_buffer;
+    std::size_t m_begin = 0; ///< first byte of m_buffer that was not handed out yet
+    std::size_t m_end = 0;   ///< one past the last byte of m_buffer that was read
+};
+
+#endif

@@ -1,0 +1,73 @@
+#ifndef FILES_CFILEIO_H
+#define FILES_CFILEIO_H
+
+#include "instrument/KvaSdk.h"
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+/**
+ * The tool's two file formats: network settings (INI) and calibration values (CSV). Without state;
+ * made on the stack for each file operation.
+ *
+ * Paths are in the local 8-bit encoding. Only regular files can be read; another one counts as a
+ * file that cannot be opened. Nothing is thrown, and nothing is reported but by the results, with
+ * one exception that the CSV readers name.
+ */
+class CFileIO {
+public:
+    /** Size of the buffer that `ReadProfileString` writes to, in bytes, its NUL included. */
+    static constexpr std::size_t profileValueSize = 512;
+
+    CFileIO() = default;
+    virtual ~CFileIO();
+
+    /** Creates or truncates the file and writes the settings as eleven lines, the security key in
+        clear text.
+        @return whether the file could be opened for writing; a later failure to write does not
+                change it. */
+    bool WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info);
+
+    /** Reads the eight settings of the section "Network".
+        @param info  zeroed by the caller: fields that are not reached keep their bytes, and texts
+                     are copied without their terminator
+        @return false when the file cannot be opened, a key is missing or has no value, the SSID is
+                longer than 32 bytes or the key longer than 64. Numbers are read as `atoi` reads
+                them and are not checked. */
+    bool ReadNetworkIni(const char* path, KVA_NETWORKINFO* info);
+
+    /** Looks up the value of @p key in @p section, both compared without regard to ASCII letter
+        case. Once the section was seen, the keys of later sections count as well; the first match
+        wins.
+        @param defaultValue  copied when the key is not found or an argument is null (not when the
+                             file cannot be opened: @p out is then left as it is); may be null
+        @param out           `profileValueSize` bytes, or null for the default's length alone
+        @param size          ignored
+        @return the length in bytes of what is in @p out. A value that does not fit is cut to
+                `profileValueSize` - 1 bytes, one with a NUL byte ends there. */
+    static int ReadProfileString(const char* section, const char* key, const char* defaultValue,
+                                 char* out, std::size_t size, const char* path);
+
+    /** Reads a white calibration plate value file: the serial number, 1 to 8 hexadecimal digits on
+        the third line, and 38 values on the fourth. Only these two fields of @p record change, each
+        only when its line is right; an empty third line and missing lines leave theirs.
+        @return false when the file cannot be opened, the serial line is longer than 8 (reported on
+                the standard output) or the values are not exactly 38. */
+    bool GetCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record);
+
+    /** The same for an ambient light adapter and its 75 values. The serial line must have exactly 8
+        characters; another one is reported on the standard output and its field left, but does not
+        make the read fail. */
+    bool GetAmbAdpCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record);
+
+    /** The two decimal digits of a binary-coded byte, 0 to 99; nibbles above 9 are not refused and
+        give up to 165. */
+    static unsigned int BcdToDec(unsigned char byte);
+
+    /** The non-empty pieces of @p text between delimiters. */
+    static std::vector<std::string> SplitString(std::string_view text, char delimiter);
+};
+
+#endif

@@ -1,0 +1,111 @@
+#include "files/BoundedLineReader.h"
+#include "files/CFileIO.h"
+#include "files/CHexToBin.h"
+#include "files/NumberText.h"
+
+#include <algorithm>
+#include <cstdio>
+
+namespace {
+
+/** The most bytes of a line that are looked at. */
+constexpr std::size_t maxLine = 1024 * 1024;
+
+constexpr int serialNoLine = 2;
+constexpr int valuesLine = 3;
+
+using SerialNo = std::uint8_t[4];
+constexpr std::size_t serialNoDigits = 2 * sizeof(SerialNo);
+
+/** Takes the serial line into the record's field.
+    @return whether the line leaves the read successful */
+using StoreSerialNo = bool (*)(const std::string& line, SerialNo& serialNo);
+
+/** What differs between the two kinds of file, and where in the record their fields are. */
+struct CalRefCsv {
+    SerialNo& serialNo;
+    StoreSerialNo storeSerialNo;
+    float* values;
+    std::size_t valueCount;
+};
+
+void reportIncorrectData(const std::string& line) {
+    std::printf("incorrect data. %s\n", line.c_str());
+    std::fflush(stdout);
+}
+
+/** @param digits  an even count of at most `serialNoDigits`; a pair that is no byte gives 0xFF */
+void storeRightAligned(const std::string& digits, SerialNo& serialNo) {
+    const std::size_t pairs = digits.size() / 2;
+    std::fill(std::begin(serialNo), std::end(serialNo), std::uint8_t{0});
+    for (std::size_t i = 0; i < pairs; ++i) {
+        const int byte = CHexToBin::hexPairToByte(digits.data() + 2 * i);
+        serialNo[sizeof(SerialNo) - pairs + i] = static_cast<std::uint8_t>(byte);
+    }
+}
+
+bool storeWhitePlateSerialNo(const std::string& line, SerialNo& serialNo) {
+    if (line.size() > serialNoDigits) {
+        reportIncorrectData(line);
+        return false;
+    }
+    if (!line.empty())
+        storeRightAligned(line.size() % 2 != 0 ? '0' + line : line, serialNo);
+    return true;
+}
+
+bool storeAdapterSerialNo(const std::string& line, SerialNo& serialNo) {
+    if (line.size() == serialNoDigits)
+        storeRightAligned(line, serialNo);
+    else
+        reportIncorrectData(line);
+    return true;
+}
+
+bool storeValues(const std::string& line, const CalRefCsv& csv) {
+    const std::vector<std::string> pieces = CFileIO::SplitString(line, ',');
+    if (pieces.size() != csv.valueCount)
+        return false;
+    std::transform(pieces.begin(), pieces.end(), csv.values,
+                   [](const std::string& piece) { return NumberText::toFloat(piece.c_str()); });
+    return true;
+}
+
+void dropLineEndCr(std::string& line) {
+    const std::size_t cr = line.find('\r');
+    if (cr != std::string::npos && cr + 1 == line.size())
+        line.pop_back();
+}
+
+bool readCalRefCsv(const char* path, const CalRefCsv& csv) {
+    BoundedLineReader reader(path, maxLine);
+    if (!reader.isOpen())
+        return false;
+    bool result = true;
+    std::string line;
+    // The lines behind the values are read as well: a file is right or wrong as a whole.
+    for (std::size_t index = 0; reader.next(line); ++index) {
+        dropLineEndCr(line);
+        if (index == serialNoLine)
+            result = csv.storeSerialNo(line, csv.serialNo) && result;
+        else if (index == valuesLine)
+            result = storeValues(line, csv) && result;
+    }
+    return result;
+}
+
+} // namespace
+
+bool CFileIO::GetCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record) {
+    if (!path || !record)
+        return false;
+    return readCalRefCsv(path, {record->whiteSerialNo, storeWhitePlateSerialNo,
+                                record->rfWhite.spcData, KVA_WHITE_PLATE_VALUES});
+}
+
+bool CFileIO::GetAmbAdpCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record) {
+    if (!path || !record)
+        return false;
+    return readCalRefCsv(path, {record->ambAdpSerialNo, storeAdapterSerialNo,
+                                record->ambAdp.spcData, KVA_AMBIENT_ADAPTER_VALUES});
+}

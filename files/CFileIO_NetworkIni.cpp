@@ -1,0 +1,195 @@
+#include "files/BoundedLineReader.h"
+#include "files/CFileIO.h"
+#include "files/NumberText.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+
+namespace {
+
+/** The most bytes of a line that are looked at. */
+constexpr std::size_t maxLine = 64 * 1024;
+
+// ---- Looking up one key
+
+char lowerCase(char c) {
+    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
+}
+
+bool equalsIgnoringCase(std::string_view a, std::string_view b) {
+    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
+                      [](char x, char y) { return lowerCase(x) == lowerCase(y); });
+}
+
+std::string_view trimmed(std::string_view text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    if (first == std::string_view::npos)
+        return {};
+    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
+}
+
+/** Drops the first carriage return if it is the last character. */
+std::string_view withoutLineEndCr(std::string_view text) {
+    const std::size_t cr = text.find('\r');
+    if (cr != std::string_view::npos && cr + 1 == text.size())
+        text.remove_suffix(1);
+    return text;
+}
+
+/** Copies the text up to its first NUL, cut so that it fits `CFileIO::profileValueSize` bytes.
+    @return the length copied */
+int copyValue(std::string_view text, char* out) {
+    text = text.substr(0, text.find('\0'));
+    text = text.substr(0, CFileIO::profileValueSize - 1);
+    std::copy(text.begin(), text.end(), out);
+    out[text.size()] = '\0';
+    return static_cast<int>(text.size());
+}
+
+/** Whether @p line assigns a value to @p key; that value, unbounded, goes to @p value. */
+bool matchKeyLine(std::string_view line, std::string_view key, std::string_view& value) {
+    const std::size_t equalsSign = line.find('=');
+    if (equalsSign == std::string_view::npos || equalsSign + 1 == line.size())
+        return false;
+    if (!equalsIgnoringCase(trimmed(line.substr(0, equalsSign)), key))
+        return false;
+    value = withoutLineEndCr(trimmed(line.substr(equalsSign + 1)));
+    return true;
+}
+
+// ---- Converting one value
+
+/** Puts the value, `CFileIO::profileValueSize` bytes with its NUL, into its field.
+    @return false when it does not fit */
+using StoreValue = bool (*)(const char* value, KVA_NETWORKINFO& info);
+
+template <std::uint32_t KVA_NETWORKINFO::*Field>
+bool storeFlag(const char* value, KVA_NETWORKINFO& info) {
+    info.*Field = static_cast<std::uint32_t>(NumberText::toInt32(value));
+    return true;
+}
+
+template <std::uint8_t (KVA_NETWORKINFO::*Field)[4]>
+bool storeAddress(const char* value, KVA_NETWORKINFO& info) {
+    const std::vector<std::string> pieces = CFileIO::SplitString(value, '.');
+    const std::size_t count = std::min<std::size_t>(pieces.size(), 4);
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto number = static_cast<std::uint32_t>(NumberText::toInt32(pieces[i].c_str()));
+        (info.*Field)[i] = static_cast<std::uint8_t>(number & 0xFFU);
+    }
+    return true;
+}
+
+template <std::size_t Size, char (KVA_NETWORKINFO::*Field)[Size]>
+bool storeText(const char* value, KVA_NETWORKINFO& info) {
+    const std::size_t length = std::strlen(value);
+    if (length > Size - 1)
+        return false;
+    std::memcpy(info.*Field, value, length);
+    return true;
+}
+
+struct NetworkKey {
+    const char* name;
+    StoreValue store;
+};
+
+/** In the order in which they are looked up, which is that of the file. */
+constexpr NetworkKey networkKeys[] = {
+    {"DHCPUse", storeFlag<&KVA_NETWORKINFO::DHCPUse>},
+    {"IPAddress", storeAddress<&KVA_NETWORKINFO::IPAddress>},
+    {"SubnetMask", storeAddress<&KVA_NETWORKINFO::SubnetMask>},
+    {"DefaultGateway", storeAddress<&KVA_NETWORKINFO::DefaultGateway>},
+    {"SSID", storeText<sizeof(KVA_NETWORKINFO::SSID), &KVA_NETWORKINFO::SSID>},
+    {"EncryptKey", storeText<sizeof(KVA_NETWORKINFO::EncryptKey), &KVA_NETWORKINFO::EncryptKey>},
+    {"DNS", storeAddress<&KVA_NETWORKINFO::DNS>},
+    {"APConnectUse", storeFlag<&KVA_NETWORKINFO::APConnectUse>},
+};
+
+// ---- Writing the lines
+
+std::string numberLine(const char* key, std::uint32_t value) {
+    return key + std::to_string(static_cast<std::int32_t>(value));
+}
+
+std::string addressLine(const char* key, const std::uint8_t (&octets)[4]) {
+    std::string line = key + std::to_string(octets[0]);
+    for (int i = 1; i < 4; ++i)
+        line += '.' + std::to_string(octets[i]);
+    return line;
+}
+
+template <std::size_t Size>
+std::string textLine(const char* key, const char (&text)[Size]) {
+    return key + std::string(text, ::strnlen(text, Size));
+}
+
+} // namespace
+
+bool CFileIO::WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info) {
+    if (!path || !info)
+        return false;
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "w"), std::fclose);
+    if (!file)
+        return false;
+    const std::string lines[] = {
+        "[Network]",
+        "; 0:eDHCP_OFF, 1:eDHCP_ON",
+        numberLine("DHCPUse=", info->DHCPUse),
+        addressLine("IPAddress=", info->IPAddress),
+        addressLine("SubnetMask=", info->SubnetMask),
+        addressLine("DefaultGateway=", info->DefaultGateway),
+        textLine("SSID=", info->SSID),
+        textLine("EncryptKey=", info->EncryptKey),
+        addressLine("DNS=", info->DNS),
+        "; 0:eAPConnect_OFF, 1:eAPConnect_ON",
+        numberLine("APConnectUse=", info->APConnectUse),
+    };
+    for (const std::string& line : lines) {
+        std::fwrite(line.data(), 1, line.size(), file.get());
+        std::fputc('\n', file.get());
+        std::fflush(file.get());
+    }
+    return true;
+}
+
+bool CFileIO::ReadNetworkIni(const char* path, KVA_NETWORKINFO* info) {
+    if (!info)
+        return false;
+    for (const NetworkKey& key : networkKeys) {
+        char value[profileValueSize] = {};
+        if (ReadProfileString("Network", key.name, "", value, 0, path) == 0)
+            return false;
+        if (!key.store(value, *info))
+            return false;
+    }
+    return true;
+}
+
+int CFileIO::ReadProfileString(const char* section, const char* key, const char* defaultValue,
+                               char* out, std::size_t /*size*/, const char* path) {
+    const std::string_view fallback = defaultValue ? defaultValue : "";
+    if (!out)
+        return static_cast<int>(fallback.size());
+    if (!section || !key || !path)
+        return copyValue(fallback, out);
+    BoundedLineReader reader(path, maxLine);
+    if (!reader.isOpen())
+        return static_cast<int>(std::min(fallback.size(), profileValueSize - 1));
+
+    const std::string header = std::string("[") + section + "]";
+    bool inSection = false;
+    std::string line;
+    while (reader.next(line)) {
+        std::string_view value;
+        if (line.empty())
+            continue;
+        if (line.front() == '[')
+            inSection = inSection || equalsIgnoringCase(withoutLineEndCr(line), header);
+        else if (inSection && matchKeyLine(line, key, value))
+            return copyValue(value, out);
+    }
+    return copyValue(fallback, out);
+}
