@@ -1,0 +1,72 @@
+#include "dialogs/ConnectSelectDialog.h"
+
+#include "dialogs/DialogSupport.h"
+#include "instrument/CKvaSdk_Ctrl.h"
+#include "ui_ConnectSelectDialog.h"
+
+#include <QIcon>
+#include <QKeyEvent>
+#include <QtDebug>
+
+#include <utility>
+
+ConnectSelectDialog::ConnectSelectDialog(QWidget* parent)
+    : QDialog(parent), ui(std::make_unique<Ui::ConnectSelectDialog>()) {
+    ui->setupUi(this);
+}
+
+ConnectSelectDialog::~ConnectSelectDialog() {
+    isFinished = true;
+}
+
+void ConnectSelectDialog::setSdkCtrl(std::shared_ptr<CKvaSdk_Ctrl> ctrl) {
+    m_sdkCtrl = std::move(ctrl);
+}
+
+void ConnectSelectDialog::setDeviceList(QStringList devices) {
+    setWindowIcon(QIcon(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
+    setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
+                   Qt::WindowMaximizeButtonHint);
+    ui->pushButton->setStyleSheet(
+        QStringLiteral("QPushButton:default{background-color:gainsboro;}"));
+    setFixedSize(width(), height());
+    ui->connectlistWidget->clear();
+    for (const QString& device : std::as_const(devices))
+        ui->connectlistWidget->insertItem(ui->connectlistWidget->count(), device);
+    ui->connectlistWidget->setCurrentRow(0);
+    setWindowTitle(tr("Select Device"));
+}
+
+bool ConnectSelectDialog::choose(const QStringList& devices,
+                                 const std::function<bool()>& isAbandoned) {
+    isFinished = false;
+    setDeviceList(devices);
+    show();
+    DialogSupport::waitUntil([&] {
+        // A window manager can close a window without a close button; nobody could choose then.
+        if (!isFinished && !isVisible())
+            show();
+        return isFinished || isAbandoned();
+    });
+    if (!isFinished) {
+        close();
+        return false;
+    }
+    qDebug("select portNum[main]:%d", portNum);
+    return true;
+}
+
+void ConnectSelectDialog::on_pushButton_clicked() {
+    isFinished = true;
+    close();
+}
+
+void ConnectSelectDialog::on_connectlistWidget_itemSelectionChanged() {
+    portNum = ui->connectlistWidget->currentRow();
+    qDebug("select portNum[ConnectSelectDialog]:%d", portNum);
+}
+
+void ConnectSelectDialog::keyPressEvent(QKeyEvent* event) {
+    if (event->key() != Qt::Key_Escape)
+        QDialog::keyPressEvent(event);
+}

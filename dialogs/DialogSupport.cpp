@@ -1,0 +1,33 @@
+#include "dialogs/DialogSupport.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QIcon>
+#include <QThread>
+
+QString DialogSupport::resourcePath(const QString& fileName) {
+    QDir base(QCoreApplication::applicationDirPath());
+    base.cdUp();
+    return base.absolutePath() + QStringLiteral("/Resources/") + fileName;
+}
+
+void DialogSupport::waitUntil(const std::function<bool()>& isFinished) {
+    while (!isFinished()) {
+        QCoreApplication::processEvents();
+        QThread::msleep(10);
+    }
+}
+
+void DialogSupport::showMessageBox(const QString& title, const QString& text,
+                                   QMessageBox::Icon icon, const QString& iconPath) {
+    QMessageBox box;
+    box.setWindowTitle(title);
+    box.setWindowIcon(QIcon(iconPath));
+    box.setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                       Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
+                       Qt::WindowCloseButtonHint);
+    box.setText(text);
+    box.setIcon(icon);
+    box.setStandardButtons(QMessageBox::Ok);
+    box.exec();
+}

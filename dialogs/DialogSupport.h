@@ -1,0 +1,28 @@
+#ifndef DIALOGS_DIALOGSUPPORT_H
+#define DIALOGS_DIALOGSUPPORT_H
+
+#include <QMessageBox>
+#include <QString>
+
+#include <functional>
+
+/** What every window of the tool needs. User-interface thread only; an application object must
+    exist. */
+namespace DialogSupport {
+
+/** The path of a file in the Resources folder beside the program's own: the program's folder, one
+    up, "/Resources/" and @p fileName. */
+QString resourcePath(const QString& fileName);
+
+/** Keeps the windows alive until @p isFinished says so: processes events, then sleeps 10 ms, again
+    and again. Asked before each pass. */
+void waitUntil(const std::function<bool()>& isFinished);
+
+/** Shows a modal box with one Ok button and returns when it was dismissed, however.
+    @param iconPath  the window icon's file; empty for none */
+void showMessageBox(const QString& title, const QString& text, QMessageBox::Icon icon,
+                    const QString& iconPath);
+
+} // namespace DialogSupport
+
+#endif

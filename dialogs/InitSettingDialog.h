@@ -1,0 +1,147 @@
+#ifndef DIALOGS_INITSETTINGDIALOG_H
+#define DIALOGS_INITSETTINGDIALOG_H
+
+#include <QDialog>
+#include <QString>
+#include <QTimer>
+
+#include <array>
+#include <cstdint>
+#include <memory>
+#include <optional>
+
+class CKvaSdk_Ctrl;
+class ConnectSelectDialog;
+class QLineEdit;
+class QRadioButton;
+
+namespace Ui {
+class InitSettingDialog;
+}
+
+/**
+ * The settings dialog, the main window of a run: the connection panel with the disconnect watch,
+ * and the tabs for the network settings, the power-off time and the two calibration accessories.
+ *
+ * Its owner hands over the controller and the selection dialog, calls `connectDevice`, shows the
+ * window with `show()` and waits for `isFinished`. User-interface thread only; the slots block
+ * while the instrument works and while a message is shown.
+ */
+class InitSettingDialog : public QDialog {
+    Q_OBJECT
+
+public:
+    explicit InitSettingDialog(QWidget* parent = nullptr);
+    ~InitSettingDialog() override;
+
+    /** Shares the controller. Needed before anything else is called. */
+    void setSdkCtrl(std::shared_ptr<CKvaSdk_Ctrl> ctrl);
+
+    /** The dialog that the Connect button offers the instruments with; not owned, and it must
+        outlive this one's use. */
+    void setConnectSelectDialog(ConnectSelectDialog* dialog);
+
+    /** Connects to an instrument and fills the dialog from it.
+        @param portNum    index into the controller's list; negative: no instrument
+        @param firstTime  also gives the window its icon, its flags and its fixed size */
+    void connectDevice(int portNum, bool firstTime);
+
+    /** A modal box with the critical icon. The text is looked up in the translation (again). */
+    void showErrorMessage(const QString& message);
+    /** A modal box with the information icon. The text is looked up in the translation (again). */
+    void showInfoMessage(const QString& message);
+
+    /** Enables or disables the sixteen address edits, nothing else. */
+    void SetTcpIpEditsEnabled(bool enabled);
+    /** Whether each of the sixteen address edits holds digits and nothing else. */
+    bool ValidateAddressEdits();
+    /** Whether the text is one or more of the ASCII digits. */
+    bool IsDigitsOnly(const QString& text);
+
+protected:
+    /** Escape is swallowed: it must not end the program. */
+    void keyPressEvent(QKeyEvent* event) override;
+    /** The title bar's close control acts as the Close button. */
+    void closeEvent(QCloseEvent* event) override;
+
+private Q_SLOTS:
+    // Their order is part of the meta-object.
+    void on_ClosePushBtn_clicked();
+    void on_selWCPFilePushBtn_clicked();
+    void on_selAmbLightAdpFilePushBtn_clicked();
+    void on_readToFilePushBtn_clicked();
+    void on_disConnectPushBtn_clicked();
+    void on_ConnectPushBtn_clicked();
+    void on_readBodyPushBtn_clicked();
+    void on_writeFilePushBtn_clicked();
+    void on_writeBodyPushBtn_clicked();
+    void on_setWCPValPushBtn_clicked();
+    void on_setAmbAdpBodyPushBtn_clicked();
+    void on_dhcpOnRadioBtn_clicked();
+    void on_dhcpOffRadioBtn_clicked();
+    void on_getAutoPWOffPushBtn_clicked();
+    void on_setAutoPWOffPushBtn_clicked();
+    void timerHit();
+    void on_setBasetabWidget_currentChanged(int index);
+
+private:
+    struct CalibrationTab;
+
+    /** IP address, subnet mask, default gateway and DNS server, first octet first. */
+    using Octets = std::array<uint8_t, 16>;
+    /** The radio buttons of the power-off modes, in the order of the modes' values. */
+    using PowerOffButtons = std::array<QRadioButton*, 4>;
+
+    // Connection panel
+    void prepareWindow();
+    void showNoInstrument();
+    void fillFromInstrument();
+    bool fillIdentity();
+    void fillWirelessLan();
+    void fillCalibrationSerialNos();
+    void fillPowerOffTime();
+    void enterConnectedState();
+    void resetToNotConnected();
+    void setTabsEnabled(bool enabled);
+    void uncheckNetworkSwitches();
+
+    /** The file that the user chose; empty when the choice was cancelled, or when the connection
+        was lost meanwhile and there is nothing to read the file for. */
+    QString askOpenFileName(const QString& filter, bool customDirectoryIcons);
+
+    // Network tab
+    void fillNetworkTab();
+    std::optional<Octets> readOctets();
+    void collectNetworkTab(const Octets& octets);
+    void writeNetworkToBody();
+    void setNetworkButtonsEnabled(bool enabled);
+
+    // Calibration tabs
+    CalibrationTab whitePlateTab();
+    CalibrationTab ambientAdapterTab();
+    void chooseValueFile(const CalibrationTab& tab);
+    void registerValueFile(const CalibrationTab& tab);
+
+    // Power-off tab
+    PowerOffButtons powerOffButtons() const;
+    void checkPowerOffButton(uint8_t mode);
+    void setPowerOffButtonsEnabled(bool enabled);
+
+    std::unique_ptr<Ui::InitSettingDialog> ui;
+    std::shared_ptr<CKvaSdk_Ctrl> m_sdkCtrl;
+    ConnectSelectDialog* m_connectSelectDialog = nullptr;
+    QString m_wcpFilePath; ///< chosen white plate file; empty: none
+    QString m_ambFilePath; ///< chosen adapter file; empty: none
+    QString iconPath;      ///< for the message boxes; empty until the first `connectDevice`
+    QTimer m_timer;        ///< the disconnect watch: runs while connected
+
+public:
+    bool isFinished = false; ///< the dialog was left
+
+private:
+    bool m_isConnected = false;
+    bool m_isChoosing = false; ///< the Connect button's choice of an instrument is open
+    std::array<QLineEdit*, 16> m_addressEdits = {}; ///< in the order of `Octets`
+};
+
+#endif

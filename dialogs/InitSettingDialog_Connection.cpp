@@ -1,0 +1,221 @@
+#include "dialogs/ConnectSelectDialog.h"
+#include "dialogs/DialogSupport.h"
+#include "dialogs/InitSettingDialog.h"
+#include "instrument/CKvaSdk_Ctrl.h"
+#include "ui_InitSettingDialog.h"
+
+#include <QIcon>
+#include <QtDebug>
+
+namespace {
+
+constexpr int noInstrument = -1;
+constexpr uint32_t connectWait = 10;
+
+/** Unchecks a button even where its exclusive group would keep one checked. */
+void forceUncheck(QRadioButton* button) {
+    button->setCheckable(false);
+    button->setChecked(false);
+    button->setCheckable(true);
+}
+
+} // namespace
+
+void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
+    if (firstTime)
+        prepareWindow();
+    if (portNum < 0)
+        showNoInstrument();
+    else if (m_sdkCtrl->Connect(portNum, connectWait))
+        fillFromInstrument();
+    else
+        showErrorMessage(tr("Failed to connect device."));
+    // A value file must be chosen again before its values can be sent.
+    ui->setWCPValPushBtn->setEnabled(false);
+    ui->setAmbAdpBodyPushBtn->setEnabled(false);
+}
+
+void InitSettingDialog::prepareWindow() {
+    iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
+    setWindowIcon(QIcon(iconPath));
+    setWindowFlags(Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
+                   Qt::WindowMaximizeButtonHint | Qt::CustomizeWindowHint |
+                   Qt::WindowCloseButtonHint);
+    setFixedSize(width(), height());
+}
+
+void InitSettingDialog::showNoInstrument() {
+    ui->disConnectPushBtn->setEnabled(false);
+    setTabsEnabled(false);
+    uncheckNetworkSwitches();
+    ui->ConnectPushBtn->setFocus();
+}
+
+void InitSettingDialog::fillFromInstrument() {
+    ui->setBasetabWidget->setEnabled(true);
+    setTabsEnabled(true);
+    if (fillIdentity()) {
+        fillWirelessLan();
+        fillCalibrationSerialNos();
+        fillPowerOffTime();
+    }
+    enterConnectedState();
+}
+
+bool InitSettingDialog::fillIdentity() {
+    if (!m_sdkCtrl->GetDeviceInfo()) {
+        ui->serialNolabel->setText(QString());
+        ui->firmVersionlabel->setText(QString());
+        ui->MACAddresslabel->setText(QString());
+        ui->dhcpOnRadioBtn->setChecked(false);
+        ui->dhcpOffRadioBtn->setChecked(false);
+        showErrorMessage(tr("Failed to read device data."));
+        return false;
+    }
+    ui->serialNolabel->setText(m_sdkCtrl->m_serialNo);
+    ui->firmVersionlabel->setText(m_sdkCtrl->m_firmVersion);
+    ui->MACAddresslabel->setText(m_sdkCtrl->m_macAddress);
+    return true;
+}
+
+void InitSettingDialog::fillWirelessLan() {
+    if (!m_sdkCtrl->IsWifiModuleEnabled()) {
+        ui->networkSetTab->setEnabled(false);
+        uncheckNetworkSwitches();
+        showInfoMessage(tr("Wireless LAN is invalid."));
+        return;
+    }
+    ui->networkSetTab->setEnabled(true);
+    if (m_sdkCtrl->GetNetworkInfo())
+        fillNetworkTab();
+}
+
+void InitSettingDialog::fillCalibrationSerialNos() {
+    const bool read = m_sdkCtrl->GetCalRefSerialNo();
+    // Both texts are empty when they could not be read.
+    ui->curWCalibPlateSerialNolabel->setText(m_sdkCtrl->m_curWCPSerialNo);
+    ui->curAmbAdpSerialNolabel->setText(m_sdkCtrl->m_curAmbAdpSerialNo);
+    if (!read) {
+        showErrorMessage(tr("Failed to device WhiteCalibPlateSerialNo."));
+        showErrorMessage(tr("Failed to device AmbientLightAdapterSerialNo."));
+    }
+}
+
+void InitSettingDialog::fillPowerOffTime() {
+    uint8_t mode = 0;
+    if (m_sdkCtrl->GetShutdownTime(mode))
+        checkPowerOffButton(mode);
+    else
+        showErrorMessage(tr("Failed to read automatic shutdown time."));
+}
+
+void InitSettingDialog::enterConnectedState() {
+    ui->ConnectPushBtn->setEnabled(false);
+    ui->disConnectPushBtn->setEnabled(true);
+    ui->ClosePushBtn->setEnabled(false);
+    m_isConnected = true;
+    m_timer.start();
+}
+
+void InitSettingDialog::resetToNotConnected() {
+    ui->ConnectPushBtn->setEnabled(true);
+    ui->disConnectPushBtn->setEnabled(false);
+    ui->ClosePushBtn->setEnabled(true);
+    setTabsEnabled(false);
+
+    ui->serialNolabel->setText(QString());
+    ui->firmVersionlabel->setText(QString());
+    ui->MACAddresslabel->setText(QString());
+    ui->SSIDlineEdit->setText(QString());
+    ui->passwdlineEdit->setText(QString());
+    for (QLineEdit* edit : m_addressEdits)
+        edit->setText(QString());
+    ui->curWCalibPlateSerialNolabel->setText(QString());
+    ui->selWCPFileNamelabel->setText(QString());
+    ui->selFileSerialNolabel->setText(QString());
+    m_wcpFilePath.clear();
+    ui->curAmbAdpSerialNolabel->setText(QString());
+    ui->selAmbAdpFnamelabel->setText(QString());
+    ui->selAmbAdpFSerialNolabel->setText(QString());
+    m_ambFilePath.clear();
+
+    ui->enableRadioBtn->setChecked(false);
+    ui->disableRadioBtn->setChecked(false);
+    forceUncheck(ui->dhcpOnRadioBtn);
+    forceUncheck(ui->dhcpOffRadioBtn);
+    for (QRadioButton* button : powerOffButtons())
+        forceUncheck(button);
+
+    m_isConnected = false;
+}
+
+void InitSettingDialog::setTabsEnabled(bool enabled) {
+    ui->networkSetTab->setEnabled(enabled);
+    ui->autoPowerOfftab->setEnabled(enabled);
+    ui->ambLightAdpTab->setEnabled(enabled);
+    ui->wCalibPlateTab->setEnabled(enabled);
+}
+
+void InitSettingDialog::uncheckNetworkSwitches() {
+    ui->enableRadioBtn->setChecked(false);
+    ui->disableRadioBtn->setChecked(false);
+    ui->dhcpOnRadioBtn->setChecked(false);
+    ui->dhcpOffRadioBtn->setChecked(false);
+}
+
+void InitSettingDialog::on_ConnectPushBtn_clicked() {
+    if (m_isChoosing) {
+        // Pressed again while the choice is open: there is one choice, so bring it to the front.
+        m_connectSelectDialog->raise();
+        m_connectSelectDialog->activateWindow();
+        return;
+    }
+    m_sdkCtrl->GetDevicePortList();
+    int portNum = 0;
+    if (m_sdkCtrl->m_deviceCount == 0) {
+        showInfoMessage(tr("The measuring instruments is not connected."));
+        portNum = noInstrument;
+    } else if (m_sdkCtrl->m_deviceCount > 1) {
+        m_isChoosing = true;
+        const bool chosen = m_connectSelectDialog->choose(m_sdkCtrl->m_deviceNameList,
+                                                          [this] { return isFinished; });
+        m_isChoosing = false;
+        if (!chosen)
+            return; // this dialog was closed meanwhile
+        portNum = m_connectSelectDialog->portNum;
+    }
+    connectDevice(portNum, false);
+}
+
+void InitSettingDialog::on_disConnectPushBtn_clicked() {
+    if (!m_isConnected)
+        return;
+    if (!m_sdkCtrl->Disconnect()) {
+        showErrorMessage(tr("Failed to device disconnect."));
+        return;
+    }
+    m_timer.stop();
+    resetToNotConnected();
+}
+
+void InitSettingDialog::on_ClosePushBtn_clicked() {
+    if (m_isConnected) {
+        if (!m_sdkCtrl->Disconnect())
+            showErrorMessage(tr("Failed to disconnect device."));
+        m_isConnected = false;
+        m_timer.stop();
+    }
+    isFinished = true;
+    close();
+}
+
+void InitSettingDialog::timerHit() {
+    qDebug("eEventCode_DisConnect check \n");
+    if (!g_deviceDisconnected.load(std::memory_order_relaxed))
+        return;
+    m_timer.stop();
+    g_deviceDisconnected.store(false, std::memory_order_relaxed);
+    qDebug("eEventCode_DisConnect true \n");
+    resetToNotConnected();
+    showErrorMessage(tr("The connection with the measuring instrument was disconnected."));
+}

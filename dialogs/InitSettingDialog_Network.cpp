@@ -1,0 +1,178 @@
+#include "dialogs/InitSettingDialog.h"
+#include "instrument/CKvaSdk_Ctrl.h"
+#include "ui_InitSettingDialog.h"
+
+#include <QFileDialog>
+#include <QtDebug>
+
+namespace {
+
+constexpr unsigned int highestOctet = 255;
+constexpr std::size_t octetsPerAddress = 4;
+
+} // namespace
+
+void InitSettingDialog::SetTcpIpEditsEnabled(bool enabled) {
+    for (QLineEdit* edit : m_addressEdits)
+        edit->setEnabled(enabled);
+}
+
+bool InitSettingDialog::ValidateAddressEdits() {
+    return std::all_of(m_addressEdits.begin(), m_addressEdits.end(),
+                       [this](const QLineEdit* edit) { return IsDigitsOnly(edit->text()); });
+}
+
+bool InitSettingDialog::IsDigitsOnly(const QString& text) {
+    qDebug("length:%d\n", text.length());
+    for (const QChar character : text) {
+        qDebug("%s", qUtf8Printable(QString(character)));
+        if (character < QLatin1Char('0') || character > QLatin1Char('9'))
+            return false;
+    }
+    return !text.isEmpty();
+}
+
+void InitSettingDialog::fillNetworkTab() {
+    const CKvaSdk_Ctrl& ctrl = *m_sdkCtrl;
+    (ctrl.m_apConnectUse ? ui->enableRadioBtn : ui->disableRadioBtn)->setChecked(true);
+    (ctrl.m_apConnectUse ? ui->disableRadioBtn : ui->enableRadioBtn)->setChecked(false);
+    (ctrl.m_dhcpUse ? ui->dhcpOnRadioBtn : ui->dhcpOffRadioBtn)->setChecked(true);
+    (ctrl.m_dhcpUse ? ui->dhcpOffRadioBtn : ui->dhcpOnRadioBtn)->setChecked(false);
+    SetTcpIpEditsEnabled(!ctrl.m_dhcpUse);
+
+    ui->SSIDlineEdit->setText(ctrl.m_ssid);
+    ui->passwdlineEdit->setText(ctrl.m_encryptKey);
+    const QStringList octets =
+        ctrl.m_ipAddress + ctrl.m_subnetMask + ctrl.m_defaultGateway + ctrl.m_dns;
+    for (std::size_t i = 0; i < m_addressEdits.size(); ++i)
+        m_addressEdits[i]->setText(octets.value(static_cast<int>(i)));
+}
+
+std::optional<InitSettingDialog::Octets> InitSettingDialog::readOctets() {
+    Octets octets = {};
+    bool valid = ValidateAddressEdits();
+    for (std::size_t i = 0; valid && i < octets.size(); ++i) {
+        const auto value = static_cast<unsigned int>(m_addressEdits[i]->text().toInt());
+        valid = value <= highestOctet;
+        octets[i] = static_cast<uint8_t>(value & highestOctet);
+    }
+    if (!valid) {
+        showErrorMessage(tr("The input value is invalid."));
+        return std::nullopt;
+    }
+    return octets;
+}
+
+void InitSettingDialog::collectNetworkTab(const Octets& octets) {
+    CKvaSdk_Ctrl& ctrl = *m_sdkCtrl;
+    ctrl.SetIPAddress(octets.data());
+    ctrl.SetSubnetMask(octets.data() + octetsPerAddress);
+    ctrl.SetDefaultGateway(octets.data() + 2 * octetsPerAddress);
+    ctrl.SetDNS(octets.data() + 3 * octetsPerAddress);
+
+    // With neither button of a switch checked, its field keeps the value of the last read.
+    if (ui->enableRadioBtn->isChecked())
+        ctrl.m_networkInfo.APConnectUse = eAPConnect_ON;
+    if (ui->disableRadioBtn->isChecked())
+        ctrl.m_networkInfo.APConnectUse = eAPConnect_OFF;
+    if (ui->dhcpOnRadioBtn->isChecked())
+        ctrl.m_networkInfo.DHCPUse = eDHCP_ON;
+    if (ui->dhcpOffRadioBtn->isChecked())
+        ctrl.m_networkInfo.DHCPUse = eDHCP_OFF;
+
+    ctrl.SetSSID(ui->SSIDlineEdit->text().toLocal8Bit().constData());
+    ctrl.SetEncryptKey(ui->passwdlineEdit->text().toLocal8Bit().constData());
+}
+
+void InitSettingDialog::setNetworkButtonsEnabled(bool enabled) {
+    ui->readToFilePushBtn->setEnabled(enabled);
+    ui->writeFilePushBtn->setEnabled(enabled);
+    ui->readBodyPushBtn->setEnabled(enabled);
+    ui->writeBodyPushBtn->setEnabled(enabled);
+}
+
+void InitSettingDialog::on_dhcpOnRadioBtn_clicked() {
+    SetTcpIpEditsEnabled(false);
+}
+
+void InitSettingDialog::on_dhcpOffRadioBtn_clicked() {
+    SetTcpIpEditsEnabled(true);
+    for (QLineEdit* edit : m_addressEdits)
+        edit->setText(QString());
+}
+
+void InitSettingDialog::on_readBodyPushBtn_clicked() {
+    if (!m_sdkCtrl->GetNetworkInfo()) {
+        showErrorMessage(tr("Failed to read Network Infomation data."));
+        return;
+    }
+    fillNetworkTab();
+    showInfoMessage(tr("Successful read body data."));
+}
+
+void InitSettingDialog::on_readToFilePushBtn_clicked() {
+    const QString name = askOpenFileName(tr("*(*.*)"), true);
+    if (name.isEmpty())
+        return;
+    if (!m_sdkCtrl->ReadNetworkInfoFile(name.toLocal8Bit().constData())) {
+        showErrorMessage(tr("Failed to read Network Infomation file data."));
+        return;
+    }
+    fillNetworkTab();
+    showInfoMessage(tr("Successful read file data."));
+}
+
+void InitSettingDialog::on_writeFilePushBtn_clicked() {
+    QString selectedFilter = tr("ini(*.ini)");
+    const QString name = QFileDialog::getSaveFileName(this, tr("Save"), QStringLiteral("./"),
+                                                      tr("ini(*.ini)"), &selectedFilter);
+    if (name.isEmpty())
+        return;
+    // Whatever the DHCP choice: a file gets the addresses that the page shows.
+    const std::optional<Octets> octets = readOctets();
+    if (!octets)
+        return;
+    collectNetworkTab(*octets);
+    if (m_sdkCtrl->WriteNetworkInfoFile(name.toLocal8Bit().constData()))
+        showInfoMessage(tr("Successful file writing."));
+    else
+        showErrorMessage(tr("Failed to write Network Infomation file data."));
+}
+
+void InitSettingDialog::on_writeBodyPushBtn_clicked() {
+    // Against a second click that would queue another write.
+    setNetworkButtonsEnabled(false);
+    writeNetworkToBody();
+    setNetworkButtonsEnabled(true);
+}
+
+void InitSettingDialog::writeNetworkToBody() {
+    // With DHCP the instrument gets 0.0.0.0 four times, whatever the edits hold.
+    const std::optional<Octets> octets =
+        ui->dhcpOnRadioBtn->isChecked() ? std::optional<Octets>(Octets{}) : readOctets();
+    if (!octets)
+        return;
+    collectNetworkTab(*octets);
+    if (m_sdkCtrl->SetNetworkInfo()) {
+        showInfoMessage(tr("Write successful. To reflect, after [Disconnect], turn the power "
+                           "supply of the measuring instrument OFF -> ON."));
+    } else {
+        showErrorMessage(tr("Failed to write Network Infomation data."));
+    }
+}
+
+void InitSettingDialog::on_setBasetabWidget_currentChanged(int index) {
+    qDebug("select tab:%d", index);
+    // In the order of the pages; null: nothing takes the focus.
+    const std::array<std::pair<QWidget*, QWidget*>, 4> pages = {{
+        {ui->networkSetTab, nullptr},
+        {ui->autoPowerOfftab, ui->autoPowerOfftab},
+        {ui->wCalibPlateTab, ui->curWCalibPlateSerialNolabel},
+        {ui->ambLightAdpTab, ui->curAmbAdpSerialNolabel},
+    }};
+    if (index < 0 || static_cast<std::size_t>(index) >= pages.size())
+        return;
+    const auto& [page, target] = pages[static_cast<std::size_t>(index)];
+    if (target && page->isEnabled())
+        target->setFocus(Qt::OtherFocusReason);
+}

@@ -1,0 +1,51 @@
+#ifndef DIALOGS_LANGSELECTDIALOG_H
+#define DIALOGS_LANGSELECTDIALOG_H
+
+#include <QDialog>
+
+#include <memory>
+
+namespace Ui {
+class LangSelectDialog;
+}
+
+/**
+ * The choice of the user-interface language, the first window of a run. Shown with `show()`; its
+ * owner waits for `isFinished` and then reads `isCancelled` and `languageCode`.
+ */
+class LangSelectDialog : public QDialog {
+    Q_OBJECT
+
+public:
+    static constexpr int english = 1;
+    static constexpr int japanese = 2;
+
+    explicit LangSelectDialog(QWidget* parent = nullptr);
+    ~LangSelectDialog() override;
+
+    /** Prepares the window and preselects a language; any code but `english` means Japanese. */
+    void setLanguage(int languageCode);
+
+protected:
+    /** Escape is swallowed: it must not count as a choice. */
+    void keyPressEvent(QKeyEvent* event) override;
+    /** Closing before OK is the user's way to cancel. */
+    void closeEvent(QCloseEvent* event) override;
+
+private Q_SLOTS:
+    void on_pushButton_clicked();
+    void on_jpnRadioBtn_clicked();
+    void on_engRadioBtn_clicked();
+
+public:
+    bool isCancelled = false; ///< closed before OK was pressed
+
+private:
+    std::unique_ptr<Ui::LangSelectDialog> ui;
+
+public:
+    bool isFinished = false;
+    int languageCode = japanese; ///< `english` or `japanese`
+};
+
+#endif
