@@ -1,0 +1,128 @@
+#include "dialogs/ConnectSelectDialog.h"
+#include "dialogs/DialogSupport.h"
+#include "dialogs/InitSettingDialog.h"
+#include "dialogs/LangSelectDialog.h"
+#include "instrument/CKvaSdk_Ctrl.h"
+
+#include <QApplication>
+#include <QFont>
+#include <QIcon>
+#include <QLocale>
+#include <QTranslator>
+#include <QtDebug>
+
+#include <memory>
+
+namespace {
+
+/** What the steps of a start hand on. */
+struct StartUp {
+    QString iconPath;
+    bool defaultLoaded = false; ///< the default translation is installed
+};
+
+QString translationPath(int languageCode) {
+    return DialogSupport::resourcePath(languageCode == LangSelectDialog::japanese
+                                           ? QStringLiteral("jp.qm")
+                                           : QStringLiteral("en.qm"));
+}
+
+/** Loads exactly the file at @p path. */
+bool loadExactly(QTranslator& translator, const QString& path) {
+    return translator.load(path, QString(), QString(), QString());
+}
+
+void showStartUpMessage(const StartUp& startUp, const QString& text) {
+    DialogSupport::showMessageBox(QObject::tr("Spectrophotometer Configuration Tool VQ-TL4"), text,
+                                  QMessageBox::Information, startUp.iconPath);
+}
+
+void installDefaultLanguage(QTranslator& translator, int languageCode, StartUp& startUp) {
+    startUp.defaultLoaded = loadExactly(translator, translationPath(languageCode));
+    if (startUp.defaultLoaded)
+        QCoreApplication::installTranslator(&translator);
+    else
+        showStartUpMessage(startUp, QObject::tr("Failed to set default language."));
+}
+
+/** Puts the chosen language in the place of the default one. */
+void installChosenLanguage(QTranslator& defaultTranslator, int languageCode,
+                           const StartUp& startUp) {
+    // Never deleted: the application keeps its translation until the process ends.
+    static QTranslator* const translator = new QTranslator;
+    QString failure;
+    if (languageCode == LangSelectDialog::japanese) {
+        qDebug("select japanese:%d", languageCode);
+        failure = QObject::tr("Failed to set select(japanese) language.");
+    } else {
+        qDebug("select English:%d", languageCode);
+        failure = QObject::tr("Failed to set select(English) language.");
+    }
+    if (!loadExactly(*translator, translationPath(languageCode))) {
+        showStartUpMessage(startUp, failure);
+        return;
+    }
+    if (startUp.defaultLoaded)
+        QCoreApplication::removeTranslator(&defaultTranslator);
+    QCoreApplication::installTranslator(translator);
+}
+
+/** The instrument to connect to at start: an index into the controller's list, or -1. */
+int chooseInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, ConnectSelectDialog& dialog,
+                     const StartUp& startUp) {
+    if (!ctrl->GetDevicePortList()) {
+        showStartUpMessage(startUp, QObject::tr("The measuring instruments is not connected."));
+        return -1;
+    }
+    if (ctrl->m_deviceCount == 1)
+        return 0;
+    dialog.setSdkCtrl(ctrl);
+    dialog.choose(ctrl->m_deviceNameList, [] { return false; });
+    return dialog.portNum;
+}
+
+/** From the choice of the instrument until the settings dialog is left. */
+void configureInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, const StartUp& startUp) {
+    // Made only now, in the chosen language; the settings dialog goes first.
+    ConnectSelectDialog connectSelectDialog;
+    InitSettingDialog settingDialog;
+    const int portNum = chooseInstrument(ctrl, connectSelectDialog, startUp);
+    settingDialog.setSdkCtrl(ctrl);
+    settingDialog.setConnectSelectDialog(&connectSelectDialog);
+    settingDialog.connectDevice(portNum, true);
+    settingDialog.show();
+    DialogSupport::waitUntil([&] { return settingDialog.isFinished; });
+}
+
+} // namespace
+
+/** The whole run. No event loop is run but those of the message boxes: each window is waited for in
+    turn. The order of the declarations is that of the tear-down, reversed. */
+int main(int argc, char* argv[]) {
+    const QApplication application(argc, argv);
+    const std::shared_ptr<CKvaSdk_Ctrl> ctrl(new CKvaSdk_Ctrl);
+    const QFont font(QStringLiteral("San Francisco"), 13, QFont::Normal, false);
+    QApplication::setFont(font);
+    QTranslator defaultTranslator;
+
+    const bool isJapanese =
+        QLocale::system().name().indexOf(QStringLiteral("ja"), 0, Qt::CaseInsensitive) != -1;
+    const int defaultLanguage = isJapanese ? LangSelectDialog::japanese : LangSelectDialog::english;
+
+    StartUp startUp;
+    startUp.iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
+    QApplication::setWindowIcon(QIcon(startUp.iconPath));
+    installDefaultLanguage(defaultTranslator, defaultLanguage, startUp);
+
+    LangSelectDialog languageDialog;
+    languageDialog.setLanguage(defaultLanguage);
+    languageDialog.show();
+    DialogSupport::waitUntil([&] { return languageDialog.isFinished; });
+
+    if (!languageDialog.isCancelled) {
+        installChosenLanguage(defaultTranslator, languageDialog.languageCode, startUp);
+        configureInstrument(ctrl, startUp);
+    }
+    QCoreApplication::exit(0);
+    return 0;
+}
