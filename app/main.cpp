@@ -29,7 +29,9 @@ QString translationPath(int languageCode) {
 
 /** Loads exactly the file at @p path. */
 bool loadExactly(QTranslator& translator, const QString& path) {
-    return translator.load(path, QString(), QString(), QString());
+    // Empty, not null: a null text stands for the usual endings, which other files may have.
+    const QString none = QStringLiteral("");
+    return translator.load(path, none, none, none);
 }
 
 void showStartUpMessage(const StartUp& startUp, const QString& text) {
