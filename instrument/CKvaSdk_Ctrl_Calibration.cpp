@@ -149,6 +149,8 @@ bool CKvaSdk_Ctrl::registerValueFile(const CalibrationAccessory& accessory, cons
     KVA_JIG_CALREFDATA readBack = {};
     if (!fetchRecord(readBack, m_lastResult))
         return false;
+    // Byte by byte on purpose: -0.0 is not 0.0 here, and a NaN equals itself.
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c)
     if (std::memcmp(&readBack, &record, sizeof record) != 0) {
         qDebug("CALREFDATA is incorrect.\n");
         return false;
