@@ -1,0 +1,192 @@
+#include "instrument/KvaSdk.h"
+
+#include "simulator/BenchJson.h"
+#include "simulator/JsonFields.h"
+#include "simulator/Simulator.h"
+
+#include <cstring>
+
+#define KVASIM_EXPORT __attribute__((visibility("default")))
+
+namespace {
+
+using kvasim::Call;
+using kvasim::Function;
+using kvasim::Instrument;
+using kvasim::Json;
+using kvasim::Simulator;
+
+/** The CRC-32 of Ethernet and ZIP files: enough to tell records in a log apart. */
+std::string crc32(const void* data, std::size_t size) {
+    const auto* bytes = static_cast<const std::uint8_t*>(data);
+    std::uint32_t crc = 0xFFFFFFFFU;
+    for (std::size_t index = 0; index < size; ++index) {
+        crc ^= bytes[index];
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1U) ^ ((crc & 1U) != 0 ? 0xEDB88320U : 0U);
+    }
+    crc = ~crc;
+    const std::uint8_t ordered[4] = {
+        static_cast<std::uint8_t>(crc >> 24U), static_cast<std::uint8_t>(crc >> 16U),
+        static_cast<std::uint8_t>(crc >> 8U), static_cast<std::uint8_t>(crc)};
+    return "0x" + kvasim::toHex(ordered, sizeof ordered);
+}
+
+template <typename Describe>
+Call describe(Function function, const Describe& arguments) {
+    return {function, arguments(), std::nullopt};
+}
+
+Json noArguments() {
+    return Json::object();
+}
+
+/** Performs a call that fills @p target from the connected instrument. */
+template <typename Record, typename Reader>
+KVA_RESULT readInto(Function function, Record* target, const Reader& reader) {
+    Simulator& simulator = Simulator::instance();
+    return simulator.perform(describe(function, noArguments), [&]() -> KVA_RESULT {
+        if (target == nullptr)
+            return KVA_ERROR_ARGUMENT;
+        return simulator.read([&](const Instrument& instrument) { *target = reader(instrument); });
+    });
+}
+
+/** Performs a call that hands @p source to the connected instrument. */
+template <typename Record, typename Describe, typename Writer>
+KVA_RESULT writeFrom(Function function, const Record* source, const Describe& arguments,
+                     const Writer& writer) {
+    Simulator& simulator = Simulator::instance();
+    const auto given = [&] { return source == nullptr ? noArguments() : arguments(*source); };
+    return simulator.perform(describe(function, given), [&]() -> KVA_RESULT {
+        if (source == nullptr)
+            return KVA_ERROR_ARGUMENT;
+        return simulator.write([&](Instrument& instrument) -> KVA_RESULT {
+            writer(instrument, *source);
+            return KVA_SUCCESS;
+        });
+    });
+}
+
+} // namespace
+
+extern "C" {
+
+KVASIM_EXPORT KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
+    Simulator& simulator = Simulator::instance();
+    const auto given = [&] { return Json{{"handler", handler != nullptr}}; };
+    // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
+    const KVA_RESULT removed =
+        handler == nullptr ? simulator.registerHandler(nullptr) : KVA_SUCCESS;
+    return simulator.perform(describe(Function::RegisterDeviceEventHandler, given), [&] {
+        return handler == nullptr ? removed : simulator.registerHandler(handler);
+    });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count,
+                                               int32_t maxEntries) {
+    Simulator& simulator = Simulator::instance();
+    const auto given = [&] { return Json{{"list", list != nullptr}, {"maxEntries", maxEntries}}; };
+    return simulator.perform(describe(Function::GetDevicePortList, given), [&]() -> KVA_RESULT {
+        if (count == nullptr || maxEntries < 0 || (list == nullptr && maxEntries > 0))
+            return KVA_ERROR_ARGUMENT;
+        return simulator.listPorts(list, maxEntries, *count);
+    });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
+    Simulator& simulator = Simulator::instance();
+    Call call = describe(Function::Connect, [&] {
+        Json given = Json::object();
+        if (port != nullptr)
+            given = {{"serialNumber", port->serialNumber}, {"port", kvasim::portToJson(*port)}};
+        given["wait"] = wait;
+        return given;
+    });
+    if (port != nullptr)
+        call.serialNumber = port->serialNumber;
+    return simulator.perform(std::move(call), [&]() -> KVA_RESULT {
+        return port == nullptr ? KVA_ERROR_ARGUMENT : simulator.connect(*port);
+    });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_Disconnect(void) {
+    Simulator& simulator = Simulator::instance();
+    return simulator.perform(describe(Function::Disconnect, noArguments),
+                             [&] { return simulator.disconnect(); });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
+    return readInto(Function::GetDeviceInfo, info,
+                    [](const Instrument& instrument) { return instrument.device; });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
+    return readInto(Function::GetNetworkInfo, info, [](const Instrument& instrument) {
+        return instrument.pendingNetwork.value_or(instrument.activeNetwork);
+    });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
+    const auto given = [](const KVA_NETWORKINFO& network) {
+        return Json{{"network", kvasim::networkToJson(network, kvasim::Keys::Hidden)}};
+    };
+    return writeFrom(Function::SetNetworkInfo, info, given,
+                     [](Instrument& instrument, const KVA_NETWORKINFO& network) {
+                         KVA_NETWORKINFO& pending = instrument.pendingNetwork.emplace(network);
+                         std::memset(pending.padding, 0, sizeof pending.padding);
+                     });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
+    return readInto(Function::GetShutdownTime, mode,
+                    [](const Instrument& instrument) { return instrument.powerOffMode; });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
+    return writeFrom(
+        Function::SetShutdownTime, mode,
+        [](uint8_t given) {
+            return Json{{"mode", given}};
+        },
+        [](Instrument& instrument, uint8_t given) { instrument.powerOffMode = given; });
+}
+
+} // extern "C"
+
+KVASIM_EXPORT KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* data) {
+    return readInto(Function::GetCalibration, data, [](const Instrument& instrument) {
+        return instrument.stagedCalibration.value_or(instrument.committedCalibration);
+    });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
+    const auto given = [](const KVA_JIG_CALREFDATA& record) {
+        return Json{{"whiteSerialNo", kvasim::serialDigitsToJson(record.whiteSerialNo)},
+                    {"ambAdpSerialNo", kvasim::serialDigitsToJson(record.ambAdpSerialNo)},
+                    {"crc32", crc32(&record, sizeof record)}};
+    };
+    return writeFrom(Function::SetCalibration, data, given,
+                     [](Instrument& instrument, const KVA_JIG_CALREFDATA& record) {
+                         instrument.stagedCalibration = record;
+                     });
+}
+
+KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
+    Simulator& simulator = Simulator::instance();
+    return simulator.perform(describe(Function::WriteSector, noArguments), [&] {
+        return simulator.write([](Instrument& instrument) -> KVA_RESULT {
+            if (!instrument.stagedCalibration)
+                return KVA_ERROR_NO_DATA;
+            instrument.committedCalibration = *instrument.stagedCalibration;
+            instrument.stagedCalibration.reset();
+            return KVA_SUCCESS;
+        });
+    });
+}
+
+KVASIM_EXPORT KVA_RESULT
+KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA(KVA_JIG_ACTIONOPTIONFACTORYDATA* data) {
+    return readInto(Function::GetFactoryOptions, data,
+                    [](const Instrument& instrument) { return instrument.factoryOptions; });
+}

@@ -1,0 +1,75 @@
+/**
+ * KvaSim.h for C++: texts as std::string and JSON, owned by the caller.
+ */
+#ifndef SIMULATOR_KVASIMHELPERS_H
+#define SIMULATOR_KVASIMHELPERS_H
+
+#include "simulator/KvaSim.h"
+
+#include <nlohmann/json.hpp>
+
+#include <string>
+
+namespace kvasim_test {
+
+/** Takes a text over from the library; empty for null. */
+inline std::string taken(char* text) {
+    std::string copy = text == nullptr ? "" : text;
+    KvaSim_Free(text);
+    return copy;
+}
+
+/** The bench, as JSON and as text. Null and empty when there is none. */
+inline std::string stateText() {
+    return taken(KvaSim_State());
+}
+
+inline nlohmann::json state() {
+    const std::string text = stateText();
+    return text.empty() ? nlohmann::json() : nlohmann::json::parse(text);
+}
+
+/** One instrument of the bench; null when it is not there. */
+inline nlohmann::json instrument(std::int32_t serialNumber) {
+    const nlohmann::json bench = state();
+    if (bench.is_object()) {
+        for (const auto& candidate : bench.at("instruments")) {
+            if (candidate.at("serialNumber") == serialNumber)
+                return candidate;
+        }
+    }
+    return {};
+}
+
+/** The log, oldest call first. */
+inline nlohmann::json callLog() {
+    return nlohmann::json::parse(taken(KvaSim_CallLog()));
+}
+
+/** The names of the logged functions, oldest first, joined by blanks. */
+inline std::string calledFunctions() {
+    std::string names;
+    for (const auto& call : callLog())
+        names += (names.empty() ? "" : " ") + call.at("function").get<std::string>();
+    return names;
+}
+
+inline bool loadJson(const nlohmann::json& bench) {
+    return KvaSim_LoadJson(bench.dump().c_str());
+}
+
+inline bool set(std::int32_t serialNumber, const nlohmann::json& patch) {
+    return KvaSim_Set(serialNumber, patch.dump().c_str());
+}
+
+inline bool addFault(const nlohmann::json& rule) {
+    return KvaSim_AddFault(rule.dump().c_str());
+}
+
+inline nlohmann::json request(const nlohmann::json& request) {
+    return nlohmann::json::parse(taken(KvaSim_Request(request.dump().c_str())));
+}
+
+} // namespace kvasim_test
+
+#endif

@@ -1,0 +1,116 @@
+#include "simulator/SdkNames.h"
+
+#include <array>
+
+namespace kvasim {
+
+namespace {
+
+constexpr std::array<const char*, functionCount> functionNames = {
+    "KVA_RegisterDeviceEventHandler",
+    "KVA_GetDevicePortList",
+    "KVA_Connect",
+    "KVA_Disconnect",
+    "KVA_GetDeviceInfo",
+    "KVA_GetNetworkInfo",
+    "KVA_SetNetworkInfo",
+    "KVA_GetShutdownTime",
+    "KVA_SetShutdownTime",
+    "KVA_JIG_GetFactoryCalib_CALREFDATA",
+    "KVA_JIG_SetFactoryCalib_CALREFDATA",
+    "KVA_JIG_SetFactoryCalib_WriteSector",
+    "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA",
+};
+
+struct NamedResult {
+    KVA_RESULT value;
+    const char* name;
+};
+
+constexpr std::array<NamedResult, 22> results = {{
+    {KVA_SUCCESS, "KVA_SUCCESS"},
+    {KVA_ERROR, "KVA_ERROR"},
+    {KVA_ERROR_CONNECT, "KVA_ERROR_CONNECT"},
+    {KVA_ERROR_DISCONNECT, "KVA_ERROR_DISCONNECT"},
+    {KVA_ERROR_CONNECT_TIMEOUT, "KVA_ERROR_CONNECT_TIMEOUT"},
+    {KVA_ERROR_CONNECT_ALREADY, "KVA_ERROR_CONNECT_ALREADY"},
+    {KVA_ERROR_INSTRUMENT_UNAVAILABLE, "KVA_ERROR_INSTRUMENT_UNAVAILABLE"},
+    {KVA_ERROR_INSTRUMENT_INFORMATION, "KVA_ERROR_INSTRUMENT_INFORMATION"},
+    {KVA_ERROR_ARGUMENT, "KVA_ERROR_ARGUMENT"},
+    {KVA_ERROR_COMMUNICATION_SEND, "KVA_ERROR_COMMUNICATION_SEND"},
+    {KVA_ERROR_COMMUNICATION_RECEIVE, "KVA_ERROR_COMMUNICATION_RECEIVE"},
+    {KVA_ERROR_COMMUNICATION_CHECKSUM, "KVA_ERROR_COMMUNICATION_CHECKSUM"},
+    {KVA_ERROR_COMMUNICATION_PARAM, "KVA_ERROR_COMMUNICATION_PARAM"},
+    {KVA_ERROR_COMMUNICATION_TIMEOUT, "KVA_ERROR_COMMUNICATION_TIMEOUT"},
+    {KVA_ERROR_CANT_USED, "KVA_ERROR_CANT_USED"},
+    {KVA_ERROR_NO_DATA, "KVA_ERROR_NO_DATA"},
+    {KVA_ERROR_NAK, "KVA_ERROR_NAK"},
+    {KVA_ERROR_NAV, "KVA_ERROR_NAV"},
+    {KVA_ERROR_NSP, "KVA_ERROR_NSP"},
+    {KVA_ERROR_CNF, "KVA_ERROR_CNF"},
+    {KVA_ERROR_NDT, "KVA_ERROR_NDT"},
+    {KVA_ERROR_NEQ, "KVA_ERROR_NEQ"},
+}};
+
+constexpr std::array<NamedResult, 3> warnings = {{
+    {KVA_WARNING_WCALIB_TEMP, "KVA_WARNING_WCALIB_TEMP"},
+    {KVA_WARNING_BATTERY_EMPTY, "KVA_WARNING_BATTERY_EMPTY"},
+    {KVA_WARNING_INITIALDATE_SETTING, "KVA_WARNING_INITIALDATE_SETTING"},
+}};
+
+std::optional<KVA_RESULT> warningBit(std::string_view name) {
+    for (const NamedResult& warning : warnings) {
+        if (name == warning.name)
+            return warning.value;
+    }
+    return std::nullopt;
+}
+
+} // namespace
+
+const char* functionName(Function function) {
+    return functionNames.at(static_cast<std::size_t>(function));
+}
+
+std::optional<Function> functionFromName(std::string_view name) {
+    for (std::size_t index = 0; index < functionCount; ++index) {
+        if (name == functionNames.at(index))
+            return static_cast<Function>(index);
+    }
+    return std::nullopt;
+}
+
+std::string resultName(KVA_RESULT result) {
+    for (const NamedResult& named : results) {
+        if (named.value == result)
+            return named.name;
+    }
+    std::string name;
+    if (result > 0) {
+        for (const NamedResult& warning : warnings) {
+            if ((result & warning.value) != 0)
+                name += (name.empty() ? "" : "/") + std::string(warning.name);
+        }
+    }
+    return name;
+}
+
+std::optional<KVA_RESULT> resultFromName(std::string_view name) {
+    for (const NamedResult& named : results) {
+        if (name == named.name)
+            return named.value;
+    }
+    KVA_RESULT bits = 0;
+    for (;;) {
+        const auto slash = name.find('/');
+        const auto bit = warningBit(name.substr(0, slash));
+        if (!bit)
+            return std::nullopt;
+        bits |= *bit;
+        if (slash == std::string_view::npos)
+            return bits;
+        name.remove_prefix(slash + 1);
+    }
+}
+
+} // namespace kvasim
