@@ -1,0 +1,366 @@
+// The call log, the trace file and control by requests.
+
+#include "SimulatorTest.h"
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+using namespace simtest;
+
+namespace {
+
+constexpr const char* secret = "s3cret-of-the-access-point";
+
+/** Calls every function once, with a security key; ends without a connection. */
+void callEverything() {
+    KVA_RegisterDeviceEventHandler(recordEvent);
+    connectTo(usbSerial);
+    KVA_NETWORKINFO network{};
+    std::strcpy(network.SSID, "press-hall");
+    std::strcpy(network.EncryptKey, secret);
+    // What lies behind the end of the key is as secret as the key.
+    std::strcpy(network.EncryptKey + 40, "behind");
+    KVA_SetNetworkInfo(&network);
+    for (const ConnectionCall& call : connectionCalls()) {
+        if (QByteArray(call.name) != "KVA_SetNetworkInfo" &&
+            QByteArray(call.name) != "KVA_Disconnect")
+            call.call();
+    }
+    KVA_Disconnect();
+    KVA_RegisterDeviceEventHandler(nullptr);
+}
+
+QByteArray contentOf(const QString& path) {
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+bool holdsSecret(const QByteArray& text) {
+    return text.contains("s3cret") || text.contains("behind") ||
+           text.contains(QByteArray("s3cret").toHex()) ||
+           text.contains(QByteArray("behind").toHex());
+}
+
+} // namespace
+
+class TestSimulatorControl : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init();
+
+    void everyCallIsLogged();
+    void argumentsOfCalls_data();
+    void argumentsOfCalls();
+    void crcOfRecord();
+    void numbersGoOn();
+    void logIsBounded();
+    void keyIsInNoLog();
+    void traceHoldsOneLineACall();
+    void traceIsAppended();
+    void traceThatCannotBeWritten();
+
+    void requests_data();
+    void requests();
+    void refusedRequests_data();
+    void refusedRequests();
+    void rubbishIsAnswered();
+    void keyIsRevealedOnRequestOnly();
+    void logAfterNumber();
+    void mergePatch();
+    void lastErrorIsOfLastCall();
+
+private:
+    QTemporaryDir m_folder;
+};
+
+void TestSimulatorControl::init() {
+    startClean(m_folder);
+    EventRecord::instance().clear();
+    QVERIFY(loadJson(benchOf({usbSerial, networkSerial})));
+}
+
+void TestSimulatorControl::everyCallIsLogged() {
+    callEverything();
+    QCOMPARE(QByteArray::fromStdString(calledFunctions()),
+             QByteArray("KVA_RegisterDeviceEventHandler KVA_GetDevicePortList KVA_Connect "
+                        "KVA_SetNetworkInfo KVA_GetDeviceInfo KVA_GetNetworkInfo "
+                        "KVA_GetShutdownTime KVA_SetShutdownTime "
+                        "KVA_JIG_GetFactoryCalib_CALREFDATA KVA_JIG_SetFactoryCalib_CALREFDATA "
+                        "KVA_JIG_SetFactoryCalib_WriteSector "
+                        "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA KVA_Disconnect "
+                        "KVA_RegisterDeviceEventHandler"));
+    int number = 0;
+    for (const auto& call : callLog()) {
+        QCOMPARE(call.size(), std::size_t{6});
+        QVERIFY(call["seq"] == ++number);
+        QVERIFY(call["result"] == 0);
+        QVERIFY(call["resultName"] == "KVA_SUCCESS");
+        QVERIFY(call["durationUs"].is_number_unsigned() || call["durationUs"] >= 0);
+    }
+}
+
+void TestSimulatorControl::argumentsOfCalls_data() {
+    QTest::addColumn<int>("number");
+    QTest::addColumn<QByteArray>("arguments");
+    const auto row = [](int number, const char* arguments) {
+        QTest::newRow(QByteArray::number(number)) << number << QByteArray(arguments);
+    };
+    row(0, R"({"handler":true})");
+    row(1, R"({"list":true,"maxEntries":1000})");
+    row(2, R"({"serialNumber":1000001,"port":{"type":1,"name":"USB"},"wait":10})");
+    row(3, R"({"serialNumber":1000001,"network":{"APConnectUse":0,"DHCPUse":0,
+        "IPAddress":"0.0.0.0","SubnetMask":"0.0.0.0","DefaultGateway":"0.0.0.0","DNS":"0.0.0.0",
+        "SSID":"press-hall","EncryptKey":{"length":26}}})");
+    row(4, R"({"serialNumber":1000001})");
+    row(7, R"({"serialNumber":1000001,"mode":3})");
+    row(9, R"({"serialNumber":1000001,"whiteSerialNo":"00000000","ambAdpSerialNo":"00000000",
+        "crc32":"0x769052ea"})");
+    row(12, R"({"serialNumber":1000001})");
+    row(13, R"({"handler":false})");
+}
+
+void TestSimulatorControl::argumentsOfCalls() {
+    QFETCH(int, number);
+    QFETCH(QByteArray, arguments);
+    callEverything();
+    const json logged = callLog().at(static_cast<std::size_t>(number))["arguments"];
+    const json expected = json::parse(arguments.toStdString());
+    QVERIFY2(logged == expected, logged.dump().c_str());
+}
+
+void TestSimulatorControl::crcOfRecord() {
+    QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+    KVA_JIG_CALREFDATA data{};
+    std::memset(&data, 0xA5, sizeof data);
+    QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
+    const json first = callLog().back()["arguments"];
+    QVERIFY(first["whiteSerialNo"] == json({{"hex", "a5a5a5a5"}}));
+    data.reserved[2047] ^= 1U;
+    QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
+    QVERIFY(callLog().back()["arguments"]["crc32"] != first["crc32"]);
+}
+
+void TestSimulatorControl::numbersGoOn() {
+    ports();
+    ports();
+    QVERIFY(callLog().back()["seq"] == 2);
+    KvaSim_ClearCallLog();
+    QVERIFY(callLog() == json::array());
+    ports();
+    QCOMPARE(callLog().size(), std::size_t{1});
+    QVERIFY(callLog().back()["seq"] == 3);
+    KvaSim_Reset();
+    QVERIFY(callLog() == json::array());
+    ports();
+    QVERIFY(callLog().back()["seq"] == 1);
+}
+
+void TestSimulatorControl::logIsBounded() {
+    for (int round = 0; round < 100003; ++round)
+        KVA_Disconnect();
+    const json answer = request({{"command", "log"}, {"after", 100001}});
+    QCOMPARE(answer["calls"].size(), std::size_t{2});
+    const std::string all = taken(KvaSim_CallLog());
+    QCOMPARE(std::count(all.begin(), all.end(), '\n') + 1, std::ptrdiff_t{100000});
+    QCOMPARE(QByteArray::fromStdString(all).left(9), QByteArray("[{\"seq\":4"));
+}
+
+void TestSimulatorControl::keyIsInNoLog() {
+    const QString path = m_folder.filePath(QStringLiteral("key.trace"));
+    qputenv("KVASIM_TRACE", QFile::encodeName(path));
+    callEverything();
+    QVERIFY(contentOf(path).contains("press-hall"));
+    QVERIFY(!holdsSecret(contentOf(path)));
+    QVERIFY(!holdsSecret(QByteArray::fromStdString(taken(KvaSim_CallLog()))));
+    QVERIFY(holdsSecret(QByteArray::fromStdString(stateText())));
+}
+
+void TestSimulatorControl::traceHoldsOneLineACall() {
+    const QString path = m_folder.filePath(QStringLiteral("lines.trace"));
+    qputenv("KVASIM_TRACE", QFile::encodeName(path));
+    ports();
+    QCOMPARE(contentOf(path).count('\n'), 1);
+    connectTo(usbSerial);
+    json lines = json::array();
+    for (const QByteArray& line : contentOf(path).trimmed().split('\n'))
+        lines.push_back(json::parse(line.toStdString()));
+    QVERIFY(lines == callLog());
+    struct stat status {};
+    QCOMPARE(::stat(QFile::encodeName(path).constData(), &status), 0);
+    QCOMPARE(static_cast<int>(status.st_mode & 0777U), 0600);
+}
+
+void TestSimulatorControl::traceIsAppended() {
+    const QString path = m_folder.filePath(QStringLiteral("appended.trace"));
+    qputenv("KVASIM_TRACE", QFile::encodeName(path));
+    ports();
+    KvaSim_Reset();
+    ports();
+    QCOMPARE(contentOf(path).count("\"seq\":1,"), 2);
+}
+
+void TestSimulatorControl::traceThatCannotBeWritten() {
+    qputenv("KVASIM_TRACE", m_folder.path().toLocal8Bit());
+    QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+    QCOMPARE(callLog().size(), std::size_t{2});
+    KvaSim_Reset();
+#ifdef Q_OS_LINUX
+    qputenv("KVASIM_TRACE", "/dev/full");
+    QCOMPARE(ports().size(), std::size_t{2});
+    QCOMPARE(ports().size(), std::size_t{2});
+    QCOMPARE(callLog().size(), std::size_t{2});
+#endif
+}
+
+void TestSimulatorControl::requests_data() {
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("answer");
+    const auto row = [](const char* name, const char* text, const char* answer) {
+        QTest::newRow(name) << QByteArray(text) << QByteArray(answer);
+    };
+    row("list", R"({"command": "list"})", R"({"ok": true, "instruments": [
+        {"serialNumber": 1000001, "plugged": true, "connected": true,
+         "port": {"type": 1, "name": "USB"}},
+        {"serialNumber": 1000002, "plugged": true, "connected": false,
+         "port": {"type": 1, "name": "USB"}}]})");
+    row("plug", R"({"command": "plug", "serialNumber": 1000001})", R"({"ok": true})");
+    row("unplug", R"({"command": "unplug", "serialNumber": 1000001})", R"({"ok": true})");
+    row("powerCycle", R"({"command": "powerCycle", "serialNumber": 1000001})", R"({"ok": true})");
+    row("set", R"({"command": "set", "serialNumber": 1000001, "patch": {"plugged": false}})",
+        R"({"ok": true})");
+    row("addFault",
+        R"({"command": "addFault", "fault": {"function": "KVA_Connect", "result": "KVA_ERROR"}})",
+        R"({"ok": true})");
+    row("faults", R"({"command": "faults"})", R"({"ok": true, "faults": []})");
+    row("clearFaults", R"({"command": "clearFaults"})", R"({"ok": true})");
+    row("log", R"({"command": "log", "after": 100})", R"({"ok": true, "calls": []})");
+    row("clearLog", R"({"command": "clearLog"})", R"({"ok": true})");
+    row("event", R"({"command": "event", "code": 3, "rawDataCount": 4, "error": -5})",
+        R"({"ok": true})");
+}
+
+void TestSimulatorControl::requests() {
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, answer);
+    KVA_RegisterDeviceEventHandler(recordEvent);
+    QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+    const json given = json::parse(taken(KvaSim_Request(text.constData())));
+    QVERIFY2(given == json::parse(answer.toStdString()), given.dump().c_str());
+    const QByteArray command = QTest::currentDataTag();
+    const bool unplugged = command == "unplug" || command == "set";
+    QCOMPARE(ports().size(), std::size_t{unplugged ? 1U : 2U});
+    QCOMPARE(deliveredCodes(), unplugged                 ? QByteArray("6")
+                               : command == "powerCycle" ? QByteArray("6 0")
+                               : command == "event"      ? QByteArray("3")
+                                                         : QByteArray());
+    QVERIFY(connectTo(networkSerial) == (command == "addFault" ? KVA_ERROR
+                                         : unplugged || command == "powerCycle"
+                                             ? KVA_SUCCESS
+                                             : KVA_ERROR_CONNECT_ALREADY));
+    KVA_RegisterDeviceEventHandler(nullptr);
+}
+
+void TestSimulatorControl::refusedRequests_data() {
+    QTest::addColumn<QByteArray>("text");
+    QTest::addColumn<QByteArray>("error");
+    const auto row = [](const char* text, const char* error) {
+        QTest::newRow(text) << QByteArray(text) << QByteArray(error);
+    };
+    row("", "line 1, column 1: syntax error");
+    row("[]", "the document: must be an object");
+    row("{}", "command: is missing");
+    row(R"({"command": 1})", "command: must be a string");
+    row(R"({"command": "dance"})", "command: is not a known command");
+    row(R"({"command": "list", "all": true})", "all: is not a known field");
+    row(R"({"command": "plug"})", "serialNumber: is missing");
+    row(R"({"command": "plug", "serialNumber": "1"})", "serialNumber: must be a whole number");
+    row(R"({"command": "plug", "serialNumber": 5})", "no instrument 5 on the bench");
+    row(R"({"command": "show", "serialNumber": 5})", "no instrument 5 on the bench");
+    row(R"({"command": "set", "serialNumber": 1000001})", "patch: is missing");
+    row(R"({"command": "set", "serialNumber": 1000001, "patch": 5})", "the document: must be");
+    row(R"({"command": "addFault", "fault": {}})", "fault.function: is missing");
+    row(R"({"command": "log", "after": -1})", "after: must be a whole number");
+    row(R"({"command": "event"})", "code: is missing");
+    row(R"({"command": "state", "reveal": 1})", "reveal: must be true or false");
+}
+
+void TestSimulatorControl::refusedRequests() {
+    QFETCH(QByteArray, text);
+    QFETCH(QByteArray, error);
+    const json answer = json::parse(taken(KvaSim_Request(text.constData())));
+    QCOMPARE(answer.size(), std::size_t{2});
+    QVERIFY(answer["ok"] == false);
+    const auto reason = QByteArray::fromStdString(answer["error"].get<std::string>());
+    QVERIFY2(reason.startsWith(error), reason.constData());
+}
+
+void TestSimulatorControl::rubbishIsAnswered() {
+    QVERIFY(json::parse(taken(KvaSim_Request(nullptr)))["ok"] == false);
+    QByteArray rubbish = R"({"command": "list"})";
+    for (int position = 0; position < rubbish.size(); ++position) {
+        for (const int byte : {1, 0x22, 0x7B, 0x80, 0xFF}) {
+            QByteArray changed = rubbish;
+            changed[position] = static_cast<char>(byte);
+            QVERIFY(json::parse(taken(KvaSim_Request(changed.constData()))).contains("ok"));
+        }
+    }
+}
+
+void TestSimulatorControl::keyIsRevealedOnRequestOnly() {
+    QVERIFY(set(usbSerial,
+                {{"network",
+                  {{"active", {{"EncryptKey", secret}}}, {"pending", {{"EncryptKey", secret}}}}}}));
+    const json hidden = request({{"command", "show"}, {"serialNumber", usbSerial}});
+    QVERIFY(!holdsSecret(QByteArray::fromStdString(hidden.dump())));
+    QVERIFY(hidden["instrument"]["network"]["active"]["EncryptKey"] == json({{"length", 26}}));
+    QVERIFY(!holdsSecret(QByteArray::fromStdString(request({{"command", "state"}}).dump())));
+    const json shown =
+        request({{"command", "show"}, {"serialNumber", usbSerial}, {"reveal", true}});
+    QVERIFY(shown["instrument"] == instrument(usbSerial));
+    QVERIFY(request({{"command", "state"}, {"reveal", true}})["bench"] == state());
+}
+
+void TestSimulatorControl::logAfterNumber() {
+    for (int round = 0; round < 5; ++round)
+        ports();
+    const json calls = request({{"command", "log"}, {"after", 3}})["calls"];
+    QCOMPARE(calls.size(), std::size_t{2});
+    QVERIFY(calls[0]["seq"] == 4);
+    QVERIFY(request({{"command", "log"}, {"after", 5}})["calls"] == json::array());
+    KvaSim_ClearCallLog();
+    ports();
+    QCOMPARE(request({{"command", "log"}, {"after", 3}})["calls"].size(), std::size_t{1});
+}
+
+void TestSimulatorControl::mergePatch() {
+    const json before = instrument(usbSerial);
+    QVERIFY(KvaSim_Set(usbSerial, R"({"network": {"pending": {"SSID": "x"}}, "powerOffMode": 9,
+        "calibration": {"committed": {"reserved": {"fill": 7}}}})"));
+    json expected = before;
+    expected["network"]["pending"] = before["network"]["active"];
+    expected["network"]["pending"]["SSID"] = "x";
+    expected["powerOffMode"] = 9;
+    expected["calibration"]["committed"]["reserved"] = {{"fill", 7}};
+    QVERIFY(instrument(usbSerial) == expected);
+    QVERIFY(KvaSim_Set(usbSerial, R"({"network": {"pending": null}, "powerOffMode": null,
+        "calibration": null})"));
+    QVERIFY(instrument(usbSerial) == before);
+}
+
+void TestSimulatorControl::lastErrorIsOfLastCall() {
+    QVERIFY(!KvaSim_Plug(5));
+    QCOMPARE(lastError(), QByteArray("no instrument 5 on the bench"));
+    QVERIFY(KvaSim_Plug(usbSerial));
+    QCOMPARE(lastError(), QByteArray());
+    QVERIFY(!KvaSim_LoadJson(nullptr));
+    QVERIFY(!lastError().isEmpty());
+    QByteArray ofOtherThread = "not asked";
+    std::thread([&] { ofOtherThread = lastError(); }).join();
+    QCOMPARE(ofOtherThread, QByteArray());
+    QVERIFY(!lastError().isEmpty());
+}
+
+QTEST_GUILESS_MAIN(TestSimulatorControl)
+#include "tst_simulator_control.moc"
