@@ -1,0 +1,26 @@
+#ifndef TESTS_DIALOGS_FORM_MEASURE_H
+#define TESTS_DIALOGS_FORM_MEASURE_H
+
+#include <QDialog>
+#include <QStringList>
+
+/** Whether the texts of windows are shown whole. All sizes in pixels. */
+namespace Measure {
+
+/** Gives the application the font of the program, and says whether a point is a pixel, as the
+    windows are designed for. */
+bool usesProgramFont();
+
+/** The characters of a text that no installed font can draw. */
+QString missingGlyphs(const QString& text);
+
+/** What the visible widgets of a window show cut off or covered, a line each: labels, buttons,
+    radio buttons, group titles, tabs. The window must be on screen. */
+QStringList misfits(const QWidget& window);
+
+/** The texts that misfits looked at. */
+QStringList measuredTexts(const QWidget& window);
+
+} // namespace Measure
+
+#endif

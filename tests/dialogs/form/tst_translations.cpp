@@ -1,0 +1,210 @@
+#include "tests/dialogs/form/Translations.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QtTest>
+
+namespace {
+
+/** What identifies an entry: context, source text and disambiguation. */
+QStringList keysOf(const QVector<TranslationEntry>& entries) {
+    QStringList keys;
+    for (const TranslationEntry& entry : entries)
+        keys.append(entry.context + QStringLiteral(" | ") + entry.source + QStringLiteral(" | ") +
+                    entry.comment);
+    keys.sort();
+    return keys;
+}
+
+/** Runs lupdate over the program's sources into a new file; its path, or empty when it failed. */
+QString freshSource(const QTemporaryDir& folder) {
+    const QString path = folder.filePath(QStringLiteral("fresh.ts"));
+    QProcess lupdate;
+    lupdate.setWorkingDirectory(folder.path());
+    lupdate.start(QStringLiteral(LUPDATE_PROGRAM),
+                  {QStringLiteral("-locations"), QStringLiteral("none"),
+                   QStringLiteral(PROJECT_SOURCES "/app"),
+                   QStringLiteral(PROJECT_SOURCES "/dialogs"), QStringLiteral("-ts"), path});
+    const bool isDone = lupdate.waitForFinished() && lupdate.exitStatus() == QProcess::NormalExit &&
+                        lupdate.exitCode() == 0;
+    return isDone ? path : QString();
+}
+
+bool isJapanese(QChar character) {
+    switch (character.script()) {
+    case QChar::Script_Han:
+    case QChar::Script_Hiragana:
+    case QChar::Script_Katakana:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool hasJapanese(const QString& text) {
+    return std::any_of(text.begin(), text.end(), isJapanese);
+}
+
+} // namespace
+
+/** The translation files against the sources of the program, and the compiled files against both.
+ */
+class TestTranslations : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void complete_data();
+    void complete();
+    void entriesAreFinished_data() { complete_data(); }
+    void entriesAreFinished();
+    void compiled_data() { complete_data(); }
+    void compiled();
+    void compiledHoldsNothingElse_data() { complete_data(); }
+    void compiledHoldsNothingElse();
+    void englishIsTheSource();
+    void japaneseDiffers();
+    void japaneseKeepsTheForm();
+    void startUpMessages_data();
+    void startUpMessages();
+};
+
+void TestTranslations::complete_data() {
+    QTest::addColumn<QString>("language");
+    for (const char* language : languages)
+        QTest::newRow(language) << QString::fromLatin1(language);
+}
+
+void TestTranslations::complete() {
+    QFETCH(QString, language);
+    const QTemporaryDir folder;
+    QVERIFY(folder.isValid());
+    const QString fresh = freshSource(folder);
+    QVERIFY(!fresh.isEmpty());
+    const QStringList used = keysOf(readTranslationSource(fresh));
+    QVERIFY(used.size() > 80);
+    const QStringList present = keysOf(readTranslationSource(translationSourcePath(language)));
+    QStringList missing = used;
+    QStringList obsolete = present;
+    for (const QString& key : present)
+        missing.removeAll(key);
+    for (const QString& key : used)
+        obsolete.removeAll(key);
+    QCOMPARE(missing.join(QLatin1Char('\n')), QString());
+    QCOMPARE(obsolete.join(QLatin1Char('\n')), QString());
+    QCOMPARE(present.size(), used.size());
+}
+
+void TestTranslations::entriesAreFinished() {
+    QFETCH(QString, language);
+    const auto entries = readTranslationSource(translationSourcePath(language));
+    QVERIFY(!entries.isEmpty());
+    for (const TranslationEntry& entry : entries) {
+        QVERIFY2(entry.type.isEmpty(), qUtf8Printable(entry.source));
+        QVERIFY2(!entry.source.isEmpty(), qUtf8Printable(entry.context));
+        QVERIFY2(!entry.translation.isEmpty(), qUtf8Printable(entry.source));
+        QCOMPARE(entry.translation.trimmed(), entry.translation);
+    }
+}
+
+void TestTranslations::compiled() {
+    QFETCH(QString, language);
+    const InstalledTranslation translation(language);
+    QVERIFY(translation.isLoaded());
+    const auto entries = readTranslationSource(translationSourcePath(language));
+    QVERIFY(!entries.isEmpty());
+    for (const TranslationEntry& entry : entries) {
+        QCOMPARE(QCoreApplication::translate(entry.context.toUtf8().constData(),
+                                             entry.source.toUtf8().constData()),
+                 entry.translation);
+    }
+}
+
+void TestTranslations::compiledHoldsNothingElse() {
+    QFETCH(QString, language);
+    const InstalledTranslation translation(language);
+    QVERIFY(translation.isLoaded());
+    for (const char* context : {"InitSettingDialog", "LangSelectDialog", "QObject"}) {
+        QCOMPARE(QCoreApplication::translate(context, ""), QString());
+        QCOMPARE(QCoreApplication::translate(context, "no such text"),
+                 QStringLiteral("no such text"));
+    }
+    QCOMPARE(QCoreApplication::translate("NoSuchContext", "Enable"), QStringLiteral("Enable"));
+}
+
+void TestTranslations::englishIsTheSource() {
+    const auto entries = readTranslationSource(translationSourcePath(QStringLiteral("en")));
+    QVERIFY(!entries.isEmpty());
+    for (const TranslationEntry& entry : entries)
+        QCOMPARE(entry.translation, entry.source);
+}
+
+/** All but names, signs and file filters is in Japanese. */
+void TestTranslations::japaneseDiffers() {
+    const QStringList kept = {QStringLiteral("*(*.*)"),     QStringLiteral("."),
+                              QStringLiteral("DHCP:"),      QStringLiteral("OFF"),
+                              QStringLiteral("OK"),         QStringLiteral("ON"),
+                              QStringLiteral("SSID:"),      QStringLiteral("TCP/IP"),
+                              QStringLiteral("csv(*.csv)"), QStringLiteral("ini(*.ini)")};
+    const auto entries = readTranslationSource(translationSourcePath(QStringLiteral("jp")));
+    QVERIFY(!entries.isEmpty());
+    QSet<QString> same;
+    for (const TranslationEntry& entry : entries) {
+        if (entry.translation == entry.source)
+            same.insert(entry.source);
+        else
+            QVERIFY2(hasJapanese(entry.translation), qUtf8Printable(entry.source));
+    }
+    QStringList found = same.values();
+    found.sort();
+    QCOMPARE(found, kept);
+}
+
+/** A translation ends as its source does: colon, dots, full stop; names and extensions stay. */
+void TestTranslations::japaneseKeepsTheForm() {
+    const auto entries = readTranslationSource(translationSourcePath(QStringLiteral("jp")));
+    QVERIFY(!entries.isEmpty());
+    for (const TranslationEntry& entry : entries) {
+        const auto sameEnd = [&](const char* end, const char* japaneseEnd) {
+            return entry.source.endsWith(QLatin1String(end)) ==
+                   entry.translation.endsWith(QString::fromUtf8(japaneseEnd));
+        };
+        const bool isMessage = entry.source.contains(QLatin1Char(' ')) &&
+                               entry.source.endsWith(QLatin1Char('.')) &&
+                               !entry.source.endsWith(QLatin1String("..."));
+        QVERIFY2(sameEnd(":", ":"), qUtf8Printable(entry.source));
+        QVERIFY2(sameEnd("...", "..."), qUtf8Printable(entry.source));
+        QVERIFY2(isMessage == entry.translation.endsWith(QStringLiteral("。")),
+                 qUtf8Printable(entry.source));
+        for (const char* name : {"VQ-TL4", "(.csv)", "Ver.1.10.0008", "LAN", "MAC", "DNS", "->"}) {
+            if (entry.source.contains(QLatin1String(name)))
+                QVERIFY2(entry.translation.contains(QLatin1String(name)),
+                         qUtf8Printable(entry.source));
+        }
+    }
+}
+
+void TestTranslations::startUpMessages_data() {
+    QTest::addColumn<QByteArray>("source");
+    for (const char* source :
+         {"Spectrophotometer Configuration Tool VQ-TL4", "Failed to set default language.",
+          "Failed to set select(japanese) language.", "Failed to set select(English) language.",
+          "The measuring instruments is not connected."})
+        QTest::newRow(source) << QByteArray(source);
+}
+
+/** What the start of the program shows is looked up in a context of its own. */
+void TestTranslations::startUpMessages() {
+    QFETCH(QByteArray, source);
+    {
+        const InstalledTranslation english(QStringLiteral("en"));
+        QCOMPARE(QObject::tr(source.constData()), QString::fromUtf8(source));
+    }
+    const InstalledTranslation japanese(QStringLiteral("jp"));
+    QVERIFY(hasJapanese(QObject::tr(source.constData())));
+}
+
+QTEST_GUILESS_MAIN(TestTranslations)
+
+#include "tst_translations.moc"

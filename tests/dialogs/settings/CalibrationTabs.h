@@ -1,0 +1,43 @@
+#ifndef TESTS_DIALOGS_SETTINGS_CALIBRATIONTABS_H
+#define TESTS_DIALOGS_SETTINGS_CALIBRATIONTABS_H
+
+#include "tests/dialogs/settings/SettingsFixture.h"
+
+#include <QByteArray>
+#include <QString>
+#include <QStringList>
+
+/** What differs between the two calibration tabs, for tests that run on both. */
+struct CalibrationTab {
+    SettingsFixture::Page page;
+    int firstText; ///< of the tab's own in `SettingsFixture::calibrationTexts`
+    QString chooseButton;
+    QString writeButton;
+    const char* writeSlot;
+    int valueCount;
+    QByteArray serialLine; ///< of a file that is accepted
+    QString otherPart;     ///< of the bench's calibration record: what a registration leaves alone
+    QString ownPart;
+    QString noFileBox;
+    QString failureBox;
+    QByteArray lowestSerialLine; ///< the lowest number that is accepted
+    QByteArray tooLowSerialLine; ///< one less
+};
+
+const CalibrationTab& calibrationTab(bool adapter);
+
+/** Adds a column "adapter" and a row for each tab. */
+void addCalibrationTabs();
+
+/** A value file: two headings, the serial line and @p count values. */
+QByteArray valueFile(const QByteArray& serialLine, int count);
+/** The value @p index of such a file, exact in single precision. */
+float fileValue(int index);
+
+/** Writes a file. @return its path; empty when that failed */
+QString writeFile(const QString& path, const QByteArray& content);
+
+/** The debug lines of checking a file of `valueFile`. */
+QStringList checkLines(const QByteArray& serialLine, int count);
+
+#endif
