@@ -1,0 +1,78 @@
+#ifndef TESTS_STARTUP_PROGRAMRUN_H
+#define TESTS_STARTUP_PROGRAMRUN_H
+
+#include <QJsonArray>
+#include <QJsonObject>
+#include <QProcess>
+#include <QProcessEnvironment>
+#include <QStringList>
+#include <QTemporaryDir>
+#include <QVector>
+
+/** An instrument on the bench. USB without a port name. */
+QJsonObject instrument(int serialNumber, const QString& portName = QString());
+
+/** A bench of the first so many of: 1000001 by USB, 1000002 at 192.168.0.20, 1000003 by USB. */
+QJsonObject benchOf(int instruments, const QJsonArray& faults = {});
+
+/** A rule: the nth call of a function has this result. 0: every call. */
+QJsonObject fault(const QString& function, int call, const QString& result);
+
+/** The text of a widget in the state of a window. */
+QString textIn(const QJsonObject& state, const char* objectName);
+
+/** A list in the state of a window: "checked", "disabled", "rows". */
+QStringList namesIn(const QJsonObject& state, const char* list);
+
+/**
+ * One run of the program as a child process, on simulated instruments of its own, in a temporary
+ * folder of its own, with a user inside who takes the prepared steps.
+ */
+class ProgramRun {
+public:
+    ProgramRun();
+
+    /** Runs the program until it ends by itself. False: see `problem`. A run is good when it ended
+        with the exit status 0, every step was taken, and standard error carries the log. */
+    bool run();
+    /** Why the last run was not good, with what the program wrote. */
+    QByteArray problem() const;
+
+    /** What happened, in order: windows that came, went and were destroyed ("shown
+        LangSelectDialog", "shown QMessageBox "text""), the calls of libKVASDK by name, debug lines
+        ("log text"), "application ends". Without the ticks of the disconnect watch. */
+    QStringList story() const;
+    /** The windows of the story that were shown, in order. */
+    QStringList shownWindows() const;
+    /** The debug lines of the story. */
+    QStringList debugLines() const;
+    /** The calls of libKVASDK to the very end, as its trace has them. */
+    QVector<QJsonObject> calls() const;
+    QStringList calledFunctions() const;
+
+    /** What the windows of a class showed before each step that was taken in them. */
+    QVector<QJsonObject> states(const QString& className) const;
+    /** The first of them; empty when there was none. */
+    QJsonObject state(const QString& className) const;
+    /** The texts of the message boxes, in order. */
+    QStringList boxTexts() const;
+
+    QString program;                 ///< path; the built one unless changed
+    QString locale;                  ///< for LC_ALL; none when empty
+    QProcessEnvironment environment; ///< what else is set for the program
+    QJsonObject bench;               ///< two instruments unless changed
+    QJsonArray steps;
+
+private:
+    QProcessEnvironment childEnvironment() const;
+    void readRecord();
+    QByteArray findProblem(const QProcess& process);
+    QString path(const QString& name) const;
+
+    QTemporaryDir m_folder;
+    QVector<QJsonObject> m_events;
+    QByteArray m_standardError;
+    QByteArray m_problem;
+};
+
+#endif

@@ -1,0 +1,58 @@
+/**
+ * Lets a test watch and use the windows of the program from inside, the program itself unchanged: a
+ * plugin of the kind that Qt loads into an application on request, by QT_QPA_GENERIC_PLUGINS.
+ *
+ * STARTUP_PROBE_SCRIPT holds the steps to take, a JSON array, see Driver.h; STARTUP_PROBE_RECORD
+ * names the file that everything is noted in, see Record.h.
+ */
+#include "tests/startup/probe/Driver.h"
+
+#include <QCoreApplication>
+#include <QGenericPlugin>
+#include <QJsonDocument>
+
+#include <memory>
+
+namespace {
+
+/** Owned by Qt, which deletes it at the end of the application object. */
+class Probe : public QObject {
+public:
+    Probe()
+        : m_record(qEnvironmentVariable("STARTUP_PROBE_RECORD"),
+                   qEnvironmentVariable("KVASIM_TRACE")),
+          m_driver(m_record, QJsonDocument::fromJson(qgetenv("STARTUP_PROBE_SCRIPT")).array()) {
+        s_current = this;
+        qAddPostRoutine(noteEnd);
+    }
+    ~Probe() override { s_current = nullptr; }
+
+private:
+    static void noteEnd() {
+        if (s_current)
+            s_current->m_record.add(QStringLiteral("application ends"), {});
+    }
+
+    static Probe* s_current;
+
+    Record m_record;
+    Driver m_driver;
+};
+
+Probe* Probe::s_current = nullptr;
+
+} // namespace
+
+class StartupProbePlugin : public QGenericPlugin {
+    Q_OBJECT
+    Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "startup_probe.json")
+
+public:
+    QObject* create(const QString& key, const QString& specification) override {
+        Q_UNUSED(key)
+        Q_UNUSED(specification)
+        return std::make_unique<Probe>().release();
+    }
+};
+
+#include "StartupProbe.moc"
