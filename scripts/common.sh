@@ -1,0 +1,71 @@
+# Shared by run and test; sourced, not run. Expects the working directory to be the project's root.
+# shellcheck shell=bash
+
+say() { printf '%s\n' "== $*"; }
+
+fail() {
+    printf '%s\n' "$*" >&2
+    exit 1
+}
+
+is_macos() { [ "$(uname -s)" = Darwin ]; }
+
+as_root() {
+    if [ "$(id -u)" -eq 0 ]; then
+        "$@"
+    else
+        sudo "$@"
+    fi
+}
+
+# install_debian PACKAGE...: installs the packages that are missing.
+install_debian() {
+    local package missing=()
+    for package in "$@"; do
+        if ! dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
+            grep -qx installed; then
+            missing+=("$package")
+        fi
+    done
+    [ "${#missing[@]}" -gt 0 ] || return 0
+    say "Installing ${missing[*]}"
+    as_root apt-get update --quiet=2
+    as_root env DEBIAN_FRONTEND=noninteractive \
+        apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# install_homebrew FORMULA...: the same on macOS.
+install_homebrew() {
+    local formula
+    command -v brew >/dev/null || fail "Homebrew is needed to install $*: see https://brew.sh"
+    for formula in "$@"; do
+        brew list --versions "$formula" >/dev/null || {
+            say "Installing $formula"
+            brew install --quiet "$formula"
+        }
+    done
+}
+
+install_build_needs() {
+    if is_macos; then
+        install_homebrew cmake ninja nlohmann-json qt@5
+        CMAKE_PREFIX_PATH="$(brew --prefix qt@5)${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
+        export CMAKE_PREFIX_PATH
+    elif command -v apt-get >/dev/null; then
+        install_debian build-essential cmake ninja-build nlohmann-json3-dev \
+            qtbase5-dev qttools5-dev qttools5-dev-tools
+    else
+        say "Neither Debian, Ubuntu nor macOS: taking what is installed"
+    fi
+}
+
+# build PRESET: configures and builds into build/PRESET.
+build() {
+    say "Building ($1)"
+    mkdir -p build
+    cmake --preset "$1" >"build/configure-$1.log" 2>&1 || {
+        cat "build/configure-$1.log" >&2
+        fail "The build could not be configured"
+    }
+    cmake --build --preset "$1" --parallel
+}
