@@ -62,7 +62,7 @@ private:
     void answerFileDialog(QFileDialog& dialog);
 
     QTimer m_timer;
-    QQueue<QString> m_files; ///< empty text: cancel
+    QQueue<QString> m_files;           ///< empty text: cancel
     QVector<QWidget*> m_beingAnswered; ///< a callback may run the event loop
 };
 
