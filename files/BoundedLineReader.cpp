@@ -40,6 +40,7 @@ BoundedLineReader::~BoundedLineReader() {
 
 bool BoundedLineReader::next(std::string& line) {
     line.clear();
+    m_wasCut = false;
     bool anything = false;
     while (m_begin < m_end || fill()) {
         anything = true;
@@ -49,7 +50,9 @@ bool BoundedLineReader::next(std::string& line) {
         const std::size_t length =
             lineEnd ? static_cast<std::size_t>(static_cast<const char*>(lineEnd) - begin)
                     : available;
-        line.append(begin, std::min(length, m_maxLine - line.size()));
+        const std::size_t kept = std::min(length, m_maxLine - line.size());
+        line.append(begin, kept);
+        m_wasCut = m_wasCut || kept < length;
         m_begin += length;
         if (lineEnd) {
             ++m_begin;

@@ -29,6 +29,10 @@ public:
         further; @p line is then empty. */
     bool next(std::string& line);
 
+    /** Whether the line handed out last was longer than the limit: what was kept of it may end in
+        the middle of a value. */
+    bool wasCut() const { return m_wasCut; }
+
 private:
     bool fill();
 
@@ -36,7 +40,8 @@ private:
     std::size_t m_maxLine;
     std::vector<char> m_buffer;
     std::size_t m_begin = 0; ///< first byte of m_buffer that was not handed out yet
-    std::size_t m_end = 0;   ///< one past the last byte of m_buffer that was read
+    bool m_wasCut = false;
+    std::size_t m_end = 0; ///< one past the last byte of m_buffer that was read
 };
 
 #endif

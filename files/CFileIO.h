@@ -45,8 +45,10 @@ public:
                              file cannot be opened: @p out is then left as it is); may be null
         @param out           `profileValueSize` bytes, or null for the default's length alone
         @param size          ignored
-        @return the length in bytes of what is in @p out. A value that does not fit is cut to
-                `profileValueSize` - 1 bytes, one with a NUL byte ends there. */
+        @return the length in bytes of what is in @p out (of the default when the file cannot be
+                opened). A value that does not fit is cut to `profileValueSize` - 1 bytes, one of a
+                line beyond 64 KiB is filled up to that length with blanks, and one with a NUL byte
+                ends there. */
     static int ReadProfileString(const char* section, const char* key, const char* defaultValue,
                                  char* out, std::size_t size, const char* path);
 
@@ -54,7 +56,8 @@ public:
         the third line, and 38 values on the fourth. Only these two fields of @p record change, each
         only when its line is right; an empty third line and missing lines leave theirs.
         @return false when the file cannot be opened, the serial line is longer than 8 (reported on
-                the standard output) or the values are not exactly 38. */
+                the standard output), the values are not exactly 38 or their line is longer than
+                1 MiB. */
     bool GetCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record);
 
     /** The same for an ambient light adapter and its 75 values. The serial line must have exactly 8

@@ -89,7 +89,8 @@ bool readCalRefCsv(const char* path, const CalRefCsv& csv) {
         if (index == serialNoLine)
             result = csv.storeSerialNo(line, csv.serialNo) && result;
         else if (index == valuesLine)
-            result = storeValues(line, csv) && result;
+            // A line that was cut may end inside a number, which would read as another one.
+            result = !reader.wasCut() && storeValues(line, csv) && result;
     }
     return result;
 }

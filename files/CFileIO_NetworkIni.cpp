@@ -48,6 +48,15 @@ int copyValue(std::string_view text, char* out) {
     return static_cast<int>(text.size());
 }
 
+/** A value of a line that was cut, its length unknown: filled up, so that it reads as too long
+   where length matters. Without any text it stays empty, which reads as missing. */
+std::string tooLong(std::string_view value) {
+    std::string filled(value);
+    if (!filled.empty())
+        filled.resize(std::max(filled.size(), CFileIO::profileValueSize - 1), ' ');
+    return filled;
+}
+
 /** Whether @p line assigns a value to @p key; that value, unbounded, goes to @p value. */
 bool matchKeyLine(std::string_view line, std::string_view key, std::string_view& value) {
     const std::size_t equalsSign = line.find('=');
@@ -177,7 +186,7 @@ int CFileIO::ReadProfileString(const char* section, const char* key, const char*
         return copyValue(fallback, out);
     BoundedLineReader reader(path, maxLine);
     if (!reader.isOpen())
-        return static_cast<int>(std::min(fallback.size(), profileValueSize - 1));
+        return static_cast<int>(fallback.size());
 
     const std::string header = std::string("[") + section + "]";
     bool inSection = false;
@@ -189,7 +198,7 @@ int CFileIO::ReadProfileString(const char* section, const char* key, const char*
         if (line.front() == '[')
             inSection = inSection || equalsIgnoringCase(withoutLineEndCr(line), header);
         else if (inSection && matchKeyLine(line, key, value))
-            return copyValue(value, out);
+            return copyValue(reader.wasCut() ? tooLong(value) : std::string(value), out);
     }
     return copyValue(fallback, out);
 }

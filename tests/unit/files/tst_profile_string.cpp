@@ -212,7 +212,7 @@ void TestProfileString::lineBound_data() {
     QTest::addColumn<QByteArray>("expected");
     QTest::newRow("a byte less") << 65535 << QByteArray("xyz");
     QTest::newRow("just as long") << 65536 << QByteArray("xyz");
-    QTest::newRow("a byte more") << 65537 << QByteArray("xy");
+    QTest::newRow("a byte more") << 65537 << QByteArray("xy").leftJustified(511, ' ');
     QTest::newRow("three bytes more") << 65539 << QByteArray("");
     QTest::newRow("no sign in the part that is read") << 65540 << notFound;
 }
@@ -306,6 +306,9 @@ void TestProfileString::cannotBeOpened() {
     const Lookup lookup(file.path(), "Section", "Key", notFound.constData());
     QCOMPARE(lookup.length, notFound.size());
     QVERIFY(lookup.isUntouched());
+    const Lookup longDefault(file.path(), "Section", "Key", QByteArray(600, 'd').constData());
+    QCOMPARE(longDefault.length, 600);
+    QVERIFY(longDefault.isUntouched());
     const Lookup withoutDefault(file.path(), "Section", "Key", nullptr);
     QCOMPARE(withoutDefault.length, 0);
     QVERIFY(withoutDefault.isUntouched());
