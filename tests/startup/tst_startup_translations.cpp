@@ -243,7 +243,6 @@ void TestStartupTranslations::exactlyThatFile_data() {
 
     QTest::newRow("without its ending") << QStringLiteral("jp");
     QTest::newRow("with one ending more") << QStringLiteral("jp.qm.qm");
-    QTest::newRow("in upper case") << QStringLiteral("JP.QM");
 }
 
 /** A file of a similar name never serves instead. */

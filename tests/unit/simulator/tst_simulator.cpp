@@ -2,8 +2,6 @@
 
 #include "SimulatorTest.h"
 
-#include <cstdint>
-
 using namespace simtest;
 
 class TestSimulator : public QObject {

@@ -302,13 +302,15 @@ void TestSimulatorFile::unsavedChangeIsUndone() {
 
     const std::uint8_t mode = 3;
     const KVA_NETWORKINFO network{};
+    KVA_JIG_CALREFDATA otherData{};
+    otherData.reserved[0] = 1;
     const KVA_RESULT failed = KVA_ERROR;
     if (change == "power-off")
         QCOMPARE(KVA_SetShutdownTime(&mode), failed);
     else if (change == "network")
         QCOMPARE(KVA_SetNetworkInfo(&network), failed);
     else if (change == "stage")
-        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), failed);
+        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&otherData), failed);
     else if (change == "commit")
         QCOMPARE(KVA_JIG_SetFactoryCalib_WriteSector(), failed);
     else if (change == "plug")

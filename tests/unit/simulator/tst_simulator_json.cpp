@@ -136,13 +136,8 @@ void TestSimulatorJson::randomRecords() {
 void TestSimulatorJson::textOfEveryByte() {
     for (int value = 0; value < 256; ++value) {
         KVA_NETWORKINFO network{};
-        std::memset(network.SSID, value, sizeof network.SSID);
-        std::memset(network.EncryptKey, 'k', sizeof network.EncryptKey - 1);
-        network.EncryptKey[value % 64] = static_cast<char>(value);
-        QVERIFY2(sameBytes(reloaded(network), network), QByteArray::number(value).constData());
-        network = {};
         network.SSID[32] = static_cast<char>(value);
-        network.EncryptKey[0] = static_cast<char>(value);
+        std::memset(network.EncryptKey, value, sizeof network.EncryptKey);
         QVERIFY2(sameBytes(reloaded(network), network), QByteArray::number(value).constData());
     }
 }
@@ -199,10 +194,12 @@ void TestSimulatorJson::portNameWithoutNul() {
 }
 
 void TestSimulatorJson::serialDigitsOfEveryByte() {
-    for (int value = 0; value < 256; ++value) {
+    for (int value = 0; value < 256; value += 4) {
         KVA_JIG_CALREFDATA data{};
-        data.whiteSerialNo[value % 4] = static_cast<std::uint8_t>(value);
-        data.ambAdpSerialNo[3 - value % 4] = static_cast<std::uint8_t>(value);
+        for (int index = 0; index < 4; ++index) {
+            data.whiteSerialNo[index] = static_cast<std::uint8_t>(value + index);
+            data.ambAdpSerialNo[3 - index] = static_cast<std::uint8_t>(value + index);
+        }
         QVERIFY2(sameBytes(reloaded(data), data), QByteArray::number(value).constData());
     }
     KVA_JIG_CALREFDATA data{};

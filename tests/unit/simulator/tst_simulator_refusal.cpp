@@ -14,6 +14,8 @@ private Q_SLOTS:
     void refused();
     void refusedInInstrument_data();
     void refusedInInstrument();
+    void refusedInCalibration_data();
+    void refusedInCalibration();
     void noReasonQuotesTheKey_data();
     void noReasonQuotesTheKey();
     void serialNumberOfAnother();
@@ -115,7 +117,6 @@ void TestSimulatorRefusal::refusedInInstrument_data() {
     row(R"({"device": {"reserved1": {"fill": 256}}})", "device.reserved1.fill");
     row(R"({"device": {"reserved1": {}}})", "device.reserved1");
     row(R"({"device": {"reserved1": {"fill": 1, "hex": "00"}}})", "device.reserved1");
-    row(R"({"device": {"reserved1": {"fil": 1, "seed": 1}}})", "device.reserved1");
     row(R"({"device": {"reserved2": {"seed": -1}}})", "device.reserved2.seed");
     row(R"({"wirelessModule": 256})", "wirelessModule");
     row(R"({"wirelessModule": "yes"})", "wirelessModule");
@@ -134,6 +135,14 @@ void TestSimulatorRefusal::refusedInInstrument_data() {
     row(R"({"network": {"pending": {"padding": 7}}})", "network.pending.padding");
     row(R"({"powerOffMode": 256})", "powerOffMode");
     row(R"({"powerOffMode": -1})", "powerOffMode");
+}
+
+void TestSimulatorRefusal::refusedInCalibration_data() {
+    QTest::addColumn<QByteArray>("patch");
+    QTest::addColumn<QByteArray>("path");
+    const auto row = [](const char* patch, const char* path) {
+        QTest::newRow(patch) << QByteArray(patch) << QByteArray(path);
+    };
     row(R"({"calibration": {"staged": []}})", "calibration.staged");
     row(R"({"calibration": {"committed": {"white": {"serialNumber": 12345678}}}})",
         "calibration.committed.white.serialNumber");
@@ -167,6 +176,10 @@ void TestSimulatorRefusal::refusedInInstrument() {
     QVERIFY(!KvaSim_Set(usbSerial, patch.constData()));
     QVERIFY2(lastError().startsWith(path + ": "), KvaSim_LastError());
     QVERIFY(state() == before);
+}
+
+void TestSimulatorRefusal::refusedInCalibration() {
+    refusedInInstrument();
 }
 
 void TestSimulatorRefusal::noReasonQuotesTheKey_data() {
