@@ -12,6 +12,10 @@ if(VQTL4_SANITIZE)
     target_link_options(project_options INTERFACE -fsanitize=${VQTL4_SANITIZE})
 endif()
 
+if(VQTL4_FUZZ)
+    target_compile_options(project_options INTERFACE -fsanitize=fuzzer-no-link)
+endif()
+
 # What the targets that use Qt are compiled with on top.
 add_library(qt_options INTERFACE)
 target_link_libraries(qt_options INTERFACE project_options)

@@ -1,0 +1,21 @@
+// Any text as a bench: refused with a reason, or taken whole, in which case what is written of it
+// is taken again and is the same.
+#include "simulator/KvaSim.h"
+#include "tests/fuzz/FuzzFile.h"
+
+#include <cstring>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    const std::string text(reinterpret_cast<const char*>(data), size);
+    if (!KvaSim_LoadJson(text.c_str())) {
+        require(std::strlen(KvaSim_LastError()) > 0);
+        return 0;
+    }
+    char* first = KvaSim_State();
+    require(first != nullptr && KvaSim_LoadJson(first));
+    char* second = KvaSim_State();
+    require(second != nullptr && std::strcmp(first, second) == 0);
+    KvaSim_Free(first);
+    KvaSim_Free(second);
+    return 0;
+}

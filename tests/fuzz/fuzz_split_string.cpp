@@ -1,0 +1,27 @@
+// The pieces hold every character but the delimiters, in order; none is empty or holds one; and
+// joined again they split into the same. The first byte of the input is the delimiter.
+#include "files/CFileIO.h"
+#include "tests/fuzz/FuzzFile.h"
+
+#include <algorithm>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    if (size == 0)
+        return 0;
+    const char delimiter = static_cast<char>(data[0]);
+    const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
+    const std::vector<std::string> pieces = CFileIO::SplitString(text, delimiter);
+
+    std::string all;
+    std::string joined;
+    for (const std::string& piece : pieces) {
+        require(!piece.empty() && piece.find(delimiter) == std::string::npos);
+        all += piece;
+        joined += delimiter + piece + delimiter;
+    }
+    std::string expected = text;
+    expected.erase(std::remove(expected.begin(), expected.end(), delimiter), expected.end());
+    require(all == expected);
+    require(CFileIO::SplitString(joined, delimiter) == pieces);
+    return 0;
+}
