@@ -9,14 +9,22 @@
 #include <QTabWidget>
 #include <QtTest>
 
+#include <cstdio>
+#include <cstdlib>
 #include <utility>
 
 /** Lets a test at a private member, as an explicit instantiation may name it. */
 template <QTimer InitSettingDialog::*Member>
 struct WatchAccess {
-    friend QTimer& watchOf(InitSettingDialog& dialog) { return dialog.*Member; }
+    friend QTimer& privateWatchOf(InitSettingDialog& dialog) { return dialog.*Member; }
 };
 template struct WatchAccess<&InitSettingDialog::m_timer>;
+QTimer& privateWatchOf(InitSettingDialog& dialog);
+
+// The friend is inline, so that other sources would not find it in an optimised build.
+QTimer& watchOf(InitSettingDialog& dialog) {
+    return privateWatchOf(dialog);
+}
 
 namespace {
 
@@ -103,7 +111,7 @@ std::shared_ptr<CKvaSdk_Ctrl> controllerOn(const QJsonArray& instruments) {
     const QJsonObject bench = {{QStringLiteral("version"), 1},
                                {QStringLiteral("instruments"), instruments}};
     if (!KvaSim_LoadJson(QJsonDocument(bench).toJson().constData()))
-        qFatal("%s", KvaSim_LastError());
+        SettingsFixture::giveUp(QString::fromUtf8(KvaSim_LastError()));
     KvaSim_WaitForEvents();
     g_deviceDisconnected.store(false);
     return std::make_shared<CKvaSdk_Ctrl>();
@@ -194,14 +202,14 @@ void SettingsFixture::emitEvent(quint32 code) {
 void SettingsFixture::click(const QString& name) {
     auto& button = child<QAbstractButton>(name);
     if (!button.isVisible() || !button.isEnabled())
-        qFatal("nobody could click %s", qUtf8Printable(name));
+        giveUp(QStringLiteral("nobody could click ") + name);
     // Not the middle: a radio button takes clicks on its circle and its text only.
     QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(8, button.height() / 2));
 }
 
 void SettingsFixture::invoke(const char* slot) {
     if (!QMetaObject::invokeMethod(&dialog, slot, Qt::DirectConnection))
-        qFatal("no slot %s", slot);
+        giveUp(QStringLiteral("no slot ") + QLatin1String(slot));
 }
 
 void SettingsFixture::uncheck(const QString& name) {
@@ -366,4 +374,9 @@ QStringList SettingsFixture::digitLines(const QStringList& texts) {
             lines.append(QString(character));
     }
     return lines;
+}
+
+void SettingsFixture::giveUp(const QString& reason) {
+    std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
+    std::abort();
 }
