@@ -48,18 +48,18 @@ install_homebrew() {
 
 install_build_needs() {
     if is_macos; then
-        install_homebrew cmake ninja nlohmann-json qt@5
+        install_homebrew cmake ninja nlohmann-json cli11 qt@5
         CMAKE_PREFIX_PATH="$(brew --prefix qt@5)${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
         export CMAKE_PREFIX_PATH
     elif command -v apt-get >/dev/null; then
         install_debian build-essential cmake ninja-build nlohmann-json3-dev \
-            qtbase5-dev qttools5-dev qttools5-dev-tools
+            libcli11-dev qtbase5-dev qttools5-dev qttools5-dev-tools
     else
         say "Neither Debian, Ubuntu nor macOS: taking what is installed"
     fi
 }
 
-# build PRESET: configures and builds into build/PRESET.
+# build PRESET [OPTION...]: configures and builds into build/PRESET; the options go to the build.
 build() {
     say "Building ($1)"
     mkdir -p build
@@ -67,5 +67,5 @@ build() {
         cat "build/configure-$1.log" >&2
         fail "The build could not be configured"
     }
-    cmake --build --preset "$1" --parallel
+    cmake --build --preset "$1" --parallel "${@:2}"
 }

@@ -23,6 +23,7 @@ struct Instrument {
     KVA_NETWORKINFO activeNetwork{};               /**< what its radio uses */
     std::optional<KVA_NETWORKINFO> pendingNetwork; /**< stored, in use after a power cycle */
     std::uint8_t powerOffMode = 0;
+    std::uint32_t startUpMs = 1500;                      /**< from switching on until it answers */
     KVA_JIG_CALREFDATA committedCalibration{};           /**< in non-volatile memory */
     std::optional<KVA_JIG_CALREFDATA> stagedCalibration; /**< lost with a power cycle */
 };

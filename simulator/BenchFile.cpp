@@ -9,6 +9,7 @@
 #include <cstring>
 #include <memory>
 #include <system_error>
+#include <utility>
 #include <vector>
 
 #include <fcntl.h>
@@ -152,10 +153,19 @@ StoredBench loadBenchFile(const std::string& path) {
     const std::string text = readWhole(path);
     try {
         // Absolute from the start: the program may change its working directory.
-        return {benchFromJson(parseJson(text)), resolved(path)};
+        return {benchFromJson(parseJson(text, Comments::Allowed)), resolved(path), nullptr};
     } catch (const InputError& error) {
         throw InputError(path + ": " + error.what());
     }
+}
+
+StoredBench openBenchFile(const std::string& path) {
+    // Read before the lock, so that nothing is made beside a file that is refused; and again with
+    // it, since another program may have saved in between.
+    auto lock = BenchLock::acquire(loadBenchFile(path).path);
+    StoredBench stored = loadBenchFile(path);
+    stored.lock = std::move(lock);
+    return stored;
 }
 
 void saveBenchFile(const std::string& path, const Bench& bench) {
@@ -184,11 +194,11 @@ void saveBenchFile(const std::string& path, const Bench& bench) {
 
 StoredBench loadBenchFromEnvironment() {
     if (const char* named = environment("KVASIM_BENCH"))
-        return loadBenchFile(named);
+        return openBenchFile(named);
     const std::string data = dataFolder();
     if (data.empty()) {
         complain("no home folder, the built-in bench is kept in memory only");
-        return {makeBuiltInBench(), {}};
+        return {makeBuiltInBench(), {}, nullptr};
     }
     const std::string folder = data + "/vq-tl4-simulator";
     const std::string path = folder + "/bench.json";
@@ -196,7 +206,7 @@ StoredBench loadBenchFromEnvironment() {
     struct stat status {};
     if (::lstat(path.c_str(), &status) != 0 && errno == ENOENT)
         saveBenchFile(path, makeBuiltInBench());
-    return loadBenchFile(path);
+    return openBenchFile(path);
 }
 
 void complain(const std::string& message) {

@@ -5,7 +5,9 @@
 #define SIMULATOR_BENCHFILE_H
 
 #include "simulator/Bench.h"
+#include "simulator/BenchLock.h"
 
+#include <memory>
 #include <string>
 
 namespace kvasim {
@@ -13,17 +15,24 @@ namespace kvasim {
 /** A bench and the file that it lives in. */
 struct StoredBench {
     Bench bench;
-    std::string path; /**< absolute; empty: in memory only */
+    std::string path;                /**< absolute; empty: in memory only */
+    std::shared_ptr<BenchLock> lock; /**< null: in memory only, or a file that is only read */
 };
 
 /** Reads a bench file. The file is only read, never changed.
+    Comments are allowed in it.
     @throws InputError with the file and the reason: missing, no regular file, larger than 64 MiB,
     not JSON (with the line), damaged or of a newer version (with the path of the field). */
 StoredBench loadBenchFile(const std::string& path);
 
+/** Reads a bench file and keeps other programs from it.
+    @throws InputError as `loadBenchFile` and `BenchLock::acquire` do */
+StoredBench openBenchFile(const std::string& path);
+
 /** Puts @p bench in place of the file at once: whoever reads it finds the old one or the new one,
-    whole. Written beside the file, flushed to the disk and renamed; only the owner can read it, or
-    whoever could read the file before. A symbolic link stays and its target is replaced.
+    whole. Comments of the old one are gone. Written beside the file, flushed to the disk and
+   renamed; only the owner can read it, or whoever could read the file before. A symbolic link stays
+   and its target is replaced.
     @throws InputError when that fails; the file is then as it was. */
 void saveBenchFile(const std::string& path, const Bench& bench);
 

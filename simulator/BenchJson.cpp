@@ -9,6 +9,8 @@ namespace kvasim {
 
 namespace {
 
+constexpr std::int64_t maxStartUpMs = 600000;
+
 void readOptionalBytes(JsonFields& fields, const char* key, std::uint8_t* bytes, std::size_t size) {
     if (const Json* value = fields.find(key))
         readBytes(*value, fields.pathOf(key), bytes, size);
@@ -184,6 +186,9 @@ Instrument instrumentFromJson(const Json& json, const std::string& path) {
         readNetwork(*network, fields.pathOf("network"), instrument);
     if (const Json* mode = fields.find("powerOffMode"))
         instrument.powerOffMode = readUint8(*mode, fields.pathOf("powerOffMode"));
+    if (const Json* startUp = fields.find("startUpMs"))
+        instrument.startUpMs = static_cast<std::uint32_t>(
+            readInteger(*startUp, fields.pathOf("startUpMs"), 0, maxStartUpMs));
     if (const Json* calibration = fields.find("calibration"))
         readCalibration(*calibration, fields.pathOf("calibration"), instrument);
     fields.finish();
@@ -205,6 +210,7 @@ Json instrumentToJson(const Instrument& instrument, Keys keys) {
              {{"active", networkToJson(instrument.activeNetwork, keys)},
               {"pending", pending ? networkToJson(*pending, keys) : Json()}}},
             {"powerOffMode", instrument.powerOffMode},
+            {"startUpMs", instrument.startUpMs},
             {"calibration",
              {{"committed", recordToJson(instrument.committedCalibration)},
               {"staged", staged ? recordToJson(*staged) : Json()}}}};

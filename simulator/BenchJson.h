@@ -17,6 +17,7 @@
  *                                "DNS": "192.168.0.1", "SSID": "name", "EncryptKey": "key"},
  *                     "pending": null},
  *         "powerOffMode": 1,
+ *         "startUpMs": 1500,
  *         "calibration": {"committed": {"white": {"serialNumber": "12345678", "values": [38]},
  *                                       "ambientAdapter": {"serialNumber": "00012345",
  *                                                          "values": [75]},
@@ -27,27 +28,27 @@
  * How values are written: see JsonFields.h (texts, bytes, single-precision values, binary-coded
  * decimal); rules for faults: see FaultRules.h.
  *
- * | Field                           | Values                               | Left out            |
- * |---------------------------------|--------------------------------------|---------------------|
- * | `version`                       | 1                                    | refused             |
- * | `instruments`                   | array; no serial number twice        | refused             |
- * | `faults`                        | array                                | no rules            |
- * | `serialNumber`                  | signed 32-bit                        | refused             |
- * | `plugged`                       | true, false                          | true                |
- * | `port.type`                     | unsigned 32-bit, 1 is USB            | 1                   |
- * | `port.name`                     | text of 36 bytes                     | "USB"               |
- * | `device.serialNumber`           | unsigned 32-bit                      | as `serialNumber`   |
- * | `device.firmware`               | unsigned, signed, signed 32-bit      | [1, 0, 0]           |
- * | `device.macAddress`             | six bytes of hexadecimal             | 02:00 and
- * `serialNumber` | | `device.reserved1`, `reserved2` | 8 and 10 bytes                       | zero
- * | | `wirelessModule`                | true (1), false (0) or 0 to 255      | true | |
- * `factoryOptionsReserved`        | 15 bytes                             | zero                | |
- * `network.active`                | settings                             | 192.168.0.10/24, both
- * uses 0, empty texts | | `network.pending`               | settings or null                     |
- * null; a field of it: as in `active` | | `powerOffMode`                  | 0 to 255 | 0 | |
- * `calibration.committed`         | record                               | 10000001, 00010001,
- * plausible values, seed 1 | | `calibration.staged`            | record or null | null; a field of
- * it: as in `committed` |
+ * | Field                           | Values                      | Left out                     |
+ * |---------------------------------|-----------------------------|------------------------------|
+ * | `version`                       | 1                           | refused                      |
+ * | `instruments`                   | array; no serial twice      | refused                      |
+ * | `faults`                        | array                       | no rules                     |
+ * | `serialNumber`                  | signed 32-bit               | refused                      |
+ * | `plugged`                       | true, false                 | true                         |
+ * | `port.type`                     | unsigned 32-bit, 1 is USB   | 1                            |
+ * | `port.name`                     | text of 36 bytes            | "USB"                        |
+ * | `device.serialNumber`           | unsigned 32-bit             | as `serialNumber`            |
+ * | `device.firmware`               | unsigned, two signed 32-bit | [1, 0, 0]                    |
+ * | `device.macAddress`             | six bytes of hexadecimal    | 02:00 and `serialNumber`     |
+ * | `device.reserved1`, `reserved2` | 8 and 10 bytes              | zero                         |
+ * | `wirelessModule`                | true, false or 0 to 255     | true                         |
+ * | `factoryOptionsReserved`        | 15 bytes                    | zero                         |
+ * | `network.active`                | settings                    | 192.168.0.10/24, both uses 0 |
+ * | `network.pending`               | settings or null            | null; fields as in `active`  |
+ * | `powerOffMode`                  | 0 to 255                    | 0                            |
+ * | `startUpMs`                     | 0 to 600000                 | 1500                         |
+ * | `calibration.committed`         | record                      | plausible values, seed 1     |
+ * | `calibration.staged`            | record or null              | null; as in `committed`      |
  *
  * A field that is given has to be right, and no other field may be given.
  */

@@ -2,6 +2,7 @@
 
 #include "simulator/BenchFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdlib>
 #include <system_error>
@@ -40,6 +41,30 @@ std::string CallLog::toJson(std::uint64_t after) const {
         text += m_lines[static_cast<std::size_t>(index)];
     }
     return text + ']';
+}
+
+CallLog::Page CallLog::page(std::uint64_t after, std::size_t limit) const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    Page page;
+    page.last = after;
+    if (after > m_lastNumber)
+        return page;
+    const std::uint64_t forgotten = m_lastNumber - m_lines.size();
+    if (page.last < forgotten) {
+        page.missed = forgotten - page.last;
+        page.last = forgotten;
+    }
+    const auto first = static_cast<std::size_t>(page.last - forgotten);
+    const std::size_t end = first + std::min(limit, m_lines.size() - first);
+    for (std::size_t index = first; index < end; ++index)
+        page.lines.push_back(m_lines[index]);
+    page.last += page.lines.size();
+    return page;
+}
+
+std::uint64_t CallLog::lastNumber() const {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    return m_lastNumber;
 }
 
 void CallLog::clear() {

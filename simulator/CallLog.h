@@ -16,6 +16,7 @@
 #include <deque>
 #include <mutex>
 #include <string>
+#include <vector>
 
 namespace kvasim {
 
@@ -45,6 +46,20 @@ public:
 
     /** The calls as a JSON array, those with a number above @p after. */
     std::string toJson(std::uint64_t after = 0) const;
+
+    /** Some calls in a row, each as one line of JSON. */
+    struct Page {
+        std::vector<std::string> lines;
+        std::uint64_t last = 0;   /**< the number of the last of them, or where there are none the
+                                       number to go on from */
+        std::uint64_t missed = 0; /**< calls before them that the log has forgotten */
+    };
+
+    /** The first calls with a number above @p after, no more than @p limit. */
+    Page page(std::uint64_t after, std::size_t limit) const;
+
+    /** The number of the last call, 0 before the first. */
+    std::uint64_t lastNumber() const;
 
     /** Forgets the calls; numbers go on. */
     void clear();

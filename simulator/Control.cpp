@@ -8,6 +8,8 @@ namespace kvasim {
 
 namespace {
 
+constexpr std::size_t callsAtOnce = 1000;
+
 std::int32_t serialNumberOf(JsonFields& request) {
     return readInt32(request.get("serialNumber"), "serialNumber");
 }
@@ -50,7 +52,7 @@ void unplug(Simulator& simulator, JsonFields& request, Json& /*answer*/) {
 void powerCycle(Simulator& simulator, JsonFields& request, Json& /*answer*/) {
     const std::int32_t serialNumber = serialNumberOf(request);
     request.finish();
-    simulator.powerCycle(serialNumber);
+    simulator.powerCycle(serialNumber, StartUp::Timed);
 }
 
 void set(Simulator& simulator, JsonFields& request, Json& /*answer*/) {
@@ -80,7 +82,10 @@ void log(Simulator& simulator, JsonFields& request, Json& answer) {
     const Json* after = request.find("after");
     const std::int64_t number = after == nullptr ? 0 : readInteger(*after, "after", 0, INT64_MAX);
     request.finish();
-    answer["calls"] = parseJson(simulator.log().toJson(static_cast<std::uint64_t>(number)));
+    Json& calls = answer["calls"] = Json::array();
+    for (const std::string& line :
+         simulator.log().page(static_cast<std::uint64_t>(number), callsAtOnce).lines)
+        calls.push_back(parseJson(line));
 }
 
 void clearLog(Simulator& simulator, JsonFields& request, Json& /*answer*/) {

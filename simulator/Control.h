@@ -3,15 +3,18 @@
  *
  * | Request                                              | Answer, besides "ok": true           |
  * |------------------------------------------------------|--------------------------------------|
- * | {"command": "list"}                                  | "instruments": [{"serialNumber",
- * "plugged", "port", "connected"}] | | {"command": "state"}                                 |
- * "bench"                              | | {"command": "show", "serialNumber": n}               |
- * "instrument"                         | | {"command": "plug", "serialNumber": n}, "unplug",
- * "powerCycle" |                            | | {"command": "set", "serialNumber": n, "patch": {…}}
- * |                                      | | {"command": "addFault", "fault": {…}}                |
- * | | {"command": "faults"}                                | "faults": the rules in force         |
+ * | {"command": "list"}                                  | "instruments": [{"serialNumber",     |
+ * |                                                      | "plugged", "starting", "connected",  |
+ * |                                                      | "port"}]                             |
+ * | {"command": "state"}                                 | "bench"                              |
+ * | {"command": "show", "serialNumber": n}               | "instrument"                         |
+ * | {"command": "plug", "serialNumber": n}, "unplug"     |                                      |
+ * | {"command": "powerCycle", "serialNumber": n}         |                                      |
+ * | {"command": "set", "serialNumber": n, "patch": {…}}  |                                      |
+ * | {"command": "addFault", "fault": {…}}                |                                      |
+ * | {"command": "faults"}                                | "faults": the rules in force         |
  * | {"command": "clearFaults"}                           |                                      |
- * | {"command": "log"}                                   | "calls"                              |
+ * | {"command": "log"}                                   | "calls": no more than 1000           |
  * | {"command": "clearLog"}                              |                                      |
  * | {"command": "event", "code": n}                      |                                      |
  *

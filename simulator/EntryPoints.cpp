@@ -11,6 +11,7 @@
 namespace {
 
 using kvasim::Call;
+using kvasim::CallEffects;
 using kvasim::Function;
 using kvasim::Instrument;
 using kvasim::Json;
@@ -45,11 +46,19 @@ Json noArguments() {
 template <typename Record, typename Reader>
 KVA_RESULT readInto(Function function, Record* target, const Reader& reader) {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform(describe(function, noArguments), [&]() -> KVA_RESULT {
+    const auto work = [&](const CallEffects& effects) -> KVA_RESULT {
         if (target == nullptr)
             return KVA_ERROR_ARGUMENT;
-        return simulator.read([&](const Instrument& instrument) { *target = reader(instrument); });
-    });
+        Record answer{};
+        const KVA_RESULT result = simulator.read(
+            effects, [&](const Instrument& instrument) { answer = reader(instrument); });
+        if (result != KVA_SUCCESS || effects.answerIsLost())
+            return result;
+        kvasim::corrupt(effects, function, &answer, sizeof answer);
+        *target = answer;
+        return result;
+    };
+    return simulator.perform(describe(function, noArguments), work);
 }
 
 /** Performs a call that hands @p source to the connected instrument. */
@@ -58,10 +67,10 @@ KVA_RESULT writeFrom(Function function, const Record* source, const Describe& ar
                      const Writer& writer) {
     Simulator& simulator = Simulator::instance();
     const auto given = [&] { return source == nullptr ? noArguments() : arguments(*source); };
-    return simulator.perform(describe(function, given), [&]() -> KVA_RESULT {
+    return simulator.perform(describe(function, given), [&](const CallEffects& effects) {
         if (source == nullptr)
-            return KVA_ERROR_ARGUMENT;
-        return simulator.write([&](Instrument& instrument) -> KVA_RESULT {
+            return KVA_RESULT{KVA_ERROR_ARGUMENT};
+        return simulator.write(effects, [&](Instrument& instrument) -> KVA_RESULT {
             writer(instrument, *source);
             return KVA_SUCCESS;
         });
@@ -78,20 +87,22 @@ KVASIM_EXPORT KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler h
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
     const KVA_RESULT removed =
         handler == nullptr ? simulator.registerHandler(nullptr) : KVA_SUCCESS;
-    return simulator.perform(describe(Function::RegisterDeviceEventHandler, given), [&] {
-        return handler == nullptr ? removed : simulator.registerHandler(handler);
-    });
+    return simulator.perform(
+        describe(Function::RegisterDeviceEventHandler, given), [&](const CallEffects&) {
+            return handler == nullptr ? removed : simulator.registerHandler(handler);
+        });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count,
                                                int32_t maxEntries) {
     Simulator& simulator = Simulator::instance();
     const auto given = [&] { return Json{{"list", list != nullptr}, {"maxEntries", maxEntries}}; };
-    return simulator.perform(describe(Function::GetDevicePortList, given), [&]() -> KVA_RESULT {
-        if (count == nullptr || maxEntries < 0 || (list == nullptr && maxEntries > 0))
-            return KVA_ERROR_ARGUMENT;
-        return simulator.listPorts(list, maxEntries, *count);
-    });
+    return simulator.perform(
+        describe(Function::GetDevicePortList, given), [&](const CallEffects& effects) {
+            if (count == nullptr || maxEntries < 0 || (list == nullptr && maxEntries > 0))
+                return KVA_RESULT{KVA_ERROR_ARGUMENT};
+            return simulator.listPorts(effects, list, maxEntries, *count);
+        });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
@@ -105,15 +116,16 @@ KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     });
     if (port != nullptr)
         call.serialNumber = port->serialNumber;
-    return simulator.perform(std::move(call), [&]() -> KVA_RESULT {
-        return port == nullptr ? KVA_ERROR_ARGUMENT : simulator.connect(*port);
+    return simulator.perform(std::move(call), [&](const CallEffects& effects) {
+        return port == nullptr ? KVA_RESULT{KVA_ERROR_ARGUMENT} : simulator.connect(effects, *port);
     });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_Disconnect(void) {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform(describe(Function::Disconnect, noArguments),
-                             [&] { return simulator.disconnect(); });
+    return simulator.perform(
+        describe(Function::Disconnect, noArguments),
+        [&](const CallEffects& effects) { return simulator.disconnect(effects); });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
@@ -174,15 +186,16 @@ KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREF
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform(describe(Function::WriteSector, noArguments), [&] {
-        return simulator.write([](Instrument& instrument) -> KVA_RESULT {
-            if (!instrument.stagedCalibration)
-                return KVA_ERROR_NO_DATA;
-            instrument.committedCalibration = *instrument.stagedCalibration;
-            instrument.stagedCalibration.reset();
-            return KVA_SUCCESS;
+    return simulator.perform(
+        describe(Function::WriteSector, noArguments), [&](const CallEffects& effects) {
+            return simulator.write(effects, [](Instrument& instrument) -> KVA_RESULT {
+                if (!instrument.stagedCalibration)
+                    return KVA_ERROR_NO_DATA;
+                instrument.committedCalibration = *instrument.stagedCalibration;
+                instrument.stagedCalibration.reset();
+                return KVA_SUCCESS;
+            });
         });
-    });
 }
 
 KVASIM_EXPORT KVA_RESULT

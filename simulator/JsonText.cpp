@@ -92,10 +92,11 @@ void append(std::string& text, const Json& value, std::size_t indent) {
 
 } // namespace
 
-Json parseJson(std::string_view text) {
+Json parseJson(std::string_view text, Comments comments) {
     try {
         ParseGuard guard;
-        return Json::parse(text.begin(), text.end(), std::ref(guard));
+        return Json::parse(text.begin(), text.end(), std::ref(guard), true,
+                           comments == Comments::Allowed);
     } catch (const Json::parse_error& error) {
         throw InputError(positionOf(text, error.byte) + ": " + reasonOf(error.what()));
     } catch (const Json::exception&) {

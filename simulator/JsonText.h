@@ -24,11 +24,15 @@ public:
     using std::runtime_error::runtime_error;
 };
 
+/** Whether a document may hold comments, after // to the end of the line or between slashes with
+    asterisks. */
+enum class Comments { Refused, Allowed };
+
 /** Parses one JSON document in UTF-8.
     @throws InputError for a syntax error (with line and column, both counted from 1), a number that
     no double holds, a key given twice in one object, more than 64 levels or an object of more than
     1000 keys. */
-Json parseJson(std::string_view text);
+Json parseJson(std::string_view text, Comments comments = Comments::Refused);
 
 /** The document with an indent of two, one field a line; arrays of plain values stay on one line.
     Ends with a line feed. */

@@ -70,7 +70,9 @@ bool KvaSim_Unplug(int32_t serialNumber) {
 }
 
 bool KvaSim_PowerCycle(int32_t serialNumber) {
-    return attempt([&](Simulator& simulator) { simulator.powerCycle(serialNumber); });
+    return attempt([&](Simulator& simulator) {
+        simulator.powerCycle(serialNumber, kvasim::StartUp::Skipped);
+    });
 }
 
 bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch) {

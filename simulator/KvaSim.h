@@ -44,7 +44,8 @@ KVASIM_API bool KvaSim_Unplug(int32_t serialNumber);
 
 /** Switches an instrument off and on: pending network settings come into use, calibration data that
     was only staged is lost. For the connected one the connection is lost, and a disconnect and then
-    a standby event are delivered. */
+    a standby event are delivered. It answers again at once; with its "startUpMs" it is switched by
+    the request {"command": "powerCycle"}. */
 KVASIM_API bool KvaSim_PowerCycle(int32_t serialNumber);
 
 /** Merges a JSON merge patch into an instrument, for instance {"powerOffMode": 7}; null gives a
@@ -61,7 +62,8 @@ KVASIM_API void KvaSim_ClearFaults(void);
 /** Queues an event for the handler; nothing happens without one. */
 KVASIM_API void KvaSim_EmitEvent(uint32_t code, uint32_t rawDataCount, int32_t error);
 
-/** Returns when all queued events have been delivered; from within a handler, at once. */
+/** Returns when all queued events have been delivered, but for the standby event of an instrument
+    that is still starting; from within a handler, at once. */
 KVASIM_API void KvaSim_WaitForEvents(void);
 
 /** The whole bench as JSON, security keys included. To be given back with `KvaSim_Free`. */

@@ -1,10 +1,9 @@
 #include "simulator/Simulator.h"
 
-#include "simulator/JsonFields.h"
-
 #include <algorithm>
 #include <cstring>
 #include <exception>
+#include <thread>
 #include <utility>
 
 namespace kvasim {
@@ -22,13 +21,23 @@ __attribute__((destructor)) void unload() {
     g_simulator = nullptr;
 }
 
-/** The first action that answers for the call; nothing when none does. */
-std::optional<KVA_RESULT> answer(const std::vector<FaultAction>& actions) {
-    for (const FaultAction& action : actions) {
-        if (const auto* fault = std::get_if<ResultFault>(&action))
-            return fault->result;
-    }
-    return std::nullopt;
+bool isForNoInstrument(Function function) {
+    return function == Function::RegisterDeviceEventHandler ||
+           function == Function::GetDevicePortList;
+}
+
+template <typename Record>
+bool isSame(const Record& left, const Record& right) {
+    return std::memcmp(&left, &right, sizeof left) == 0;
+}
+
+const KVA_NETWORKINFO& storedNetwork(const Instrument& instrument) {
+    return instrument.pendingNetwork ? *instrument.pendingNetwork : instrument.activeNetwork;
+}
+
+const KVA_JIG_CALREFDATA& workingCalibration(const Instrument& instrument) {
+    return instrument.stagedCalibration ? *instrument.stagedCalibration
+                                        : instrument.committedCalibration;
 }
 
 } // namespace
@@ -39,14 +48,14 @@ Simulator& Simulator::instance() {
     return *g_simulator;
 }
 
-KVA_RESULT Simulator::perform(Call call, const std::function<KVA_RESULT()>& work) {
+KVA_RESULT Simulator::perform(Call call,
+                              const std::function<KVA_RESULT(const CallEffects&)>& work) {
     const auto start = std::chrono::steady_clock::now();
     KVA_RESULT result = KVA_ERROR;
     try {
-        const std::optional<KVA_RESULT> fault = answer(begin(call));
-        result = fault && *fault < 0 ? *fault : work();
-        if (fault && result == KVA_SUCCESS)
-            result = *fault;
+        const CallEffects effects = begin(call);
+        serveBench();
+        result = performWith(effects, call, work);
     } catch (const std::exception& error) {
         complain(error.what());
         result = KVA_ERROR;
@@ -55,230 +64,192 @@ KVA_RESULT Simulator::perform(Call call, const std::function<KVA_RESULT()>& work
         std::chrono::steady_clock::now() - start);
     try {
         m_log.add({call.function, std::move(call.arguments), result, duration});
+        if (m_server.isFollowed())
+            m_events.wake();
     } catch (const std::exception& error) {
         complain(std::string("a call could not be logged: ") + error.what());
     }
     return result;
 }
 
-std::vector<FaultAction> Simulator::begin(Call& call) {
+CallEffects Simulator::begin(Call& call) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     static_cast<void>(loaded());
-    const bool overConnection = call.function != Function::RegisterDeviceEventHandler &&
-                                call.function != Function::GetDevicePortList &&
-                                call.function != Function::Connect;
+    const bool overConnection =
+        !isForNoInstrument(call.function) && call.function != Function::Connect;
     if (overConnection && m_connection) {
         call.serialNumber = m_connection->serialNumber;
         Json arguments = {{"serialNumber", m_connection->serialNumber}};
         arguments.update(call.arguments);
         call.arguments = std::move(arguments);
     }
-    return m_faults.fire(call.function, call.serialNumber);
+    return effectsOf(m_faults.fire(call.function, call.serialNumber));
+}
+
+KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call,
+                                  const std::function<KVA_RESULT(const CallEffects&)>& work) {
+    if (effects.delay.count() > 0)
+        std::this_thread::sleep_for(effects.delay);
+    // A connection that is being made and breaks has never been made.
+    const bool early = effects.unplugs(Moment::Before) ||
+                       (effects.unplugs(Moment::During) && call.function == Function::Connect);
+    if (early)
+        unplug(effects, call);
+    KVA_RESULT result = KVA_SUCCESS;
+    if (effects.result && *effects.result < 0)
+        result = *effects.result;
+    else
+        result = work(effects);
+    if (effects.unplug && !early)
+        unplug(effects, call);
+    const bool isLost = effects.answerIsLost() && !isForNoInstrument(call.function);
+    if (isLost && (result == KVA_SUCCESS || early))
+        result = KVA_ERROR_COMMUNICATION_RECEIVE;
+    if (effects.result && result == KVA_SUCCESS)
+        result = *effects.result;
+    return result;
+}
+
+/** Detaches what the rule says, or the instrument of the call, or the first one of the list. */
+void Simulator::unplug(const CallEffects& effects, const Call& call) {
+    std::optional<std::int32_t> serialNumber =
+        effects.unplug->instrument ? effects.unplug->instrument : call.serialNumber;
+    if (!serialNumber) {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        const auto list = ports();
+        if (list.empty())
+            return;
+        serialNumber = list.front().serialNumber;
+    }
+    try {
+        setPlugged(*serialNumber, false);
+    } catch (const InputError& error) {
+        complain(std::string("a rule cannot unplug: ") + error.what());
+    }
+}
+
+/** Not with the lock held: the thread may have to be started. */
+void Simulator::serveBench() {
+    if (!m_events.keepRunning(m_server.hasBench()))
+        complain("kvasim cannot reach this bench: no thread can be started");
 }
 
 KVA_RESULT Simulator::registerHandler(KVA_DeviceEventHandler handler) {
     return m_events.setHandler(handler) ? KVA_SUCCESS : KVA_ERROR;
 }
 
-KVA_RESULT Simulator::listPorts(KVA_PORTINFO* list, std::int32_t capacity, std::int32_t& count) {
+KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
+                                std::int32_t capacity, std::int32_t& count) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!loaded())
         return KVA_ERROR;
-    std::int32_t listed = 0;
-    for (const Instrument& instrument : m_stored.bench.instruments) {
-        if (!instrument.plugged || (list != nullptr && listed == capacity))
-            continue;
-        if (list != nullptr)
-            list[listed] = instrument.port;
-        ++listed;
+    std::vector<KVA_PORTINFO> answer = effects.stale && m_formerPorts ? *m_formerPorts : ports();
+    std::size_t length = answer.size();
+    if (effects.longestList)
+        length = std::min<std::size_t>(length, *effects.longestList);
+    if (list != nullptr)
+        length = std::min(length, static_cast<std::size_t>(capacity));
+    for (std::size_t index = 0; list != nullptr && index < length; ++index) {
+        corrupt(effects, Function::GetDevicePortList, &answer[index], sizeof answer[index]);
+        list[index] = answer[index];
     }
-    count = listed;
+    count = static_cast<std::int32_t>(length);
     return KVA_SUCCESS;
 }
 
-KVA_RESULT Simulator::connect(const KVA_PORTINFO& port) {
+KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& port) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!loaded())
         return KVA_ERROR;
     if (m_connection && !m_connection->lost)
         return KVA_ERROR_CONNECT_ALREADY;
     for (const Instrument& instrument : m_stored.bench.instruments) {
-        if (instrument.plugged && std::memcmp(&instrument.port, &port, sizeof port) == 0) {
+        if (!isReady(instrument) || !isSame(instrument.port, port))
+            continue;
+        if (!effects.dropped)
             m_connection = Connection{port.serialNumber, false};
-            return KVA_SUCCESS;
-        }
+        return KVA_SUCCESS;
     }
     return KVA_ERROR_INSTRUMENT_UNAVAILABLE;
 }
 
-KVA_RESULT Simulator::disconnect() {
+KVA_RESULT Simulator::disconnect(const CallEffects& effects) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::size_t index = 0;
     const KVA_RESULT result = connected(index);
-    if (result == KVA_SUCCESS)
+    if (result == KVA_SUCCESS && !effects.dropped)
         m_connection.reset();
     return result;
 }
 
-KVA_RESULT Simulator::read(const std::function<void(const Instrument&)>& reader) {
+KVA_RESULT Simulator::read(const CallEffects& effects,
+                           const std::function<void(const Instrument&)>& reader) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::size_t index = 0;
     const KVA_RESULT result = connected(index);
-    if (result == KVA_SUCCESS)
-        reader(m_stored.bench.instruments[index]);
+    if (result != KVA_SUCCESS)
+        return result;
+    const Instrument& instrument = m_stored.bench.instruments[index];
+    const auto former = m_formerAnswers.find(instrument.port.serialNumber);
+    if (!effects.stale || former == m_formerAnswers.end()) {
+        reader(instrument);
+        return result;
+    }
+    Instrument before = instrument;
+    if (former->second.network)
+        before.pendingNetwork = former->second.network;
+    before.powerOffMode = former->second.powerOffMode.value_or(before.powerOffMode);
+    if (former->second.calibration)
+        before.stagedCalibration = former->second.calibration;
+    reader(before);
     return result;
 }
 
-KVA_RESULT Simulator::write(const std::function<KVA_RESULT(Instrument&)>& writer) {
+KVA_RESULT Simulator::write(const CallEffects& effects,
+                            const std::function<KVA_RESULT(Instrument&)>& writer) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     std::size_t index = 0;
     KVA_RESULT result = connected(index);
     if (result != KVA_SUCCESS)
         return result;
-    Instrument next = m_stored.bench.instruments[index];
+    const Instrument before = m_stored.bench.instruments[index];
+    Instrument next = before;
     result = writer(next);
-    if (result >= KVA_SUCCESS)
+    if (result >= KVA_SUCCESS && !effects.dropped) {
         change(index, std::move(next));
+        keepFormerAnswers(before, m_stored.bench.instruments[index]);
+    }
     return result;
 }
 
-void Simulator::loadFile(const std::string& path) {
-    StoredBench stored = loadBenchFile(path);
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    take(std::move(stored));
+void Simulator::keepFormerAnswers(const Instrument& before, const Instrument& after) {
+    FormerAnswers& former = m_formerAnswers[after.port.serialNumber];
+    if (!isSame(storedNetwork(before), storedNetwork(after)))
+        former.network = storedNetwork(before);
+    if (before.powerOffMode != after.powerOffMode)
+        former.powerOffMode = before.powerOffMode;
+    if (!isSame(workingCalibration(before), workingCalibration(after)))
+        former.calibration = workingCalibration(before);
 }
 
-void Simulator::loadJson(const std::string& json) {
-    StoredBench stored{benchFromJson(parseJson(json)), {}};
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    take(std::move(stored));
-}
-
-void Simulator::reset() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    take({});
-    m_state = State::Unread;
-    m_log.reset();
-}
-
-void Simulator::setPlugged(std::int32_t serialNumber, bool plugged) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::size_t index = indexOf(serialNumber);
-    Instrument next = m_stored.bench.instruments[index];
-    if (next.plugged == plugged)
-        return;
-    next.plugged = plugged;
-    change(index, std::move(next));
-}
-
-void Simulator::powerCycle(std::int32_t serialNumber) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::size_t index = indexOf(serialNumber);
-    Instrument next = m_stored.bench.instruments[index];
-    kvasim::powerCycle(next);
-    change(index, std::move(next));
-    if (m_connection && !m_connection->lost && m_connection->serialNumber == serialNumber) {
-        loseConnection();
-        m_events.post({eEventCode_Standby, 0, 0});
-    }
-}
-
-void Simulator::set(std::int32_t serialNumber, const Json& patch) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::size_t index = indexOf(serialNumber);
-    if (!patch.is_object())
-        refuse("", "must be an object");
-    Json merged = instrumentToJson(m_stored.bench.instruments[index]);
-    mergeInto(merged, patch);
-    Instrument next = instrumentFromJson(merged, "");
-    const auto other = findInstrument(m_stored.bench, next.port.serialNumber);
-    if (other && *other != index)
-        refuse("serialNumber", "is the serial number of another instrument");
-    change(index, std::move(next));
-}
-
-Json Simulator::list() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
-    Json list = Json::array();
+/** The list as it is now. */
+std::vector<KVA_PORTINFO> Simulator::ports() {
+    std::vector<KVA_PORTINFO> list;
     for (const Instrument& instrument : m_stored.bench.instruments) {
-        const std::int32_t serialNumber = instrument.port.serialNumber;
-        const bool isConnected =
-            m_connection && !m_connection->lost && m_connection->serialNumber == serialNumber;
-        list.push_back({{"serialNumber", serialNumber},
-                        {"plugged", instrument.plugged},
-                        {"connected", isConnected},
-                        {"port", portToJson(instrument.port)}});
+        if (isReady(instrument))
+            list.push_back(instrument.port);
     }
     return list;
 }
 
-Json Simulator::state(Keys keys) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
-    return benchToJson(m_stored.bench, keys);
+bool Simulator::isReady(const Instrument& instrument) const {
+    const auto starting = m_starting.find(instrument.port.serialNumber);
+    return instrument.plugged &&
+           (starting == m_starting.end() || EventThread::Clock::now() >= starting->second.ready);
 }
 
-Json Simulator::instrument(std::int32_t serialNumber, Keys keys) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return instrumentToJson(m_stored.bench.instruments[indexOf(serialNumber)], keys);
-}
-
-void Simulator::addFault(const FaultRule& rule) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
-    m_faults.add(rule);
-}
-
-void Simulator::clearFaults() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
-    m_faults.clear();
-}
-
-Json Simulator::faults() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
-    return m_faults.toJson();
-}
-
-/** Reads the bench where that has not been tried yet. @return false when there is none. */
-bool Simulator::loaded() {
-    if (m_state == State::Unread) {
-        try {
-            take(loadBenchFromEnvironment());
-        } catch (const InputError& error) {
-            m_state = State::Refused;
-            m_refusal = error.what();
-            complain(m_refusal);
-        }
-    }
-    return m_state == State::Loaded;
-}
-
-void Simulator::requireBench() {
-    if (!loaded())
-        throw InputError(m_refusal);
-}
-
-void Simulator::take(StoredBench stored) {
-    m_faults.assign(stored.bench.faults);
-    m_stored = std::move(stored);
-    m_connection.reset();
-    m_state = State::Loaded;
-}
-
-void Simulator::save() {
-    if (!m_stored.path.empty())
-        saveBenchFile(m_stored.path, m_stored.bench);
-}
-
-std::size_t Simulator::indexOf(std::int32_t serialNumber) {
-    requireBench();
-    const auto index = findInstrument(m_stored.bench, serialNumber);
-    if (!index)
-        throw InputError("no instrument " + std::to_string(serialNumber) + " on the bench");
-    return *index;
+bool Simulator::isConnected(std::int32_t serialNumber) const {
+    return m_connection && !m_connection->lost && m_connection->serialNumber == serialNumber;
 }
 
 /** Finds the connected instrument. */
@@ -291,32 +262,6 @@ KVA_RESULT Simulator::connected(std::size_t& index) {
         return KVA_ERROR_INSTRUMENT_UNAVAILABLE;
     index = indexOf(m_connection->serialNumber);
     return KVA_SUCCESS;
-}
-
-/** Puts @p next in place of an instrument, saves it, and lets the plug have its effect. */
-void Simulator::change(std::size_t index, Instrument next) {
-    Instrument& instrument = m_stored.bench.instruments[index];
-    std::swap(instrument, next);
-    const Instrument& before = next;
-    try {
-        save();
-    } catch (...) {
-        std::swap(instrument, next);
-        throw;
-    }
-    const bool isConnected = m_connection && !m_connection->lost &&
-                             m_connection->serialNumber == before.port.serialNumber;
-    if (isConnected)
-        m_connection->serialNumber = instrument.port.serialNumber;
-    if (isConnected && before.plugged && !instrument.plugged)
-        loseConnection();
-    if (!before.plugged && instrument.plugged)
-        m_events.post({eEventCode_Standby, 0, 0});
-}
-
-void Simulator::loseConnection() {
-    m_connection->lost = true;
-    m_events.post({eEventCode_DisConnect, 0, 0});
 }
 
 } // namespace kvasim

@@ -8,16 +8,20 @@
 #include "simulator/Bench.h"
 #include "simulator/BenchFile.h"
 #include "simulator/BenchJson.h"
+#include "simulator/CallEffects.h"
 #include "simulator/CallLog.h"
+#include "simulator/ControlServer.h"
 #include "simulator/EventThread.h"
 #include "simulator/FaultRules.h"
 
 #include <cstddef>
 #include <cstdint>
 #include <functional>
+#include <map>
 #include <mutex>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace kvasim {
 
@@ -27,6 +31,9 @@ struct Call {
     Json arguments = Json::object();            /**< without secrets */
     std::optional<std::int32_t> serialNumber{}; /**< the instrument that the call names itself */
 };
+
+/** Whether an instrument that is switched on takes its time, or answers at once. */
+enum class StartUp { Timed, Skipped };
 
 /** Any thread may call any function. No lock is held while a handler runs.
  *
@@ -40,31 +47,35 @@ public:
     /** The one object; made with the first call. */
     static Simulator& instance();
 
-    Simulator() = default;
+    Simulator() : m_server(*this), m_events(&m_server) {}
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
     // The thirteen functions.
 
-    /** Performs a call: asks the rules, does @p work unless they answer for it, and logs it.
-       Nothing is thrown; whatever @p work throws becomes KVA_ERROR. */
-    KVA_RESULT perform(Call call, const std::function<KVA_RESULT()>& work);
+    /** Performs a call: asks the rules, does @p work unless they answer for it, and logs it. What
+       they do to the work itself is handed to it. Nothing is thrown; whatever @p work throws
+       becomes KVA_ERROR. */
+    KVA_RESULT perform(Call call, const std::function<KVA_RESULT(const CallEffects&)>& work);
 
     /** @return KVA_ERROR when the event thread cannot be started. */
     KVA_RESULT registerHandler(KVA_DeviceEventHandler handler);
 
     /** Fills up to @p capacity entries of @p list; a null @p list counts only.
         @param count set to the number of entries filled, or of attached instruments */
-    KVA_RESULT listPorts(KVA_PORTINFO* list, std::int32_t capacity, std::int32_t& count);
+    KVA_RESULT listPorts(const CallEffects& effects, KVA_PORTINFO* list, std::int32_t capacity,
+                         std::int32_t& count);
 
-    KVA_RESULT connect(const KVA_PORTINFO& port);
-    KVA_RESULT disconnect();
+    KVA_RESULT connect(const CallEffects& effects, const KVA_PORTINFO& port);
+    KVA_RESULT disconnect(const CallEffects& effects);
 
     /** Reads from the connected instrument. */
-    KVA_RESULT read(const std::function<void(const Instrument&)>& reader);
+    KVA_RESULT read(const CallEffects& effects,
+                    const std::function<void(const Instrument&)>& reader);
 
     /** Changes the connected instrument; a negative answer of @p writer changes nothing. */
-    KVA_RESULT write(const std::function<KVA_RESULT(Instrument&)>& writer);
+    KVA_RESULT write(const CallEffects& effects,
+                     const std::function<KVA_RESULT(Instrument&)>& writer);
 
     // Control. Everything here throws InputError with the reason when it is refused.
 
@@ -82,13 +93,16 @@ public:
     void setPlugged(std::int32_t serialNumber, bool plugged);
 
     /** Pending settings come into use, staged data is lost; for the connected instrument the
-        connection ends, with a disconnect and then a standby event. */
-    void powerCycle(std::int32_t serialNumber);
+        connection ends, with a disconnect event and, once it has started, a standby event. While it
+        starts it is neither listed nor to be connected to. */
+    void powerCycle(std::int32_t serialNumber, StartUp startUp);
 
     /** Merges @p patch into the instrument's JSON; attaching and detaching as in `setPlugged`. */
     void set(std::int32_t serialNumber, const Json& patch);
 
-    /** One object for each instrument: {"serialNumber", "plugged", "connected", "port"}. */
+    /** One object for each instrument: {"serialNumber", "plugged", "starting", "connected",
+     * "port"}.
+     */
     Json list();
     Json state(Keys keys);
     Json instrument(std::int32_t serialNumber, Keys keys);
@@ -107,7 +121,28 @@ private:
         bool lost;
     };
 
-    std::vector<FaultAction> begin(Call& call);
+    /** An instrument that was switched on. */
+    struct Starting {
+        EventThread::Clock::time_point ready;
+        bool announced; // by a standby event
+    };
+
+    /** What the functions answered before the last write that changed their answer. */
+    struct FormerAnswers {
+        std::optional<KVA_NETWORKINFO> network;
+        std::optional<std::uint8_t> powerOffMode;
+        std::optional<KVA_JIG_CALREFDATA> calibration;
+    };
+
+    CallEffects begin(Call& call);
+    KVA_RESULT performWith(const CallEffects& effects, const Call& call,
+                           const std::function<KVA_RESULT(const CallEffects&)>& work);
+    void unplug(const CallEffects& effects, const Call& call);
+    void serveBench();
+    std::vector<KVA_PORTINFO> ports();
+    bool isReady(const Instrument& instrument) const;
+    bool isConnected(std::int32_t serialNumber) const;
+    void keepFormerAnswers(const Instrument& before, const Instrument& after);
     bool loaded();
     void requireBench();
     void take(StoredBench stored);
@@ -117,16 +152,20 @@ private:
     void change(std::size_t index, Instrument next);
     void loseConnection();
 
-    std::mutex m_mutex; // everything below but m_log and m_events, which have their own
+    std::mutex m_mutex; // everything below down to m_log
     enum class State { Unread, Loaded, Refused };
     State m_state = State::Unread;
     std::string m_refusal;
     StoredBench m_stored;
     std::optional<Connection> m_connection;
     FaultRules m_faults;
+    std::map<std::int32_t, Starting> m_starting;
+    std::map<std::int32_t, FormerAnswers> m_formerAnswers;
+    std::optional<std::vector<KVA_PORTINFO>> m_formerPorts;
 
     CallLog m_log;
-    EventThread m_events;
+    ControlServer m_server;
+    EventThread m_events; // the last one: its thread uses the others
 };
 
 } // namespace kvasim

@@ -78,7 +78,10 @@ private:
 void TestSimulatorControl::init() {
     startClean(m_folder);
     EventRecord::instance().clear();
-    QVERIFY(loadJson(benchOf({usbSerial, networkSerial})));
+    json bench = benchOf({usbSerial, networkSerial});
+    for (json& instrument : bench["instruments"])
+        instrument["startUpMs"] = 0;
+    QVERIFY(loadJson(bench));
 }
 
 void TestSimulatorControl::everyCallIsLogged() {
@@ -221,9 +224,9 @@ void TestSimulatorControl::requests_data() {
         QTest::newRow(name) << QByteArray(text) << QByteArray(answer);
     };
     row("list", R"({"command": "list"})", R"({"ok": true, "instruments": [
-        {"serialNumber": 1000001, "plugged": true, "connected": true,
+        {"serialNumber": 1000001, "plugged": true, "starting": false, "connected": true,
          "port": {"type": 1, "name": "USB"}},
-        {"serialNumber": 1000002, "plugged": true, "connected": false,
+        {"serialNumber": 1000002, "plugged": true, "starting": false, "connected": false,
          "port": {"type": 1, "name": "USB"}}]})");
     row("plug", R"({"command": "plug", "serialNumber": 1000001})", R"({"ok": true})");
     row("unplug", R"({"command": "unplug", "serialNumber": 1000001})", R"({"ok": true})");
