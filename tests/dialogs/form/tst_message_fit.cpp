@@ -13,6 +13,10 @@
 
 namespace {
 
+const char* const networkWritten =
+    "Write successful. To reflect, after [Disconnect], turn the power "
+    "supply of the measuring instrument OFF -> ON.";
+
 /** What the program says in message boxes, in the settings dialog and, last, at its start. */
 const char* const messages[] = {
     "Failed to connect device.",
@@ -32,8 +36,7 @@ const char* const messages[] = {
     "Successful read file data.",
     "Successful file writing.",
     "Failed to write Network Infomation file data.",
-    "Write successful. To reflect, after [Disconnect], turn the power supply of the measuring "
-    "instrument OFF -> ON.",
+    networkWritten,
     "Failed to write Network Infomation data.",
     "Failed to read file data.",
     "Failed to write WhiteCalibPlate file.",

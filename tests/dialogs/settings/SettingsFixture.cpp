@@ -9,6 +9,7 @@
 #include <QTabWidget>
 #include <QtTest>
 
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <utility>
@@ -141,6 +142,8 @@ SettingsFixture::~SettingsFixture() {
 bool SettingsFixture::connectFirst(Page page) {
     controller->GetDevicePortList();
     dialog.connectDevice(0, false);
+    if (!keepsWatching)
+        watchOf(dialog).setInterval(std::chrono::hours(1));
     dialog.show();
     openPage(page);
     const bool connected = watchOf(dialog).isActive() && answers.boxes.isEmpty();

@@ -42,7 +42,8 @@ public:
     SettingsFixture& operator=(const SettingsFixture&) = delete;
 
     /** Connects to the first instrument, shows the dialog with @p page on top and forgets the
-        records. False when the instrument is not connected then. */
+        records. The watch runs, but so slowly (unless `keepsWatching`) that none of its ticks comes
+        in between on a busy machine. False when the instrument is not connected then. */
     bool connectFirst(Page page = Network);
     void openPage(Page page);
     /** Forgets boxes, file dialogs, debug lines and calls. */
@@ -126,6 +127,9 @@ public:
 
     /** Ends the program: the test itself is wrong. Not by qFatal, whose text the log would keep. */
     [[noreturn]] static void giveUp(const QString& reason);
+
+    /** Whether `connectFirst` leaves the watch its second. */
+    bool keepsWatching = false;
 
     DebugLog log;
     std::shared_ptr<CKvaSdk_Ctrl> controller;

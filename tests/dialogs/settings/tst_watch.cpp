@@ -94,6 +94,7 @@ void TestWatch::tickAfterALoss() {
 
 void TestWatch::goesOnLooking() {
     SettingsFixture f;
+    f.keepsWatching = true;
     QVERIFY(f.connectFirst());
     QCOMPARE(watchOf(f.dialog).interval(), 1000);
     QTRY_VERIFY_WITH_TIMEOUT(f.lines().count(checkLine) >= 2, 20000);
@@ -103,6 +104,7 @@ void TestWatch::goesOnLooking() {
 
 void TestWatch::reportsOnceByItself() {
     SettingsFixture f;
+    f.keepsWatching = true;
     QVERIFY(f.connectFirst());
     QVERIFY(KvaSim_Unplug(SettingsFixture::serialNumber));
     QTRY_COMPARE_WITH_TIMEOUT(f.boxes(), QStringList(lostBox), 20000);

@@ -1,0 +1,349 @@
+#include "tests/dialogs/sweep/DialogModel.h"
+
+#include <cstring>
+
+namespace {
+
+const QStringList tabs = {QStringLiteral("networkSetTab"), QStringLiteral("autoPowerOfftab"),
+                          QStringLiteral("wCalibPlateTab"), QStringLiteral("ambLightAdpTab")};
+const QStringList registerButtons = {QStringLiteral("setWCPValPushBtn"),
+                                     QStringLiteral("setAmbAdpBodyPushBtn")};
+const QStringList modeButtons = {QStringLiteral("invalidradioBtn"),
+                                 QStringLiteral("fifteenRadioBtn"),
+                                 QStringLiteral("thirtyRadioBtn"), QStringLiteral("sixtyRadioBtn")};
+
+/** The radio buttons of which one at most is checked. */
+const QVector<QStringList> groups = {
+    {QStringLiteral("enableRadioBtn"), QStringLiteral("disableRadioBtn")},
+    {QStringLiteral("dhcpOnRadioBtn"), QStringLiteral("dhcpOffRadioBtn")},
+    modeButtons,
+};
+
+/** The page of each button that lies on one. */
+const QMap<QString, QString> pages = {
+    {QStringLiteral("readBodyPushBtn"), QStringLiteral("networkSetTab")},
+    {QStringLiteral("writeBodyPushBtn"), QStringLiteral("networkSetTab")},
+    {QStringLiteral("getAutoPWOffPushBtn"), QStringLiteral("autoPowerOfftab")},
+    {QStringLiteral("setAutoPWOffPushBtn"), QStringLiteral("autoPowerOfftab")},
+    {QStringLiteral("selWCPFilePushBtn"), QStringLiteral("wCalibPlateTab")},
+    {QStringLiteral("setWCPValPushBtn"), QStringLiteral("wCalibPlateTab")},
+    {QStringLiteral("selAmbLightAdpFilePushBtn"), QStringLiteral("ambLightAdpTab")},
+    {QStringLiteral("setAmbAdpBodyPushBtn"), QStringLiteral("ambLightAdpTab")},
+};
+
+QStringList emptyTexts(int count) {
+    QStringList texts;
+    for (int i = 0; i < count; ++i)
+        texts.append(QString());
+    return texts;
+}
+
+const QStringList noAddresses = {QStringLiteral("..."), QStringLiteral("..."),
+                                 QStringLiteral("..."), QStringLiteral("...")};
+
+QString octetsText(const std::uint8_t (&octets)[4]) {
+    return QStringLiteral("%1.%2.%3.%4")
+        .arg(octets[0])
+        .arg(octets[1])
+        .arg(octets[2])
+        .arg(octets[3]);
+}
+
+QString serialText(const std::uint8_t (&digits)[4]) {
+    unsigned int value = 0;
+    for (const std::uint8_t byte : digits)
+        value = value * 100 + (byte >> 4U) * 10U + (byte & 0xFU);
+    return QString::number(value).rightJustified(8, QLatin1Char('0'));
+}
+
+template <std::size_t Size>
+void copyText(char (&field)[Size], const QString& text) {
+    const QByteArray bytes = text.toLocal8Bit().left(static_cast<int>(Size) - 1);
+    std::memset(field, 0, Size);
+    std::memcpy(field, bytes.constData(), static_cast<std::size_t>(bytes.size()));
+}
+
+} // namespace
+
+DialogModel::DialogModel(LibraryModel& library, const QVector<ValueFile>& files)
+    : m_library(library), m_files(files), m_identity(emptyTexts(3)),
+      m_networkTexts(emptyTexts(2) + noAddresses), m_calibrationTexts(emptyTexts(6)) {}
+
+void DialogModel::open() {
+    m_library.registerHandler(true);
+    connectDevice(nullptr);
+}
+
+void DialogModel::end() {
+    m_library.registerHandler(false);
+}
+
+void DialogModel::error(const char* text) {
+    m_boxes.append(QStringLiteral("error: ") + QLatin1String(text));
+}
+
+void DialogModel::information(const char* text) {
+    m_boxes.append(QStringLiteral("information: ") + QLatin1String(text));
+}
+
+void DialogModel::setEnabled(const QStringList& names, bool enabled) {
+    for (const QString& name : names) {
+        if (enabled)
+            m_disabled.remove(name);
+        else
+            m_disabled.insert(name);
+    }
+}
+
+void DialogModel::check(const QString& button) {
+    for (const QStringList& group : groups) {
+        if (!group.contains(button))
+            continue;
+        for (const QString& other : group)
+            m_checked.remove(other);
+    }
+    m_checked.insert(button);
+}
+
+void DialogModel::pressConnect() {
+    KVA_PORTINFO port = {};
+    const bool counted = m_library.countPorts().has_value();
+    const int count = counted ? m_library.listPorts(port).value_or(0) : 0;
+    if (count == 0)
+        information("The measuring instruments is not connected.");
+    connectDevice(count == 0 ? nullptr : &port);
+}
+
+void DialogModel::connectDevice(const KVA_PORTINFO* port) {
+    if (port == nullptr) {
+        setEnabled(tabs + QStringList{QStringLiteral("disConnectPushBtn")}, false);
+    } else if (!m_library.connect(*port)) {
+        error("Failed to connect device.");
+    } else {
+        m_isControllerConnected = true;
+        setEnabled(tabs, true);
+        fill();
+        setEnabled({QStringLiteral("ConnectPushBtn"), QStringLiteral("ClosePushBtn")}, false);
+        setEnabled({QStringLiteral("disConnectPushBtn")}, true);
+        m_isConnected = true;
+    }
+    setEnabled(registerButtons, false);
+}
+
+void DialogModel::fill() {
+    const std::optional<KVA_DEVICEINFO> device = m_library.deviceInfo();
+    if (!device) {
+        m_identity = emptyTexts(3);
+        error("Failed to read device data.");
+        return;
+    }
+    m_identity[0] = QString::asprintf("%08d", static_cast<int>(device->serialNumber));
+    m_identity[1] = QString::asprintf("%u.%02d.%04d", device->firmVersionMajor,
+                                      device->firmVersionMinor, device->firmVersionBuild);
+    const QByteArray mac(reinterpret_cast<const char*>(device->macAddress), 6);
+    m_identity[2] = QString::fromLatin1(mac.toHex(':').toUpper());
+
+    const std::optional<KVA_JIG_ACTIONOPTIONFACTORYDATA> options = m_library.options();
+    if (!options || options->wifiModuleEnable == 0) {
+        setEnabled({tabs[0]}, false);
+        information("Wireless LAN is invalid.");
+    } else if (readNetwork()) {
+        fillNetwork();
+    }
+
+    const std::optional<KVA_JIG_CALREFDATA> record = m_library.calibration();
+    m_calibrationTexts[0] = record ? serialText(record->whiteSerialNo) : QString();
+    m_calibrationTexts[3] = record ? serialText(record->ambAdpSerialNo) : QString();
+    if (!record) {
+        error("Failed to device WhiteCalibPlateSerialNo.");
+        error("Failed to device AmbientLightAdapterSerialNo.");
+    }
+
+    const std::optional<std::uint8_t> mode = m_library.powerOffMode();
+    if (mode)
+        fillPowerOff(*mode);
+    else
+        error("Failed to read automatic shutdown time.");
+}
+
+bool DialogModel::readNetwork() {
+    const std::optional<KVA_NETWORKINFO> read = m_library.network();
+    m_network = read.value_or(KVA_NETWORKINFO{});
+    return read.has_value();
+}
+
+void DialogModel::fillNetwork() {
+    check(groups[0][m_network.APConnectUse != 0 ? 0 : 1]);
+    check(groups[1][m_network.DHCPUse != 0 ? 0 : 1]);
+    m_networkTexts =
+        QStringList{QString::fromUtf8(m_network.SSID),    QString::fromUtf8(m_network.EncryptKey),
+                    octetsText(m_network.IPAddress),      octetsText(m_network.SubnetMask),
+                    octetsText(m_network.DefaultGateway), octetsText(m_network.DNS)};
+}
+
+void DialogModel::fillPowerOff(std::uint8_t mode) {
+    if (mode < modeButtons.size())
+        check(modeButtons[mode]);
+}
+
+void DialogModel::pressReadNetwork() {
+    if (!readNetwork()) {
+        error("Failed to read Network Infomation data.");
+        return;
+    }
+    fillNetwork();
+    information("Successful read body data.");
+}
+
+void DialogModel::typeNetwork(const TypedNetwork& typed) {
+    m_networkTexts = QStringList{typed.ssid, typed.key};
+    for (int address = 0; address < 4; ++address)
+        m_networkTexts.append(typed.octets.mid(4 * address, 4).join(QLatin1Char('.')));
+}
+
+void DialogModel::pressWriteNetwork() {
+    std::uint8_t* const addresses[] = {m_network.IPAddress, m_network.SubnetMask,
+                                       m_network.DefaultGateway, m_network.DNS};
+    const bool isDhcp = m_checked.contains(groups[1][0]);
+    for (int address = 0; address < 4; ++address) {
+        const QStringList octets = m_networkTexts[2 + address].split(QLatin1Char('.'));
+        for (int octet = 0; octet < 4; ++octet)
+            addresses[address][octet] =
+                isDhcp ? std::uint8_t(0) : static_cast<std::uint8_t>(octets[octet].toInt());
+    }
+    if (m_checked.contains(groups[0][0]) || m_checked.contains(groups[0][1]))
+        m_network.APConnectUse = m_checked.contains(groups[0][0]) ? 1 : 0;
+    if (isDhcp || m_checked.contains(groups[1][1]))
+        m_network.DHCPUse = isDhcp ? 1 : 0;
+    copyText(m_network.SSID, m_networkTexts[0]);
+    copyText(m_network.EncryptKey, m_networkTexts[1]);
+    if (m_library.setNetwork(m_network))
+        information("Write successful. To reflect, after [Disconnect], turn the power supply of "
+                    "the measuring instrument OFF -> ON.");
+    else
+        error("Failed to write Network Infomation data.");
+}
+
+void DialogModel::pressReadPowerOff() {
+    const std::optional<std::uint8_t> mode = m_library.powerOffMode();
+    if (!mode) {
+        error("Failed to read automatic shutdown time.");
+        return;
+    }
+    fillPowerOff(*mode);
+    information("Successful read body data.");
+}
+
+void DialogModel::choosePowerOff(int mode) {
+    check(modeButtons[mode]);
+}
+
+void DialogModel::pressWritePowerOff() {
+    for (int mode = 0; mode < modeButtons.size(); ++mode) {
+        if (!m_checked.contains(modeButtons[mode]))
+            continue;
+        if (m_library.setPowerOffMode(static_cast<std::uint8_t>(mode)))
+            information("Successful device writing.");
+        else
+            error("Failed to write automatic shutdown time.");
+        return;
+    }
+    error("Failed to write automatic shutdown time.");
+}
+
+void DialogModel::chooseFile(Accessory accessory) {
+    m_hasFile[accessory] = true;
+    m_calibrationTexts[3 * accessory + 1] = m_files[accessory].baseName;
+    m_calibrationTexts[3 * accessory + 2] = m_files[accessory].serialNo;
+    setEnabled({registerButtons[accessory]}, true);
+    information("Successful read file data.");
+}
+
+bool DialogModel::registerFile(Accessory accessory) {
+    std::optional<KVA_JIG_CALREFDATA> record = m_library.calibration();
+    if (!record)
+        return false;
+    const KVA_JIG_CALREFDATA& file = m_files[accessory].record;
+    if (accessory == WhitePlate) {
+        std::memcpy(record->whiteSerialNo, file.whiteSerialNo, sizeof file.whiteSerialNo);
+        record->rfWhite = file.rfWhite;
+    } else {
+        std::memcpy(record->ambAdpSerialNo, file.ambAdpSerialNo, sizeof file.ambAdpSerialNo);
+        record->ambAdp = file.ambAdp;
+    }
+    if (!m_library.setCalibration(*record) || !m_library.writeSector())
+        return false;
+    const std::optional<KVA_JIG_CALREFDATA> readBack = m_library.calibration();
+    return readBack && std::memcmp(&*readBack, &*record, sizeof *record) == 0;
+}
+
+void DialogModel::pressRegister(Accessory accessory) {
+    const bool isWhite = accessory == WhitePlate;
+    if (!m_hasFile[accessory]) {
+        error(isWhite ? "Failed to write WhiteCalibPlate file."
+                      : "Failed to write AmbientLightAdapter file.");
+    } else if (registerFile(accessory)) {
+        information("Successful device writing.");
+        const std::optional<KVA_JIG_CALREFDATA> record = m_library.calibration();
+        m_calibrationTexts[3 * accessory] =
+            !record ? QString()
+                    : serialText(isWhite ? record->whiteSerialNo : record->ambAdpSerialNo);
+    } else {
+        error(isWhite ? "Failed to write WhiteCalibPlate data."
+                      : "Failed to write AmbientLightAdapter data.");
+    }
+    setEnabled({registerButtons[accessory]}, true);
+}
+
+void DialogModel::pressDisconnect() {
+    if (!m_isControllerConnected || !m_library.disconnect()) {
+        error("Failed to device disconnect.");
+        return;
+    }
+    m_isControllerConnected = false;
+    reset();
+}
+
+void DialogModel::reset() {
+    setEnabled({QStringLiteral("ConnectPushBtn"), QStringLiteral("ClosePushBtn")}, true);
+    setEnabled(tabs + QStringList{QStringLiteral("disConnectPushBtn")}, false);
+    m_identity = emptyTexts(3);
+    m_networkTexts = emptyTexts(2) + noAddresses;
+    m_calibrationTexts = emptyTexts(6);
+    m_hasFile[WhitePlate] = m_hasFile[AmbientAdapter] = false;
+    m_checked.clear();
+    m_isConnected = false;
+}
+
+void DialogModel::tick() {
+    if (!m_library.disconnectReported)
+        return;
+    m_library.disconnectReported = false;
+    reset();
+    error("The connection with the measuring instrument was disconnected.");
+}
+
+bool DialogModel::canPress(const QString& button) const {
+    return !m_disabled.contains(button) && !m_disabled.contains(pages.value(button));
+}
+
+QStringList DialogModel::takeView() {
+    const QStringList boxes = m_boxes;
+    m_boxes.clear();
+    return view(boxes, m_disabled.values(), m_checked.values(), m_identity, m_networkTexts,
+                m_calibrationTexts);
+}
+
+QStringList DialogModel::view(QStringList boxes, QStringList disabled, QStringList checked,
+                              const QStringList& identity, const QStringList& network,
+                              const QStringList& calibration) {
+    disabled.sort();
+    checked.sort();
+    const QString bar = QStringLiteral(" | ");
+    boxes.append(QStringLiteral("disabled: ") + disabled.join(bar));
+    boxes.append(QStringLiteral("checked: ") + checked.join(bar));
+    boxes.append(QStringLiteral("identity: ") + identity.join(bar));
+    boxes.append(QStringLiteral("network: ") + network.join(bar));
+    boxes.append(QStringLiteral("calibration: ") + calibration.join(bar));
+    return boxes;
+}
