@@ -1,7 +1,5 @@
 #include "tests/support/DebugLog.h"
 
-#include <QMutexLocker>
-
 namespace {
 DebugLog* current = nullptr;
 } // namespace
@@ -18,23 +16,23 @@ DebugLog::~DebugLog() {
 }
 
 QStringList DebugLog::lines() const {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_lines;
 }
 
 QStringList DebugLog::others() const {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     return m_others;
 }
 
 void DebugLog::clear() {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard<std::mutex> lock(m_mutex);
     m_lines.clear();
     m_others.clear();
 }
 
 void DebugLog::handle(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    const QMutexLocker lock(&current->m_mutex);
+    const std::lock_guard<std::mutex> lock(current->m_mutex);
     if (type == QtDebugMsg && qstrcmp(context.category, "default") == 0)
         current->m_lines.append(text);
     else
