@@ -27,6 +27,13 @@ int openRegularFile(const char* path) {
 
 } // namespace
 
+std::string_view withoutLineEndCr(std::string_view text) {
+    const std::size_t cr = text.find('\r');
+    if (cr != std::string_view::npos && cr + 1 == text.size())
+        text.remove_suffix(1);
+    return text;
+}
+
 BoundedLineReader::BoundedLineReader(const char* path, std::size_t maxLine)
     : m_file(openRegularFile(path)), m_maxLine(maxLine) {
     if (isOpen())

@@ -3,7 +3,12 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
+
+/** The text without the carriage return of a CR LF line end: dropped when the first one in the text
+    is its last character. */
+std::string_view withoutLineEndCr(std::string_view text);
 
 /**
  * Reads a text file line by line in bounded memory.

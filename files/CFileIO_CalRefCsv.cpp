@@ -71,12 +71,6 @@ bool storeValues(const std::string& line, const CalRefCsv& csv) {
     return true;
 }
 
-void dropLineEndCr(std::string& line) {
-    const std::size_t cr = line.find('\r');
-    if (cr != std::string::npos && cr + 1 == line.size())
-        line.pop_back();
-}
-
 bool readCalRefCsv(const char* path, const CalRefCsv& csv) {
     BoundedLineReader reader(path, maxLine);
     if (!reader.isOpen())
@@ -85,7 +79,7 @@ bool readCalRefCsv(const char* path, const CalRefCsv& csv) {
     std::string line;
     // The lines behind the values are read as well: a file is right or wrong as a whole.
     for (std::size_t index = 0; reader.next(line); ++index) {
-        dropLineEndCr(line);
+        line.resize(withoutLineEndCr(line).size());
         if (index == serialNoLine)
             result = csv.storeSerialNo(line, csv.serialNo) && result;
         else if (index == valuesLine)

@@ -30,14 +30,6 @@ std::string_view trimmed(std::string_view text) {
     return text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
-/** Drops the first carriage return if it is the last character. */
-std::string_view withoutLineEndCr(std::string_view text) {
-    const std::size_t cr = text.find('\r');
-    if (cr != std::string_view::npos && cr + 1 == text.size())
-        text.remove_suffix(1);
-    return text;
-}
-
 /** Copies the text up to its first NUL, cut so that it fits `CFileIO::profileValueSize` bytes.
     @return the length copied */
 int copyValue(std::string_view text, char* out) {
