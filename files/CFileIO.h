@@ -33,9 +33,9 @@ public:
     /** Reads the eight settings of the section "Network".
         @param info  zeroed by the caller: fields that are not reached keep their bytes, and texts
                      are copied without their terminator
-        @return false when the file cannot be opened, a key is missing or has no value, the SSID is
-                longer than 32 bytes or the key longer than 64. Numbers are read as `atoi` reads
-                them and are not checked. */
+        @return false when the file cannot be opened, a key is missing or has no value, any value is
+                longer than 510 bytes, the SSID than 32 or the key than 64. Numbers are read as
+                `atoi` reads them and are not checked. */
     bool ReadNetworkIni(const char* path, KVA_NETWORKINFO* info);
 
     /** Looks up the value of @p key in @p section, both compared without regard to ASCII letter

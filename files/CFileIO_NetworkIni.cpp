@@ -161,7 +161,9 @@ bool CFileIO::ReadNetworkIni(const char* path, KVA_NETWORKINFO* info) {
         return false;
     for (const NetworkKey& key : networkKeys) {
         char value[profileValueSize] = {};
-        if (ReadProfileString("Network", key.name, "", value, 0, path) == 0)
+        const int length = ReadProfileString("Network", key.name, "", value, 0, path);
+        // A value that fills the buffer may have been cut; what is left is not to pass for it.
+        if (length == 0 || length >= static_cast<int>(profileValueSize) - 1)
             return false;
         if (!key.store(value, *info))
             return false;

@@ -123,7 +123,7 @@ NaiveIni::Settings NaiveIni::read(const std::string& text) {
     for (const char* key : {"DHCPUse", "IPAddress", "SubnetMask", "DefaultGateway", "SSID",
                             "EncryptKey", "DNS", "APConnectUse"}) {
         const std::optional<std::string> value = find(text, "Network", key);
-        if (!value || value->empty() || !take(key, *value, settings.info))
+        if (!value || value->empty() || value->size() > 510 || !take(key, *value, settings.info))
             return settings;
     }
     settings.accepted = true;
