@@ -13,6 +13,9 @@
 ConnectSelectDialog::ConnectSelectDialog(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui::ConnectSelectDialog>()) {
     ui->setupUi(this);
+    ui->connectlistWidget->setAccessibleName(tr("Instruments"));
+    ui->connectlistWidget->setAccessibleDescription(tr("The instruments that can be connected"));
+    ui->pushButton->setAccessibleDescription(tr("Connects to the chosen instrument"));
 }
 
 ConnectSelectDialog::~ConnectSelectDialog() {
@@ -41,6 +44,7 @@ bool ConnectSelectDialog::choose(const QStringList& devices,
                                  const std::function<bool()>& isAbandoned) {
     isFinished = false;
     setDeviceList(devices);
+    ui->connectlistWidget->setFocus();
     show();
     DialogSupport::waitUntil([&] {
         // A window manager can close a window without a close button; nobody could choose then.

@@ -31,3 +31,10 @@ void DialogSupport::showMessageBox(const QString& title, const QString& text,
     box.setStandardButtons(QMessageBox::Ok);
     box.exec();
 }
+
+DialogSupport::FocusKeeper::FocusKeeper(QWidget& window) : m_focused(window.focusWidget()) {}
+
+DialogSupport::FocusKeeper::~FocusKeeper() {
+    if (m_focused && m_focused->isEnabled())
+        m_focused->setFocus(Qt::OtherFocusReason);
+}

@@ -2,6 +2,7 @@
 #define DIALOGS_DIALOGSUPPORT_H
 
 #include <QMessageBox>
+#include <QPointer>
 #include <QString>
 
 #include <functional>
@@ -22,6 +23,21 @@ void waitUntil(const std::function<bool()>& isFinished);
     @param iconPath  the window icon's file; empty for none */
 void showMessageBox(const QString& title, const QString& text, QMessageBox::Icon icon,
                     const QString& iconPath);
+
+/** Gives the keyboard focus back at its end: a widget that is disabled loses it to the next one in
+    the order, where a key would press another button. Does nothing when that widget is still
+    disabled then, or gone. */
+class FocusKeeper {
+public:
+    /** Keeps the focus of @p window, which must live longer. */
+    explicit FocusKeeper(QWidget& window);
+    ~FocusKeeper();
+    FocusKeeper(const FocusKeeper&) = delete;
+    FocusKeeper& operator=(const FocusKeeper&) = delete;
+
+private:
+    QPointer<QWidget> m_focused;
+};
 
 } // namespace DialogSupport
 

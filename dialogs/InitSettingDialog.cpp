@@ -29,6 +29,8 @@ InitSettingDialog::InitSettingDialog(QWidget* parent)
         ui->dnsaddr1lineEdit,    ui->dnsaddr2lineEdit,    ui->dnsaddr3lineEdit,
         ui->dnsaddr4lineEdit,
     };
+    nameFields();
+    separateChoices();
 }
 
 InitSettingDialog::~InitSettingDialog() {

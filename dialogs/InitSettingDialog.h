@@ -92,6 +92,14 @@ private:
     /** The radio buttons of the power-off modes, in the order of the modes' values. */
     using PowerOffButtons = std::array<QRadioButton*, 4>;
 
+    // For those who do not see the window, or have no mouse
+    void nameFields();
+    void nameNetworkFields();
+    void nameNetworkButtons();
+    void namePowerOffTab();
+    void nameCalibrationTabs();
+    void separateChoices();
+
     // Connection panel
     void prepareWindow();
     void showNoInstrument();

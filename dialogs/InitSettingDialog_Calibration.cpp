@@ -1,3 +1,4 @@
+#include "dialogs/DialogSupport.h"
 #include "dialogs/InitSettingDialog.h"
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_InitSettingDialog.h"
@@ -68,6 +69,7 @@ void InitSettingDialog::chooseValueFile(const CalibrationTab& tab) {
 }
 
 void InitSettingDialog::registerValueFile(const CalibrationTab& tab) {
+    const DialogSupport::FocusKeeper focus(*this);
     // Against a second click: the event loop runs while a message is open.
     tab.write->setEnabled(false);
     tab.choose->setEnabled(false);

@@ -1,3 +1,4 @@
+#include "dialogs/DialogSupport.h"
 #include "dialogs/InitSettingDialog.h"
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_InitSettingDialog.h"
@@ -140,6 +141,7 @@ void InitSettingDialog::on_writeFilePushBtn_clicked() {
 }
 
 void InitSettingDialog::on_writeBodyPushBtn_clicked() {
+    const DialogSupport::FocusKeeper focus(*this);
     // Against a second click that would queue another write.
     setNetworkButtonsEnabled(false);
     writeNetworkToBody();

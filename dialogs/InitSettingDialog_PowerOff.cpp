@@ -1,3 +1,4 @@
+#include "dialogs/DialogSupport.h"
 #include "dialogs/InitSettingDialog.h"
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_InitSettingDialog.h"
@@ -20,6 +21,7 @@ void InitSettingDialog::setPowerOffButtonsEnabled(bool enabled) {
 }
 
 void InitSettingDialog::on_getAutoPWOffPushBtn_clicked() {
+    const DialogSupport::FocusKeeper focus(*this);
     setPowerOffButtonsEnabled(false);
     uint8_t mode = 0xFF; // no button's mode, should the instrument leave the byte alone
     if (m_sdkCtrl->GetShutdownTime(mode)) {
@@ -32,6 +34,7 @@ void InitSettingDialog::on_getAutoPWOffPushBtn_clicked() {
 }
 
 void InitSettingDialog::on_setAutoPWOffPushBtn_clicked() {
+    const DialogSupport::FocusKeeper focus(*this);
     setPowerOffButtonsEnabled(false);
     const PowerOffButtons buttons = powerOffButtons();
     const auto* checked = std::find_if(buttons.begin(), buttons.end(),

@@ -1,6 +1,7 @@
 #include "dialogs/LangSelectDialog.h"
 
 #include "dialogs/DialogSupport.h"
+#include "dialogs/RadioKeys.h"
 #include "ui_LangSelectDialog.h"
 
 #include <QCloseEvent>
@@ -10,6 +11,7 @@
 LangSelectDialog::LangSelectDialog(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui::LangSelectDialog>()) {
     ui->setupUi(this);
+    new RadioKeys({ui->engRadioBtn, ui->jpnRadioBtn}, this);
 }
 
 LangSelectDialog::~LangSelectDialog() {
@@ -26,6 +28,9 @@ void LangSelectDialog::setLanguage(int code) {
     ui->langselgrpBox->setTitle(tr("LanguageType"));
     ui->jpnRadioBtn->setText(tr("Japanese"));
     ui->engRadioBtn->setText(tr("English"));
+    ui->jpnRadioBtn->setAccessibleDescription(tr("The windows are in Japanese"));
+    ui->engRadioBtn->setAccessibleDescription(tr("The windows are in English"));
+    ui->pushButton->setAccessibleDescription(tr("Goes on in the chosen language"));
 
     const bool isEnglish = code == english;
     QRadioButton* chosen = isEnglish ? ui->engRadioBtn : ui->jpnRadioBtn;

@@ -11,6 +11,18 @@
         <source>OK</source>
         <translation>OK</translation>
     </message>
+    <message>
+        <source>Instruments</source>
+        <translation>Instruments</translation>
+    </message>
+    <message>
+        <source>The instruments that can be connected</source>
+        <translation>The instruments that can be connected</translation>
+    </message>
+    <message>
+        <source>Connects to the chosen instrument</source>
+        <translation>Connects to the chosen instrument</translation>
+    </message>
 </context>
 <context>
     <name>InitSettingDialog</name>
@@ -310,6 +322,182 @@
         <source>Failed to write automatic shutdown time.</source>
         <translation>Failed to write automatic shutdown time.</translation>
     </message>
+    <message>
+        <source>Settings</source>
+        <translation>Settings</translation>
+    </message>
+    <message>
+        <source>The settings of the instrument</source>
+        <translation>The settings of the instrument</translation>
+    </message>
+    <message>
+        <source>Connects to an instrument and reads its settings</source>
+        <translation>Connects to an instrument and reads its settings</translation>
+    </message>
+    <message>
+        <source>Ends the connection with the instrument</source>
+        <translation>Ends the connection with the instrument</translation>
+    </message>
+    <message>
+        <source>Ends the program</source>
+        <translation>Ends the program</translation>
+    </message>
+    <message>
+        <source>Serial number of the instrument</source>
+        <translation>Serial number of the instrument</translation>
+    </message>
+    <message>
+        <source>Firmware version of the instrument</source>
+        <translation>Firmware version of the instrument</translation>
+    </message>
+    <message>
+        <source>MAC address of the instrument</source>
+        <translation>MAC address of the instrument</translation>
+    </message>
+    <message>
+        <source>Wireless LAN: enable</source>
+        <translation>Wireless LAN: enable</translation>
+    </message>
+    <message>
+        <source>The instrument connects to the access point</source>
+        <translation>The instrument connects to the access point</translation>
+    </message>
+    <message>
+        <source>Wireless LAN: disable</source>
+        <translation>Wireless LAN: disable</translation>
+    </message>
+    <message>
+        <source>The instrument does not connect to the access point</source>
+        <translation>The instrument does not connect to the access point</translation>
+    </message>
+    <message>
+        <source>SSID</source>
+        <translation>SSID</translation>
+    </message>
+    <message>
+        <source>Name of the access point, up to 32 bytes</source>
+        <translation>Name of the access point, up to 32 bytes</translation>
+    </message>
+    <message>
+        <source>Security Key</source>
+        <translation>Security Key</translation>
+    </message>
+    <message>
+        <source>Key of the access point, up to 64 bytes; the first key pressed empties it</source>
+        <translation>Key of the access point, up to 64 bytes; the first key pressed empties it</translation>
+    </message>
+    <message>
+        <source>DHCP: on</source>
+        <translation>DHCP: on</translation>
+    </message>
+    <message>
+        <source>The instrument gets its addresses from the network</source>
+        <translation>The instrument gets its addresses from the network</translation>
+    </message>
+    <message>
+        <source>DHCP: off</source>
+        <translation>DHCP: off</translation>
+    </message>
+    <message>
+        <source>The instrument uses the addresses below; choosing this empties them</source>
+        <translation>The instrument uses the addresses below; choosing this empties them</translation>
+    </message>
+    <message>
+        <source>IP Address, octet %1</source>
+        <translation>IP Address, octet %1</translation>
+    </message>
+    <message>
+        <source>Subnet Mask, octet %1</source>
+        <translation>Subnet Mask, octet %1</translation>
+    </message>
+    <message>
+        <source>Default Gateway, octet %1</source>
+        <translation>Default Gateway, octet %1</translation>
+    </message>
+    <message>
+        <source>DNS Server, octet %1</source>
+        <translation>DNS Server, octet %1</translation>
+    </message>
+    <message>
+        <source>A number from 0 to 255</source>
+        <translation>A number from 0 to 255</translation>
+    </message>
+    <message>
+        <source>Loads network settings from a file into the fields</source>
+        <translation>Loads network settings from a file into the fields</translation>
+    </message>
+    <message>
+        <source>Saves the network settings in the fields to a file</source>
+        <translation>Saves the network settings in the fields to a file</translation>
+    </message>
+    <message>
+        <source>Reads the network settings of the instrument</source>
+        <translation>Reads the network settings of the instrument</translation>
+    </message>
+    <message>
+        <source>Writes the network settings to the instrument</source>
+        <translation>Writes the network settings to the instrument</translation>
+    </message>
+    <message>
+        <source>The time after which the instrument switches itself off</source>
+        <translation>The time after which the instrument switches itself off</translation>
+    </message>
+    <message>
+        <source>The instrument does not switch itself off</source>
+        <translation>The instrument does not switch itself off</translation>
+    </message>
+    <message>
+        <source>The instrument switches itself off after 15 minutes</source>
+        <translation>The instrument switches itself off after 15 minutes</translation>
+    </message>
+    <message>
+        <source>The instrument switches itself off after 30 minutes</source>
+        <translation>The instrument switches itself off after 30 minutes</translation>
+    </message>
+    <message>
+        <source>The instrument switches itself off after 60 minutes</source>
+        <translation>The instrument switches itself off after 60 minutes</translation>
+    </message>
+    <message>
+        <source>Reads the power-off time of the instrument</source>
+        <translation>Reads the power-off time of the instrument</translation>
+    </message>
+    <message>
+        <source>Writes the power-off time to the instrument</source>
+        <translation>Writes the power-off time to the instrument</translation>
+    </message>
+    <message>
+        <source>Serial number of the white calibration plate that the instrument holds</source>
+        <translation>Serial number of the white calibration plate that the instrument holds</translation>
+    </message>
+    <message>
+        <source>Name of the chosen value file</source>
+        <translation>Name of the chosen value file</translation>
+    </message>
+    <message>
+        <source>Serial number in the chosen value file</source>
+        <translation>Serial number in the chosen value file</translation>
+    </message>
+    <message>
+        <source>Chooses the value file of a white calibration plate</source>
+        <translation>Chooses the value file of a white calibration plate</translation>
+    </message>
+    <message>
+        <source>Registers the white calibration plate of the chosen file in the instrument</source>
+        <translation>Registers the white calibration plate of the chosen file in the instrument</translation>
+    </message>
+    <message>
+        <source>Serial number of the ambient light adapter that the instrument holds</source>
+        <translation>Serial number of the ambient light adapter that the instrument holds</translation>
+    </message>
+    <message>
+        <source>Chooses the value file of an ambient light adapter</source>
+        <translation>Chooses the value file of an ambient light adapter</translation>
+    </message>
+    <message>
+        <source>Registers the ambient light adapter of the chosen file in the instrument</source>
+        <translation>Registers the ambient light adapter of the chosen file in the instrument</translation>
+    </message>
 </context>
 <context>
     <name>LangSelectDialog</name>
@@ -332,6 +520,18 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+    <message>
+        <source>The windows are in Japanese</source>
+        <translation>The windows are in Japanese</translation>
+    </message>
+    <message>
+        <source>The windows are in English</source>
+        <translation>The windows are in English</translation>
+    </message>
+    <message>
+        <source>Goes on in the chosen language</source>
+        <translation>Goes on in the chosen language</translation>
     </message>
 </context>
 <context>

@@ -11,6 +11,18 @@
         <source>OK</source>
         <translation>OK</translation>
     </message>
+    <message>
+        <source>Instruments</source>
+        <translation>測定器一覧</translation>
+    </message>
+    <message>
+        <source>The instruments that can be connected</source>
+        <translation>接続できる測定器</translation>
+    </message>
+    <message>
+        <source>Connects to the chosen instrument</source>
+        <translation>選択した測定器に接続します</translation>
+    </message>
 </context>
 <context>
     <name>InitSettingDialog</name>
@@ -310,6 +322,182 @@
         <source>Failed to write automatic shutdown time.</source>
         <translation>オートパワーオフ時間を書き込めませんでした。</translation>
     </message>
+    <message>
+        <source>Settings</source>
+        <translation>設定</translation>
+    </message>
+    <message>
+        <source>The settings of the instrument</source>
+        <translation>測定器の設定</translation>
+    </message>
+    <message>
+        <source>Connects to an instrument and reads its settings</source>
+        <translation>測定器に接続し、設定を読み込みます</translation>
+    </message>
+    <message>
+        <source>Ends the connection with the instrument</source>
+        <translation>測定器との接続を終了します</translation>
+    </message>
+    <message>
+        <source>Ends the program</source>
+        <translation>プログラムを終了します</translation>
+    </message>
+    <message>
+        <source>Serial number of the instrument</source>
+        <translation>測定器のシリアル番号</translation>
+    </message>
+    <message>
+        <source>Firmware version of the instrument</source>
+        <translation>測定器のファームウェアバージョン</translation>
+    </message>
+    <message>
+        <source>MAC address of the instrument</source>
+        <translation>測定器のMACアドレス</translation>
+    </message>
+    <message>
+        <source>Wireless LAN: enable</source>
+        <translation>無線LAN: 有効</translation>
+    </message>
+    <message>
+        <source>The instrument connects to the access point</source>
+        <translation>測定器がアクセスポイントに接続します</translation>
+    </message>
+    <message>
+        <source>Wireless LAN: disable</source>
+        <translation>無線LAN: 無効</translation>
+    </message>
+    <message>
+        <source>The instrument does not connect to the access point</source>
+        <translation>測定器はアクセスポイントに接続しません</translation>
+    </message>
+    <message>
+        <source>SSID</source>
+        <translation>SSID</translation>
+    </message>
+    <message>
+        <source>Name of the access point, up to 32 bytes</source>
+        <translation>アクセスポイントの名前、32バイトまで</translation>
+    </message>
+    <message>
+        <source>Security Key</source>
+        <translation>セキュリティキー</translation>
+    </message>
+    <message>
+        <source>Key of the access point, up to 64 bytes; the first key pressed empties it</source>
+        <translation>アクセスポイントのキー、64バイトまで。最初のキー入力で欄が空になります</translation>
+    </message>
+    <message>
+        <source>DHCP: on</source>
+        <translation>DHCP: オン</translation>
+    </message>
+    <message>
+        <source>The instrument gets its addresses from the network</source>
+        <translation>測定器がネットワークからアドレスを取得します</translation>
+    </message>
+    <message>
+        <source>DHCP: off</source>
+        <translation>DHCP: オフ</translation>
+    </message>
+    <message>
+        <source>The instrument uses the addresses below; choosing this empties them</source>
+        <translation>測定器は下のアドレスを使います。選ぶとアドレス欄が空になります</translation>
+    </message>
+    <message>
+        <source>IP Address, octet %1</source>
+        <translation>IPアドレス、第%1オクテット</translation>
+    </message>
+    <message>
+        <source>Subnet Mask, octet %1</source>
+        <translation>サブネットマスク、第%1オクテット</translation>
+    </message>
+    <message>
+        <source>Default Gateway, octet %1</source>
+        <translation>デフォルトゲートウェイ、第%1オクテット</translation>
+    </message>
+    <message>
+        <source>DNS Server, octet %1</source>
+        <translation>DNSサーバー、第%1オクテット</translation>
+    </message>
+    <message>
+        <source>A number from 0 to 255</source>
+        <translation>0から255までの数字</translation>
+    </message>
+    <message>
+        <source>Loads network settings from a file into the fields</source>
+        <translation>ファイルのネットワーク設定を入力欄に読み込みます</translation>
+    </message>
+    <message>
+        <source>Saves the network settings in the fields to a file</source>
+        <translation>入力欄のネットワーク設定をファイルに保存します</translation>
+    </message>
+    <message>
+        <source>Reads the network settings of the instrument</source>
+        <translation>測定器のネットワーク設定を読み込みます</translation>
+    </message>
+    <message>
+        <source>Writes the network settings to the instrument</source>
+        <translation>ネットワーク設定を測定器に書き込みます</translation>
+    </message>
+    <message>
+        <source>The time after which the instrument switches itself off</source>
+        <translation>測定器の電源が自動で切れるまでの時間</translation>
+    </message>
+    <message>
+        <source>The instrument does not switch itself off</source>
+        <translation>測定器の電源は自動では切れません</translation>
+    </message>
+    <message>
+        <source>The instrument switches itself off after 15 minutes</source>
+        <translation>測定器の電源が15分後に自動で切れます</translation>
+    </message>
+    <message>
+        <source>The instrument switches itself off after 30 minutes</source>
+        <translation>測定器の電源が30分後に自動で切れます</translation>
+    </message>
+    <message>
+        <source>The instrument switches itself off after 60 minutes</source>
+        <translation>測定器の電源が60分後に自動で切れます</translation>
+    </message>
+    <message>
+        <source>Reads the power-off time of the instrument</source>
+        <translation>測定器のオートパワーオフの時間を読み込みます</translation>
+    </message>
+    <message>
+        <source>Writes the power-off time to the instrument</source>
+        <translation>オートパワーオフの時間を測定器に書き込みます</translation>
+    </message>
+    <message>
+        <source>Serial number of the white calibration plate that the instrument holds</source>
+        <translation>測定器に登録されている白色校正板のシリアル番号</translation>
+    </message>
+    <message>
+        <source>Name of the chosen value file</source>
+        <translation>選択した校正値ファイルの名前</translation>
+    </message>
+    <message>
+        <source>Serial number in the chosen value file</source>
+        <translation>選択した校正値ファイルのシリアル番号</translation>
+    </message>
+    <message>
+        <source>Chooses the value file of a white calibration plate</source>
+        <translation>白色校正板の校正値ファイルを選びます</translation>
+    </message>
+    <message>
+        <source>Registers the white calibration plate of the chosen file in the instrument</source>
+        <translation>選択したファイルの白色校正板を測定器に登録します</translation>
+    </message>
+    <message>
+        <source>Serial number of the ambient light adapter that the instrument holds</source>
+        <translation>測定器に登録されている環境光アダプターのシリアル番号</translation>
+    </message>
+    <message>
+        <source>Chooses the value file of an ambient light adapter</source>
+        <translation>環境光アダプターの校正値ファイルを選びます</translation>
+    </message>
+    <message>
+        <source>Registers the ambient light adapter of the chosen file in the instrument</source>
+        <translation>選択したファイルの環境光アダプターを測定器に登録します</translation>
+    </message>
 </context>
 <context>
     <name>LangSelectDialog</name>
@@ -332,6 +520,18 @@
     <message>
         <source>OK</source>
         <translation>OK</translation>
+    </message>
+    <message>
+        <source>The windows are in Japanese</source>
+        <translation>画面を日本語で表示します</translation>
+    </message>
+    <message>
+        <source>The windows are in English</source>
+        <translation>画面を英語で表示します</translation>
+    </message>
+    <message>
+        <source>Goes on in the chosen language</source>
+        <translation>選択した言語で続けます</translation>
     </message>
 </context>
 <context>

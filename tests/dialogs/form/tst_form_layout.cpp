@@ -13,7 +13,9 @@
 namespace {
 
 /** Properties that hold what a row states elsewhere, or that follow from it. */
-const QSet<QByteArray> otherwiseTested = {"childrenRect",
+const QSet<QByteArray> otherwiseTested = {"accessibleDescription",
+                                          "accessibleName",
+                                          "childrenRect",
                                           "childrenRegion",
                                           "frameRect",
                                           "count",

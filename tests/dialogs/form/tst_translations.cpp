@@ -142,11 +142,11 @@ void TestTranslations::englishIsTheSource() {
 
 /** All but names, signs and file filters is in Japanese. */
 void TestTranslations::japaneseDiffers() {
-    const QStringList kept = {QStringLiteral("*(*.*)"),     QStringLiteral("."),
-                              QStringLiteral("DHCP:"),      QStringLiteral("OFF"),
-                              QStringLiteral("OK"),         QStringLiteral("ON"),
-                              QStringLiteral("SSID:"),      QStringLiteral("TCP/IP"),
-                              QStringLiteral("csv(*.csv)"), QStringLiteral("ini(*.ini)")};
+    const QStringList kept = {
+        QStringLiteral("*(*.*)"),     QStringLiteral("."),         QStringLiteral("DHCP:"),
+        QStringLiteral("OFF"),        QStringLiteral("OK"),        QStringLiteral("ON"),
+        QStringLiteral("SSID"),       QStringLiteral("SSID:"),     QStringLiteral("TCP/IP"),
+        QStringLiteral("csv(*.csv)"), QStringLiteral("ini(*.ini)")};
     const auto entries = readTranslationSource(translationSourcePath(QStringLiteral("jp")));
     QVERIFY(!entries.isEmpty());
     QSet<QString> same;
