@@ -1,0 +1,27 @@
+# VQ-TL4.app, with Qt and libKVASDK inside, signed, on a disk image: cmake --preset bundle, then cpack.
+if(NOT VQTL4_BUNDLE)
+    install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" DESTINATION bin)
+    return()
+endif()
+
+set(bundle VQ-TL4.app)
+set_target_properties(vq-tl4 PROPERTIES
+    MACOSX_BUNDLE ON
+    MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_SOURCE_DIR}/macos/Info.plist.in"
+    OUTPUT_NAME VQ-TL4
+    INSTALL_RPATH "@executable_path/../Frameworks")
+install(FILES macos/VQ_TL4.icns DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
+install(DIRECTORY macos/en.lproj macos/ja.lproj DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
+
+get_target_property(qmake Qt5::qmake IMPORTED_LOCATION)
+get_filename_component(qt_programs "${qmake}" DIRECTORY)
+find_program(MACDEPLOYQT macdeployqt HINTS "${qt_programs}" REQUIRED)
+set(VQTL4_SIGNING_IDENTITY "-" CACHE STRING "Who signs the bundle; -: ad hoc, for this computer alone")
+install(CODE "
+    set(bundle \"\$ENV{DESTDIR}\${CMAKE_INSTALL_PREFIX}/${bundle}\")
+    execute_process(COMMAND \"${MACDEPLOYQT}\" \"\${bundle}\" -always-overwrite COMMAND_ERROR_IS_FATAL ANY)
+    execute_process(COMMAND \"${CMAKE_CURRENT_SOURCE_DIR}/macos/sign\" \"\${bundle}\" \"${VQTL4_SIGNING_IDENTITY}\"
+        COMMAND_ERROR_IS_FATAL ANY)")
+
+set(CPACK_GENERATOR DragNDrop)
+set(CPACK_DMG_VOLUME_NAME VQ-TL4)
