@@ -1,0 +1,4 @@
+// Nothing but the precompiled headers.
+int main() {
+    return 0;
+}
