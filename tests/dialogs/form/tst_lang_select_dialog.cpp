@@ -203,10 +203,12 @@ void TestLangSelectDialog::closedIsCancelled() {
     LangSelectDialog dialog;
     dialog.setLanguage(englishCode);
     dialog.show();
+    const QSignalSpy finished(&dialog, &QDialog::finished);
     QVERIFY(dialog.close());
     QVERIFY(dialog.isFinished);
     QVERIFY(dialog.isCancelled);
     QVERIFY(!dialog.isVisible());
+    QCOMPARE(finished.count(), 1); // closed as any dialog is
 }
 
 void TestLangSelectDialog::escapeIsNoCancel() {

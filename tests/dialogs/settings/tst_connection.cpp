@@ -24,6 +24,7 @@ private Q_SLOTS:
     void takesWarningsForSuccess();
     void takesAnyModuleFlagForAModule();
     void asksForAValueFileAgain();
+    void enablesTheTabs();
 };
 
 namespace {
@@ -261,6 +262,13 @@ void TestConnection::asksForAValueFileAgain() {
         QVERIFY(!white.isEnabledTo(white.parentWidget()));
         QVERIFY(!adapter.isEnabledTo(adapter.parentWidget()));
     }
+}
+
+void TestConnection::enablesTheTabs() {
+    SettingsFixture f;
+    f.child(QStringLiteral("setBasetabWidget")).setEnabled(false);
+    QVERIFY(f.connectFirst());
+    QVERIFY(f.child(QStringLiteral("setBasetabWidget")).isEnabled());
 }
 
 QTEST_MAIN(TestConnection)

@@ -221,6 +221,7 @@ void TestDisconnect::closesWithoutConnection() {
         f.dialog.show();
     }
     f.clearRecords();
+    const QSignalSpy finished(&f.dialog, &QDialog::finished);
     if (byButton)
         f.click(QStringLiteral("ClosePushBtn"));
     else
@@ -228,6 +229,7 @@ void TestDisconnect::closesWithoutConnection() {
 
     QVERIFY(f.dialog.isFinished);
     QVERIFY(!f.dialog.isVisible());
+    QCOMPARE(finished.count(), 1); // closed as any dialog is
     QCOMPARE(f.calls(), QStringList());
     QCOMPARE(f.lines(), QStringList());
     QCOMPARE(f.boxes(), QStringList());

@@ -146,8 +146,13 @@ void TestNetworkRead::failingBodyLeavesThePage() {
 void TestNetworkRead::asksForAFile() {
     SettingsFixture f;
     QVERIFY(f.connectFirst());
+    QString name = QStringLiteral("not looked at");
+    f.answers.onFileDialog = [&](QFileDialog& dialog) {
+        name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text();
+    };
     f.click(fileButton);
 
+    QCOMPARE(name, QString());
     QCOMPARE(f.answers.fileDialogs.size(), 1);
     const ModalAnswerer::FileDialog& shown = f.answers.fileDialogs[0];
     QCOMPARE(shown.caption, QStringLiteral("Open"));
