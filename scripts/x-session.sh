@@ -4,6 +4,8 @@
 #
 # VQTL4_BIN    folder of vq-tl4 and kvasim (build/release/bin)
 # x_session LANGUAGE PICTURES sets it up: en or jp, and the folder that pictures are kept in.
+# VQTL4_WORK   a folder to work in, made and removed again; pictures of file dialogs show its name
+# VQTL4_PLAIN_NAMES  when set, the pictures' names have no number
 
 root=$PWD
 bin=${VQTL4_BIN:-$root/build/release/bin}
@@ -19,9 +21,14 @@ x_session() {
         ;;
     esac
     pictures=$2
-    rm -rf "$pictures"
+    [ -n "${VQTL4_PLAIN_NAMES:-}" ] || rm -rf "$pictures"
     mkdir -p "$pictures"
-    work=$(mktemp -d)
+    if [ -n "${VQTL4_WORK:-}" ]; then
+        mkdir "$VQTL4_WORK" # not one that is there already: it will be removed
+        work=$VQTL4_WORK
+    else
+        work=$(mktemp -d)
+    fi
     bench="$work/data/vq-tl4-simulator/bench.json"
     trap end_x_session EXIT
     start_server
@@ -56,6 +63,8 @@ start_server() {
     chmod 700 "$work/runtime"
     export DISPLAY=":$display" XDG_DATA_HOME="$work/data" XDG_RUNTIME_DIR="$work/runtime"
     export QT_FONT_DPI=72 KVASIM_TRACE="$work/trace"
+    # What Qt's file dialogs remember is not the user's; the fonts that are known already are.
+    export XDG_CACHE_HOME="${XDG_CACHE_HOME:-$HOME/.cache}" HOME="$work" XDG_CONFIG_HOME="$work/config"
     unset KVASIM_BENCH WAYLAND_DISPLAY QT_QPA_PLATFORM
     until_true "the window manager did not start" manage
 }
@@ -71,10 +80,10 @@ manage() {
 
 # start_tool: in a folder of its own, so that nothing it saves lies elsewhere.
 start_tool() {
-    mkdir -p "$work/here"
+    mkdir -p "$work/Documents"
     : >>"$work/trace"
     # The locale itself may not be installed: only its name counts, the encoding is set apart.
-    (cd "$work/here" && exec env -u LC_ALL LANG="$locale" LC_CTYPE=C.UTF-8 "$bin/vq-tl4" 2>>"$work/log") &
+    (cd "$work/Documents" && exec env -u LC_ALL LANG="$locale" LC_CTYPE=C.UTF-8 "$bin/vq-tl4" 2>>"$work/log") &
     program=$!
     main_window=''
 }
@@ -199,7 +208,10 @@ expect_called() {
 shoot() {
     sleep 0.3 # until it is painted
     picture=$((picture + 1))
-    import -window "$window" "$(printf '%s/%02d-%s.png' "$pictures" "$picture" "$1")"
+    local name=$1.png
+    [ -n "${VQTL4_PLAIN_NAMES:-}" ] || name=$(printf '%02d-%s' "$picture" "$name")
+    # Without the time, which would make every picture another file.
+    import -window "$window" -strip -define png:exclude-chunks=date,time "$pictures/$name"
 }
 
 # ---- Acting

@@ -41,6 +41,6 @@ scenario_escape() {
     to_main
     sleep 0.3
     expect_one_window
-    [ -z "$(ls "$work/here")" ] || stop "a file was written"
+    [ -z "$(ls "$work/Documents")" ] || stop "a file was written"
     leave
 }
