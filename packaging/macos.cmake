@@ -10,6 +10,8 @@ set_target_properties(vq-tl4 PROPERTIES
     MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_SOURCE_DIR}/macos/Info.plist.in"
     OUTPUT_NAME VQ-TL4
     INSTALL_RPATH "@executable_path/../Frameworks")
+install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose"
+    DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(FILES macos/VQ_TL4.icns DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(DIRECTORY macos/en.lproj macos/ja.lproj DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 
