@@ -37,6 +37,7 @@ void LangSelectDialog::setLanguage(int code) {
     QRadioButton* other = isEnglish ? ui->jpnRadioBtn : ui->engRadioBtn;
     other->setChecked(false);
     chosen->setChecked(true);
+    chosen->setFocus(); // and not the first one, from which an arrow key would lead elsewhere
     // Checking in code is no click, so no slot does this.
     languageCode = isEnglish ? english : japanese;
 }

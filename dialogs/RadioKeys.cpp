@@ -2,10 +2,8 @@
 
 #include <QApplication>
 #include <QKeyEvent>
-#include <QRadioButton>
 
 #include <algorithm>
-#include <utility>
 
 namespace {
 
@@ -25,9 +23,9 @@ int stepOf(const QKeyEvent& event) {
 
 } // namespace
 
-RadioKeys::RadioKeys(std::vector<QRadioButton*> buttons, QObject* parent)
-    : QObject(parent), m_buttons(std::move(buttons)) {
-    for (QRadioButton* button : m_buttons) {
+RadioKeys::RadioKeys(const std::vector<QRadioButton*>& buttons, QObject* parent)
+    : QObject(parent), m_buttons(buttons.begin(), buttons.end()) {
+    for (QRadioButton* button : buttons) {
         button->installEventFilter(this);
         connect(button, &QRadioButton::toggled, this, [this] { restoreTabStops(); });
     }
@@ -39,22 +37,32 @@ bool RadioKeys::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return false;
     const int step = stepOf(*static_cast<QKeyEvent*>(event));
-    const auto current = std::find(m_buttons.begin(), m_buttons.end(), watched);
+    const auto current = std::find_if(m_buttons.begin(), m_buttons.end(),
+                                      [&](const auto& button) { return button == watched; });
     if (step == 0 || current == m_buttons.end())
         return false;
     const std::ptrdiff_t next = current - m_buttons.begin() + step;
     if (next >= 0 && next < static_cast<std::ptrdiff_t>(m_buttons.size())) {
-        QRadioButton* button = m_buttons[static_cast<std::size_t>(next)];
-        button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-        button->click();
+        const QPointer<QRadioButton> button = m_buttons[static_cast<std::size_t>(next)];
+        if (button) {
+            button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+            button->click();
+        }
     }
     return true;
 }
 
 void RadioKeys::restoreTabStops() {
-    const bool anyChecked = std::any_of(m_buttons.begin(), m_buttons.end(),
-                                        [](const QRadioButton* b) { return b->isChecked(); });
-    for (QRadioButton* button : m_buttons)
-        button->setFocusPolicy(anyChecked && !button->isChecked() ? Qt::ClickFocus
-                                                                  : Qt::StrongFocus);
+    const bool anyChecked = std::any_of(m_buttons.begin(), m_buttons.end(), [](const auto& button) {
+        return button && button->isChecked();
+    });
+    for (const QPointer<QRadioButton>& button : m_buttons) {
+        if (!button)
+            continue;
+        const bool isStop = !anyChecked || button->isChecked();
+        // Whether a click takes the focus stays as it is.
+        const int policy = button->focusPolicy();
+        button->setFocusPolicy(
+            static_cast<Qt::FocusPolicy>(isStop ? policy | Qt::TabFocus : policy & ~Qt::TabFocus));
+    }
 }

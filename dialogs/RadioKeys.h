@@ -2,10 +2,10 @@
 #define DIALOGS_RADIOKEYS_H
 
 #include <QObject>
+#include <QPointer>
+#include <QRadioButton>
 
 #include <vector>
-
-class QRadioButton;
 
 /**
  * Makes radio buttons a choice of their own for the keyboard: Tab stops at the checked one (at each
@@ -15,16 +15,16 @@ class QRadioButton;
  */
 class RadioKeys : public QObject {
 public:
-    /** @param buttons  in the order of the arrow keys; not owned
-        @param parent   outlived by the buttons */
-    RadioKeys(std::vector<QRadioButton*> buttons, QObject* parent);
+    /** @param buttons  in the order of the arrow keys; not owned, and may go before this does
+        @param parent   the owner of this */
+    RadioKeys(const std::vector<QRadioButton*>& buttons, QObject* parent);
 
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void restoreTabStops();
 
-    std::vector<QRadioButton*> m_buttons;
+    std::vector<QPointer<QRadioButton>> m_buttons;
 };
 
 #endif

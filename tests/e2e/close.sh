@@ -39,6 +39,7 @@ scenario_close_fails_to_disconnect() {
     shoot failed
     keys Return
     expect_end
+    expect_called KVA_Disconnect KVA_ERROR 1
 }
 
 scenario_close_lost() {

@@ -37,7 +37,7 @@ lost_in_file_dialog() {
     xdotool type --delay 10 "$2"
     keys Return
     expect_gone "$dialog"
-    to_main
+    window=$main_window
     sleep 0.3
     shoot afterwards
 }
@@ -60,6 +60,17 @@ scenario_lost_with_value_file_dialog_open() {
     press_close
     expect_end
     expect_called KVA_JIG_SetFactoryCalib_CALREFDATA KVA_SUCCESS 0
+}
+
+scenario_lost_with_save_dialog_open() {
+    # The fields are empty by then, so there is nothing to save, and the tool says so.
+    lost_in_file_dialog press_write_file "$work/lost.ini"
+    await_dialog
+    shoot nothing-to-save
+    dismiss
+    [ ! -e "$work/lost.ini" ] || stop "a file was written"
+    press_close
+    expect_end
 }
 
 scenario_lost_with_choice_open() {

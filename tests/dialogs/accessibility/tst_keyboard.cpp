@@ -23,6 +23,8 @@ private Q_SLOTS:
     void focusDoesNotComeBackToWhatIsLost();
     void listHasTheFocus();
     void tabsByKeyboard();
+    void languageByArrows_data();
+    void languageByArrows();
 };
 
 namespace {
@@ -220,6 +222,33 @@ void TestKeyboard::tabsByKeyboard() {
     tabs.tabBar()->setFocus();
     press(Qt::Key_Right);
     QCOMPARE(tabs.currentIndex(), 1);
+}
+
+void TestKeyboard::languageByArrows_data() {
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("to");
+    constexpr int english = LangSelectDialog::english;
+    constexpr int japanese = LangSelectDialog::japanese;
+    QTest::newRow("down from English") << english << int(Qt::Key_Down) << japanese;
+    QTest::newRow("up from Japanese") << japanese << int(Qt::Key_Up) << english;
+    QTest::newRow("up from English") << english << int(Qt::Key_Up) << english;
+    QTest::newRow("down from Japanese") << japanese << int(Qt::Key_Down) << japanese;
+}
+
+void TestKeyboard::languageByArrows() {
+    QFETCH(int, from);
+    QFETCH(int, key);
+    QFETCH(int, to);
+    LangSelectDialog dialog;
+    dialog.setLanguage(from);
+    dialog.show();
+    const bool isEnglish = from == LangSelectDialog::english;
+    auto* button = dialog.findChild<QRadioButton*>(isEnglish ? QStringLiteral("engRadioBtn")
+                                                             : QStringLiteral("jpnRadioBtn"));
+    QCOMPARE(dialog.focusWidget(), button);
+    QTest::keyClick(button, Qt::Key(key));
+    QCOMPARE(dialog.languageCode, to);
 }
 
 QTEST_MAIN(TestKeyboard)
