@@ -21,8 +21,8 @@ x_session() {
         ;;
     esac
     pictures=$2
-    [ -n "${VQTL4_PLAIN_NAMES:-}" ] || rm -rf "$pictures"
     mkdir -p "$pictures"
+    rm -f "$pictures"/[0-9][0-9]-*.png "$pictures/failure.png" # those of an earlier run
     if [ -n "${VQTL4_WORK:-}" ]; then
         mkdir "$VQTL4_WORK" # not one that is there already: it will be removed
         work=$VQTL4_WORK
@@ -65,7 +65,8 @@ start_server() {
     export QT_FONT_DPI=72 KVASIM_TRACE="$work/trace"
     # What Qt's file dialogs remember is not the user's; the fonts that are known already are.
     export XDG_CACHE_HOME="${XDG_CACHE_HOME:-$HOME/.cache}" HOME="$work" XDG_CONFIG_HOME="$work/config"
-    unset KVASIM_BENCH WAYLAND_DISPLAY QT_QPA_PLATFORM
+    unset KVASIM_BENCH KVASIM_RUNTIME_DIR WAYLAND_DISPLAY QT_QPA_PLATFORM QT_QPA_PLATFORMTHEME
+    unset QT_SCALE_FACTOR QT_STYLE_OVERRIDE QT_LOGGING_RULES
     until_true "the window manager did not start" manage
 }
 
@@ -83,7 +84,7 @@ start_tool() {
     mkdir -p "$work/Documents"
     : >>"$work/trace"
     # The locale itself may not be installed: only its name counts, the encoding is set apart.
-    (cd "$work/Documents" && exec env -u LC_ALL LANG="$locale" LC_CTYPE=C.UTF-8 "$bin/vq-tl4" 2>>"$work/log") &
+    (cd "$work/Documents" && exec env -u LC_ALL -u LC_MESSAGES -u LANGUAGE LANG="$locale" LC_CTYPE=C.UTF-8 "$bin/vq-tl4" 2>>"$work/log") &
     program=$!
     main_window=''
 }
