@@ -55,6 +55,9 @@ void TestBoundedLineReader::lines_data() {
         QTest::newRow(name) << content << lines;
     };
     row("empty file", "", {});
+    row("one byte", "a", {"a"});
+    row("one line feed", "\n", {""});
+    row("one byte behind the buffer", QByteArray(65535, 'y') + "\nx", {"yyyyyyyy", "x"});
     row("one line", "abc\n", {"abc"});
     row("no final line feed", "abc\nde", {"abc", "de"});
     row("empty lines", "\n\nabc\n\n", {"", "", "abc", ""});

@@ -106,6 +106,7 @@ void TestProfileString::values_data() {
     row("NUL byte in the value", QByteArray("Key=ab\0cd", 9), "ab");
     row("NUL byte as value", QByteArray("Key=\0cd", 7), "");
     row("NUL byte in the name", QByteArray("Key\0=abc", 8), notFound);
+    row("signs around stay", "Key=~abc!#", "~abc!#");
     row("high bytes", "Key=\xE6\x97\xA5\xFF", "\xE6\x97\xA5\xFF");
     row("no-break blank stays", "Key=\xA0 abc\xA0", "\xA0 abc\xA0");
     row("vertical tab stays", "Key=\vabc\f", "\vabc\f");
