@@ -12,7 +12,7 @@ namespace {
 constexpr std::size_t bufferSize = 64 * 1024;
 
 /** A descriptor of the regular file at @p path, or -1. */
-int openRegularFile(const char* path) {
+int openRegularFile(const char* path, off_t& size) {
     // Without O_NONBLOCK, opening a pipe that nobody writes to would never return.
     const int file = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
@@ -22,6 +22,7 @@ int openRegularFile(const char* path) {
         ::close(file);
         return -1;
     }
+    size = status.st_size;
     return file;
 }
 
@@ -35,9 +36,10 @@ std::string_view withoutLineEndCr(std::string_view text) {
 }
 
 BoundedLineReader::BoundedLineReader(const char* path, std::size_t maxLine)
-    : m_file(openRegularFile(path)), m_maxLine(maxLine) {
+    : m_file(openRegularFile(path, m_size)), m_maxLine(maxLine) {
+    // Not filled with zeroes, which would take longer than reading a file of the usual size.
     if (isOpen())
-        m_buffer.resize(bufferSize);
+        m_buffer.reset(new char[bufferSize]);
 }
 
 BoundedLineReader::~BoundedLineReader() {
@@ -51,7 +53,7 @@ bool BoundedLineReader::next(std::string& line) {
     bool anything = false;
     while (m_begin < m_end || fill()) {
         anything = true;
-        const char* begin = m_buffer.data() + m_begin;
+        const char* begin = m_buffer.get() + m_begin;
         const std::size_t available = m_end - m_begin;
         const void* lineEnd = std::memchr(begin, '\n', available);
         const std::size_t length =
@@ -70,13 +72,14 @@ bool BoundedLineReader::next(std::string& line) {
 }
 
 bool BoundedLineReader::fill() {
-    if (!isOpen())
+    if (!isOpen() || (m_offset > 0 && m_offset == m_size))
         return false;
     ssize_t count = 0;
     do {
-        count = ::read(m_file, m_buffer.data(), m_buffer.size());
+        count = ::read(m_file, m_buffer.get(), bufferSize);
     } while (count < 0 && errno == EINTR);
     m_begin = 0;
     m_end = count > 0 ? static_cast<std::size_t>(count) : 0;
+    m_offset += static_cast<off_t>(m_end);
     return m_end > 0;
 }

@@ -2,9 +2,10 @@
 #define FILES_BOUNDEDLINEREADER_H
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
+#include <sys/types.h>
 
 /** The text without the carriage return of a CR LF line end: dropped when the first one in the text
     is its last character. */
@@ -41,9 +42,11 @@ public:
 private:
     bool fill();
 
+    off_t m_size = 0; ///< of the file, when it was opened
     int m_file;
     std::size_t m_maxLine;
-    std::vector<char> m_buffer;
+    off_t m_offset = 0; ///< how much of the file was read
+    std::unique_ptr<char[]> m_buffer;
     std::size_t m_begin = 0; ///< first byte of m_buffer that was not handed out yet
     bool m_wasCut = false;
     std::size_t m_end = 0; ///< one past the last byte of m_buffer that was read

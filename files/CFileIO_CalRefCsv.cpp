@@ -2,8 +2,10 @@
 #include "files/CFileIO.h"
 #include "files/CHexToBin.h"
 #include "files/NumberText.h"
+#include "files/Pieces.h"
 
 #include <algorithm>
+#include <array>
 #include <cstdio>
 
 namespace {
@@ -63,11 +65,17 @@ bool storeAdapterSerialNo(const std::string& line, SerialNo& serialNo) {
 }
 
 bool storeValues(const std::string& line, const CalRefCsv& csv) {
-    const std::vector<std::string> pieces = CFileIO::SplitString(line, ',');
-    if (pieces.size() != csv.valueCount)
+    std::array<float, KVA_AMBIENT_ADAPTER_VALUES> values = {};
+    std::size_t count = 0;
+    forEachPiece(line, ',', [&](std::string_view piece) {
+        // A number ends at a comma at the latest, and the line at its terminator.
+        if (count < csv.valueCount)
+            values[count] = NumberText::toFloat(piece.data());
+        ++count;
+    });
+    if (count != csv.valueCount)
         return false;
-    std::transform(pieces.begin(), pieces.end(), csv.values,
-                   [](const std::string& piece) { return NumberText::toFloat(piece.c_str()); });
+    std::copy_n(values.begin(), count, csv.values);
     return true;
 }
 

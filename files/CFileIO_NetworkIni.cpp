@@ -1,6 +1,7 @@
 #include "files/BoundedLineReader.h"
 #include "files/CFileIO.h"
 #include "files/NumberText.h"
+#include "files/Pieces.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -74,12 +75,14 @@ bool storeFlag(const char* value, KVA_NETWORKINFO& info) {
 
 template <std::uint8_t (KVA_NETWORKINFO::*Field)[4]>
 bool storeAddress(const char* value, KVA_NETWORKINFO& info) {
-    const std::vector<std::string> pieces = CFileIO::SplitString(value, '.');
-    const std::size_t count = std::min<std::size_t>(pieces.size(), 4);
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto number = static_cast<std::uint32_t>(NumberText::toInt32(pieces[i].c_str()));
-        (info.*Field)[i] = static_cast<std::uint8_t>(number & 0xFFU);
-    }
+    std::size_t count = 0;
+    forEachPiece(value, '.', [&](std::string_view piece) {
+        if (count == 4)
+            return;
+        // A number ends at a point at the latest, and the value at its terminator.
+        const auto number = static_cast<std::uint32_t>(NumberText::toInt32(piece.data()));
+        (info.*Field)[count++] = static_cast<std::uint8_t>(number & 0xFFU);
+    });
     return true;
 }
 
@@ -192,7 +195,7 @@ int CFileIO::ReadProfileString(const char* section, const char* key, const char*
         if (line.front() == '[')
             inSection = inSection || equalsIgnoringCase(withoutLineEndCr(line), header);
         else if (inSection && matchKeyLine(line, key, value))
-            return copyValue(reader.wasCut() ? tooLong(value) : std::string(value), out);
+            return reader.wasCut() ? copyValue(tooLong(value), out) : copyValue(value, out);
     }
     return copyValue(fallback, out);
 }

@@ -1,10 +1,12 @@
 #include "files/NumberText.h"
 
+#include <cfloat>
 #include <cmath>
 #include <cstdlib>
 #include <limits>
 #include <locale.h>
 #include <new>
+#include <optional>
 #ifdef __APPLE__
 #include <xlocale.h>
 #endif
@@ -13,6 +15,44 @@ namespace {
 
 bool isBlank(char c) {
     return c == ' ' || (c >= '\t' && c <= '\r');
+}
+
+bool isDigit(char c) {
+    return c >= '0' && c <= '9';
+}
+
+/** The powers of ten up to what `plainDecimal` needs, each held exactly. */
+constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                  1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+
+/** A number without exponent and of at most 15 digits, as calibration values usually are: both the
+    digits and the power of ten are then exact, and their quotient is rounded once, as the C library
+    rounds. Nothing for any other text. */
+std::optional<double> plainDecimal(const char* text) {
+    if (FLT_EVAL_METHOD != 0)
+        return std::nullopt; // the quotient would be rounded twice
+    while (isBlank(*text))
+        ++text;
+    const bool negative = *text == '-';
+    if (negative || *text == '+')
+        ++text;
+
+    constexpr int mostDigits = 15;
+    std::int64_t digits = 0;
+    int count = 0;
+    int decimals = 0;
+    for (; isDigit(*text) && count <= mostDigits; ++text, ++count)
+        digits = digits * 10 + (*text - '0');
+    if (*text == '.') {
+        ++text;
+        for (; isDigit(*text) && count <= mostDigits; ++text, ++count, ++decimals)
+            digits = digits * 10 + (*text - '0');
+    }
+    const bool goesOn = *text == 'e' || *text == 'E' || *text == 'x' || *text == 'X';
+    if (count == 0 || count > mostDigits || goesOn)
+        return std::nullopt;
+    const double value = static_cast<double>(digits) / powersOfTen[decimals];
+    return negative ? -value : value;
 }
 
 /** The "C" locale, made once and kept until the process ends. */
@@ -51,7 +91,8 @@ std::int32_t NumberText::toInt32(const char* text) {
 }
 
 float NumberText::toFloat(const char* text) {
-    const double value = strtod_l(text, nullptr, cLocale());
+    const std::optional<double> plain = plainDecimal(text);
+    const double value = plain ? *plain : strtod_l(text, nullptr, cLocale());
     // From here on rounding to single precision leaves its range, which the language does not
     // define: the middle between the largest single and the value that would follow it.
     constexpr double overflow = 0x1.ffffffp+127;

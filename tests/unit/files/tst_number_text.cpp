@@ -1,9 +1,12 @@
 #include "files/NumberText.h"
 
 #include <QByteArray>
+#include <QRandomGenerator>
 #include <QTest>
 
 #include <cmath>
+#include <cstdlib>
+#include <cstring>
 #include <functional>
 #include <limits>
 
@@ -16,6 +19,7 @@ private Q_SLOTS:
     void real_data();
     void real();
     void notANumber();
+    void readsAsTheCLibraryDoes();
 };
 
 void TestNumberText::integer_data() {
@@ -128,6 +132,27 @@ void TestNumberText::real() {
 void TestNumberText::notANumber() {
     QVERIFY(std::isnan(NumberText::toFloat("nan")));
     QVERIFY(std::isnan(NumberText::toFloat("-nan")));
+}
+
+/** Bit for bit, for numbers as they stand in files: every count of digits before and behind the
+    point, signs, blanks, exponents, and what may follow. */
+void TestNumberText::readsAsTheCLibraryDoes() {
+    QRandomGenerator random(20261120);
+    const QByteArray starts[] = {"", "-", "+", " ", "\t-"};
+    const QByteArray ends[] = {"", ",", " ", "e3", "E-7", "x", "e", ".5", "f"};
+    for (int i = 0; i < 400000; ++i) {
+        QByteArray text = starts[random.bounded(5)];
+        for (int digits = random.bounded(19); digits > 0; --digits)
+            text += static_cast<char>('0' + random.bounded(10));
+        if (random.bounded(4) != 0)
+            text += '.';
+        for (int digits = random.bounded(19); digits > 0; --digits)
+            text += static_cast<char>('0' + random.bounded(10));
+        text += ends[random.bounded(9)];
+        const float expected = static_cast<float>(std::strtod(text.constData(), nullptr));
+        const float actual = NumberText::toFloat(text.constData());
+        QVERIFY2(std::memcmp(&actual, &expected, sizeof actual) == 0, text.constData());
+    }
 }
 
 QTEST_GUILESS_MAIN(TestNumberText)
