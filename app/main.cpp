@@ -6,7 +6,6 @@
 
 #include <QApplication>
 #include <QFont>
-#include <QIcon>
 #include <QLocale>
 #include <QTranslator>
 #include <QtDebug>
@@ -113,7 +112,7 @@ int main(int argc, char* argv[]) {
 
     StartUp startUp;
     startUp.iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
-    QApplication::setWindowIcon(QIcon(startUp.iconPath));
+    QApplication::setWindowIcon(DialogSupport::iconAt(startUp.iconPath));
     installDefaultLanguage(defaultTranslator, defaultLanguage, startUp);
 
     LangSelectDialog languageDialog;

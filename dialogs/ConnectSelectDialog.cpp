@@ -4,7 +4,6 @@
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_ConnectSelectDialog.h"
 
-#include <QIcon>
 #include <QKeyEvent>
 #include <QtDebug>
 
@@ -27,7 +26,7 @@ void ConnectSelectDialog::setSdkCtrl(std::shared_ptr<CKvaSdk_Ctrl> ctrl) {
 }
 
 void ConnectSelectDialog::setDeviceList(QStringList devices) {
-    setWindowIcon(QIcon(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
+    setWindowIcon(DialogSupport::iconAt(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
     setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
                    Qt::WindowMaximizeButtonHint);
     ui->pushButton->setStyleSheet(

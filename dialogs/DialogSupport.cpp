@@ -11,6 +11,18 @@ QString DialogSupport::resourcePath(const QString& fileName) {
     return base.absolutePath() + QStringLiteral("/Resources/") + fileName;
 }
 
+QIcon DialogSupport::iconAt(const QString& path) {
+    static QString lastPath;
+    static QIcon lastIcon;
+    if (path != lastPath || lastIcon.isNull()) {
+        lastIcon = QIcon(path);
+        lastPath = path;
+        // Its pixmaps must not outlive the application object.
+        qAddPostRoutine([] { lastIcon = QIcon(); });
+    }
+    return lastIcon;
+}
+
 void DialogSupport::waitUntil(const std::function<bool()>& isFinished) {
     while (!isFinished()) {
         QCoreApplication::processEvents();
@@ -22,7 +34,7 @@ void DialogSupport::showMessageBox(const QString& title, const QString& text,
                                    QMessageBox::Icon icon, const QString& iconPath) {
     QMessageBox box;
     box.setWindowTitle(title);
-    box.setWindowIcon(QIcon(iconPath));
+    box.setWindowIcon(iconAt(iconPath));
     box.setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint |
                        Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
                        Qt::WindowCloseButtonHint);

@@ -1,6 +1,7 @@
 #ifndef DIALOGS_DIALOGSUPPORT_H
 #define DIALOGS_DIALOGSUPPORT_H
 
+#include <QIcon>
 #include <QMessageBox>
 #include <QPointer>
 #include <QString>
@@ -14,6 +15,10 @@ namespace DialogSupport {
 /** The path of a file in the Resources folder beside the program's own: the program's folder, one
     up, "/Resources/" and @p fileName. */
 QString resourcePath(const QString& fileName);
+
+/** The icon in the file at @p path, which is read and decoded but once as long as it is asked for
+    again and again. A null icon for an empty path. */
+QIcon iconAt(const QString& path);
 
 /** Keeps the windows alive until @p isFinished says so: processes events, then sleeps 10 ms, again
     and again. Asked before each pass. */

@@ -4,7 +4,6 @@
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_InitSettingDialog.h"
 
-#include <QIcon>
 #include <QtDebug>
 
 namespace {
@@ -37,7 +36,7 @@ void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
 
 void InitSettingDialog::prepareWindow() {
     iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
-    setWindowIcon(QIcon(iconPath));
+    setWindowIcon(DialogSupport::iconAt(iconPath));
     setWindowFlags(Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
                    Qt::WindowMaximizeButtonHint | Qt::CustomizeWindowHint |
                    Qt::WindowCloseButtonHint);

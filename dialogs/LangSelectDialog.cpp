@@ -5,7 +5,6 @@
 #include "ui_LangSelectDialog.h"
 
 #include <QCloseEvent>
-#include <QIcon>
 #include <QKeyEvent>
 
 LangSelectDialog::LangSelectDialog(QWidget* parent)
@@ -19,7 +18,7 @@ LangSelectDialog::~LangSelectDialog() {
 }
 
 void LangSelectDialog::setLanguage(int code) {
-    setWindowIcon(QIcon(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
+    setWindowIcon(DialogSupport::iconAt(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
     setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
                    Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint);
     ui->pushButton->setStyleSheet(

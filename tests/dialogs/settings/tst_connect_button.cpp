@@ -246,11 +246,8 @@ void TestConnectButton::connectPressedAgainDuringTheChoice() {
             Choice(f).select(1);
             Choice(f).accept();
         });
-        f.dialog.activateWindow(); // as a click into it does
-        QVERIFY(QTest::qWaitForWindowActive(&f.dialog));
         f.click(connectButton);
         QVERIFY(f.selection.isVisible());
-        QTRY_VERIFY(f.selection.isActiveWindow());
         QCOMPARE(f.calls(), (QStringList{listCall, listCall}));
     });
     f.click(connectButton);
