@@ -48,9 +48,9 @@ class StartupProbePlugin : public QGenericPlugin {
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "startup_probe.json")
 
 public:
-    QObject* create(const QString& key, const QString& specification) override {
+    QObject* create(const QString& key, const QString& options) override {
         Q_UNUSED(key)
-        Q_UNUSED(specification)
+        Q_UNUSED(options)
         return std::make_unique<Probe>().release();
     }
 };
