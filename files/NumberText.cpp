@@ -21,6 +21,16 @@ bool isDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
+/** Skips the blanks and the sign that a number may begin with; whether it is a minus. */
+bool skipSign(const char*& text) {
+    while (isBlank(*text))
+        ++text;
+    const bool negative = *text == '-';
+    if (negative || *text == '+')
+        ++text;
+    return negative;
+}
+
 /** The powers of ten up to what `plainDecimal` needs, each held exactly. */
 constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                   1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
@@ -31,11 +41,7 @@ constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
 std::optional<double> plainDecimal(const char* text) {
     if (FLT_EVAL_METHOD != 0)
         return std::nullopt; // the quotient would be rounded twice
-    while (isBlank(*text))
-        ++text;
-    const bool negative = *text == '-';
-    if (negative || *text == '+')
-        ++text;
+    const bool negative = skipSign(text);
 
     constexpr int mostDigits = 15;
     std::int64_t digits = 0;
@@ -69,15 +75,11 @@ std::int32_t NumberText::toInt32(const char* text) {
     constexpr std::int64_t highest = std::numeric_limits<std::int64_t>::max();
     constexpr std::int64_t lowest = std::numeric_limits<std::int64_t>::min();
 
-    while (isBlank(*text))
-        ++text;
-    const bool negative = *text == '-';
-    if (negative || *text == '+')
-        ++text;
+    const bool negative = skipSign(text);
 
     // Counted downwards, because the lowest value has no positive counterpart.
     std::int64_t value = 0;
-    for (; *text >= '0' && *text <= '9'; ++text) {
+    for (; isDigit(*text); ++text) {
         const int digit = *text - '0';
         if (value < (lowest + digit) / 10) {
             value = lowest;
