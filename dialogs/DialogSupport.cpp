@@ -1,6 +1,6 @@
 #include "dialogs/DialogSupport.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QDir>
 #include <QIcon>
 #include <QThread>
@@ -31,6 +31,26 @@ void DialogSupport::waitUntil(const std::function<bool()>& isFinished) {
 }
 
 void DialogSupport::showMessageBox(const QString& title, const QString& text,
+void DialogSupport::waitUntilLeft(QWidget& window, const bool& isFinished) {
+    waitUntil([&] {
+        if (!isFinished && window.isHidden())
+            window.close();
+        return isFinished;
+    });
+}
+
+bool DialogSupport::isCancelKey(const QKeyEvent& event) {
+    return event.key() == Qt::Key_Escape || event.matches(QKeySequence::Cancel);
+}
+
+DialogSupport::BusyCursor::BusyCursor() {
+    QApplication::setOverrideCursor(Qt::WaitCursor);
+}
+
+DialogSupport::BusyCursor::~BusyCursor() {
+    QApplication::restoreOverrideCursor();
+}
+
                                    QMessageBox::Icon icon, const QString& iconPath) {
     QMessageBox box;
     box.setWindowTitle(title);

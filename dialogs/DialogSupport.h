@@ -26,6 +26,30 @@ void waitUntil(const std::function<bool()>& isFinished);
 
 /** Shows a modal box with one Ok button and returns when it was dismissed, however.
     @param iconPath  the window icon's file; empty for none */
+/** The same for the end of a window. One that is hidden without having been closed is closed, as
+    nobody could leave it any more; its close event is to set @p isFinished. */
+void waitUntilLeft(QWidget& window, const bool& isFinished);
+
+/** Whether a key press is one that would dismiss a dialog: Escape with any modifiers, and what else
+    the platform takes for "Cancel". */
+bool isCancelKey(const QKeyEvent& event);
+
+/** Shows the busy cursor while it exists. To be gone before a message is shown. */
+class BusyCursor {
+public:
+    BusyCursor();
+    ~BusyCursor();
+    BusyCursor(const BusyCursor&) = delete;
+    BusyCursor& operator=(const BusyCursor&) = delete;
+};
+
+/** What @p call returns; the busy cursor is shown until then. */
+template <typename Call>
+auto whileBusy(const Call& call) {
+    const BusyCursor cursor;
+    return call();
+}
+
 void showMessageBox(const QString& title, const QString& text, QMessageBox::Icon icon,
                     const QString& iconPath);
 

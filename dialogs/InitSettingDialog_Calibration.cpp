@@ -6,6 +6,8 @@
 #include <QFileInfo>
 
 /** What differs between the tabs of the white calibration plate and the ambient light adapter. */
+using DialogSupport::whileBusy;
+
 struct InitSettingDialog::CalibrationTab {
     QLabel* currentSerialNo; ///< held by the instrument
     QLabel* fileName;
@@ -98,9 +100,9 @@ void InitSettingDialog::registerValueFile(const CalibrationTab& tab) {
     CKvaSdk_Ctrl& ctrl = *m_sdkCtrl;
     if (tab.filePath.isEmpty()) {
         showErrorMessage(tr(tab.noFileMessage));
-    } else if ((ctrl.*tab.registerFile)(tab.filePath.toLocal8Bit().constData())) {
+    } else if (whileBusy([&] { return (ctrl.*tab.registerFile)(tab.filePath.toLocal8Bit()); })) {
         showInfoMessage(tr("Successful device writing."));
-        ctrl.GetCalRefSerialNo();
+        whileBusy([&] { return ctrl.GetCalRefSerialNo(); });
         tab.currentSerialNo->setText(ctrl.*tab.currentSerialNoText);
     } else {
         showErrorMessage(tr(tab.notWrittenMessage));

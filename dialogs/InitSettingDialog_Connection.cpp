@@ -6,6 +6,8 @@
 
 #include <QtDebug>
 
+using DialogSupport::whileBusy;
+
 namespace {
 
 constexpr int noInstrument = -1;
@@ -23,9 +25,9 @@ void forceUncheck(QRadioButton* button) {
 void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
     if (firstTime)
         prepareWindow();
-    if (portNum < 0)
-        showNoInstrument();
-    else if (m_sdkCtrl->Connect(portNum, connectWait))
+    const bool isConnected =
+        portNum >= 0 && whileBusy([&] { return m_sdkCtrl->Connect(portNum, connectWait); });
+    if (isConnected)
         fillFromInstrument();
     else
         showErrorMessage(tr("Failed to connect device."));
@@ -62,7 +64,7 @@ void InitSettingDialog::fillFromInstrument() {
 }
 
 bool InitSettingDialog::fillIdentity() {
-    if (!m_sdkCtrl->GetDeviceInfo()) {
+    if (!whileBusy([this] { return m_sdkCtrl->GetDeviceInfo(); })) {
         ui->serialNolabel->setText(QString());
         ui->firmVersionlabel->setText(QString());
         ui->MACAddresslabel->setText(QString());
@@ -78,19 +80,19 @@ bool InitSettingDialog::fillIdentity() {
 }
 
 void InitSettingDialog::fillWirelessLan() {
-    if (!m_sdkCtrl->IsWifiModuleEnabled()) {
+    if (!whileBusy([this] { return m_sdkCtrl->IsWifiModuleEnabled(); })) {
         ui->networkSetTab->setEnabled(false);
         uncheckNetworkSwitches();
         showInfoMessage(tr("Wireless LAN is invalid."));
         return;
     }
     ui->networkSetTab->setEnabled(true);
-    if (m_sdkCtrl->GetNetworkInfo())
+    if (whileBusy([this] { return m_sdkCtrl->GetNetworkInfo(); }))
         fillNetworkTab();
 }
 
 void InitSettingDialog::fillCalibrationSerialNos() {
-    const bool read = m_sdkCtrl->GetCalRefSerialNo();
+    const bool read = whileBusy([this] { return m_sdkCtrl->GetCalRefSerialNo(); });
     // Both texts are empty when they could not be read.
     ui->curWCalibPlateSerialNolabel->setText(m_sdkCtrl->m_curWCPSerialNo);
     ui->curAmbAdpSerialNolabel->setText(m_sdkCtrl->m_curAmbAdpSerialNo);
@@ -102,7 +104,7 @@ void InitSettingDialog::fillCalibrationSerialNos() {
 
 void InitSettingDialog::fillPowerOffTime() {
     uint8_t mode = 0;
-    if (m_sdkCtrl->GetShutdownTime(mode))
+    if (whileBusy([&] { return m_sdkCtrl->GetShutdownTime(mode); }))
         checkPowerOffButton(mode);
     else
         showErrorMessage(tr("Failed to read automatic shutdown time."));
@@ -169,7 +171,7 @@ void InitSettingDialog::on_ConnectPushBtn_clicked() {
         m_connectSelectDialog->activateWindow();
         return;
     }
-    m_sdkCtrl->GetDevicePortList();
+    whileBusy([this] { return m_sdkCtrl->GetDevicePortList(); });
     int portNum = 0;
     if (m_sdkCtrl->m_deviceCount == 0) {
         showInfoMessage(tr("The measuring instruments is not connected."));
@@ -189,7 +191,7 @@ void InitSettingDialog::on_ConnectPushBtn_clicked() {
 void InitSettingDialog::on_disConnectPushBtn_clicked() {
     if (!m_isConnected)
         return;
-    if (!m_sdkCtrl->Disconnect()) {
+    if (!whileBusy([this] { return m_sdkCtrl->Disconnect(); })) {
         showErrorMessage(tr("Failed to device disconnect."));
         return;
     }
@@ -204,6 +206,13 @@ void InitSettingDialog::on_ClosePushBtn_clicked() {
         m_isConnected = false;
         m_timer.stop();
     }
+void InitSettingDialog::endConnection() {
+    if (!whileBusy([this] { return m_sdkCtrl->Disconnect(); }))
+        showErrorMessage(tr("Failed to disconnect device."));
+    m_isConnected = false;
+    m_timer.stop();
+}
+
     isFinished = true;
     close();
 }

@@ -5,6 +5,8 @@
 
 #include <QFileDialog>
 #include <QtDebug>
+using DialogSupport::whileBusy;
+
 
 namespace {
 
@@ -103,7 +105,7 @@ void InitSettingDialog::on_dhcpOffRadioBtn_clicked() {
 }
 
 void InitSettingDialog::on_readBodyPushBtn_clicked() {
-    if (!m_sdkCtrl->GetNetworkInfo()) {
+    if (!whileBusy([this] { return m_sdkCtrl->GetNetworkInfo(); })) {
         showErrorMessage(tr("Failed to read Network Infomation data."));
         return;
     }
@@ -155,7 +157,7 @@ void InitSettingDialog::writeNetworkToBody() {
     if (!octets)
         return;
     collectNetworkTab(*octets);
-    if (m_sdkCtrl->SetNetworkInfo()) {
+    if (whileBusy([this] { return m_sdkCtrl->SetNetworkInfo(); })) {
         showInfoMessage(tr("Write successful. To reflect, after [Disconnect], turn the power "
                            "supply of the measuring instrument OFF -> ON."));
     } else {

@@ -5,6 +5,8 @@
 
 #include <algorithm>
 
+using DialogSupport::whileBusy;
+
 InitSettingDialog::PowerOffButtons InitSettingDialog::powerOffButtons() const {
     return {ui->invalidradioBtn, ui->fifteenRadioBtn, ui->thirtyRadioBtn, ui->sixtyRadioBtn};
 }
@@ -24,7 +26,7 @@ void InitSettingDialog::on_getAutoPWOffPushBtn_clicked() {
     const DialogSupport::FocusKeeper focus(*this);
     setPowerOffButtonsEnabled(false);
     uint8_t mode = 0xFF; // no button's mode, should the instrument leave the byte alone
-    if (m_sdkCtrl->GetShutdownTime(mode)) {
+    if (whileBusy([&] { return m_sdkCtrl->GetShutdownTime(mode); })) {
         checkPowerOffButton(mode);
         showInfoMessage(tr("Successful read body data."));
     } else {
@@ -40,7 +42,7 @@ void InitSettingDialog::on_setAutoPWOffPushBtn_clicked() {
     const auto* checked = std::find_if(buttons.begin(), buttons.end(),
                                        [](const QRadioButton* b) { return b->isChecked(); });
     const auto mode = static_cast<uint8_t>(std::distance(buttons.begin(), checked));
-    if (checked != buttons.end() && m_sdkCtrl->SetShutdownTime(mode))
+    if (checked != buttons.end() && whileBusy([&] { return m_sdkCtrl->SetShutdownTime(mode); }))
         showInfoMessage(tr("Successful device writing."));
     else
         showErrorMessage(tr("Failed to write automatic shutdown time."));
