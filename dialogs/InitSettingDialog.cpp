@@ -5,7 +5,6 @@
 #include "ui_InitSettingDialog.h"
 
 #include <QCloseEvent>
-#include <QFileDialog>
 #include <QKeyEvent>
 
 #include <utility>
@@ -72,12 +71,10 @@ void InitSettingDialog::showInfoMessage(const QString& message) {
                                   iconPath);
 }
 
-QString InitSettingDialog::askOpenFileName(const QString& filter, bool customDirectoryIcons) {
+QString InitSettingDialog::askFileName(FileQuestion ask, const QString& caption,
+                                       const QString& filter, QFileDialog::Options options) {
     const bool wasConnected = m_isConnected;
     QString selectedFilter = filter;
-    const QFileDialog::Options options =
-        customDirectoryIcons ? QFileDialog::Options() : QFileDialog::DontUseCustomDirectoryIcons;
-    const QString name = QFileDialog::getOpenFileName(this, tr("Open"), QStringLiteral("./"),
-                                                      filter, &selectedFilter, options);
+    const QString name = ask(this, caption, QStringLiteral("./"), filter, &selectedFilter, options);
     return wasConnected && !m_isConnected ? QString() : name;
 }

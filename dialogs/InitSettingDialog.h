@@ -2,6 +2,7 @@
 #define DIALOGS_INITSETTINGDIALOG_H
 
 #include <QDialog>
+#include <QFileDialog>
 #include <QString>
 #include <QTimer>
 
@@ -114,8 +115,14 @@ private:
     void uncheckNetworkSwitches();
 
     /** The file that the user chose; empty when the choice was cancelled, or when the connection
-        was lost meanwhile and there is nothing to read the file for. */
-    QString askOpenFileName(const QString& filter, bool customDirectoryIcons);
+    /** `QFileDialog::getOpenFileName` or `getSaveFileName`. */
+    using FileQuestion = QString (*)(QWidget* parent, const QString& caption,
+                                     const QString& directory, const QString& filter,
+                                     QString* selectedFilter, QFileDialog::Options options);
+
+        was lost meanwhile, which emptied the fields that the file was for. */
+    QString askFileName(FileQuestion ask, const QString& caption, const QString& filter,
+                        QFileDialog::Options options = {});
 
     // Network tab
     void fillNetworkTab();

@@ -75,7 +75,8 @@ void InitSettingDialog::nameCalibrationTabs() {
 }
 
 void InitSettingDialog::chooseValueFile(const CalibrationTab& tab) {
-    const QString name = askOpenFileName(tr("csv(*.csv)"), false);
+    const QString name = askFileName(QFileDialog::getOpenFileName, tr("Open"), tr("csv(*.csv)"),
+                                     QFileDialog::DontUseCustomDirectoryIcons);
     if (name.isEmpty())
         return;
     CKvaSdk_Ctrl& ctrl = *m_sdkCtrl;

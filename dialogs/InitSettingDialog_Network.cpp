@@ -3,7 +3,6 @@
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_InitSettingDialog.h"
 
-#include <QFileDialog>
 #include <QtDebug>
 using DialogSupport::whileBusy;
 
@@ -114,7 +113,7 @@ void InitSettingDialog::on_readBodyPushBtn_clicked() {
 }
 
 void InitSettingDialog::on_readToFilePushBtn_clicked() {
-    const QString name = askOpenFileName(tr("*(*.*)"), true);
+    const QString name = askFileName(QFileDialog::getOpenFileName, tr("Open"), tr("*(*.*)"));
     if (name.isEmpty())
         return;
     if (!m_sdkCtrl->ReadNetworkInfoFile(name.toLocal8Bit().constData())) {
@@ -126,9 +125,7 @@ void InitSettingDialog::on_readToFilePushBtn_clicked() {
 }
 
 void InitSettingDialog::on_writeFilePushBtn_clicked() {
-    QString selectedFilter = tr("ini(*.ini)");
-    const QString name = QFileDialog::getSaveFileName(this, tr("Save"), QStringLiteral("./"),
-                                                      tr("ini(*.ini)"), &selectedFilter);
+    const QString name = askFileName(QFileDialog::getSaveFileName, tr("Save"), tr("ini(*.ini)"));
     if (name.isEmpty())
         return;
     // Whatever the DHCP choice: a file gets the addresses that the page shows.
