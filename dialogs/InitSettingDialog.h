@@ -135,6 +135,8 @@ private:
     CalibrationTab whitePlateTab();
     CalibrationTab ambientAdapterTab();
     void chooseValueFile(const CalibrationTab& tab);
+    static void clearCalibrationTab(const CalibrationTab& tab);
+    void clearCalibrationTabs();
     void registerValueFile(const CalibrationTab& tab);
 
     // Power-off tab

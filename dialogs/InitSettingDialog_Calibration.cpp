@@ -3,6 +3,7 @@
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "ui_InitSettingDialog.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 /** What differs between the tabs of the white calibration plate and the ambient light adapter. */
@@ -74,6 +75,19 @@ void InitSettingDialog::nameCalibrationTabs() {
     }
 }
 
+void InitSettingDialog::clearCalibrationTab(const CalibrationTab& tab) {
+    tab.currentSerialNo->setText(QString());
+    tab.fileName->setText(QString());
+    tab.fileName->setToolTip(QString());
+    tab.fileSerialNo->setText(QString());
+    tab.filePath.clear();
+}
+
+void InitSettingDialog::clearCalibrationTabs() {
+    clearCalibrationTab(whitePlateTab());
+    clearCalibrationTab(ambientAdapterTab());
+}
+
 void InitSettingDialog::chooseValueFile(const CalibrationTab& tab) {
     const QString name = askFileName(QFileDialog::getOpenFileName, tr("Open"), tr("csv(*.csv)"),
                                      QFileDialog::DontUseCustomDirectoryIcons);
@@ -82,6 +96,8 @@ void InitSettingDialog::chooseValueFile(const CalibrationTab& tab) {
     CKvaSdk_Ctrl& ctrl = *m_sdkCtrl;
     const bool valid = (ctrl.*tab.checkFile)(name.toLocal8Bit().constData());
     tab.fileName->setText(QFileInfo(name).baseName());
+    // Files of different years may have the same base name.
+    tab.fileName->setToolTip(QDir::toNativeSeparators(name));
     tab.fileSerialNo->setText(valid ? ctrl.*tab.fileSerialNoText : QString());
     tab.write->setEnabled(valid);
     // Of a refused file as well: writing would try it again.

@@ -131,14 +131,7 @@ void InitSettingDialog::resetToNotConnected() {
     ui->passwdlineEdit->setText(QString());
     for (QLineEdit* edit : m_addressEdits)
         edit->setText(QString());
-    ui->curWCalibPlateSerialNolabel->setText(QString());
-    ui->selWCPFileNamelabel->setText(QString());
-    ui->selFileSerialNolabel->setText(QString());
-    m_wcpFilePath.clear();
-    ui->curAmbAdpSerialNolabel->setText(QString());
-    ui->selAmbAdpFnamelabel->setText(QString());
-    ui->selAmbAdpFSerialNolabel->setText(QString());
-    m_ambFilePath.clear();
+    clearCalibrationTabs();
 
     ui->enableRadioBtn->setChecked(false);
     ui->disableRadioBtn->setChecked(false);

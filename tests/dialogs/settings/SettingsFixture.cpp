@@ -283,6 +283,11 @@ QStringList SettingsFixture::calibrationTexts() {
     return texts;
 }
 
+QStringList SettingsFixture::fileToolTips() {
+    return {child<QLabel>(QStringLiteral("selWCPFileNamelabel")).toolTip(),
+            child<QLabel>(QStringLiteral("selAmbAdpFnamelabel")).toolTip()};
+}
+
 int SettingsFixture::enabledAddressEdits() {
     int count = 0;
     for (const QLineEdit* edit : addressEdits())
@@ -291,7 +296,8 @@ int SettingsFixture::enabledAddressEdits() {
 }
 
 QStringList SettingsFixture::everything() {
-    QStringList all = disabled() + checked() + identity() + networkTexts() + calibrationTexts();
+    QStringList all =
+        disabled() + checked() + identity() + networkTexts() + calibrationTexts() + fileToolTips();
     all.append(QString::number(enabledAddressEdits()));
     for (const QString& name : radioButtons())
         all.append(QString::number(child<QAbstractButton>(name).isCheckable() ? 1 : 0));

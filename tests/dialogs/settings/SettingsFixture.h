@@ -96,6 +96,8 @@ public:
     /** White plate, then adapter: serial number of the instrument, file name, serial number of the
         file. */
     QStringList calibrationTexts();
+    /** Those of the two file name labels. */
+    QStringList fileToolTips();
     /** 16 or 0 unless something is wrong. */
     int enabledAddressEdits();
     /** Everything above, and whether the radio buttons are checkable. */

@@ -171,7 +171,12 @@ void TestCalibrationChoose::acceptsAFile() {
     QCOMPARE(f.calls(), QStringList());
     QCOMPARE(textsOf(f, tab), (QStringList{held, shownName, QString::fromLatin1(serialLine)}));
     QCOMPARE(f.disabled(), without(SettingsFixture::disabledWhenConnected(), tab.writeButton));
+    QCOMPARE(f.fileToolTips()[adapter ? 1 : 0], m_folder->filePath(name));
+    QCOMPARE(f.fileToolTips()[adapter ? 0 : 1], QString());
     QCOMPARE(f.everything(), duringBox);
+
+    f.click(QStringLiteral("disConnectPushBtn"));
+    QCOMPARE(f.fileToolTips().join(QString()), QString());
 }
 
 void TestCalibrationChoose::refusesAFile_data() {
@@ -217,6 +222,8 @@ void TestCalibrationChoose::refusesAFile() {
     QCOMPARE(f.calls(), QStringList());
     QCOMPARE(textsOf(f, tab), (QStringList{held, QStringLiteral("refused"), QString()}));
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.fileToolTips()[adapter ? 1 : 0],
+             m_folder->filePath(QStringLiteral("refused.2.csv")));
     QCOMPARE(f.everything(), duringBox);
 }
 
