@@ -92,7 +92,7 @@ void configureInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, const StartU
     settingDialog.setConnectSelectDialog(&connectSelectDialog);
     settingDialog.connectDevice(portNum, true);
     settingDialog.show();
-    DialogSupport::waitUntil([&] { return settingDialog.isFinished; });
+    DialogSupport::waitUntilLeft(settingDialog, settingDialog.isFinished);
 }
 
 } // namespace
@@ -118,7 +118,7 @@ int main(int argc, char* argv[]) {
     LangSelectDialog languageDialog;
     languageDialog.setLanguage(defaultLanguage);
     languageDialog.show();
-    DialogSupport::waitUntil([&] { return languageDialog.isFinished; });
+    DialogSupport::waitUntilLeft(languageDialog, languageDialog.isFinished);
 
     if (!languageDialog.isCancelled) {
         installChosenLanguage(defaultTranslator, languageDialog.languageCode, startUp);

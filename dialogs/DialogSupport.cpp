@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QDir>
 #include <QIcon>
+#include <QKeyEvent>
 #include <QThread>
 
 QString DialogSupport::resourcePath(const QString& fileName) {
@@ -30,7 +31,6 @@ void DialogSupport::waitUntil(const std::function<bool()>& isFinished) {
     }
 }
 
-void DialogSupport::showMessageBox(const QString& title, const QString& text,
 void DialogSupport::waitUntilLeft(QWidget& window, const bool& isFinished) {
     waitUntil([&] {
         if (!isFinished && window.isHidden())
@@ -51,6 +51,7 @@ DialogSupport::BusyCursor::~BusyCursor() {
     QApplication::restoreOverrideCursor();
 }
 
+void DialogSupport::showMessageBox(const QString& title, const QString& text,
                                    QMessageBox::Icon icon, const QString& iconPath) {
     QMessageBox box;
     box.setWindowTitle(title);

@@ -8,6 +8,8 @@
 
 #include <functional>
 
+class QKeyEvent;
+
 /** What every window of the tool needs. User-interface thread only; an application object must
     exist. */
 namespace DialogSupport {
@@ -24,8 +26,6 @@ QIcon iconAt(const QString& path);
     and again. Asked before each pass. */
 void waitUntil(const std::function<bool()>& isFinished);
 
-/** Shows a modal box with one Ok button and returns when it was dismissed, however.
-    @param iconPath  the window icon's file; empty for none */
 /** The same for the end of a window. One that is hidden without having been closed is closed, as
     nobody could leave it any more; its close event is to set @p isFinished. */
 void waitUntilLeft(QWidget& window, const bool& isFinished);
@@ -50,6 +50,8 @@ auto whileBusy(const Call& call) {
     return call();
 }
 
+/** Shows a modal box with one Ok button and returns when it was dismissed, however.
+    @param iconPath  the window icon's file; empty for none */
 void showMessageBox(const QString& title, const QString& text, QMessageBox::Icon icon,
                     const QString& iconPath);
 

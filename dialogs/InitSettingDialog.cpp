@@ -49,7 +49,7 @@ void InitSettingDialog::setConnectSelectDialog(ConnectSelectDialog* dialog) {
 }
 
 void InitSettingDialog::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Escape)
+    if (!DialogSupport::isCancelKey(*event))
         QDialog::keyPressEvent(event);
 }
 

@@ -55,7 +55,7 @@ void LangSelectDialog::on_engRadioBtn_clicked() {
 }
 
 void LangSelectDialog::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Escape)
+    if (!DialogSupport::isCancelKey(*event))
         QDialog::keyPressEvent(event);
 }
 

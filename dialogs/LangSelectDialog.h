@@ -27,7 +27,7 @@ public:
     void setLanguage(int languageCode);
 
 protected:
-    /** Escape is swallowed: it must not count as a choice. */
+    /** Escape, or the platform's key for Cancel, is swallowed: it must not count as a choice. */
     void keyPressEvent(QKeyEvent* event) override;
     /** Closing before OK is the user's way to cancel. */
     void closeEvent(QCloseEvent* event) override;

@@ -25,6 +25,15 @@ inline QJsonObject closeWindow(const QString& window) {
     return step(window, QStringLiteral("close"), true);
 }
 
+/** As a key for Cancel would, were it not swallowed. */
+inline QJsonObject rejectWindow(const QString& window) {
+    return step(window, QStringLiteral("reject"), true);
+}
+
+inline QJsonObject hideWindow(const QString& window) {
+    return step(window, QStringLiteral("hide"), true);
+}
+
 inline QJsonObject strike(const QString& window, Qt::Key key) {
     return step(window, QStringLiteral("key"), key);
 }

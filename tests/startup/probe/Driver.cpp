@@ -114,6 +114,10 @@ void Driver::perform(const QJsonObject& step, QWidget& window) {
         strike(window, static_cast<Qt::Key>(step.value(QStringLiteral("key")).toInt()));
     if (step.contains(QStringLiteral("removeFile")))
         remove(step.value(QStringLiteral("removeFile")).toString());
+    if (step.contains(QStringLiteral("reject")))
+        dynamic_cast<QDialog&>(window).reject();
+    if (step.contains(QStringLiteral("hide")))
+        window.hide();
     if (step.contains(QStringLiteral("close")))
         window.windowHandle()->close(); // as from the window manager
 }
