@@ -41,7 +41,6 @@ void ConnectSelectDialog::setDeviceList(QStringList devices) {
 
 bool ConnectSelectDialog::choose(const QStringList& devices,
                                  const std::function<bool()>& isAbandoned) {
-    isFinished = false;
     setDeviceList(devices);
     ui->connectlistWidget->setFocus();
     show();
@@ -51,7 +50,8 @@ bool ConnectSelectDialog::choose(const QStringList& devices,
             show();
         return isFinished || isAbandoned();
     });
-    if (!isFinished) {
+    // Even with a choice: it may come in the same pass as the reason to abandon it.
+    if (isAbandoned()) {
         close();
         return false;
     }
@@ -70,6 +70,6 @@ void ConnectSelectDialog::on_connectlistWidget_itemSelectionChanged() {
 }
 
 void ConnectSelectDialog::keyPressEvent(QKeyEvent* event) {
-    if (event->key() != Qt::Key_Escape)
+    if (!DialogSupport::isCancelKey(*event))
         QDialog::keyPressEvent(event);
 }

@@ -30,13 +30,15 @@ public:
     /** Prepares the window and lists @p devices, the first one selected. */
     void setDeviceList(QStringList devices);
 
-    /** Offers @p devices and waits for the choice, which is `portNum` then.
+    /** Offers @p devices and waits for the choice, which is `portNum` then. The owner clears
+        `isFinished` before each use but the first.
         @param isAbandoned  asked while waiting: the window is withdrawn when it answers true
-        @return false when the choice was abandoned */
+        @return false when the choice was abandoned, be it in the moment in which it was made */
     bool choose(const QStringList& devices, const std::function<bool()>& isAbandoned);
 
 protected:
-    /** Escape is swallowed: there is no way out without a choice. */
+    /** Escape, or the platform's key for Cancel, is swallowed: there is no way out without a
+     * choice. */
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
@@ -48,7 +50,7 @@ private:
     std::shared_ptr<CKvaSdk_Ctrl> m_sdkCtrl;
 
 public:
-    bool isFinished = false; ///< never cleared by the dialog itself
+    bool isFinished = false; ///< set by OK and by the destructor; cleared by the owner alone
     int portNum = 0;         ///< the chosen row
 };
 

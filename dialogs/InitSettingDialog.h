@@ -60,7 +60,7 @@ public:
     bool IsDigitsOnly(const QString& text);
 
 protected:
-    /** Escape is swallowed: it must not end the program. */
+    /** Escape, or the platform's key for Cancel, is swallowed: it must not end the program. */
     void keyPressEvent(QKeyEvent* event) override;
     /** The title bar's close control acts as the Close button. */
     void closeEvent(QCloseEvent* event) override;
@@ -111,15 +111,16 @@ private:
     void fillPowerOffTime();
     void enterConnectedState();
     void resetToNotConnected();
+    void endConnection();
     void setTabsEnabled(bool enabled);
     void uncheckNetworkSwitches();
 
-    /** The file that the user chose; empty when the choice was cancelled, or when the connection
     /** `QFileDialog::getOpenFileName` or `getSaveFileName`. */
     using FileQuestion = QString (*)(QWidget* parent, const QString& caption,
                                      const QString& directory, const QString& filter,
                                      QString* selectedFilter, QFileDialog::Options options);
 
+    /** The file that the user chose; empty when the choice was cancelled, or when the connection
         was lost meanwhile, which emptied the fields that the file was for. */
     QString askFileName(FileQuestion ask, const QString& caption, const QString& filter,
                         QFileDialog::Options options = {});
@@ -134,9 +135,9 @@ private:
     // Calibration tabs
     CalibrationTab whitePlateTab();
     CalibrationTab ambientAdapterTab();
-    void chooseValueFile(const CalibrationTab& tab);
     static void clearCalibrationTab(const CalibrationTab& tab);
     void clearCalibrationTabs();
+    void chooseValueFile(const CalibrationTab& tab);
     void registerValueFile(const CalibrationTab& tab);
 
     // Power-off tab

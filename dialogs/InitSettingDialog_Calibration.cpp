@@ -6,9 +6,9 @@
 #include <QDir>
 #include <QFileInfo>
 
-/** What differs between the tabs of the white calibration plate and the ambient light adapter. */
 using DialogSupport::whileBusy;
 
+/** What differs between the tabs of the white calibration plate and the ambient light adapter. */
 struct InitSettingDialog::CalibrationTab {
     QLabel* currentSerialNo; ///< held by the instrument
     QLabel* fileName;

@@ -29,8 +29,11 @@ void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
         portNum >= 0 && whileBusy([&] { return m_sdkCtrl->Connect(portNum, connectWait); });
     if (isConnected)
         fillFromInstrument();
-    else
+    else if (portNum >= 0)
         showErrorMessage(tr("Failed to connect device."));
+    // An empty list at start leads to port 0, of which there is no instrument either.
+    if (portNum < 0 || portNum >= m_sdkCtrl->m_deviceCount)
+        showNoInstrument();
     // A value file must be chosen again before its values can be sent.
     ui->setWCPValPushBtn->setEnabled(false);
     ui->setAmbAdpBodyPushBtn->setEnabled(false);
@@ -61,6 +64,9 @@ void InitSettingDialog::fillFromInstrument() {
         fillPowerOffTime();
     }
     enterConnectedState();
+    // Closed while one of these showed a message: no connection is kept behind a closed window.
+    if (isFinished)
+        endConnection();
 }
 
 bool InitSettingDialog::fillIdentity() {
@@ -171,6 +177,7 @@ void InitSettingDialog::on_ConnectPushBtn_clicked() {
         portNum = noInstrument;
     } else if (m_sdkCtrl->m_deviceCount > 1) {
         m_isChoosing = true;
+        m_connectSelectDialog->isFinished = false;
         const bool chosen = m_connectSelectDialog->choose(m_sdkCtrl->m_deviceNameList,
                                                           [this] { return isFinished; });
         m_isChoosing = false;
@@ -193,21 +200,17 @@ void InitSettingDialog::on_disConnectPushBtn_clicked() {
 }
 
 void InitSettingDialog::on_ClosePushBtn_clicked() {
-    if (m_isConnected) {
-        if (!m_sdkCtrl->Disconnect())
-            showErrorMessage(tr("Failed to disconnect device."));
-        m_isConnected = false;
-        m_timer.stop();
-    }
+    if (m_isConnected)
+        endConnection();
+    isFinished = true;
+    close();
+}
+
 void InitSettingDialog::endConnection() {
     if (!whileBusy([this] { return m_sdkCtrl->Disconnect(); }))
         showErrorMessage(tr("Failed to disconnect device."));
     m_isConnected = false;
     m_timer.stop();
-}
-
-    isFinished = true;
-    close();
 }
 
 void InitSettingDialog::timerHit() {

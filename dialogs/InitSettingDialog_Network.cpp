@@ -4,8 +4,8 @@
 #include "ui_InitSettingDialog.h"
 
 #include <QtDebug>
-using DialogSupport::whileBusy;
 
+using DialogSupport::whileBusy;
 
 namespace {
 

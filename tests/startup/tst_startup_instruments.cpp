@@ -160,13 +160,7 @@ void TestStartupInstruments::noInstrument() {
              static_cast<int>(QMessageBox::Critical));
     QVERIFY(run.debugLines().contains(QStringLiteral("conect error \n")));
     QCOMPARE(connectedTo(run), QVector<int>());
-    const QJsonObject settings = run.state(settingsDialog);
-    const QStringList disabled = namesIn(settings, "disabled");
-    QCOMPARE(textIn(settings, "serialNolabel"), QString());
-    QVERIFY(!disabled.contains(QStringLiteral("ConnectPushBtn")));
-    QVERIFY(!disabled.contains(QStringLiteral("ClosePushBtn")));
-    QVERIFY(disabled.contains(QStringLiteral("setWCPValPushBtn")));
-    QVERIFY(disabled.contains(QStringLiteral("setAmbAdpBodyPushBtn")));
+    compareNoInstrument(run.state(settingsDialog));
 }
 
 void TestStartupInstruments::failedEnumeration_data() {

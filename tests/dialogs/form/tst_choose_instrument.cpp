@@ -55,7 +55,8 @@ private Q_SLOTS:
     void chooseShowsTheWindowAgain();
     void chooseIsAbandoned();
     void chooseIsAbandonedAtOnce();
-    void choosePrefersTheChoice();
+    void leavesItsFlagToItsOwner();
+    void chosenAndAbandonedAtOnce();
 };
 
 void TestChooseInstrument::chosen_data() {
@@ -71,7 +72,6 @@ void TestChooseInstrument::chosen() {
     QFETCH(int, row);
     QFETCH(int, portNum);
     ConnectSelectDialog dialog;
-    dialog.isFinished = true; // of an earlier choice
     User user({{[&] { return dialog.isVisible(); },
                 [&] {
                     if (row >= 0)
@@ -103,6 +103,7 @@ void TestChooseInstrument::chosenOnceMore() {
                     }}});
         QVERIFY(dialog.choose(devices, [&] { return user.hasGivenUp(); }));
         QCOMPARE(dialog.portNum, devices.size() - 1);
+        dialog.isFinished = false; // as its owner does
     }
 }
 
@@ -144,7 +145,14 @@ void TestChooseInstrument::chooseIsAbandonedAtOnce() {
     QVERIFY(!dialog.isVisible());
 }
 
-void TestChooseInstrument::choosePrefersTheChoice() {
+void TestChooseInstrument::leavesItsFlagToItsOwner() {
+    ConnectSelectDialog dialog;
+    dialog.isFinished = true; // of an earlier choice
+    QVERIFY(!dialog.choose(three, [] { return true; }));
+    QVERIFY(dialog.isFinished);
+}
+
+void TestChooseInstrument::chosenAndAbandonedAtOnce() {
     ConnectSelectDialog dialog;
     bool isAbandoned = false;
     User user({{[&] { return dialog.isVisible(); },
@@ -153,8 +161,11 @@ void TestChooseInstrument::choosePrefersTheChoice() {
                     clickOk(dialog);
                     isAbandoned = true;
                 }}});
-    QVERIFY(dialog.choose(three, [&] { return isAbandoned || user.hasGivenUp(); }));
-    QCOMPARE(dialog.portNum, 2);
+    const DebugLog log;
+    QVERIFY(!dialog.choose(three, [&] { return isAbandoned || user.hasGivenUp(); }));
+    QVERIFY(user.isDone());
+    QVERIFY(!dialog.isVisible());
+    QVERIFY(!log.lines().contains(chosenLine(2)));
 }
 
 QTEST_MAIN(TestChooseInstrument)

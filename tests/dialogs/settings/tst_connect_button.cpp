@@ -261,15 +261,21 @@ void TestConnectButton::connectPressedAgainDuringTheChoice() {
 
 void TestConnectButton::dialogClosedDuringTheChoice_data() {
     QTest::addColumn<bool>("byButton");
-    QTest::newRow("by the Close button") << true;
-    QTest::newRow("by the title bar") << false;
+    QTest::addColumn<bool>("afterOk");
+    QTest::newRow("by the Close button") << true << false;
+    QTest::newRow("by the title bar") << false << false;
+    QTest::newRow("by the Close button, in one pass with OK") << true << true;
+    QTest::newRow("by the title bar, in one pass with OK") << false << true;
 }
 
 void TestConnectButton::dialogClosedDuringTheChoice() {
     QFETCH(bool, byButton);
+    QFETCH(bool, afterOk);
     SettingsFixture f(instruments(2));
     openNotConnected(f);
     f.whenShown(f.selection, [&] {
+        if (afterOk)
+            Choice(f).accept();
         if (byButton)
             f.click(QStringLiteral("ClosePushBtn"));
         else

@@ -63,6 +63,9 @@ void TestConnection::withoutInstrument_data() {
     QTest::newRow("at start") << -1 << true;
     QTest::newRow("later") << -1 << false;
     QTest::newRow("any negative port") << -7 << false;
+    QTest::newRow("port of an empty list, at start") << 0 << true;
+    QTest::newRow("port of an empty list, later") << 0 << false;
+    QTest::newRow("port behind the list") << 3 << true;
 }
 
 void TestConnection::withoutInstrument() {
@@ -71,6 +74,10 @@ void TestConnection::withoutInstrument() {
     SettingsFixture f;
     f.dialog.connectDevice(portNum, firstTime);
 
+    const bool tried = portNum >= 0;
+    QCOMPARE(f.boxes().join(u' '),
+             tried ? QStringLiteral("error: Failed to connect device.") : QString());
+    QCOMPARE(f.lines().join(u' '), tried ? QStringLiteral("conect error \n") : QString());
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
     QCOMPARE(f.checked(), QStringList());
     QCOMPARE(f.dialog.focusWidget(), &f.child(QStringLiteral("ConnectPushBtn")));
@@ -78,8 +85,6 @@ void TestConnection::withoutInstrument() {
     QCOMPARE(f.identity().join(QString()), QString());
     QCOMPARE(f.calibrationTexts().join(QString()), QString());
     QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.boxes(), QStringList());
     QVERIFY(!f.dialog.isFinished);
 }
 

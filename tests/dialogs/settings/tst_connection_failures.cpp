@@ -76,7 +76,9 @@ void TestConnectionFailures::cannotConnect() {
         f.dialog.connectDevice(-1, false);
     f.clearRecords();
     QStringList expected = f.disabled();
-    if (!fromNotConnected)
+    if (portNum > 0)
+        expected = SettingsFixture::disabledWhenNotConnected();
+    else if (!fromNotConnected)
         expected =
             QStringList{QStringLiteral("setWCPValPushBtn"), QStringLiteral("setAmbAdpBodyPushBtn")};
     f.dialog.connectDevice(portNum, firstTime);

@@ -15,6 +15,7 @@ private Q_SLOTS:
     void resetsTheSwitches();
     void keepsASwitchThatIsTheOnlyOne();
     void resetsTypedAndChosen();
+    void closedWhileConnecting();
     void forgetsTheValueFiles();
     void failingDisconnect();
     void disconnectWithoutConnection();
@@ -109,6 +110,21 @@ void TestDisconnect::keepsASwitchThatIsTheOnlyOne() {
     QCOMPARE(f.checked(), QStringList(QStringLiteral("disableRadioBtn")));
     QVERIFY(f.child<QRadioButton>(QStringLiteral("disableRadioBtn")).isCheckable());
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+}
+
+// While a message is open, as macOS' Quit does: first the message, then the window.
+void TestDisconnect::closedWhileConnecting() {
+    SettingsFixture f;
+    QVERIFY(f.set(R"({"wirelessModule": false})"));
+    f.controller->GetDevicePortList();
+    f.answers.onBox = [&](QMessageBox&) { f.dialog.close(); };
+    f.dialog.connectDevice(0, false);
+
+    QVERIFY(f.dialog.isFinished);
+    QVERIFY(!f.controller->m_connected);
+    QCOMPARE(f.calls().constLast(), disconnectCall);
+    QCOMPARE(f.calls().count(disconnectCall), 1);
+    QVERIFY(!watchOf(f.dialog).isActive());
 }
 
 void TestDisconnect::resetsTypedAndChosen() {

@@ -225,7 +225,6 @@ void TestWatchModal::fileDialogCancelledAfterALoss() {
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
 }
 
-// The page is empty by then, and an empty page is not saved.
 void TestWatchModal::nothingIsSavedAfterALoss() {
     SettingsFixture f;
     QVERIFY(f.connectFirst());
