@@ -48,15 +48,16 @@ void InitSettingDialog::nameNetworkFields() {
     nameWidget(ui->dhcpOffRadioBtn, tr("DHCP: off"),
                tr("The instrument uses the addresses below; choosing this empties them"));
 
-    const std::array<QString, 4> octets = {
+    const std::array<QString, 4> addresses = {
         tr("IP Address, octet %1"),
         tr("Subnet Mask, octet %1"),
         tr("Default Gateway, octet %1"),
         tr("DNS Server, octet %1"),
     };
+    const std::size_t octetsPerAddress = m_addressEdits.size() / addresses.size();
     for (std::size_t i = 0; i < m_addressEdits.size(); ++i) {
-        const auto number = static_cast<int>(i % octets.size()) + 1;
-        nameWidget(m_addressEdits[i], octets[i / octets.size()].arg(number),
+        const auto octet = static_cast<int>(i % octetsPerAddress) + 1;
+        nameWidget(m_addressEdits[i], addresses[i / octetsPerAddress].arg(octet),
                    tr("A number from 0 to 255"));
     }
 }
