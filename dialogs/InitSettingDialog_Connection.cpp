@@ -11,7 +11,7 @@ using DialogSupport::whileBusy;
 namespace {
 
 constexpr int noInstrument = -1;
-constexpr uint32_t connectWait = 10;
+constexpr uint32_t connectWait = 10; // the library does not document the unit
 
 /** Unchecks a button even where its exclusive group would keep one checked. */
 void forceUncheck(QRadioButton* button) {
