@@ -1,6 +1,6 @@
 #include "dialogs/RadioKeys.h"
 
-#include <QApplication>
+#include <QCoreApplication>
 #include <QKeyEvent>
 
 #include <algorithm>
@@ -21,33 +21,38 @@ int stepOf(const QKeyEvent& event) {
     }
 }
 
+/** On a Mac each arrow key bears the keypad's modifier. */
+bool isAlone(const QKeyEvent& event) {
+    return (event.modifiers() & ~Qt::KeypadModifier) == 0;
+}
+
 } // namespace
 
 RadioKeys::RadioKeys(const std::vector<QRadioButton*>& buttons, QObject* parent)
     : QObject(parent), m_buttons(buttons.begin(), buttons.end()) {
-    for (QRadioButton* button : buttons) {
-        button->installEventFilter(this);
-        connect(button, &QRadioButton::toggled, this, [this] { restoreTabStops(); });
-    }
-    // A button that gets the focus takes the others out of the order; this comes after that.
-    connect(qApp, &QApplication::focusChanged, this, [this] { restoreTabStops(); });
+    // The whole application: Tab is pressed in any widget.
+    QCoreApplication::instance()->installEventFilter(this);
 }
 
 bool RadioKeys::eventFilter(QObject* watched, QEvent* event) {
     if (event->type() != QEvent::KeyPress)
         return false;
-    const int step = stepOf(*static_cast<QKeyEvent*>(event));
+    restoreTabStops();
+    const auto& key = *static_cast<QKeyEvent*>(event);
+    const int step = stepOf(key);
     const auto current = std::find_if(m_buttons.begin(), m_buttons.end(),
                                       [&](const auto& button) { return button == watched; });
     if (step == 0 || current == m_buttons.end())
         return false;
     const std::ptrdiff_t next = current - m_buttons.begin() + step;
-    if (next >= 0 && next < static_cast<std::ptrdiff_t>(m_buttons.size())) {
-        const QPointer<QRadioButton> button = m_buttons[static_cast<std::size_t>(next)];
-        if (button) {
-            button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
-            button->click();
-        }
+    const bool isInRow = next >= 0 && next < static_cast<std::ptrdiff_t>(m_buttons.size());
+    const QPointer<QRadioButton> button =
+        isInRow && isAlone(key) ? m_buttons[static_cast<std::size_t>(next)] : nullptr;
+    if (button) {
+        button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        button->click();
+    } else {
+        event->ignore(); // to the parent next, past the button, which would move the focus itself
     }
     return true;
 }

@@ -1,9 +1,8 @@
-#include "dialogs/LangSelectDialog.h"
+#include "tests/dialogs/accessibility/FocusKeys.h"
 #include "tests/dialogs/settings/SettingsFixture.h"
 
 #include <QApplication>
 #include <QListWidget>
-#include <QRadioButton>
 #include <QTabBar>
 #include <QTabWidget>
 #include <QTemporaryDir>
@@ -16,33 +15,16 @@ class TestKeyboard : public QObject {
 private Q_SLOTS:
     void tabOrder_data();
     void tabOrder();
-    void arrowsStayInTheirChoice_data();
-    void arrowsStayInTheirChoice();
     void focusComesBack_data();
     void focusComesBack();
     void focusDoesNotComeBackToWhatIsLost();
     void listHasTheFocus();
     void tabsByKeyboard();
-    void languageByArrows_data();
-    void languageByArrows();
 };
 
+using namespace FocusKeys;
+
 namespace {
-
-void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) {
-    QTest::keyClick(QApplication::focusWidget(), key, modifiers);
-}
-
-/** The names of what has the focus, from where it is around to it again. */
-QStringList stops(Qt::Key key) {
-    QStringList names;
-    const QWidget* start = QApplication::focusWidget();
-    do {
-        names.append(QApplication::focusWidget()->objectName());
-        press(key);
-    } while (QApplication::focusWidget() != start && names.size() < 100);
-    return names;
-}
 
 QStringList octets(const char* address) {
     QStringList names;
@@ -50,8 +32,6 @@ QStringList octets(const char* address) {
         names.append(QString::fromLatin1(address).arg(i));
     return names;
 }
-
-const QString tabBar = QStringLiteral("qt_tabwidget_tabbar");
 
 } // namespace
 
@@ -104,49 +84,6 @@ void TestKeyboard::tabOrder() {
     QStringList back = stops(Qt::Key_Backtab);
     std::reverse(back.begin() + 1, back.end());
     QCOMPARE(back, expected);
-}
-
-void TestKeyboard::arrowsStayInTheirChoice_data() {
-    QTest::addColumn<QString>("from");
-    QTest::addColumn<QVector<int>>("keys");
-    QTest::addColumn<QString>("to");
-    QTest::addColumn<QStringList>("checked");
-    using Keys = QVector<int>;
-    const QString enable = QStringLiteral("enableRadioBtn");
-    const QString disable = QStringLiteral("disableRadioBtn");
-    const QString on = QStringLiteral("dhcpOnRadioBtn");
-    const QString off = QStringLiteral("dhcpOffRadioBtn");
-    const QString time = QStringLiteral("thirtyRadioBtn");
-    QTest::newRow("wireless, down")
-        << enable << Keys{Qt::Key_Down} << disable << QStringList{disable, off, time};
-    QTest::newRow("wireless, right")
-        << enable << Keys{Qt::Key_Right} << disable << QStringList{disable, off, time};
-    QTest::newRow("wireless, to the end and no further")
-        << enable << Keys{Qt::Key_Down, Qt::Key_Down, Qt::Key_Right} << disable
-        << QStringList{disable, off, time};
-    QTest::newRow("wireless, and back")
-        << enable << Keys{Qt::Key_Right, Qt::Key_Left} << enable << QStringList{enable, off, time};
-    QTest::newRow("wireless, up from the first")
-        << enable << Keys{Qt::Key_Up} << enable << QStringList{enable, off, time};
-    QTest::newRow("DHCP, left") << off << Keys{Qt::Key_Left} << on << QStringList{enable, on, time};
-    QTest::newRow("DHCP, up and further")
-        << off << Keys{Qt::Key_Up, Qt::Key_Up} << on << QStringList{enable, on, time};
-}
-
-void TestKeyboard::arrowsStayInTheirChoice() {
-    QFETCH(QString, from);
-    QFETCH(QVector<int>, keys);
-    QFETCH(QString, to);
-    QFETCH(QStringList, checked);
-    SettingsFixture f;
-    QVERIFY(SettingsFixture::set(R"({"network": {"active": {"APConnectUse": 1, "DHCPUse": 0}}})"));
-    QVERIFY(f.connectFirst());
-    QVERIFY(QTest::qWaitForWindowActive(&f.dialog));
-    f.child(from).setFocus();
-    for (const int key : keys)
-        press(Qt::Key(key));
-    QCOMPARE(QApplication::focusWidget()->objectName(), to);
-    QCOMPARE(f.checked(), checked);
 }
 
 void TestKeyboard::focusComesBack_data() {
@@ -222,33 +159,6 @@ void TestKeyboard::tabsByKeyboard() {
     tabs.tabBar()->setFocus();
     press(Qt::Key_Right);
     QCOMPARE(tabs.currentIndex(), 1);
-}
-
-void TestKeyboard::languageByArrows_data() {
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<int>("to");
-    constexpr int english = LangSelectDialog::english;
-    constexpr int japanese = LangSelectDialog::japanese;
-    QTest::newRow("down from English") << english << int(Qt::Key_Down) << japanese;
-    QTest::newRow("up from Japanese") << japanese << int(Qt::Key_Up) << english;
-    QTest::newRow("up from English") << english << int(Qt::Key_Up) << english;
-    QTest::newRow("down from Japanese") << japanese << int(Qt::Key_Down) << japanese;
-}
-
-void TestKeyboard::languageByArrows() {
-    QFETCH(int, from);
-    QFETCH(int, key);
-    QFETCH(int, to);
-    LangSelectDialog dialog;
-    dialog.setLanguage(from);
-    dialog.show();
-    const bool isEnglish = from == LangSelectDialog::english;
-    auto* button = dialog.findChild<QRadioButton*>(isEnglish ? QStringLiteral("engRadioBtn")
-                                                             : QStringLiteral("jpnRadioBtn"));
-    QCOMPARE(dialog.focusWidget(), button);
-    QTest::keyClick(button, Qt::Key(key));
-    QCOMPARE(dialog.languageCode, to);
 }
 
 QTEST_MAIN(TestKeyboard)
