@@ -1,3 +1,4 @@
+#include "dialogs/DialogSupport.h"
 #include "tests/dialogs/form/InstrumentList.h"
 #include "tests/support/DebugLog.h"
 
@@ -57,6 +58,7 @@ private Q_SLOTS:
     void chooseIsAbandonedAtOnce();
     void leavesItsFlagToItsOwner();
     void chosenAndAbandonedAtOnce();
+    void waitingSleeps();
 };
 
 void TestChooseInstrument::chosen_data() {
@@ -166,6 +168,20 @@ void TestChooseInstrument::chosenAndAbandonedAtOnce() {
     QVERIFY(user.isDone());
     QVERIFY(!dialog.isVisible());
     QVERIFY(!log.lines().contains(chosenLine(2)));
+}
+
+/** A wait without sleep keeps a processor core busy. However busy the machine is, a pass takes no
+    less than its 10 ms. */
+void TestChooseInstrument::waitingSleeps() {
+    constexpr int duration = 300; // ms
+    int asked = 0;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    DialogSupport::waitUntil([&] {
+        ++asked;
+        return elapsed.hasExpired(duration);
+    });
+    QVERIFY2(asked <= duration / 10 + 2, qPrintable(QString::number(asked)));
 }
 
 QTEST_MAIN(TestChooseInstrument)
