@@ -2,6 +2,7 @@
 #include "dialogs/DialogSupport.h"
 #include "dialogs/InitSettingDialog.h"
 #include "dialogs/LangSelectDialog.h"
+#include "dialogs/Language.h"
 #include "instrument/CKvaSdk_Ctrl.h"
 
 #include <QApplication>
@@ -20,14 +21,9 @@ struct StartUp {
     bool defaultLoaded = false; ///< the default translation is installed
 };
 
-QString translationPath(int languageCode) {
-    return DialogSupport::resourcePath(languageCode == LangSelectDialog::japanese
-                                           ? QStringLiteral("jp.qm")
-                                           : QStringLiteral("en.qm"));
-}
-
-/** Loads exactly the file at @p path. */
-bool loadExactly(QTranslator& translator, const QString& path) {
+/** Loads exactly the file of @p language. */
+bool load(QTranslator& translator, const Language& language) {
+    const QString path = DialogSupport::resourcePath(QLatin1String(language.fileName));
     // Empty, not null: a null text stands for the usual endings, which other files may have.
     const QString none = QStringLiteral("");
     return translator.load(path, none, none, none);
@@ -38,8 +34,8 @@ void showStartUpMessage(const StartUp& startUp, const QString& text) {
                                   QMessageBox::Information, startUp.iconPath);
 }
 
-void installDefaultLanguage(QTranslator& translator, int languageCode, StartUp& startUp) {
-    startUp.defaultLoaded = loadExactly(translator, translationPath(languageCode));
+void installDefaultLanguage(QTranslator& translator, const Language& language, StartUp& startUp) {
+    startUp.defaultLoaded = load(translator, language);
     if (startUp.defaultLoaded)
         QCoreApplication::installTranslator(&translator);
     else
@@ -47,20 +43,13 @@ void installDefaultLanguage(QTranslator& translator, int languageCode, StartUp& 
 }
 
 /** Puts the chosen language in the place of the default one. */
-void installChosenLanguage(QTranslator& defaultTranslator, int languageCode,
+void installChosenLanguage(QTranslator& defaultTranslator, const Language& language,
                            const StartUp& startUp) {
     // Never deleted: the application keeps its translation until the process ends.
     static QTranslator* const translator = new QTranslator;
-    QString failure;
-    if (languageCode == LangSelectDialog::japanese) {
-        qDebug("select japanese:%d", languageCode);
-        failure = QObject::tr("Failed to set select(japanese) language.");
-    } else {
-        qDebug("select English:%d", languageCode);
-        failure = QObject::tr("Failed to set select(English) language.");
-    }
-    if (!loadExactly(*translator, translationPath(languageCode))) {
-        showStartUpMessage(startUp, failure);
+    qDebug(language.chosenLine, language.code);
+    if (!load(*translator, language)) {
+        showStartUpMessage(startUp, QObject::tr(language.failure));
         return;
     }
     if (startUp.defaultLoaded)
@@ -106,9 +95,7 @@ int main(int argc, char* argv[]) {
     QApplication::setFont(font);
     QTranslator defaultTranslator;
 
-    const bool isJapanese =
-        QLocale::system().name().indexOf(QStringLiteral("ja"), 0, Qt::CaseInsensitive) != -1;
-    const int defaultLanguage = isJapanese ? LangSelectDialog::japanese : LangSelectDialog::english;
+    const Language& defaultLanguage = Language::ofLocale(QLocale::system().name());
 
     StartUp startUp;
     startUp.iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
@@ -116,12 +103,13 @@ int main(int argc, char* argv[]) {
     installDefaultLanguage(defaultTranslator, defaultLanguage, startUp);
 
     LangSelectDialog languageDialog;
-    languageDialog.setLanguage(defaultLanguage);
+    languageDialog.setLanguage(defaultLanguage.code);
     languageDialog.show();
     DialogSupport::waitUntilLeft(languageDialog, languageDialog.isFinished);
 
     if (!languageDialog.isCancelled) {
-        installChosenLanguage(defaultTranslator, languageDialog.languageCode, startUp);
+        if (const Language* chosen = Language::ofCode(languageDialog.languageCode))
+            installChosenLanguage(defaultTranslator, *chosen, startUp);
         configureInstrument(ctrl, startUp);
     }
     QCoreApplication::exit(0);

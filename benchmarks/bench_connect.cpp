@@ -66,7 +66,7 @@ long long median(std::vector<long long> durations) {
 
 void showLanguageDialog() {
     LangSelectDialog dialog;
-    dialog.setLanguage(LangSelectDialog::english);
+    dialog.setLanguage(Language::english);
     dialog.show();
     processEvents(10);
     dialog.close();

@@ -18,27 +18,23 @@ LangSelectDialog::~LangSelectDialog() {
 }
 
 void LangSelectDialog::setLanguage(int code) {
-    setWindowIcon(DialogSupport::iconAt(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
-    setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
-                   Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint);
-    ui->pushButton->setStyleSheet(
-        QStringLiteral("QPushButton:default{background-color:gainsboro;}"));
-    setFixedSize(width(), height());
+    DialogSupport::prepareChoice(*this, *ui->pushButton, DialogSupport::closableWindow);
     ui->langselgrpBox->setTitle(tr("LanguageType"));
-    ui->jpnRadioBtn->setText(tr("Japanese"));
-    ui->engRadioBtn->setText(tr("English"));
-    ui->jpnRadioBtn->setAccessibleDescription(tr("The windows are in Japanese"));
-    ui->engRadioBtn->setAccessibleDescription(tr("The windows are in English"));
     ui->pushButton->setAccessibleDescription(tr("Goes on in the chosen language"));
 
-    const bool isEnglish = code == english;
-    QRadioButton* chosen = isEnglish ? ui->engRadioBtn : ui->jpnRadioBtn;
-    QRadioButton* other = isEnglish ? ui->jpnRadioBtn : ui->engRadioBtn;
-    other->setChecked(false);
-    chosen->setChecked(true);
-    chosen->setFocus(); // and not the first one, from which an arrow key would lead elsewhere
     // Checking in code is no click, so no slot does this.
-    languageCode = isEnglish ? english : japanese;
+    languageCode = Language::ofCode(code) ? code : Language::japanese;
+    QRadioButton* chosen = nullptr;
+    for (const Language& language : Language::all) {
+        auto* button = findChild<QRadioButton*>(QLatin1String(language.radioButton));
+        button->setText(tr(language.name));
+        button->setAccessibleDescription(tr(language.description));
+        button->setChecked(false);
+        if (language.code == languageCode)
+            chosen = button;
+    }
+    chosen->setChecked(true);
+    chosen->setFocus(); // not the first one: an arrow key would then start from there
 }
 
 void LangSelectDialog::on_pushButton_clicked() {
@@ -47,11 +43,11 @@ void LangSelectDialog::on_pushButton_clicked() {
 }
 
 void LangSelectDialog::on_jpnRadioBtn_clicked() {
-    languageCode = japanese;
+    languageCode = Language::japanese;
 }
 
 void LangSelectDialog::on_engRadioBtn_clicked() {
-    languageCode = english;
+    languageCode = Language::english;
 }
 
 void LangSelectDialog::keyPressEvent(QKeyEvent* event) {

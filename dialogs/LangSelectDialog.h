@@ -1,6 +1,8 @@
 #ifndef DIALOGS_LANGSELECTDIALOG_H
 #define DIALOGS_LANGSELECTDIALOG_H
 
+#include "dialogs/Language.h"
+
 #include <QDialog>
 
 #include <memory>
@@ -23,7 +25,7 @@ public:
     explicit LangSelectDialog(QWidget* parent = nullptr);
     ~LangSelectDialog() override;
 
-    /** Prepares the window and preselects a language; any code but `english` means Japanese. */
+    /** Prepares the window and preselects a language; a code of none means Japanese. */
     void setLanguage(int languageCode);
 
 protected:
@@ -45,7 +47,7 @@ private:
 
 public:
     bool isFinished = false;
-    int languageCode = japanese; ///< `english` or `japanese`
+    int languageCode = Language::japanese; ///< `Language::code`
 };
 
 #endif

@@ -125,7 +125,7 @@ void TestAccessibleNames::cleanup() {
 
 void TestAccessibleNames::languageDialog() {
     LangSelectDialog dialog;
-    dialog.setLanguage(LangSelectDialog::english);
+    dialog.setLanguage(Language::english);
     dialog.show();
     const QVector<Stop> stops = stopsOf(dialog);
     QCOMPARE(stops.size(), 3);

@@ -213,8 +213,8 @@ void TestRadioKeys::languageByArrows_data() {
     QTest::addColumn<int>("from");
     QTest::addColumn<int>("key");
     QTest::addColumn<int>("to");
-    constexpr int english = LangSelectDialog::english;
-    constexpr int japanese = LangSelectDialog::japanese;
+    constexpr int english = Language::english;
+    constexpr int japanese = Language::japanese;
     QTest::newRow("down from English") << english << int(Qt::Key_Down) << japanese;
     QTest::newRow("up from Japanese") << japanese << int(Qt::Key_Up) << english;
     QTest::newRow("up from English") << english << int(Qt::Key_Up) << english;
@@ -228,7 +228,7 @@ void TestRadioKeys::languageByArrows() {
     LangSelectDialog dialog;
     dialog.setLanguage(from);
     dialog.show();
-    const bool isEnglish = from == LangSelectDialog::english;
+    const bool isEnglish = from == Language::english;
     auto* button = dialog.findChild<QRadioButton*>(isEnglish ? QStringLiteral("engRadioBtn")
                                                              : QStringLiteral("jpnRadioBtn"));
     QCOMPARE(dialog.focusWidget(), button);

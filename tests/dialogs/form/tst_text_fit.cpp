@@ -109,7 +109,7 @@ void TestTextFit::languageSelection() {
     QFETCH(QString, language);
     const auto translation = install(language);
     LangSelectDialog dialog;
-    dialog.setLanguage(LangSelectDialog::english);
+    dialog.setLanguage(Language::english);
     dialog.show();
     QCOMPARE(Measure::misfits(dialog).join(QLatin1Char('\n')), QString());
     QCOMPARE(Measure::measuredTexts(dialog).size(), 4);
