@@ -93,7 +93,7 @@ private:
     /** The radio buttons of the power-off modes, in the order of the modes' values. */
     using PowerOffButtons = std::array<QRadioButton*, 4>;
 
-    // For those who do not see the window, or have no mouse
+    // Accessibility: texts for screen readers, the keyboard
     void nameFields();
     void nameNetworkFields();
     void nameNetworkButtons();

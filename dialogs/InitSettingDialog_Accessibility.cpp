@@ -81,6 +81,24 @@ void InitSettingDialog::namePowerOffTab() {
     describe(ui->setAutoPWOffPushBtn, tr("Writes the power-off time to the instrument"));
 }
 
+void InitSettingDialog::nameCalibrationTabs() {
+    describe(ui->curWCalibPlateSerialNolabel,
+             tr("Serial number of the white calibration plate that the instrument holds"));
+    describe(ui->selWCPFilePushBtn, tr("Chooses the value file of a white calibration plate"));
+    describe(ui->setWCPValPushBtn,
+             tr("Registers the white calibration plate of the chosen file in the instrument"));
+    describe(ui->curAmbAdpSerialNolabel,
+             tr("Serial number of the ambient light adapter that the instrument holds"));
+    describe(ui->selAmbLightAdpFilePushBtn,
+             tr("Chooses the value file of an ambient light adapter"));
+    describe(ui->setAmbAdpBodyPushBtn,
+             tr("Registers the ambient light adapter of the chosen file in the instrument"));
+    for (QLabel* label : {ui->selWCPFileNamelabel, ui->selAmbAdpFnamelabel})
+        describe(label, tr("Name of the chosen value file"));
+    for (QLabel* label : {ui->selFileSerialNolabel, ui->selAmbAdpFSerialNolabel})
+        describe(label, tr("Serial number in the chosen value file"));
+}
+
 void InitSettingDialog::separateChoices() {
     new RadioKeys({ui->enableRadioBtn, ui->disableRadioBtn}, this);
     new RadioKeys({ui->dhcpOnRadioBtn, ui->dhcpOffRadioBtn}, this);

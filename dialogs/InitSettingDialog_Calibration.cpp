@@ -22,29 +22,21 @@ struct InitSettingDialog::CalibrationTab {
     QString CKvaSdk_Ctrl::*currentSerialNoText;
     const char* noFileMessage;
     const char* notWrittenMessage;
-    // What a screen reader says
-    const char* currentSerialNoDescription;
-    const char* chooseDescription;
-    const char* writeDescription;
 };
 
 InitSettingDialog::CalibrationTab InitSettingDialog::whitePlateTab() {
-    return {
-        ui->curWCalibPlateSerialNolabel,
-        ui->selWCPFileNamelabel,
-        ui->selFileSerialNolabel,
-        ui->selWCPFilePushBtn,
-        ui->setWCPValPushBtn,
-        m_wcpFilePath,
-        &CKvaSdk_Ctrl::ReadWCPFile,
-        &CKvaSdk_Ctrl::WriteWCPData,
-        &CKvaSdk_Ctrl::m_fileWCPSerialNo,
-        &CKvaSdk_Ctrl::m_curWCPSerialNo,
-        QT_TR_NOOP("Failed to write WhiteCalibPlate file."),
-        QT_TR_NOOP("Failed to write WhiteCalibPlate data."),
-        QT_TR_NOOP("Serial number of the white calibration plate that the instrument holds"),
-        QT_TR_NOOP("Chooses the value file of a white calibration plate"),
-        QT_TR_NOOP("Registers the white calibration plate of the chosen file in the instrument")};
+    return {ui->curWCalibPlateSerialNolabel,
+            ui->selWCPFileNamelabel,
+            ui->selFileSerialNolabel,
+            ui->selWCPFilePushBtn,
+            ui->setWCPValPushBtn,
+            m_wcpFilePath,
+            &CKvaSdk_Ctrl::ReadWCPFile,
+            &CKvaSdk_Ctrl::WriteWCPData,
+            &CKvaSdk_Ctrl::m_fileWCPSerialNo,
+            &CKvaSdk_Ctrl::m_curWCPSerialNo,
+            QT_TR_NOOP("Failed to write WhiteCalibPlate file."),
+            QT_TR_NOOP("Failed to write WhiteCalibPlate data.")};
 }
 
 InitSettingDialog::CalibrationTab InitSettingDialog::ambientAdapterTab() {
@@ -59,20 +51,7 @@ InitSettingDialog::CalibrationTab InitSettingDialog::ambientAdapterTab() {
             &CKvaSdk_Ctrl::m_fileAmbAdpSerialNo,
             &CKvaSdk_Ctrl::m_curAmbAdpSerialNo,
             QT_TR_NOOP("Failed to write AmbientLightAdapter file."),
-            QT_TR_NOOP("Failed to write AmbientLightAdapter data."),
-            QT_TR_NOOP("Serial number of the ambient light adapter that the instrument holds"),
-            QT_TR_NOOP("Chooses the value file of an ambient light adapter"),
-            QT_TR_NOOP("Registers the ambient light adapter of the chosen file in the instrument")};
-}
-
-void InitSettingDialog::nameCalibrationTabs() {
-    for (const CalibrationTab& tab : {whitePlateTab(), ambientAdapterTab()}) {
-        tab.currentSerialNo->setAccessibleDescription(tr(tab.currentSerialNoDescription));
-        tab.fileName->setAccessibleDescription(tr("Name of the chosen value file"));
-        tab.fileSerialNo->setAccessibleDescription(tr("Serial number in the chosen value file"));
-        tab.choose->setAccessibleDescription(tr(tab.chooseDescription));
-        tab.write->setAccessibleDescription(tr(tab.writeDescription));
-    }
+            QT_TR_NOOP("Failed to write AmbientLightAdapter data.")};
 }
 
 void InitSettingDialog::clearCalibrationTab(const CalibrationTab& tab) {
