@@ -98,7 +98,7 @@ int main(int argc, char* argv[]) {
     const Language& defaultLanguage = Language::ofLocale(QLocale::system().name());
 
     StartUp startUp;
-    startUp.iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
+    startUp.iconPath = DialogSupport::iconPath();
     QApplication::setWindowIcon(DialogSupport::iconAt(startUp.iconPath));
     installDefaultLanguage(defaultTranslator, defaultLanguage, startUp);
 

@@ -26,12 +26,7 @@ void ConnectSelectDialog::setSdkCtrl(std::shared_ptr<CKvaSdk_Ctrl> ctrl) {
 }
 
 void ConnectSelectDialog::setDeviceList(QStringList devices) {
-    setWindowIcon(DialogSupport::iconAt(DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"))));
-    setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
-                   Qt::WindowMaximizeButtonHint);
-    ui->pushButton->setStyleSheet(
-        QStringLiteral("QPushButton:default{background-color:gainsboro;}"));
-    setFixedSize(width(), height());
+    DialogSupport::prepareChoice(*this, *ui->pushButton, DialogSupport::titledWindow);
     ui->connectlistWidget->clear();
     for (const QString& device : std::as_const(devices))
         ui->connectlistWidget->insertItem(ui->connectlistWidget->count(), device);

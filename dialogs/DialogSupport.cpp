@@ -4,12 +4,18 @@
 #include <QDir>
 #include <QIcon>
 #include <QKeyEvent>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QThread>
 
 QString DialogSupport::resourcePath(const QString& fileName) {
     QDir base(QCoreApplication::applicationDirPath());
     base.cdUp();
     return base.absolutePath() + QStringLiteral("/Resources/") + fileName;
+}
+
+QString DialogSupport::iconPath() {
+    return resourcePath(QStringLiteral("VQ_TL4.ico"));
 }
 
 QIcon DialogSupport::iconAt(const QString& path) {
@@ -22,6 +28,17 @@ QIcon DialogSupport::iconAt(const QString& path) {
         qAddPostRoutine([] { lastIcon = QIcon(); });
     }
     return lastIcon;
+}
+
+void DialogSupport::prepareWindow(QWidget& window, const QString& iconPath, Qt::WindowFlags flags) {
+    window.setWindowIcon(iconAt(iconPath));
+    window.setWindowFlags(flags);
+    window.setFixedSize(window.size());
+}
+
+void DialogSupport::prepareChoice(QWidget& window, QPushButton& okButton, Qt::WindowFlags flags) {
+    okButton.setStyleSheet(QStringLiteral("QPushButton:default{background-color:gainsboro;}"));
+    prepareWindow(window, iconPath(), flags);
 }
 
 void DialogSupport::waitUntil(const std::function<bool()>& isFinished) {
@@ -56,9 +73,7 @@ void DialogSupport::showMessageBox(const QString& title, const QString& text,
     QMessageBox box;
     box.setWindowTitle(title);
     box.setWindowIcon(iconAt(iconPath));
-    box.setWindowFlags(Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                       Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint |
-                       Qt::WindowCloseButtonHint);
+    box.setWindowFlags(closableWindow);
     box.setText(text);
     box.setIcon(icon);
     box.setStandardButtons(QMessageBox::Ok);

@@ -9,6 +9,8 @@
 #include <functional>
 
 class QKeyEvent;
+class QPushButton;
+class QRadioButton;
 
 /** What every window of the tool needs. User-interface thread only; an application object must
     exist. */
@@ -18,9 +20,25 @@ namespace DialogSupport {
     up, "/Resources/" and @p fileName. */
 QString resourcePath(const QString& fileName);
 
-/** The icon in the file at @p path, which is read and decoded but once as long as it is asked for
-    again and again. A null icon for an empty path. */
+/** The path of the icon that all windows show. */
+QString iconPath();
+
+/** The icon in the file at @p path; a null icon for an empty path. The last icon is kept, so that
+    its file is read once for all windows. */
 QIcon iconAt(const QString& path);
+
+/** The flags of a window without close button: the selection of an instrument. */
+constexpr Qt::WindowFlags titledWindow = Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+                                         Qt::WindowMinimizeButtonHint |
+                                         Qt::WindowMaximizeButtonHint;
+/** The flags of all other windows. */
+constexpr Qt::WindowFlags closableWindow = titledWindow | Qt::WindowCloseButtonHint;
+
+/** Gives a window its icon, its flags and, as fixed size, the size that it has. */
+void prepareWindow(QWidget& window, const QString& iconPath, Qt::WindowFlags flags);
+
+/** The same for a selection dialog, whose OK button gets its colour as well. */
+void prepareChoice(QWidget& window, QPushButton& okButton, Qt::WindowFlags flags);
 
 /** Keeps the windows alive until @p isFinished says so: processes events, then sleeps 10 ms, again
     and again. Asked before each pass. */

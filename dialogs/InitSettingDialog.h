@@ -102,7 +102,6 @@ private:
     void separateChoices();
 
     // Connection panel
-    void prepareWindow();
     void showNoInstrument();
     void fillFromInstrument();
     bool fillIdentity();

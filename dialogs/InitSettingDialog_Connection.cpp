@@ -23,8 +23,10 @@ void forceUncheck(QRadioButton* button) {
 } // namespace
 
 void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
-    if (firstTime)
-        prepareWindow();
+    if (firstTime) {
+        iconPath = DialogSupport::iconPath();
+        DialogSupport::prepareWindow(*this, iconPath, DialogSupport::closableWindow);
+    }
     const bool isConnected =
         portNum >= 0 && whileBusy([&] { return m_sdkCtrl->Connect(portNum, connectWait); });
     if (isConnected)
@@ -37,15 +39,6 @@ void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
     // A value file must be chosen again before its values can be sent.
     ui->setWCPValPushBtn->setEnabled(false);
     ui->setAmbAdpBodyPushBtn->setEnabled(false);
-}
-
-void InitSettingDialog::prepareWindow() {
-    iconPath = DialogSupport::resourcePath(QStringLiteral("VQ_TL4.ico"));
-    setWindowIcon(DialogSupport::iconAt(iconPath));
-    setWindowFlags(Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
-                   Qt::WindowMaximizeButtonHint | Qt::CustomizeWindowHint |
-                   Qt::WindowCloseButtonHint);
-    setFixedSize(width(), height());
 }
 
 void InitSettingDialog::showNoInstrument() {
