@@ -112,6 +112,8 @@ int main(int argc, char* argv[]) {
             installChosenLanguage(defaultTranslator, *chosen, startUp);
         configureInstrument(ctrl, startUp);
     }
+    // No event loop runs that this would end. It is the application's word that the run is over,
+    // for whoever hooks into it.
     QCoreApplication::exit(0);
     return 0;
 }

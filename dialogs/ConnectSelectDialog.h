@@ -20,6 +20,8 @@ class ConnectSelectDialog;
 class ConnectSelectDialog : public QDialog {
     Q_OBJECT
 
+    // The order of the members is fixed, so public and private ones alternate.
+
 public:
     explicit ConnectSelectDialog(QWidget* parent = nullptr);
     ~ConnectSelectDialog() override;

@@ -60,6 +60,12 @@ bool DialogSupport::isCancelKey(const QKeyEvent& event) {
     return event.key() == Qt::Key_Escape || event.matches(QKeySequence::Cancel);
 }
 
+void DialogSupport::forceUncheck(QRadioButton& button) {
+    button.setCheckable(false);
+    button.setChecked(false);
+    button.setCheckable(true);
+}
+
 DialogSupport::BusyCursor::BusyCursor() {
     QApplication::setOverrideCursor(Qt::WaitCursor);
 }

@@ -61,6 +61,9 @@ public:
     BusyCursor& operator=(const BusyCursor&) = delete;
 };
 
+/** Unchecks a button even where its exclusive group would keep one checked. */
+void forceUncheck(QRadioButton& button);
+
 /** What @p call returns; the busy cursor is shown until then. */
 template <typename Call>
 auto whileBusy(const Call& call) {

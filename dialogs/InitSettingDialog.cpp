@@ -6,6 +6,7 @@
 
 #include <QCloseEvent>
 #include <QKeyEvent>
+#include <QtDebug>
 
 #include <utility>
 
@@ -69,6 +70,27 @@ void InitSettingDialog::showInfoMessage(const QString& message) {
     DialogSupport::showMessageBox(tr("Spectrophotometer Configuration Tool VQ-TL4"),
                                   tr(message.toUtf8().constData()), QMessageBox::Information,
                                   iconPath);
+}
+
+void InitSettingDialog::on_setBasetabWidget_currentChanged(int index) {
+    qDebug("select tab:%d", index);
+    const auto focus = [](const QWidget& page, QWidget& target) {
+        if (page.isEnabled())
+            target.setFocus(Qt::OtherFocusReason);
+    };
+    switch (index) {
+    case 1:
+        focus(*ui->autoPowerOfftab, *ui->autoPowerOfftab);
+        break;
+    case 2:
+        focus(*ui->wCalibPlateTab, *ui->curWCalibPlateSerialNolabel);
+        break;
+    case 3:
+        focus(*ui->ambLightAdpTab, *ui->curAmbAdpSerialNolabel);
+        break;
+    default: // the network tab leaves the focus where it is
+        break;
+    }
 }
 
 QString InitSettingDialog::askFileName(FileQuestion ask, const QString& caption,

@@ -31,6 +31,8 @@ class InitSettingDialog;
 class InitSettingDialog : public QDialog {
     Q_OBJECT
 
+    // The order of the members is fixed, so public and private ones alternate.
+
 public:
     explicit InitSettingDialog(QWidget* parent = nullptr);
     ~InitSettingDialog() override;
@@ -112,7 +114,7 @@ private:
     void resetToNotConnected();
     void endConnection();
     void setTabsEnabled(bool enabled);
-    void uncheckNetworkSwitches();
+    void clearIdentity();
 
     /** `QFileDialog::getOpenFileName` or `getSaveFileName`. */
     using FileQuestion = QString (*)(QWidget* parent, const QString& caption,
@@ -126,6 +128,9 @@ private:
 
     // Network tab
     void fillNetworkTab();
+    void clearNetworkTab();
+    void clearNetworkSwitches();
+    void uncheckNetworkSwitches();
     std::optional<Octets> readOctets();
     void collectNetworkTab(const Octets& octets);
     void writeNetworkToBody();
@@ -141,6 +146,7 @@ private:
 
     // Power-off tab
     PowerOffButtons powerOffButtons() const;
+    void clearPowerOffTab();
     void checkPowerOffButton(uint8_t mode);
     void setPowerOffButtonsEnabled(bool enabled);
 

@@ -13,13 +13,6 @@ namespace {
 constexpr int noInstrument = -1;
 constexpr uint32_t connectWait = 10; // the library does not document the unit
 
-/** Unchecks a button even where its exclusive group would keep one checked. */
-void forceUncheck(QRadioButton* button) {
-    button->setCheckable(false);
-    button->setChecked(false);
-    button->setCheckable(true);
-}
-
 } // namespace
 
 void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
@@ -64,9 +57,7 @@ void InitSettingDialog::fillFromInstrument() {
 
 bool InitSettingDialog::fillIdentity() {
     if (!whileBusy([this] { return m_sdkCtrl->GetDeviceInfo(); })) {
-        ui->serialNolabel->setText(QString());
-        ui->firmVersionlabel->setText(QString());
-        ui->MACAddresslabel->setText(QString());
+        clearIdentity();
         ui->dhcpOnRadioBtn->setChecked(false);
         ui->dhcpOffRadioBtn->setChecked(false);
         showErrorMessage(tr("Failed to read device data."));
@@ -123,22 +114,12 @@ void InitSettingDialog::resetToNotConnected() {
     ui->ClosePushBtn->setEnabled(true);
     setTabsEnabled(false);
 
-    ui->serialNolabel->setText(QString());
-    ui->firmVersionlabel->setText(QString());
-    ui->MACAddresslabel->setText(QString());
-    ui->SSIDlineEdit->setText(QString());
-    ui->passwdlineEdit->setText(QString());
-    for (QLineEdit* edit : m_addressEdits)
-        edit->setText(QString());
+    // All texts first, then all choices.
+    clearIdentity();
+    clearNetworkTab();
     clearCalibrationTabs();
-
-    ui->enableRadioBtn->setChecked(false);
-    ui->disableRadioBtn->setChecked(false);
-    forceUncheck(ui->dhcpOnRadioBtn);
-    forceUncheck(ui->dhcpOffRadioBtn);
-    for (QRadioButton* button : powerOffButtons())
-        forceUncheck(button);
-
+    clearNetworkSwitches();
+    clearPowerOffTab();
     m_isConnected = false;
 }
 
@@ -149,11 +130,10 @@ void InitSettingDialog::setTabsEnabled(bool enabled) {
     ui->wCalibPlateTab->setEnabled(enabled);
 }
 
-void InitSettingDialog::uncheckNetworkSwitches() {
-    ui->enableRadioBtn->setChecked(false);
-    ui->disableRadioBtn->setChecked(false);
-    ui->dhcpOnRadioBtn->setChecked(false);
-    ui->dhcpOffRadioBtn->setChecked(false);
+void InitSettingDialog::clearIdentity() {
+    ui->serialNolabel->setText(QString());
+    ui->firmVersionlabel->setText(QString());
+    ui->MACAddresslabel->setText(QString());
 }
 
 void InitSettingDialog::on_ConnectPushBtn_clicked() {

@@ -5,12 +5,19 @@
 
 #include <QtDebug>
 
+#include <algorithm>
+
 using DialogSupport::whileBusy;
 
 namespace {
 
 constexpr unsigned int highestOctet = 255;
 constexpr std::size_t octetsPerAddress = 4;
+
+void checkSwitch(bool isOn, QRadioButton& on, QRadioButton& off) {
+    (isOn ? on : off).setChecked(true);
+    (isOn ? off : on).setChecked(false);
+}
 
 } // namespace
 
@@ -34,12 +41,31 @@ bool InitSettingDialog::IsDigitsOnly(const QString& text) {
     return !text.isEmpty();
 }
 
+void InitSettingDialog::clearNetworkTab() {
+    ui->SSIDlineEdit->setText(QString());
+    ui->passwdlineEdit->setText(QString());
+    for (QLineEdit* edit : m_addressEdits)
+        edit->setText(QString());
+}
+
+void InitSettingDialog::clearNetworkSwitches() {
+    ui->enableRadioBtn->setChecked(false);
+    ui->disableRadioBtn->setChecked(false);
+    DialogSupport::forceUncheck(*ui->dhcpOnRadioBtn);
+    DialogSupport::forceUncheck(*ui->dhcpOffRadioBtn);
+}
+
+void InitSettingDialog::uncheckNetworkSwitches() {
+    ui->enableRadioBtn->setChecked(false);
+    ui->disableRadioBtn->setChecked(false);
+    ui->dhcpOnRadioBtn->setChecked(false);
+    ui->dhcpOffRadioBtn->setChecked(false);
+}
+
 void InitSettingDialog::fillNetworkTab() {
     const CKvaSdk_Ctrl& ctrl = *m_sdkCtrl;
-    (ctrl.m_apConnectUse ? ui->enableRadioBtn : ui->disableRadioBtn)->setChecked(true);
-    (ctrl.m_apConnectUse ? ui->disableRadioBtn : ui->enableRadioBtn)->setChecked(false);
-    (ctrl.m_dhcpUse ? ui->dhcpOnRadioBtn : ui->dhcpOffRadioBtn)->setChecked(true);
-    (ctrl.m_dhcpUse ? ui->dhcpOffRadioBtn : ui->dhcpOnRadioBtn)->setChecked(false);
+    checkSwitch(ctrl.m_apConnectUse, *ui->enableRadioBtn, *ui->disableRadioBtn);
+    checkSwitch(ctrl.m_dhcpUse, *ui->dhcpOnRadioBtn, *ui->dhcpOffRadioBtn);
     SetTcpIpEditsEnabled(!ctrl.m_dhcpUse);
 
     ui->SSIDlineEdit->setText(ctrl.m_ssid);
@@ -160,20 +186,4 @@ void InitSettingDialog::writeNetworkToBody() {
     } else {
         showErrorMessage(tr("Failed to write Network Infomation data."));
     }
-}
-
-void InitSettingDialog::on_setBasetabWidget_currentChanged(int index) {
-    qDebug("select tab:%d", index);
-    // In the order of the pages; null: nothing takes the focus.
-    const std::array<std::pair<QWidget*, QWidget*>, 4> pages = {{
-        {ui->networkSetTab, nullptr},
-        {ui->autoPowerOfftab, ui->autoPowerOfftab},
-        {ui->wCalibPlateTab, ui->curWCalibPlateSerialNolabel},
-        {ui->ambLightAdpTab, ui->curAmbAdpSerialNolabel},
-    }};
-    if (index < 0 || static_cast<std::size_t>(index) >= pages.size())
-        return;
-    const auto& [page, target] = pages[static_cast<std::size_t>(index)];
-    if (target && page->isEnabled())
-        target->setFocus(Qt::OtherFocusReason);
 }

@@ -11,6 +11,11 @@ InitSettingDialog::PowerOffButtons InitSettingDialog::powerOffButtons() const {
     return {ui->invalidradioBtn, ui->fifteenRadioBtn, ui->thirtyRadioBtn, ui->sixtyRadioBtn};
 }
 
+void InitSettingDialog::clearPowerOffTab() {
+    for (QRadioButton* button : powerOffButtons())
+        DialogSupport::forceUncheck(*button);
+}
+
 void InitSettingDialog::checkPowerOffButton(uint8_t mode) {
     const PowerOffButtons buttons = powerOffButtons();
     if (mode < buttons.size())

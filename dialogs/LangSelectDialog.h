@@ -18,10 +18,9 @@ class LangSelectDialog;
 class LangSelectDialog : public QDialog {
     Q_OBJECT
 
-public:
-    static constexpr int english = 1;
-    static constexpr int japanese = 2;
+    // The order of the members is fixed, so public and private ones alternate.
 
+public:
     explicit LangSelectDialog(QWidget* parent = nullptr);
     ~LangSelectDialog() override;
 
