@@ -1,9 +1,8 @@
 #include "files/CHexToBin.h"
 #include "files/NumberText.h"
+#include "tests/support/MadeLocale.h"
 #include "tests/unit/files/CalRefFixture.h"
 #include "tests/unit/files/NetworkFixture.h"
-
-#include <QProcess>
 
 #include <clocale>
 #include <cstdlib>
@@ -20,7 +19,6 @@ extern "C" const char* __lsan_default_suppressions() { // NOLINT
 
 /**
  * Everything that is read and written under a locale with a decimal comma and a thousands point.
- * The locale is made into a folder of the test's own, so that it is there on every machine.
  */
 class TestFilesLocale : public QObject {
     Q_OBJECT
@@ -46,13 +44,8 @@ private:
 
 void TestFilesLocale::initTestCase() {
 #ifndef __APPLE__ // which has the locale, but not the variable that says where to look for it
-    QProcess localedef;
-    localedef.start(QStringLiteral("localedef"),
-                    {QStringLiteral("-i"), QStringLiteral("de_DE"), QStringLiteral("-f"),
-                     QStringLiteral("UTF-8"), m_folder.filePath(QString::fromLatin1(m_name))});
-    QVERIFY2(localedef.waitForFinished(-1), "the command localedef cannot be run");
-    QCOMPARE(localedef.exitStatus(), QProcess::NormalExit);
-    QVERIFY2(localedef.exitCode() == 0, localedef.readAllStandardError().constData());
+    const QByteArray problem = makeLocale(m_folder.path(), QString::fromLatin1(m_name));
+    QVERIFY2(problem.isEmpty(), problem.constData());
     QVERIFY(qputenv("LOCPATH", QFile::encodeName(m_folder.path())));
 #endif
 }
