@@ -46,6 +46,19 @@ inline QJsonObject dismissBox() {
     return step(messageBox, QStringLiteral("press"), QStringLiteral("Ok"));
 }
 
+inline QJsonObject turnTo(int page) {
+    return step(settingsDialog, QStringLiteral("page"), page);
+}
+
+/** Each edit, by its object name, with its text. */
+inline QJsonObject fill(const QJsonObject& texts) {
+    return step(settingsDialog, QStringLiteral("fill"), texts);
+}
+
+inline QJsonObject chooseFile(const QString& path) {
+    return step(QStringLiteral("QFileDialog"), QStringLiteral("choose"), path);
+}
+
 /** While the language dialog is open. */
 inline QJsonObject removeFile(const QString& path) {
     return step(languageDialog, QStringLiteral("removeFile"), path);

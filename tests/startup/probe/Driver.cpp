@@ -5,8 +5,10 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QKeyEvent>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMessageBox>
+#include <QTabWidget>
 #include <QWindow>
 
 #include <cstdlib>
@@ -110,6 +112,12 @@ void Driver::perform(const QJsonObject& step, QWidget& window) {
         press(window);
     if (step.contains(QStringLiteral("select")))
         select(window, step.value(QStringLiteral("select")).toInt());
+    if (step.contains(QStringLiteral("page")))
+        turn(window, step.value(QStringLiteral("page")).toInt());
+    if (step.contains(QStringLiteral("fill")))
+        fill(window, step.value(QStringLiteral("fill")).toObject());
+    if (step.contains(QStringLiteral("choose")))
+        choose(window, step.value(QStringLiteral("choose")).toString());
     if (step.contains(QStringLiteral("key")))
         strike(window, static_cast<Qt::Key>(step.value(QStringLiteral("key")).toInt()));
     if (step.contains(QStringLiteral("removeFile")))
@@ -142,6 +150,29 @@ void Driver::select(QWidget& window, int row) {
     if (!list || row >= list->count())
         fail(QStringLiteral("no row %1 to be selected").arg(row));
     list->setCurrentRow(row);
+}
+
+void Driver::turn(QWidget& window, int page) {
+    auto* tabs = window.findChild<QTabWidget*>();
+    if (!tabs || page >= tabs->count() || !tabs->isTabEnabled(page))
+        fail(QStringLiteral("no page %1 to be turned to").arg(page));
+    tabs->setCurrentIndex(page);
+}
+
+void Driver::fill(QWidget& window, const QJsonObject& texts) {
+    for (auto text = texts.begin(); text != texts.end(); ++text) {
+        auto* edit = window.findChild<QLineEdit*>(text.key());
+        if (!edit || !edit->isEnabled() || !edit->isVisible())
+            fail(QStringLiteral("no %1 to be filled").arg(text.key()));
+        edit->setText(text.value().toString());
+    }
+}
+
+void Driver::choose(QWidget& window, const QString& path) {
+    fill(window, {{QStringLiteral("fileNameEdit"), path}});
+    // QFileDialog makes accept() protected; the slot is the same one that its button calls.
+    if (!QMetaObject::invokeMethod(&window, "accept", Qt::DirectConnection))
+        fail(QStringLiteral("no file dialog"));
 }
 
 void Driver::strike(QWidget& window, Qt::Key key) {

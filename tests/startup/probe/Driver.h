@@ -16,9 +16,11 @@
  * there to be used, and notes each window that comes and goes, and each dialog's destruction.
  *
  * A step is {"window": class} with one of: "click" (the object name of a button), "press": "Ok" (of
- * a message box), "select" (a row of its list), "key" (`Qt::Key`), "close": true (the window's
- * close control), "removeFile" (a path), or none to look only. What the window shows is noted
- * before each step. A step that cannot be taken ends the program with the exit status 3.
+ * a message box), "select" (a row of its list), "page" (an index, of its tabs), "fill" (the object
+ * names of edits and their texts), "choose" (a path, in a file dialog), "key" (`Qt::Key`), "close":
+ * true (the window's close control), "removeFile" (a path), or none to look only. What the window
+ * shows is noted before each step. A step that cannot be taken ends the program with the exit
+ * status 3.
  */
 class Driver : public QObject {
     Q_OBJECT
@@ -39,6 +41,9 @@ private:
     void click(QWidget& window, const QString& button);
     void press(QWidget& window);
     void select(QWidget& window, int row);
+    void turn(QWidget& window, int page);
+    void fill(QWidget& window, const QJsonObject& texts);
+    void choose(QWidget& window, const QString& path);
     void strike(QWidget& window, Qt::Key key);
     void remove(const QString& path);
     [[noreturn]] void fail(const QString& reason);

@@ -3,14 +3,18 @@
  * plugin of the kind that Qt loads into an application on request, by QT_QPA_GENERIC_PLUGINS.
  *
  * STARTUP_PROBE_SCRIPT holds the steps to take, a JSON array, see Driver.h; STARTUP_PROBE_RECORD
- * names the file that everything is noted in, see Record.h.
+ * names the file that everything is noted in, see Record.h. STARTUP_PROBE_ENCODING, with any value,
+ * makes the encoding of the locale Qt's local one: of itself Qt takes UTF-8 under every locale
+ * where ICU was built for UTF-8, as distributions do.
  */
 #include "tests/startup/probe/Driver.h"
 
 #include <QCoreApplication>
 #include <QGenericPlugin>
 #include <QJsonDocument>
+#include <QTextCodec>
 
+#include <langinfo.h>
 #include <memory>
 
 namespace {
@@ -22,6 +26,8 @@ public:
         : m_record(qEnvironmentVariable("STARTUP_PROBE_RECORD"),
                    qEnvironmentVariable("KVASIM_TRACE")),
           m_driver(m_record, QJsonDocument::fromJson(qgetenv("STARTUP_PROBE_SCRIPT")).array()) {
+        if (qEnvironmentVariableIsSet("STARTUP_PROBE_ENCODING"))
+            QTextCodec::setCodecForLocale(QTextCodec::codecForName(::nl_langinfo(CODESET)));
         s_current = this;
         qAddPostRoutine(noteEnd);
     }
