@@ -4,29 +4,47 @@
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
-#include <sys/stat.h>
+#include <tuple>
 #include <unistd.h>
 
 namespace {
 
 constexpr std::size_t bufferSize = 64 * 1024;
 
-/** A descriptor of the regular file at @p path, or -1. */
-int openRegularFile(const char* path, off_t& size) {
+/** @return a descriptor of the regular file at @p path, or -1
+    @param status  of that file; untouched otherwise */
+int openRegularFile(const char* path, struct stat& status) {
     // Without O_NONBLOCK, opening a pipe that nobody writes to would never return.
     const int file = ::open(path, O_RDONLY | O_NONBLOCK | O_CLOEXEC);
     if (file < 0)
         return -1;
-    struct stat status = {};
-    if (::fstat(file, &status) != 0 || !S_ISREG(status.st_mode)) {
+    struct stat found = {};
+    if (::fstat(file, &found) != 0 || !S_ISREG(found.st_mode)) {
         ::close(file);
         return -1;
     }
-    size = status.st_size;
+    status = found;
     return file;
 }
 
+const timespec& lastChange(const struct stat& status) {
+#ifdef __APPLE__
+    return status.st_mtimespec;
+#else
+    return status.st_mtim;
+#endif
+}
+
 } // namespace
+
+bool isSameContent(const struct stat& a, const struct stat& b) {
+    const auto key = [](const struct stat& status) {
+        const timespec& time = lastChange(status);
+        return std::make_tuple(status.st_dev, status.st_ino, status.st_size, time.tv_sec,
+                               time.tv_nsec);
+    };
+    return key(a) == key(b);
+}
 
 std::string_view withoutLineEndCr(std::string_view text) {
     const std::size_t cr = text.find('\r');
@@ -36,7 +54,7 @@ std::string_view withoutLineEndCr(std::string_view text) {
 }
 
 BoundedLineReader::BoundedLineReader(const char* path, std::size_t maxLine)
-    : m_file(openRegularFile(path, m_size)), m_maxLine(maxLine) {
+    : m_file(openRegularFile(path, m_status)), m_maxLine(maxLine) {
     // Not filled with zeroes, which would take longer than reading a file of the usual size.
     if (isOpen())
         m_buffer.reset(new char[bufferSize]);
@@ -68,16 +86,25 @@ bool BoundedLineReader::next(std::string& line) {
             return true;
         }
     }
-    return anything;
+    // What was read of a line before the failure may end inside a number.
+    if (m_readFailed)
+        line.clear();
+    return anything && !m_readFailed;
+}
+
+bool BoundedLineReader::failed() const {
+    struct stat now = {};
+    return m_readFailed || ::fstat(m_file, &now) != 0 || !isSameContent(now, m_status);
 }
 
 bool BoundedLineReader::fill() {
-    if (!isOpen() || (m_offset > 0 && m_offset == m_size))
+    if (!isOpen() || m_readFailed || (m_offset > 0 && m_offset == m_status.st_size))
         return false;
     ssize_t count = 0;
     do {
         count = ::read(m_file, m_buffer.get(), bufferSize);
     } while (count < 0 && errno == EINTR);
+    m_readFailed = count < 0;
     m_begin = 0;
     m_end = count > 0 ? static_cast<std::size_t>(count) : 0;
     m_offset += static_cast<off_t>(m_end);

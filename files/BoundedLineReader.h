@@ -5,11 +5,15 @@
 #include <memory>
 #include <string>
 #include <string_view>
-#include <sys/types.h>
+#include <sys/stat.h>
 
 /** The text without the carriage return of a CR LF line end: dropped when the first one in the text
     is its last character. */
 std::string_view withoutLineEndCr(std::string_view text);
+
+/** Whether two looks at files saw one file with one content, as far as its size and the time of its
+    last change tell. */
+bool isSameContent(const struct stat& a, const struct stat& b);
 
 /**
  * Reads a text file line by line in bounded memory.
@@ -32,8 +36,16 @@ public:
     bool isOpen() const { return m_file >= 0; }
 
     /** Puts the next line into @p line. False at the end of the file or when it cannot be read
-        further; @p line is then empty. */
+        further, which `failed` tells apart; @p line is then empty. A line whose end could not be
+        read is not handed out. */
     bool next(std::string& line);
+
+    /** Whether the file could not be opened, a read of it failed, or its content is no longer the
+        one that was opened: the lines handed out are then not to be used. */
+    bool failed() const;
+
+    /** Of the file when it was opened; all zero when it could not be opened. */
+    const struct stat& status() const { return m_status; }
 
     /** Whether the line handed out last was longer than the limit: what was kept of it may end in
         the middle of a value. */
@@ -42,13 +54,14 @@ public:
 private:
     bool fill();
 
-    off_t m_size = 0; ///< of the file, when it was opened
+    struct stat m_status = {}; ///< of the file, when it was opened
     int m_file;
     std::size_t m_maxLine;
     off_t m_offset = 0; ///< how much of the file was read
     std::unique_ptr<char[]> m_buffer;
     std::size_t m_begin = 0; ///< first byte of m_buffer that was not handed out yet
     bool m_wasCut = false;
+    bool m_readFailed = false;
     std::size_t m_end = 0; ///< one past the last byte of m_buffer that was read
 };
 

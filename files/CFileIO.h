@@ -12,9 +12,10 @@
  * The tool's two file formats: network settings (INI) and calibration values (CSV). Without state;
  * made on the stack for each file operation.
  *
- * Paths are in the local 8-bit encoding. Only regular files can be read; another one counts as a
- * file that cannot be opened. Nothing is thrown, and nothing is reported but by the results, with
- * one exception that the CSV readers name.
+ * Paths are in the local 8-bit encoding. A file that fails while it is read, or that changes
+ * meanwhile, counts as a file that cannot be opened, and so does one that is not regular: nothing
+ * of it is taken, nothing in it is touched. Nothing is thrown but for lack of memory, and nothing
+ * is reported but by the results, with one exception that the CSV readers name.
  */
 class CFileIO {
 public:
@@ -31,8 +32,9 @@ public:
     bool WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info);
 
     /** Reads the eight settings of the section "Network".
-        @param info  zeroed by the caller: fields that are not reached keep their bytes, and texts
-                     are copied without their terminator
+        @param info  zeroed by the caller: fields that are not reached keep their bytes (all of
+                     them do when the file cannot be opened), and texts are copied without their
+                     terminator
         @return false when the file cannot be opened, a key is missing or has no value, any value is
                 longer than 510 bytes, the SSID than 32 or the key than 64. Numbers are read as
                 `atoi` reads them and are not checked. */

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <optional>
 
 namespace {
 
@@ -64,37 +65,50 @@ bool storeAdapterSerialNo(const std::string& line, SerialNo& serialNo) {
     return true;
 }
 
-bool storeValues(const std::string& line, const CalRefCsv& csv) {
-    std::array<float, KVA_AMBIENT_ADAPTER_VALUES> values = {};
-    std::size_t count = 0;
-    forEachPiece(line, ',', [&](std::string_view piece) {
+/** The values line of a file. */
+struct Values {
+    std::array<float, KVA_AMBIENT_ADAPTER_VALUES> numbers = {};
+    std::size_t count = 0; ///< of the pieces, also of those beyond the numbers
+};
+
+Values parseValues(const std::string& line) {
+    Values values;
+    forEachPiece(line, ',', [&values](std::string_view piece) {
         // A number ends at a comma at the latest, and the line at its terminator.
-        if (count < csv.valueCount)
-            values[count] = NumberText::toFloat(piece.data());
-        ++count;
+        if (values.count < values.numbers.size())
+            values.numbers[values.count] = NumberText::toFloat(piece.data());
+        ++values.count;
     });
-    if (count != csv.valueCount)
+    return values;
+}
+
+bool storeValues(const Values& values, const CalRefCsv& csv) {
+    if (values.count != csv.valueCount)
         return false;
-    std::copy_n(values.begin(), count, csv.values);
+    std::copy_n(values.numbers.begin(), values.count, csv.values);
     return true;
 }
 
 bool readCalRefCsv(const char* path, const CalRefCsv& csv) {
     BoundedLineReader reader(path, maxLine);
-    if (!reader.isOpen())
-        return false;
-    bool result = true;
+    std::optional<std::string> serialNo;
+    std::optional<Values> values;
     std::string line;
     // The lines behind the values are read as well: a file is right or wrong as a whole.
     for (std::size_t index = 0; reader.next(line); ++index) {
         line.resize(withoutLineEndCr(line).size());
         if (index == serialNoLine)
-            result = csv.storeSerialNo(line, csv.serialNo) && result;
+            serialNo = line;
         else if (index == valuesLine)
             // A line that was cut may end inside a number, which would read as another one.
-            result = !reader.wasCut() && storeValues(line, csv) && result;
+            values = reader.wasCut() ? Values{} : parseValues(line);
     }
-    return result;
+    // Nothing is taken of a file before all of it was read.
+    if (reader.failed())
+        return false;
+    const bool serialNoIsRight = !serialNo || csv.storeSerialNo(*serialNo, csv.serialNo);
+    const bool valuesAreRight = !values || storeValues(*values, csv);
+    return serialNoIsRight && valuesAreRight;
 }
 
 } // namespace

@@ -61,6 +61,32 @@ bool matchKeyLine(std::string_view line, std::string_view key, std::string_view&
     return true;
 }
 
+enum class Lookup { found, missing, unreadable };
+
+/** Looks up a key from where @p reader stands. The value goes to @p out as `copyValue` puts it
+    there, which is untouched but for `Lookup::found`. */
+Lookup lookUp(BoundedLineReader& reader, const char* section, const char* key, char* out) {
+    const std::string header = std::string("[") + section + "]";
+    bool inSection = false;
+    bool found = false;
+    std::string line;
+    std::string_view value;
+    while (!found && reader.next(line)) {
+        if (line.empty())
+            continue;
+        if (line.front() == '[')
+            inSection = inSection || equalsIgnoringCase(withoutLineEndCr(line), header);
+        else
+            found = inSection && matchKeyLine(line, key, value);
+    }
+    if (reader.failed())
+        return Lookup::unreadable;
+    if (!found)
+        return Lookup::missing;
+    copyValue(reader.wasCut() ? tooLong(value) : std::string(value), out);
+    return Lookup::found;
+}
+
 // ---- Converting one value
 
 /** Puts the value, `CFileIO::profileValueSize` bytes with its NUL, into its field.
@@ -160,17 +186,27 @@ bool CFileIO::WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info) {
 }
 
 bool CFileIO::ReadNetworkIni(const char* path, KVA_NETWORKINFO* info) {
-    if (!info)
+    if (!path || !info)
         return false;
+    KVA_NETWORKINFO taken = *info;
+    struct stat status = {};
     for (const NetworkKey& key : networkKeys) {
+        BoundedLineReader reader(path, maxLine);
+        // It was changed between two keys: some settings of each would be neither's.
+        if (&key != networkKeys && !isSameContent(reader.status(), status))
+            return false;
+        status = reader.status();
         char value[profileValueSize] = {};
-        const int length = ReadProfileString("Network", key.name, "", value, 0, path);
+        if (lookUp(reader, "Network", key.name, value) == Lookup::unreadable)
+            return false;
+        const std::size_t length = std::strlen(value);
         // A value that fills the buffer may have been cut; what is left is not to pass for it.
-        if (length == 0 || length >= static_cast<int>(profileValueSize) - 1)
+        if (length == 0 || length == profileValueSize - 1 || !key.store(value, taken)) {
+            *info = taken;
             return false;
-        if (!key.store(value, *info))
-            return false;
+        }
     }
+    *info = taken;
     return true;
 }
 
@@ -182,20 +218,13 @@ int CFileIO::ReadProfileString(const char* section, const char* key, const char*
     if (!section || !key || !path)
         return copyValue(fallback, out);
     BoundedLineReader reader(path, maxLine);
-    if (!reader.isOpen())
+    switch (lookUp(reader, section, key, out)) {
+    case Lookup::unreadable:
         return static_cast<int>(fallback.size());
-
-    const std::string header = std::string("[") + section + "]";
-    bool inSection = false;
-    std::string line;
-    while (reader.next(line)) {
-        std::string_view value;
-        if (line.empty())
-            continue;
-        if (line.front() == '[')
-            inSection = inSection || equalsIgnoringCase(withoutLineEndCr(line), header);
-        else if (inSection && matchKeyLine(line, key, value))
-            return reader.wasCut() ? copyValue(tooLong(value), out) : copyValue(value, out);
+    case Lookup::missing:
+        return copyValue(fallback, out);
+    case Lookup::found:
+        break;
     }
-    return copyValue(fallback, out);
+    return static_cast<int>(std::strlen(out));
 }

@@ -37,6 +37,7 @@ private Q_SLOTS:
     void lines();
     void acrossTheBuffer_data();
     void acrossTheBuffer();
+    void tellsWhichLineWasCut();
     void emptiesTheLineAtTheEnd();
     void endlessLineTakesNoMemory();
     void followsALink();
@@ -101,6 +102,22 @@ void TestBoundedLineReader::acrossTheBuffer() {
     QCOMPARE(lines.mid(1), (QList<QByteArray>{"second", "", "last"}));
 }
 
+void TestBoundedLineReader::tellsWhichLineWasCut() {
+    const TestFolder folder;
+    // The second one cut fills the buffer, so that its line feed is all that is read next.
+    const QByteArray content =
+        "123456789\n12345678\n\n" + QByteArray(65516, 'y') + "\n1\n" + QByteArray(9, 'z');
+    BoundedLineReader reader(folder.write("lines", content).constData(), 8);
+    QVERIFY(!reader.wasCut());
+    std::string line;
+    QList<bool> cut;
+    while (reader.next(line))
+        cut.append(reader.wasCut());
+    QCOMPARE(cut, (QList<bool>{true, false, false, true, false, true}));
+    QVERIFY(!reader.wasCut());
+    QVERIFY(!reader.failed());
+}
+
 void TestBoundedLineReader::emptiesTheLineAtTheEnd() {
     const TestFolder folder;
     BoundedLineReader reader(folder.write("lines", "abc\n").constData(), 8);
@@ -143,6 +160,7 @@ void TestBoundedLineReader::cannotBeOpened() {
     QVERIFY(file.isMade());
     BoundedLineReader reader(file.path(), 8);
     QVERIFY(!reader.isOpen());
+    QVERIFY(reader.failed());
     std::string line = "left over";
     QVERIFY(!reader.next(line));
     QVERIFY(line.empty());
@@ -153,9 +171,11 @@ void TestBoundedLineReader::readError() {
     // Counts as a regular file, and its first byte cannot be read.
     BoundedLineReader reader("/proc/self/mem", 8);
     QVERIFY(reader.isOpen());
+    QVERIFY(!reader.failed());
     std::string line = "left over";
     QVERIFY(!reader.next(line));
     QVERIFY(line.empty());
+    QVERIFY(reader.failed());
 }
 #endif
 
