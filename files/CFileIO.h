@@ -25,8 +25,8 @@ public:
     CFileIO() = default;
     virtual ~CFileIO();
 
-    /** Creates or truncates the file and writes the settings as eleven lines, the security key in
-        clear text.
+    /** Creates or empties the regular file and writes the settings as eleven lines, the security
+       key in clear text.
         @return whether the file could be opened for writing; a later failure to write does not
                 change it. */
     bool WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info);

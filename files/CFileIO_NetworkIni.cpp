@@ -6,7 +6,10 @@
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace {
 
@@ -140,6 +143,27 @@ constexpr NetworkKey networkKeys[] = {
 
 // ---- Writing the lines
 
+using OpenFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
+
+/** The regular file at @p path, made or emptied; null when it cannot be. */
+OpenFile createFile(const char* path) {
+    OpenFile none(nullptr, std::fclose);
+    // Without O_TRUNC, since it is not known yet what this is; without O_NONBLOCK, opening a pipe
+    // that nobody reads would never return.
+    const int descriptor =
+        ::open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
+    if (descriptor < 0)
+        return none;
+    struct stat status = {};
+    if (::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode) &&
+        ::ftruncate(descriptor, 0) == 0) {
+        if (std::FILE* file = ::fdopen(descriptor, "w"))
+            return {file, std::fclose};
+    }
+    ::close(descriptor);
+    return none;
+}
+
 std::string numberLine(const char* key, std::uint32_t value) {
     return key + std::to_string(static_cast<std::int32_t>(value));
 }
@@ -161,7 +185,7 @@ std::string textLine(const char* key, const char (&text)[Size]) {
 bool CFileIO::WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info) {
     if (!path || !info)
         return false;
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path, "w"), std::fclose);
+    const OpenFile file = createFile(path);
     if (!file)
         return false;
     const std::string lines[] = {

@@ -19,7 +19,6 @@ private Q_SLOTS:
     void doesNotOpen();
     void full_data();
     void full();
-    void fullDevice();
     void folderTypedIntoTheDialog();
 };
 
@@ -175,6 +174,8 @@ void TestHostileSave::doesNotOpen_data() {
         "unwritable file", "old", [] { QCOMPARE(::chmod("hostile.ini", 0444), 0); }, true);
     row("link to itself", {}, [] { QCOMPARE(::symlink("hostile.ini", "hostile.ini"), 0); });
     row("link to a folder", {}, [] { QCOMPARE(::symlink(".", "hostile.ini"), 0); });
+    row("link to a device", {}, [] { QCOMPARE(::symlink("/dev/null", "hostile.ini"), 0); });
+    row("pipe", {}, [] { QCOMPARE(::mkfifo("hostile.ini", 0600), 0); });
 
     const auto pathRow = [](const char* title, const QByteArray& there, const QString& path) {
         QTest::newRow(title) << path << there << Action([] {}) << false;
@@ -247,22 +248,6 @@ void TestHostileSave::full() {
     QCOMPARE(save.calls, QStringList());
     QVERIFY(save.leavesWindow && save.leavesInstrument);
     QCOMPARE(contentOf(name), settingsFile().left(room));
-}
-
-/** The same on a device that has no room. */
-void TestHostileSave::fullDevice() {
-#ifdef __linux__
-    const WorkingFolder working(QStringLiteral("files"));
-    QVERIFY(working.isReady());
-    QCOMPARE(::symlink("/dev/full", "hostile.ini"), 0);
-    Save save;
-    QVERIFY(save.run());
-
-    QCOMPARE(save.boxes, QStringList(success));
-    QCOMPARE(save.lines, addressLines());
-    QVERIFY(save.leavesWindow && save.leavesInstrument);
-    QCOMPARE(QFileInfo(name).symLinkTarget(), QStringLiteral("/dev/full"));
-#endif
 }
 
 /** It is opened in the file dialog, which stays until it is cancelled. */

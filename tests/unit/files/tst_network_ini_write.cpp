@@ -5,6 +5,7 @@
 
 #include <QDir>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -17,11 +18,14 @@ private Q_SLOTS:
     void content_data();
     void content();
     void replacesAnOlderFile();
+    void mayBeReadByOthersAsTheUserWants();
     void leavesTheRecordAlone();
     void saysNothing();
     void cannotBeOpened_data();
     void cannotBeOpened();
+    void pipeThatIsRead();
     void writeProtected();
+    void followsALink();
     void failsToWriteLater();
     void nullArguments();
 };
@@ -92,6 +96,19 @@ void TestNetworkIniWrite::replacesAnOlderFile() {
     QCOMPARE(folder.read("net.ini"), sampleNetworkIni());
 }
 
+void TestNetworkIniWrite::mayBeReadByOthersAsTheUserWants() {
+    const TestFolder folder;
+    const QByteArray path = folder.path("net.ini");
+    const KVA_NETWORKINFO info = sampleNetwork().record();
+    const mode_t before = ::umask(027);
+    const bool result = CFileIO().WriteNetworkIni(path.constData(), &info);
+    ::umask(before);
+    QVERIFY(result);
+    struct stat status = {};
+    QVERIFY(::stat(path.constData(), &status) == 0);
+    QCOMPARE(status.st_mode & 0777U, mode_t{0640});
+}
+
 void TestNetworkIniWrite::leavesTheRecordAlone() {
     const TestFolder folder;
     const auto info = patternedRecord<KVA_NETWORKINFO>();
@@ -121,6 +138,9 @@ void TestNetworkIniWrite::cannotBeOpened_data() {
     QTest::newRow("in a folder that is missing") << QByteArray("missing/net.ini");
     QTest::newRow("behind a file") << QByteArray("older.ini/net.ini");
     QTest::newRow("link to itself") << QByteArray("loop");
+    QTest::newRow("link to a device") << QByteArray("null");
+    QTest::newRow("pipe that nobody reads") << QByteArray("pipe");
+    QTest::newRow("empty path") << QByteArray();
     QTest::newRow("name too long") << QByteArray(300, 'n');
 }
 
@@ -129,12 +149,29 @@ void TestNetworkIniWrite::cannotBeOpened() {
     const TestFolder folder;
     QVERIFY(::mkdir(folder.path("folder").constData(), 0700) == 0);
     QVERIFY(::symlink("loop", folder.path("loop").constData()) == 0);
+    QVERIFY(::symlink("/dev/null", folder.path("null").constData()) == 0);
+    QVERIFY(::mkfifo(folder.path("pipe").constData(), 0600) == 0);
     QVERIFY(!folder.write("older.ini", "older").isEmpty());
     const KVA_NETWORKINFO info = sampleNetwork().record();
-    QVERIFY(!CFileIO().WriteNetworkIni(folder.path(name.constData()).constData(), &info));
+    const QByteArray path = name.isEmpty() ? name : folder.path(name.constData());
+    QVERIFY(!CFileIO().WriteNetworkIni(path.constData(), &info));
     QCOMPARE(folder.read("older.ini"), QByteArray("older"));
     const QDir directory(QFile::decodeName(folder.path("")));
-    QCOMPARE(directory.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(), 3);
+    QCOMPARE(directory.entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(), 5);
+}
+
+/** It can be opened, and is let go without a byte. */
+void TestNetworkIniWrite::pipeThatIsRead() {
+    const TestFolder folder;
+    const QByteArray path = folder.path("pipe");
+    QVERIFY(::mkfifo(path.constData(), 0600) == 0);
+    const int reader = ::open(path.constData(), O_RDONLY | O_NONBLOCK);
+    QVERIFY(reader >= 0);
+    const KVA_NETWORKINFO info = sampleNetwork().record();
+    QVERIFY(!CFileIO().WriteNetworkIni(path.constData(), &info));
+    char byte = 0;
+    QCOMPARE(::read(reader, &byte, 1), ssize_t{0});
+    ::close(reader);
 }
 
 void TestNetworkIniWrite::writeProtected() {
@@ -150,6 +187,14 @@ void TestNetworkIniWrite::writeProtected() {
     }
     QVERIFY(!result);
     QCOMPARE(folder.read("net.ini"), QByteArray("older"));
+}
+
+void TestNetworkIniWrite::followsALink() {
+    const TestFolder folder;
+    QVERIFY(::symlink("net.ini", folder.path("link").constData()) == 0);
+    const KVA_NETWORKINFO info = sampleNetwork().record();
+    QVERIFY(CFileIO().WriteNetworkIni(folder.path("link").constData(), &info));
+    QCOMPARE(folder.read("net.ini"), sampleNetworkIni());
 }
 
 /** The result is settled when the file is open. */
