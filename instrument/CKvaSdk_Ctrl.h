@@ -82,9 +82,10 @@ public:
     void SetDefaultGateway(const uint8_t octets[4]);
     void SetDNS(const uint8_t octets[4]);
 
-    /** Takes up to 32 bytes of a NUL-terminated text; the rest is cut off. */
+    /** Takes up to 32 bytes of a NUL-terminated text; the rest is cut off. Null is an empty text.
+     */
     void SetSSID(const char* bytes);
-    /** Takes up to 64 bytes of a NUL-terminated text; the rest is cut off. */
+    /** The same with up to 64 bytes. */
     void SetEncryptKey(const char* bytes);
 
     /** Whether the instrument has a wireless module; a failed query reads as none. */

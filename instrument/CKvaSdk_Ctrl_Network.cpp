@@ -16,8 +16,9 @@ QString fieldText(const char (&field)[Size]) {
 /** Cuts the text to leave room for the NUL, and fills what it leaves of the field with zero. */
 template <std::size_t Size>
 void setField(char (&field)[Size], const char* bytes) {
-    const std::size_t length = ::strnlen(bytes, Size - 1);
-    std::memmove(field, bytes, length); // the text may be the field's own
+    const char* text = bytes ? bytes : "";
+    const std::size_t length = ::strnlen(text, Size - 1);
+    std::memmove(field, text, length); // the text may be the field's own
     std::memset(field + length, 0, Size - length);
 }
 

@@ -286,7 +286,8 @@ void TestControllerNetwork::setsAddresses() {
 void TestControllerNetwork::setsSsid_data() {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("empty") << QByteArray("") << QByteArray("");
+    QTest::newRow("none") << QByteArray() << QByteArray();
+    QTest::newRow("empty") << QByteArray("") << QByteArray();
     QTest::newRow("one byte") << QByteArray("a") << QByteArray("a");
     QTest::newRow("31 bytes") << QByteArray(31, 'b') << QByteArray(31, 'b');
     QTest::newRow("32 bytes") << QByteArray(32, 'c') << QByteArray(32, 'c');
@@ -302,14 +303,15 @@ void TestControllerNetwork::setsSsid() {
     CKvaSdk_Ctrl controller;
     std::fill(std::begin(controller.m_networkInfo.SSID), std::end(controller.m_networkInfo.SSID),
               '#');
-    controller.SetSSID(text.constData());
+    controller.SetSSID(text.isNull() ? nullptr : text.constData());
     QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo.SSID), kept.leftJustified(33, '\0'));
 }
 
 void TestControllerNetwork::setsEncryptKey_data() {
     QTest::addColumn<QByteArray>("text");
     QTest::addColumn<QByteArray>("kept");
-    QTest::newRow("empty") << QByteArray("") << QByteArray("");
+    QTest::newRow("none") << QByteArray() << QByteArray();
+    QTest::newRow("empty") << QByteArray("") << QByteArray();
     QTest::newRow("one byte") << QByteArray("a") << QByteArray("a");
     QTest::newRow("32 bytes") << QByteArray(32, 'b') << QByteArray(32, 'b');
     QTest::newRow("33 bytes") << QByteArray(33, 'c') << QByteArray(33, 'c');
@@ -324,7 +326,7 @@ void TestControllerNetwork::setsEncryptKey() {
     CKvaSdk_Ctrl controller;
     std::fill(std::begin(controller.m_networkInfo.EncryptKey),
               std::end(controller.m_networkInfo.EncryptKey), '#');
-    controller.SetEncryptKey(text.constData());
+    controller.SetEncryptKey(text.isNull() ? nullptr : text.constData());
     QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo.EncryptKey),
              kept.leftJustified(65, '\0'));
 }
