@@ -27,9 +27,10 @@ void DeviceEventHandler(uint32_t code, uint32_t rawDataCount, int32_t error);
  * The tool's single gateway to the instrument: owns the connection to one of them, keeps the
  * records exchanged with it, and turns them into the texts that the dialogs show.
  *
- * Operations return false on failure and leave a line in the debug output; nothing is thrown and
- * nothing is shown. Positive results of the library are warnings and count as success. Operations
- * that call the library keep its last result in `m_lastResult`, but for `IsWifiModuleEnabled`.
+ * Operations return false on failure; most failures leave a line in the debug output. Nothing is
+ * thrown but for lack of memory, and nothing is shown. Positive results of the library are warnings
+ * and count as success. Operations that call the library keep its last result in `m_lastResult`,
+ * but for `IsWifiModuleEnabled`.
  *
  * All operations belong to the user-interface thread and block until the instrument has answered.
  * Paths and texts passed as `const char*` are in the local 8-bit encoding and stay the caller's.
@@ -145,7 +146,8 @@ public:
     QStringList m_defaultGateway;
     QStringList m_dns;
 
-    // Serial numbers of the accessories: eight digits, or empty.
+    // Serial numbers of the accessories: empty, or eight digits; nine where their bytes are not
+    // binary-coded decimal.
     QString m_curWCPSerialNo;     ///< held by the instrument
     QString m_curAmbAdpSerialNo;  ///< held by the instrument
     QString m_fileWCPSerialNo;    ///< of the value file checked last
