@@ -15,6 +15,9 @@ class TestNetworkIniWrite : public QObject {
 
 private Q_SLOTS:
     void elevenLines();
+#ifdef Q_OS_LINUX
+    void flushesEachLine();
+#endif
     void content_data();
     void content();
     void replacesAnOlderFile();
@@ -37,6 +40,36 @@ void TestNetworkIniWrite::elevenLines() {
     QCOMPARE(folder.read("net.ini"), sampleNetworkIni());
     QCOMPARE(folder.read("net.ini").count('\n'), 11);
 }
+
+#ifdef Q_OS_LINUX
+namespace {
+
+/** How often the process has written to anything so far, as the system counts; -1 if it does not.
+ */
+int writesSoFar() {
+    QFile file(QStringLiteral("/proc/self/io"));
+    if (!file.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArrayList lines = file.readAll().split('\n');
+    for (const QByteArray& line : lines) {
+        if (line.startsWith("syscw: "))
+            return line.mid(7).toInt();
+    }
+    return -1;
+}
+
+} // namespace
+
+void TestNetworkIniWrite::flushesEachLine() {
+    const TestFolder folder;
+    const QByteArray path = folder.path("net.ini");
+    const KVA_NETWORKINFO info = sampleNetwork().record();
+    const int before = writesSoFar();
+    QVERIFY(before >= 0);
+    CFileIO().WriteNetworkIni(path.constData(), &info);
+    QCOMPARE(writesSoFar() - before, 11);
+}
+#endif
 
 void TestNetworkIniWrite::content_data() {
     QTest::addColumn<QByteArray>("bytes");
