@@ -31,12 +31,30 @@ QStringList dynamicEntries(const QString& tag) {
     return values;
 }
 
+/** The thirteen functions of the library as the compiler names them, each behind @p prefix; sorted.
+ */
+QStringList functionSymbols(const char* prefix) {
+    QStringList symbols;
+    for (const char* name :
+         {"KVA_Connect", "KVA_Disconnect", "KVA_GetDeviceInfo", "KVA_GetDevicePortList",
+          "KVA_GetNetworkInfo", "KVA_GetShutdownTime", "KVA_RegisterDeviceEventHandler",
+          "KVA_SetNetworkInfo", "KVA_SetShutdownTime",
+          "_Z34KVA_JIG_GetFactoryCalib_CALREFDATAP18KVA_JIG_CALREFDATA",
+          "_Z34KVA_JIG_SetFactoryCalib_CALREFDATAPK18KVA_JIG_CALREFDATA",
+          "_Z35KVA_JIG_SetFactoryCalib_WriteSectorv",
+          "_Z40KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATAP31KVA_JIG_ACTIONOPTIONFACTORYDATA"})
+        symbols.append(QString::fromLatin1(prefix) + QString::fromLatin1(name));
+    symbols.sort();
+    return symbols;
+}
+
 } // namespace
 
 class TestSymbols : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void importsTheThirteenFunctions();
+    void exportsThemOnMacOs();
     void needsTheLibraryByName();
     void looksBesideItsFolder();
 };
@@ -51,24 +69,21 @@ void TestSymbols::importsTheThirteenFunctions() {
             symbols.append(line.simplified());
     }
     symbols.sort();
-    QStringList expected{
-        QStringLiteral("U KVA_Connect"),
-        QStringLiteral("U KVA_Disconnect"),
-        QStringLiteral("U KVA_GetDeviceInfo"),
-        QStringLiteral("U KVA_GetDevicePortList"),
-        QStringLiteral("U KVA_GetNetworkInfo"),
-        QStringLiteral("U KVA_GetShutdownTime"),
-        QStringLiteral("U KVA_RegisterDeviceEventHandler"),
-        QStringLiteral("U KVA_SetNetworkInfo"),
-        QStringLiteral("U KVA_SetShutdownTime"),
-        QStringLiteral("U _Z34KVA_JIG_GetFactoryCalib_CALREFDATAP18KVA_JIG_CALREFDATA"),
-        QStringLiteral("U _Z34KVA_JIG_SetFactoryCalib_CALREFDATAPK18KVA_JIG_CALREFDATA"),
-        QStringLiteral("U _Z35KVA_JIG_SetFactoryCalib_WriteSectorv"),
-        QStringLiteral("U _Z40KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA"
-                       "P31KVA_JIG_ACTIONOPTIONFACTORYDATA"),
-    };
+    QCOMPARE(symbols, functionSymbols("U "));
+}
+
+/** By the simulated library, whose list for the linker there is kept by hand. */
+void TestSymbols::exportsThemOnMacOs() {
+    QFile file(QStringLiteral(VQTL4_MACOS_EXPORTS));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QRegularExpression noComment(QStringLiteral("^[^#]"));
+    QStringList names =
+        QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts).filter(noComment);
+    names.sort();
+    // The linker's names have an underscore before the compiler's.
+    QStringList expected = functionSymbols("_") << QStringLiteral("_KvaSim_*");
     expected.sort();
-    QCOMPARE(symbols, expected);
+    QCOMPARE(names, expected);
 }
 
 void TestSymbols::needsTheLibraryByName() {
