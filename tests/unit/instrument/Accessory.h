@@ -3,6 +3,8 @@
 
 #include "tests/unit/instrument/InstrumentBench.h"
 
+#include <QTest>
+
 #include <cstring>
 
 /** What a registration of a calibration accessory needs and where it lands in the record. */
@@ -31,5 +33,12 @@ constexpr Accessory accessories[] = {
     {"white plate", &CKvaSdk_Ctrl::WriteWCPData, 0, 4, 38, "23456789"},
     {"adapter", &CKvaSdk_Ctrl::WriteAmbAdpData, 156, 160, 75, "00054321"},
 };
+
+/** Adds the column "index" and a row for each accessory. */
+inline void accessoryRows() {
+    QTest::addColumn<int>("index");
+    for (int i = 0; i < 2; ++i)
+        QTest::newRow(accessories[i].name) << i;
+}
 
 #endif

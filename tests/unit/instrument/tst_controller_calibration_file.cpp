@@ -36,6 +36,8 @@ private Q_SLOTS:
     void keepsTextOfUnreadableFile();
     void clearsTextOfInvalidSerialNumber();
     void readsShortFileAsZero();
+    void acceptsFileWithoutValues_data();
+    void acceptsFileWithoutValues();
 
 private:
     QByteArray writeFile(const QByteArray& content) const {
@@ -286,6 +288,29 @@ void TestControllerCalibrationFile::readsShortFileAsZero() {
         QVERIFY(!controller.ReadAmbAdpFile(file.constData()));
         QCOMPARE(log.lines(), valueFileLines(0, 38, false) + valueFileLines(0, 75, false));
     }
+}
+
+void TestControllerCalibrationFile::acceptsFileWithoutValues_data() {
+    QTest::addColumn<bool>("isWhite");
+    QTest::addColumn<QByteArray>("content");
+    QTest::newRow("white") << true << QByteArray("heading\nheading\n12345678\n");
+    QTest::newRow("white, no line end") << true << QByteArray("heading\nheading\n12345678");
+    QTest::newRow("adapter") << false << QByteArray("heading\nheading\n00012345\n");
+    QTest::newRow("adapter, no line end") << false << QByteArray("heading\nheading\n00012345");
+}
+
+/** Three lines are no error; the serial number alone is checked, and the values are zero. */
+void TestControllerCalibrationFile::acceptsFileWithoutValues() {
+    QFETCH(bool, isWhite);
+    QFETCH(QByteArray, content);
+    const QByteArray file = writeFile(content);
+    CKvaSdk_Ctrl controller;
+    const DebugLog log;
+    QVERIFY(isWhite ? controller.ReadWCPFile(file) : controller.ReadAmbAdpFile(file));
+    QCOMPARE(controller.m_fileWCPSerialNo, isWhite ? QStringLiteral("12345678") : QString());
+    QCOMPARE(controller.m_fileAmbAdpSerialNo, isWhite ? QString() : QStringLiteral("00012345"));
+    QCOMPARE(log.lines(),
+             isWhite ? valueFileLines(12345678, 38, false) : valueFileLines(12345, 75, false));
 }
 
 QTEST_GUILESS_MAIN(TestControllerCalibrationFile)

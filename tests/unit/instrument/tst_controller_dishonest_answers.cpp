@@ -26,7 +26,7 @@ struct Alterations {
     Alteration<KVA_JIG_ACTIONOPTIONFACTORYDATA*> factoryOptions;
 } alterations;
 
-bool fillsNothing = false; ///< calls that fill a record succeed and leave it as it is
+int unfilled = 0; ///< so many calls that fill a record succeed and leave it as it is
 
 template <typename Function>
 Function simulated(const char* symbol) {
@@ -39,8 +39,10 @@ Function simulated(const char* symbol) {
 template <typename Record>
 KVA_RESULT pass(const char* symbol, Record* record, const Alteration<Record*>& alteration) {
     static const auto function = simulated<KVA_RESULT (*)(Record*)>(symbol);
-    if (fillsNothing)
+    if (unfilled > 0) {
+        --unfilled;
         return KVA_SUCCESS;
+    }
     const KVA_RESULT result = function(record);
     return alteration ? alteration(result, record) : result;
 }
@@ -93,6 +95,10 @@ private Q_SLOTS:
     void readBackDiffers_data();
     void readBackDiffers();
     void readBackDiffersInTheSignOfZero();
+    void fetchFillsNothing_data();
+    void fetchFillsNothing();
+    void noFetchFillsAnything_data();
+    void noFetchFillsAnything();
 };
 
 void TestControllerDishonestAnswers::init() {
@@ -101,7 +107,7 @@ void TestControllerDishonestAnswers::init() {
 
 void TestControllerDishonestAnswers::cleanup() {
     alterations = {};
-    fillsNothing = false;
+    unfilled = 0;
 }
 
 void TestControllerDishonestAnswers::boundsTheCount_data() {
@@ -172,7 +178,7 @@ void TestControllerDishonestAnswers::recordsAreZeroBeforeTheCall() {
     QVERIFY(controller.GetDeviceInfo());
     QVERIFY(controller.GetNetworkInfo());
     // A call that fills nothing leaves nothing of an earlier one.
-    fillsNothing = true;
+    unfilled = 4;
     QVERIFY(controller.GetDeviceInfo());
     QVERIFY(controller.GetNetworkInfo());
     QVERIFY(controller.GetCalRefSerialNo());
@@ -286,6 +292,48 @@ void TestControllerDishonestAnswers::readBackDiffersInTheSignOfZero() {
     };
     const DebugLog log;
     QVERIFY(!controller.WriteWCPData(file.constData()));
+    QCOMPARE(log.lines(), QStringList(QStringLiteral("CALREFDATA is incorrect.\n")));
+}
+
+void TestControllerDishonestAnswers::fetchFillsNothing_data() {
+    accessoryRows();
+}
+
+/** What the fetch leaves out is registered as zero, never as what was on the stack; the
+    registration succeeds, since that is what is read back. */
+void TestControllerDishonestAnswers::fetchFillsNothing() {
+    QFETCH(int, index);
+    const Accessory& accessory = accessories[index];
+    const QTemporaryDir folder;
+    const QByteArray file =
+        InstrumentBench::writeFile(folder.filePath(QStringLiteral("values.csv")), accessory.file());
+    CKvaSdk_Ctrl controller;
+    QVERIFY(InstrumentBench::connect(controller));
+    unfilled = 1;
+    const DebugLog log;
+    QVERIFY((controller.*accessory.write)(file.constData()));
+    QCOMPARE(unfilled, 0);
+    QCOMPARE(log.lines(), QStringList());
+    QVERIFY(InstrumentBench::powerCycle(controller));
+    QCOMPARE(InstrumentBench::bytesOf(InstrumentBench::calibrationRecord()),
+             accessory.registeredIn(QByteArray(sizeof(KVA_JIG_CALREFDATA), '\0')));
+}
+
+void TestControllerDishonestAnswers::noFetchFillsAnything_data() {
+    accessoryRows();
+}
+
+void TestControllerDishonestAnswers::noFetchFillsAnything() {
+    QFETCH(int, index);
+    const QTemporaryDir folder;
+    const QByteArray file = InstrumentBench::writeFile(
+        folder.filePath(QStringLiteral("values.csv")), accessories[index].file());
+    CKvaSdk_Ctrl controller;
+    QVERIFY(InstrumentBench::connect(controller));
+    unfilled = 2;
+    const DebugLog log;
+    QVERIFY(!(controller.*accessories[index].write)(file.constData()));
+    QCOMPARE(controller.m_lastResult, 0);
     QCOMPARE(log.lines(), QStringList(QStringLiteral("CALREFDATA is incorrect.\n")));
 }
 

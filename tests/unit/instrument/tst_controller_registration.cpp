@@ -21,12 +21,6 @@ QByteArray recordBytes() {
     return InstrumentBench::bytesOf(InstrumentBench::calibrationRecord());
 }
 
-void accessoryRows() {
-    QTest::addColumn<int>("index");
-    for (int i = 0; i < 2; ++i)
-        QTest::newRow(accessories[i].name) << i;
-}
-
 } // namespace
 
 class TestControllerRegistration : public QObject {
@@ -40,9 +34,13 @@ private Q_SLOTS:
     void readsTheFileAgain_data();
     void readsTheFileAgain();
     void keepsTheInstrumentsSerialNumber();
+    void keepsTheInstrumentsValues_data();
+    void keepsTheInstrumentsValues();
     void carriesValuesThatAreNoNumbers();
     void failsAtCall_data();
     void failsAtCall();
+    void commitsWhatAFailedCommitLeft_data();
+    void commitsWhatAFailedCommitLeft();
     void failsAtFile_data();
     void failsAtFile();
     void refusesInvalidSerialNumber_data();
@@ -145,6 +143,28 @@ void TestControllerRegistration::keepsTheInstrumentsSerialNumber() {
     QCOMPARE(record.ambAdp.spcData[74], InstrumentBench::fileValue(74));
 }
 
+void TestControllerRegistration::keepsTheInstrumentsValues_data() {
+    accessoryRows();
+}
+
+/** A file of three lines puts another serial number to the values held. */
+void TestControllerRegistration::keepsTheInstrumentsValues() {
+    QFETCH(int, index);
+    const Accessory& accessory = accessories[index];
+    const QByteArray file = writeFile("heading\nheading\n" + QByteArray(accessory.serialNo) + '\n');
+    CKvaSdk_Ctrl controller;
+    QVERIFY(InstrumentBench::connect(controller));
+    const QByteArray before = recordBytes();
+    KvaSim_ClearCallLog();
+    const DebugLog log;
+    QVERIFY((controller.*accessory.write)(file.constData()));
+    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(InstrumentBench::calls(), allCalls);
+    QVERIFY(InstrumentBench::powerCycle(controller));
+    QCOMPARE(recordBytes(), QByteArray(before).replace(accessory.serialNoOffset, 4,
+                                                       QByteArray::fromHex(accessory.serialNo)));
+}
+
 void TestControllerRegistration::carriesValuesThatAreNoNumbers() {
     const QByteArray odd = R"("0x7fc00001", "0xffa00002", "0x80000000", "0x00000001")";
     CKvaSdk_Ctrl controller;
@@ -203,6 +223,31 @@ void TestControllerRegistration::failsAtCall() {
     // Nothing is taken back: what was handed over without a commit goes with the power.
     QVERIFY(InstrumentBench::powerCycle(controller));
     QCOMPARE(recordBytes(), isCommitted ? accessory.registeredIn(before) : before);
+}
+
+void TestControllerRegistration::commitsWhatAFailedCommitLeft_data() {
+    accessoryRows();
+}
+
+/** The record of the failed registration stays in the instrument's working copy, which the next
+    one fetches, completes and commits. A power cycle between them drops it: see failsAtCall. */
+void TestControllerRegistration::commitsWhatAFailedCommitLeft() {
+    QFETCH(int, index);
+    const Accessory& failed = accessories[index];
+    const Accessory& next = accessories[1 - index];
+    CKvaSdk_Ctrl controller;
+    QVERIFY(InstrumentBench::connect(controller));
+    const QByteArray before = recordBytes();
+    QVERIFY(InstrumentBench::answer("KVA_JIG_SetFactoryCalib_WriteSector", -9989, 1));
+    QVERIFY(!(controller.*failed.write)(writeFile(failed.file()).constData()));
+    KvaSim_ClearCallLog();
+    const DebugLog log;
+    QVERIFY((controller.*next.write)(writeFile(next.file()).constData()));
+    QCOMPARE(controller.m_lastResult, 0);
+    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(InstrumentBench::calls(), allCalls);
+    QVERIFY(InstrumentBench::powerCycle(controller));
+    QCOMPARE(recordBytes(), next.registeredIn(failed.registeredIn(before)));
 }
 
 void TestControllerRegistration::failsAtFile_data() {
