@@ -204,19 +204,19 @@
     </message>
     <message>
         <source>Failed to write WhiteCalibPlate file.</source>
-        <translation>白色校正板の校正値ファイルを書き込めませんでした。</translation>
+        <translation>白色校正板の校正値ファイルが選択されていません。</translation>
     </message>
     <message>
         <source>Failed to write WhiteCalibPlate data.</source>
-        <translation>白色校正板の校正値を書き込めませんでした。</translation>
+        <translation>白色校正板の校正値を測定器に書き込めませんでした。</translation>
     </message>
     <message>
         <source>Failed to write AmbientLightAdapter file.</source>
-        <translation>環境光アダプターの校正値ファイルを書き込めませんでした。</translation>
+        <translation>環境光アダプターの校正値ファイルが選択されていません。</translation>
     </message>
     <message>
         <source>Failed to write AmbientLightAdapter data.</source>
-        <translation>環境光アダプターの校正値を書き込めませんでした。</translation>
+        <translation>環境光アダプターの校正値を測定器に書き込めませんでした。</translation>
     </message>
     <message>
         <source>csv(*.csv)</source>
@@ -244,7 +244,7 @@
     </message>
     <message>
         <source>Wireless LAN is invalid.</source>
-        <translation>無線LANは無効です。</translation>
+        <translation>測定器に無線LANモジュールがありません。</translation>
     </message>
     <message>
         <source>Failed to device WhiteCalibPlateSerialNo.</source>
@@ -256,7 +256,7 @@
     </message>
     <message>
         <source>Failed to read automatic shutdown time.</source>
-        <translation>オートパワーオフ時間を読み込めませんでした。</translation>
+        <translation>測定器のオートパワーオフ時間を読み込めませんでした。</translation>
     </message>
     <message>
         <source>The measuring instruments is not connected.</source>
@@ -268,7 +268,7 @@
     </message>
     <message>
         <source>Failed to disconnect device.</source>
-        <translation>測定器との接続を切断できませんでした。</translation>
+        <translation>終了時に測定器との接続を切断できませんでした。</translation>
     </message>
     <message>
         <source>The connection with the measuring instrument was disconnected.</source>
@@ -280,7 +280,7 @@
     </message>
     <message>
         <source>Failed to read Network Infomation data.</source>
-        <translation>ネットワーク情報を読み込めませんでした。</translation>
+        <translation>測定器のネットワーク設定を読み込めませんでした。</translation>
     </message>
     <message>
         <source>Successful read body data.</source>
@@ -292,7 +292,7 @@
     </message>
     <message>
         <source>Failed to read Network Infomation file data.</source>
-        <translation>ネットワーク情報ファイルを読み込めませんでした。</translation>
+        <translation>ネットワーク設定ファイルを読み込めませんでした。</translation>
     </message>
     <message>
         <source>ini(*.ini)</source>
@@ -308,19 +308,19 @@
     </message>
     <message>
         <source>Failed to write Network Infomation file data.</source>
-        <translation>ネットワーク情報ファイルを書き込めませんでした。</translation>
+        <translation>ネットワーク設定をファイルに書き込めませんでした。</translation>
     </message>
     <message>
         <source>Write successful. To reflect, after [Disconnect], turn the power supply of the measuring instrument OFF -&gt; ON.</source>
-        <translation>書き込みが完了しました。設定を反映するには、[切断]の後、測定器の電源をOFF -&gt; ONしてください。</translation>
+        <translation>書き込みが完了しました。設定を反映するには、[切断]を押した後、測定器の電源を入れ直してください(OFF -&gt; ON)。</translation>
     </message>
     <message>
         <source>Failed to write Network Infomation data.</source>
-        <translation>ネットワーク情報を書き込めませんでした。</translation>
+        <translation>ネットワーク設定を測定器に書き込めませんでした。</translation>
     </message>
     <message>
         <source>Failed to write automatic shutdown time.</source>
-        <translation>オートパワーオフ時間を書き込めませんでした。</translation>
+        <translation>オートパワーオフ時間を測定器に書き込めませんでした。</translation>
     </message>
     <message>
         <source>Settings</source>
@@ -336,7 +336,7 @@
     </message>
     <message>
         <source>Ends the connection with the instrument</source>
-        <translation>測定器との接続を終了します</translation>
+        <translation>測定器との接続を切断します</translation>
     </message>
     <message>
         <source>Ends the program</source>
@@ -384,7 +384,7 @@
     </message>
     <message>
         <source>Key of the access point, up to 64 bytes; the first key pressed empties it</source>
-        <translation>アクセスポイントのキー、64バイトまで。最初のキー入力で欄が空になります</translation>
+        <translation>アクセスポイントのセキュリティキー、64バイトまで。最初に何かキーを押すと欄が空になります</translation>
     </message>
     <message>
         <source>DHCP: on</source>
@@ -400,7 +400,7 @@
     </message>
     <message>
         <source>The instrument uses the addresses below; choosing this empties them</source>
-        <translation>測定器は下のアドレスを使います。選ぶとアドレス欄が空になります</translation>
+        <translation>測定器は下のアドレスを使用します。選択するとアドレス欄が空になります</translation>
     </message>
     <message>
         <source>IP Address, octet %1</source>
@@ -420,7 +420,7 @@
     </message>
     <message>
         <source>A number from 0 to 255</source>
-        <translation>0から255までの数字</translation>
+        <translation>0から255までの数値</translation>
     </message>
     <message>
         <source>Loads network settings from a file into the fields</source>
@@ -448,23 +448,23 @@
     </message>
     <message>
         <source>The instrument switches itself off after 15 minutes</source>
-        <translation>測定器の電源が15分後に自動で切れます</translation>
+        <translation>15分間使用しないと、測定器の電源が自動で切れます</translation>
     </message>
     <message>
         <source>The instrument switches itself off after 30 minutes</source>
-        <translation>測定器の電源が30分後に自動で切れます</translation>
+        <translation>30分間使用しないと、測定器の電源が自動で切れます</translation>
     </message>
     <message>
         <source>The instrument switches itself off after 60 minutes</source>
-        <translation>測定器の電源が60分後に自動で切れます</translation>
+        <translation>60分間使用しないと、測定器の電源が自動で切れます</translation>
     </message>
     <message>
         <source>Reads the power-off time of the instrument</source>
-        <translation>測定器のオートパワーオフの時間を読み込みます</translation>
+        <translation>測定器のオートパワーオフ時間を読み込みます</translation>
     </message>
     <message>
         <source>Writes the power-off time to the instrument</source>
-        <translation>オートパワーオフの時間を測定器に書き込みます</translation>
+        <translation>オートパワーオフ時間を測定器に書き込みます</translation>
     </message>
     <message>
         <source>Serial number of the white calibration plate that the instrument holds</source>
@@ -480,7 +480,7 @@
     </message>
     <message>
         <source>Chooses the value file of a white calibration plate</source>
-        <translation>白色校正板の校正値ファイルを選びます</translation>
+        <translation>白色校正板の校正値ファイルを選択します</translation>
     </message>
     <message>
         <source>Registers the white calibration plate of the chosen file in the instrument</source>
@@ -492,7 +492,7 @@
     </message>
     <message>
         <source>Chooses the value file of an ambient light adapter</source>
-        <translation>環境光アダプターの校正値ファイルを選びます</translation>
+        <translation>環境光アダプターの校正値ファイルを選択します</translation>
     </message>
     <message>
         <source>Registers the ambient light adapter of the chosen file in the instrument</source>
@@ -511,7 +511,7 @@
     </message>
     <message>
         <source>English</source>
-        <translation>英語</translation>
+        <translation>English</translation>
     </message>
     <message>
         <source>Japanese</source>

@@ -66,6 +66,10 @@ private Q_SLOTS:
     void englishIsTheSource();
     void japaneseDiffers();
     void japaneseKeepsTheForm();
+    void japaneseSays_data();
+    void japaneseSays();
+    void japaneseSentencesDiffer();
+    void japaneseTerms();
     void startUpMessages_data();
     void startUpMessages();
 };
@@ -143,10 +147,10 @@ void TestTranslations::englishIsTheSource() {
 /** All but names, signs and file filters is in Japanese. */
 void TestTranslations::japaneseDiffers() {
     const QStringList kept = {
-        QStringLiteral("*(*.*)"),     QStringLiteral("."),         QStringLiteral("DHCP:"),
-        QStringLiteral("OFF"),        QStringLiteral("OK"),        QStringLiteral("ON"),
-        QStringLiteral("SSID"),       QStringLiteral("SSID:"),     QStringLiteral("TCP/IP"),
-        QStringLiteral("csv(*.csv)"), QStringLiteral("ini(*.ini)")};
+        QStringLiteral("*(*.*)"),  QStringLiteral("."),          QStringLiteral("DHCP:"),
+        QStringLiteral("English"), QStringLiteral("OFF"),        QStringLiteral("OK"),
+        QStringLiteral("ON"),      QStringLiteral("SSID"),       QStringLiteral("SSID:"),
+        QStringLiteral("TCP/IP"),  QStringLiteral("csv(*.csv)"), QStringLiteral("ini(*.ini)")};
     const auto entries = readTranslationSource(translationSourcePath(QStringLiteral("jp")));
     QVERIFY(!entries.isEmpty());
     QSet<QString> same;
@@ -182,6 +186,63 @@ void TestTranslations::japaneseKeepsTheForm() {
                 QVERIFY2(entry.translation.contains(QLatin1String(name)),
                          qUtf8Printable(entry.source));
         }
+    }
+}
+
+void TestTranslations::japaneseSays_data() {
+    QTest::addColumn<QString>("context");
+    QTest::addColumn<QString>("source");
+    QTest::addColumn<QString>("part");
+    const auto row = [](const char* context, const char* source, const char* part) {
+        QTest::newRow(source) << QString::fromLatin1(context) << QString::fromLatin1(source)
+                              << QString::fromUtf8(part);
+    };
+    row("LangSelectDialog", "English", "English");
+    row("LangSelectDialog", "Japanese", "日本語");
+    row("InitSettingDialog", "Wireless LAN is invalid.", "モジュールがありません");
+    row("InitSettingDialog", "Failed to write WhiteCalibPlate file.", "選択されていません");
+    row("InitSettingDialog", "Failed to write AmbientLightAdapter file.", "選択されていません");
+    row("InitSettingDialog", "Failed to disconnect device.", "終了時");
+}
+
+/** Where the source text leaves open what is meant, or means something else than it says. */
+void TestTranslations::japaneseSays() {
+    QFETCH(QString, context);
+    QFETCH(QString, source);
+    QFETCH(QString, part);
+    const QString text = translationOf(QStringLiteral("jp"), context, source);
+    QVERIFY2(text.contains(part), qUtf8Printable(text));
+}
+
+/** Two sentences of a window stay two. */
+void TestTranslations::japaneseSentencesDiffer() {
+    QMap<QString, QString> sources;
+    for (const TranslationEntry& entry :
+         readTranslationSource(translationSourcePath(QStringLiteral("jp")))) {
+        if (!entry.translation.endsWith(QStringLiteral("。")))
+            continue;
+        const QString key = entry.context + QStringLiteral(" | ") + entry.translation;
+        QVERIFY2(!sources.contains(key),
+                 qUtf8Printable(entry.source + QStringLiteral(", ") + sources.value(key)));
+        sources.insert(key, entry.source);
+    }
+    QVERIFY(sources.size() > 20);
+}
+
+/** One term for one thing: these have another. */
+void TestTranslations::japaneseTerms() {
+    const QStringList others = {QStringLiteral("本体"),
+                                QStringLiteral("装置"),
+                                QStringLiteral("機器"),
+                                QStringLiteral("計測器"),
+                                QStringLiteral("デバイス"),
+                                QStringLiteral("ネットワーク情報"),
+                                QStringLiteral("パワーオフの時間")};
+    const auto entries = readTranslationSource(translationSourcePath(QStringLiteral("jp")));
+    QVERIFY(!entries.isEmpty());
+    for (const TranslationEntry& entry : entries) {
+        for (const QString& other : others)
+            QVERIFY2(!entry.translation.contains(other), qUtf8Printable(entry.translation));
     }
 }
 
