@@ -5,8 +5,10 @@
 #include "dialogs/LangSelectDialog.h"
 #include "tests/dialogs/form/FormTable.h"
 #include "tests/dialogs/form/Translations.h"
+#include "tests/support/ModalAnswerer.h"
 
 #include <QApplication>
+#include <QDialogButtonBox>
 #include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -40,6 +42,19 @@ void addLanguages() {
         QTest::newRow(language) << QString::fromLatin1(language);
 }
 
+/** The texts of the buttons at the edge of one of Qt's own windows, in the order of their making.
+ */
+QStringList buttonTexts(const QDialog& window) {
+    QStringList texts;
+    const auto boxes = window.findChildren<QDialogButtonBox*>();
+    for (const QDialogButtonBox* box : boxes) {
+        for (const QAbstractButton* button : box->buttons())
+            texts.append(button->text());
+    }
+    texts.sort();
+    return texts;
+}
+
 /** A language's translation; of the empty one: none. */
 std::unique_ptr<InstalledTranslation> install(const QString& language) {
     return language.isEmpty() ? nullptr : std::make_unique<InstalledTranslation>(language);
@@ -47,7 +62,7 @@ std::unique_ptr<InstalledTranslation> install(const QString& language) {
 
 } // namespace
 
-/** Every text of every window is shown whole, in both languages. */
+/** Every text of every window is in its language and shown whole, in both languages. */
 class TestTextFit : public QObject {
     Q_OBJECT
 
@@ -67,6 +82,10 @@ private Q_SLOTS:
     void octets();
     void instruments_data();
     void instruments();
+    void qtFileDialog_data();
+    void qtFileDialog();
+    void qtMessageBox_data();
+    void qtMessageBox();
     void misfitIsSeen_data();
     void misfitIsSeen();
 };
@@ -193,6 +212,69 @@ void TestTextFit::instruments() {
     QVERIFY(list->sizeHintForColumn(0) <= list->viewport()->width());
     QVERIFY(!list->horizontalScrollBar()->isVisible());
     QCOMPARE(list->textElideMode(), Qt::ElideRight);
+}
+
+void TestTextFit::qtFileDialog_data() {
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QByteArray>("slot");
+    QTest::addColumn<QStringList>("buttons");
+    QTest::addColumn<QString>("fileName");
+    const auto row = [](const char* name, const char* language, const char* slot,
+                        const QStringList& buttons, const char* fileName) {
+        QTest::newRow(name) << QString::fromLatin1(language) << QByteArray(slot) << buttons
+                            << QString::fromUtf8(fileName);
+    };
+    const char* open = "on_readToFilePushBtn_clicked";
+    const char* save = "on_writeFilePushBtn_clicked";
+    const QString cancel = QStringLiteral("キャンセル");
+    row("open, English", "en", open, {QStringLiteral("&Open"), QStringLiteral("Cancel")},
+        "File &name:");
+    row("save, English", "en", save, {QStringLiteral("&Save"), QStringLiteral("Cancel")},
+        "File &name:");
+    row("open, Japanese", "jp", open, {cancel, QStringLiteral("開く(&O)")}, "ファイル名(&N):");
+    row("save, Japanese", "jp", save, {cancel, QStringLiteral("保存(&S)")}, "ファイル名(&N):");
+}
+
+/** Qt's own windows speak the language of the tool. */
+void TestTextFit::qtFileDialog() {
+    QFETCH(QString, language);
+    QFETCH(QByteArray, slot);
+    QFETCH(QStringList, buttons);
+    QFETCH(QString, fileName);
+    const InstalledTranslation translation(language);
+    InitSettingDialog window;
+    ModalAnswerer answerer;
+    answerer.willCancel();
+    QStringList shown;
+    QString label;
+    answerer.onFileDialog = [&](QFileDialog& dialog) {
+        shown = buttonTexts(dialog);
+        label = dialog.labelText(QFileDialog::FileName);
+    };
+    QVERIFY(QMetaObject::invokeMethod(&window, slot.constData()));
+    QCOMPARE(shown, buttons);
+    QCOMPARE(label, fileName);
+}
+
+void TestTextFit::qtMessageBox_data() {
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QStringList>("buttons");
+    QTest::newRow("English") << QStringLiteral("en")
+                             << QStringList({QStringLiteral("&No"), QStringLiteral("&Yes"),
+                                             QStringLiteral("OK")});
+    QTest::newRow("Japanese") << QStringLiteral("jp")
+                              << QStringList({QStringLiteral("OK"), QStringLiteral("いいえ(&N)"),
+                                              QStringLiteral("はい(&Y)")});
+}
+
+/** Such as the file dialog's question whether to replace a file. */
+void TestTextFit::qtMessageBox() {
+    QFETCH(QString, language);
+    QFETCH(QStringList, buttons);
+    const InstalledTranslation translation(language);
+    const QMessageBox box(QMessageBox::Question, QString(), QString(),
+                          QMessageBox::Ok | QMessageBox::Yes | QMessageBox::No);
+    QCOMPARE(buttonTexts(box), buttons);
 }
 
 void TestTextFit::misfitIsSeen_data() {
