@@ -1,8 +1,8 @@
 #include "files/NumberText.h"
 
+#include "tests/support/TestMain.h"
 #include <QByteArray>
 #include <QRandomGenerator>
-#include <QTest>
 
 #include <cmath>
 #include <cstdlib>
@@ -155,6 +155,6 @@ void TestNumberText::readsAsTheCLibraryDoes() {
     }
 }
 
-QTEST_GUILESS_MAIN(TestNumberText)
+TEST_CLASS(TestNumberText)
 
 #include "tst_number_text.moc"

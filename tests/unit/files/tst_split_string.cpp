@@ -1,7 +1,7 @@
 #include "files/CFileIO.h"
 #include "tests/unit/files/FileFixture.h"
 
-#include <QTest>
+#include "tests/support/TestMain.h"
 
 #include <memory>
 
@@ -122,6 +122,6 @@ void TestSplitString::onlyTheDestructorIsVirtual() {
     QVERIFY(destroyed);
 }
 
-QTEST_GUILESS_MAIN(TestSplitString)
+TEST_CLASS(TestSplitString)
 
 #include "tst_split_string.moc"
