@@ -40,19 +40,19 @@ void prepareWindow(QWidget& window, const QString& iconPath, Qt::WindowFlags fla
 /** The same for a selection dialog, whose OK button gets its colour as well. */
 void prepareChoice(QWidget& window, QPushButton& okButton, Qt::WindowFlags flags);
 
-/** Keeps the windows alive until @p isFinished says so: processes events, then sleeps 10 ms, again
-    and again. Asked before each pass. */
+/** Waits until @p isFinished returns true, which is asked before each pass. A pass processes the
+    pending events and sleeps 10 ms. */
 void waitUntil(const std::function<bool()>& isFinished);
 
-/** The same for the end of a window. One that is hidden without having been closed is closed, as
-    nobody could leave it any more; its close event is to set @p isFinished. */
+/** Waits until the user has left @p window. The window's close event sets @p isFinished. A window
+    that is hidden without a close event is closed here: nobody could close it any more. */
 void waitUntilLeft(QWidget& window, const bool& isFinished);
 
 /** Whether a key press is one that would dismiss a dialog: Escape with any modifiers, and what else
     the platform takes for "Cancel". */
 bool isCancelKey(const QKeyEvent& event);
 
-/** Shows the busy cursor while it exists. To be gone before a message is shown. */
+/** Shows the busy cursor while it exists. End its scope before showing a message. */
 class BusyCursor {
 public:
     BusyCursor();
@@ -64,7 +64,7 @@ public:
 /** Unchecks a button even where its exclusive group would keep one checked. */
 void forceUncheck(QRadioButton& button);
 
-/** What @p call returns; the busy cursor is shown until then. */
+/** Shows the busy cursor during @p call. @return what the call returns */
 template <typename Call>
 auto whileBusy(const Call& call) {
     const BusyCursor cursor;
@@ -76,12 +76,12 @@ auto whileBusy(const Call& call) {
 void showMessageBox(const QString& title, const QString& text, QMessageBox::Icon icon,
                     const QString& iconPath);
 
-/** Gives the keyboard focus back at its end: a widget that is disabled loses it to the next one in
-    the order, where a key would press another button. Does nothing when that widget is still
-    disabled then, or gone. */
+/** Restores the keyboard focus at the end of its scope. Disabling a widget moves the focus to the
+    next one, where Space would press another button. Does nothing if the widget is still disabled
+    or was deleted. */
 class FocusKeeper {
 public:
-    /** Keeps the focus of @p window, which must live longer. */
+    /** Remembers the focus widget of @p window, which must live longer. */
     explicit FocusKeeper(QWidget& window);
     ~FocusKeeper();
     FocusKeeper(const FocusKeeper&) = delete;

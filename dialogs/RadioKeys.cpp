@@ -52,7 +52,7 @@ bool RadioKeys::eventFilter(QObject* watched, QEvent* event) {
         button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         button->click();
     } else {
-        event->ignore(); // to the parent next, past the button, which would move the focus itself
+        event->ignore(); // the parent gets it, not the button, which would move the focus
     }
     return true;
 }

@@ -8,14 +8,17 @@
 #include <vector>
 
 /**
- * Makes radio buttons a choice of their own for the keyboard: Tab stops at the checked one (at each
- * while none is), the arrow keys choose among them. An arrow key at the end of the row, or with a
- * modifier other than the keypad's, goes on to the window. Qt takes all radio buttons inside a box
- * for one choice, those of a box within it as well: Tab then leaves the inner ones out, and an
- * arrow key changes them from outside. What is checked and unchecked with what stays Qt's affair.
+ * Makes a row of radio buttons a group of its own for the keyboard. Tab stops at the checked
+ * button, or at each button while none is checked. The arrow keys check the next or the previous
+ * one. An arrow key at the end of the row, or with a modifier other than the keypad's, goes to the
+ * window.
  *
- * Sees each key press in the application before the widget that it is meant for, and sets the stops
- * of Tab then. User-interface thread only; an application object must exist.
+ * Qt treats all radio buttons inside a box as one group, including those of a box within it. Tab
+ * then skips the inner ones, and an arrow key on an outer one changes an inner one. This class does
+ * not change which buttons uncheck each other.
+ *
+ * It filters the key presses of the whole application and updates the tab stops at each of them.
+ * User-interface thread only; an application object must exist.
  */
 class RadioKeys : public QObject {
 public:
@@ -26,8 +29,7 @@ public:
     bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
-    /** Qt moves the stops whenever a radio button gets the focus, and leaves them where they are
-       when one is checked. */
+    /** Qt changes the tab stops when a radio button gets the focus, but not when one is checked. */
     void restoreTabStops();
 
     std::vector<QPointer<QRadioButton>> m_buttons;
