@@ -8,9 +8,11 @@ if(KVASDK_ROOT)
     target_link_libraries(KVASDK_in_use INTERFACE -lKVASDK)
     file(COPY "${KVASDK_LIBRARY}" DESTINATION "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}"
         FOLLOW_SYMLINK_CHAIN)
-    install(FILES "${KVASDK_LIBRARY}" DESTINATION "${VQTL4_LIBRARY_DESTINATION}")
+    # In no Debian package: vq-tl4 is the tool alone, whichever library it was built with.
+    install(FILES "${KVASDK_LIBRARY}" DESTINATION "${VQTL4_LIBRARY_DESTINATION}" COMPONENT plain)
 else()
     add_subdirectory(simulator)
     target_link_libraries(KVASDK_in_use INTERFACE KVASDK)
-    install(TARGETS KVASDK LIBRARY DESTINATION "${VQTL4_LIBRARY_DESTINATION}")
+    install(TARGETS KVASDK
+        LIBRARY DESTINATION "${VQTL4_LIBRARY_DESTINATION}" COMPONENT simulator)
 endif()

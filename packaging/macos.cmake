@@ -1,6 +1,6 @@
 # VQ-TL4.app, with Qt and libKVASDK inside, signed, on a disk image: cmake --preset bundle, then cpack.
 if(NOT VQTL4_BUNDLE)
-    install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" DESTINATION bin)
+    install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" DESTINATION "${VQTL4_PROGRAM_DESTINATION}")
     return()
 endif()
 
@@ -26,4 +26,5 @@ install(CODE "
         COMMAND_ERROR_IS_FATAL ANY)")
 
 set(CPACK_GENERATOR DragNDrop)
+set(CPACK_MONOLITHIC_INSTALL ON) # not an image for each component
 set(CPACK_DMG_VOLUME_NAME VQ-TL4)

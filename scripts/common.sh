@@ -18,6 +18,11 @@ as_root() {
     fi
 }
 
+# three_times COMMAND...: for downloads; tried again where it fails, after 5 and after 15 seconds.
+three_times() {
+    "$@" || { sleep 5 && "$@"; } || { sleep 15 && "$@"; }
+}
+
 # install_debian PACKAGE...: installs the packages that are missing.
 install_debian() {
     local package missing=()
