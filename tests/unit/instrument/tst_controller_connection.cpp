@@ -1,178 +1,165 @@
-#include "tests/support/DebugLog.h"
-#include "tests/unit/instrument/InstrumentBench.h"
-
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 #include <climits>
 
 namespace {
 
-const QString conectError = QStringLiteral("conect error \n");
-const QString diconectError = QStringLiteral("diconect error \n");
-const QString diconectAlready = QStringLiteral("diconect already \n");
+const QString conectError = "conect error \n";
+const QString diconectError = "diconect error \n";
+const QString diconectAlready = "diconect already \n";
+
+/** What there was before a connection is asked for. */
+enum Before { NothingListed, Listed, ListLost, Connected, Unplugged };
+
+/** A connection asked for. */
+struct ConnectRow {
+    const char* name;
+    Before before;
+    int index;
+    quint32 wait;
+    bool isConnected; ///< afterwards
+    int lastResult;   ///< 4 before
+    QString call;     ///< with its result; empty: none
+};
+
+QString connectCall(quint32 wait, int result) {
+    const QString call = R"(KVA_Connect {"port":{"name":"USB","type":1},"wait":%1} %2)";
+    return call.arg(wait).arg(result);
+}
+
+const ConnectRow connections[] = {
+    {"0", Listed, 0, 0, true, 0, connectCall(0, 0)},
+    {"10", Listed, 0, 10, true, 0, connectCall(10, 0)},
+    {"highest", Listed, 0, UINT_MAX, true, 0, connectCall(UINT_MAX, 0)},
+    {"nothing enumerated, 0", NothingListed, 0, 10, false, 4, ""},
+    {"nothing enumerated, -1", NothingListed, -1, 10, false, 4, ""},
+    {"one entry, 1", Listed, 1, 10, false, 4, ""},
+    {"one entry, -1", Listed, -1, 10, false, 4, ""},
+    {"one entry, 99", Listed, 99, 10, false, 4, ""},
+    {"one entry, highest", Listed, INT_MAX, 10, false, 4, ""},
+    {"one entry, lowest", Listed, INT_MIN, 10, false, 4, ""},
+    {"entry of an earlier list", ListLost, 0, 10, false, 4, ""},
+    {"unplugged", Unplugged, 0, 10, false, -9994, connectCall(10, -9994)},
+    {"connected", Connected, 0, 10, true, -9995, connectCall(10, -9995)},
+};
+
+/** What the instrument says of itself, and the texts that become of it. */
+struct IdentityRow {
+    const char* name;
+    QByteArray device;
+    QString serialNo;
+    QString firmVersion;
+    QString macAddress;
+};
+
+const IdentityRow identities[] = {
+    {"padded", R"({"serialNumber":1234567,"firmware":[1,2,3],"macAddress":"02:0a:bc:0d:ef:09"})",
+     "01234567", "1.02.0003", "02:0A:BC:0D:EF:09"},
+    {"zero", R"({"serialNumber":0,"firmware":[0,0,0],"macAddress":"00:00:00:00:00:00"})",
+     "00000000", "0.00.0000", "00:00:00:00:00:00"},
+    {"full width",
+     R"({"serialNumber":12345678,"firmware":[12,34,5678],"macAddress":"ff:fe:fd:fc:fb:fa"})",
+     "12345678", "12.34.5678", "FF:FE:FD:FC:FB:FA"},
+    {"never cut",
+     R"({"serialNumber":123456789,"firmware":[123,456,78901],"macAddress":"01:23:45:67:89:ab"})",
+     "123456789", "123.456.78901", "01:23:45:67:89:AB"},
+    {"signs",
+     R"({"serialNumber":2147483647,"firmware":[4294967295,-1,-2],
+         "macAddress":"10:20:30:40:50:60"})",
+     "2147483647", "4294967295.-1.-002", "10:20:30:40:50:60"},
+    // The field is unsigned, the format is that of a signed number.
+    {"serial number above the signed range",
+     R"({"serialNumber":4294967295,"firmware":[1,0,0],"macAddress":"00:00:00:00:00:01"})",
+     "-0000001", "1.00.0000", "00:00:00:00:00:01"},
+};
+
+const NumberRow failures[] = {
+    {"error", -9999}, {"information", -9993}, {"not equal", -9794}, {"-1", -1}};
 
 } // namespace
+Q_DECLARE_METATYPE(ConnectRow)
+Q_DECLARE_METATYPE(IdentityRow)
 
 class TestControllerConnection : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
+    void init() { TestBench::load(); }
+    void connects_data() { addRows(connections); }
     void connects();
     void connectsToTheChosenEntry();
-    void passesTheWait_data();
-    void passesTheWait();
-    void refusesIndexOutsideTheList_data();
-    void refusesIndexOutsideTheList();
-    void refusesIndexOfAnEarlierList();
-    void failedConnectStaysNotConnected();
     void failedConnectKeepsConnected();
-    void secondConnectGoesToTheLibrary();
     void disconnects();
     void disconnectWithoutConnection();
     void failedDisconnectCanBeRepeated();
     void lostConnectionKeepsConnected();
     void connectsAfterALoss();
+    void formatsIdentity_data() { addRows(identities); }
+    void formatsIdentity();
+    void readsTheIdentityRecord();
+    void failureEmptiesIdentity_data() { addRows(failures); }
+    void failureEmptiesIdentity();
+    void readsNoIdentityWithoutConnection();
 };
 
-void TestControllerConnection::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-}
-
+/** Fails without a call to the library when there is no such entry. */
 void TestControllerConnection::connects() {
+    QFETCH(const ConnectRow, row);
     CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    KvaSim_ClearCallLog();
+    if (row.before != NothingListed)
+        QVERIFY(controller.GetDevicePortList());
+    if (row.before == ListLost) {
+        TestBench::answer("KVA_GetDevicePortList");
+        QVERIFY(!controller.GetDevicePortList());
+    }
+    if (row.before == Connected)
+        QVERIFY(controller.Connect(0, 10));
+    if (row.before == Unplugged)
+        TestBench::unplug();
+    TestBench::clearCalls();
+    controller.m_lastResult = 4;
     const DebugLog log;
-    QVERIFY(controller.Connect(0, 10));
-    QVERIFY(controller.m_connected);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(
-        InstrumentBench::detailedCalls(),
-        QStringList(QStringLiteral(R"(KVA_Connect {"port":{"name":"USB","type":1},"wait":10} 0)")));
+    QCOMPARE(controller.Connect(row.index, row.wait), row.lastResult == 0);
+    QCOMPARE(controller.m_connected, row.isConnected);
+    QCOMPARE(controller.m_lastResult, row.lastResult);
+    QCOMPARE(log.lines(), row.lastResult == 0 ? QStringList() : QStringList(conectError));
+    QCOMPARE(TestBench::detailedCalls().join('\n'), row.call);
 }
 
 void TestControllerConnection::connectsToTheChosenEntry() {
-    const QByteArray name = "6100ff" + QByteArray(62, '0') + "2501";
-    QVERIFY2(InstrumentBench::load(R"({"serialNumber": 1}, {"serialNumber": 2,
-        "port": {"type": 9, "name": {"hex": ")" +
-                                   name + R"("}}}, {"serialNumber": 3})"),
-             KvaSim_LastError());
+    QJsonObject second = TestBench::instrument(2);
+    // The library compares every byte of the entry, those behind the name too.
+    const QString name = "6100ff" + QString(62, '0') + "2501";
+    second["port"] = QJsonObject{{"type", 9}, {"name", QJsonObject{{"hex", name}}}};
+    TestBench::load({TestBench::instrument(1), second, TestBench::instrument(3)});
     CKvaSdk_Ctrl controller;
     QVERIFY(controller.GetDevicePortList());
-    // The library compares every byte of the entry, those behind the name too.
     QVERIFY(controller.Connect(1, 10));
     QVERIFY(controller.GetDeviceInfo());
-    QCOMPARE(controller.m_serialNo, QStringLiteral("00000002"));
-}
-
-void TestControllerConnection::passesTheWait_data() {
-    QTest::addColumn<quint32>("wait");
-    QTest::newRow("0") << 0U;
-    QTest::newRow("10") << 10U;
-    QTest::newRow("highest") << UINT_MAX;
-}
-
-void TestControllerConnection::passesTheWait() {
-    QFETCH(quint32, wait);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    KvaSim_ClearCallLog();
-    QVERIFY(controller.Connect(0, wait));
-    QCOMPARE(
-        InstrumentBench::detailedCalls(),
-        QStringList(QStringLiteral(R"(KVA_Connect {"port":{"name":"USB","type":1},"wait":%1} 0)")
-                        .arg(wait)));
-}
-
-void TestControllerConnection::refusesIndexOutsideTheList_data() {
-    QTest::addColumn<bool>("enumerated");
-    QTest::addColumn<int>("index");
-    QTest::newRow("nothing enumerated, 0") << false << 0;
-    QTest::newRow("nothing enumerated, -1") << false << -1;
-    QTest::newRow("one entry, 1") << true << 1;
-    QTest::newRow("one entry, -1") << true << -1;
-    QTest::newRow("one entry, 99") << true << 99;
-    QTest::newRow("one entry, highest") << true << INT_MAX;
-    QTest::newRow("one entry, lowest") << true << INT_MIN;
-}
-
-void TestControllerConnection::refusesIndexOutsideTheList() {
-    QFETCH(bool, enumerated);
-    QFETCH(int, index);
-    CKvaSdk_Ctrl controller;
-    if (enumerated)
-        QVERIFY(controller.GetDevicePortList());
-    KvaSim_ClearCallLog();
-    controller.m_lastResult = 4;
-    const DebugLog log;
-    QVERIFY(!controller.Connect(index, 10));
-    QVERIFY(!controller.m_connected);
-    QCOMPARE(log.lines(), QStringList(conectError));
-    QCOMPARE(InstrumentBench::calls(), QStringList());
-    QCOMPARE(controller.m_lastResult, 4);
-}
-
-void TestControllerConnection::refusesIndexOfAnEarlierList() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    QVERIFY(InstrumentBench::answer("KVA_GetDevicePortList", -9999));
-    QVERIFY(!controller.GetDevicePortList());
-    KvaSim_ClearCallLog();
-    QVERIFY(!controller.Connect(0, 10));
-    QCOMPARE(InstrumentBench::calls(), QStringList());
-}
-
-void TestControllerConnection::failedConnectStaysNotConnected() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    QVERIFY(KvaSim_Unplug(InstrumentBench::serialNumber));
-    const DebugLog log;
-    QVERIFY(!controller.Connect(0, 10));
-    QVERIFY(!controller.m_connected);
-    QCOMPARE(controller.m_lastResult, -9994);
-    QCOMPARE(log.lines(), QStringList(conectError));
+    QCOMPARE(controller.m_serialNo, "00000002");
 }
 
 void TestControllerConnection::failedConnectKeepsConnected() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY(InstrumentBench::answer("KVA_Connect", -9996));
-    const DebugLog log;
+    ConnectedController controller;
+    TestBench::answer("KVA_Connect", -9996);
     QVERIFY(!controller.Connect(0, 10));
     QVERIFY(controller.m_connected);
     QCOMPARE(controller.m_lastResult, -9996);
-    QCOMPARE(log.lines(), QStringList(conectError));
-}
-
-void TestControllerConnection::secondConnectGoesToTheLibrary() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const DebugLog log;
-    QVERIFY(!controller.Connect(0, 10));
-    QVERIFY(controller.m_connected);
-    QCOMPARE(controller.m_lastResult, -9995);
-    QCOMPARE(InstrumentBench::calls(), QStringList(QStringLiteral("KVA_Connect")));
-    QCOMPARE(log.lines(), QStringList(conectError));
+    QCOMPARE(controller.log.lines(), QStringList(conectError));
 }
 
 void TestControllerConnection::disconnects() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const DebugLog log;
+    ConnectedController controller;
     QVERIFY(controller.Disconnect());
     QVERIFY(!controller.m_connected);
     QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::detailedCalls(), QStringList(QStringLiteral("KVA_Disconnect {} 0")));
+    QCOMPARE(controller.log.lines(), QStringList());
+    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_Disconnect {} 0"));
 }
 
 void TestControllerConnection::disconnectWithoutConnection() {
     CKvaSdk_Ctrl controller;
     QVERIFY(controller.GetDevicePortList());
-    KvaSim_ClearCallLog();
+    TestBench::clearCalls();
     controller.m_lastResult = 4;
     const DebugLog log;
     QVERIFY(!controller.Disconnect());
@@ -181,32 +168,26 @@ void TestControllerConnection::disconnectWithoutConnection() {
     QVERIFY(controller.Disconnect());
     QVERIFY(!controller.Disconnect());
     QCOMPARE(log.lines(), QStringList({diconectAlready, diconectAlready}));
-    QCOMPARE(InstrumentBench::calls(),
-             QStringList({QStringLiteral("KVA_Connect"), QStringLiteral("KVA_Disconnect")}));
+    QCOMPARE(TestBench::calls(), QStringList({"KVA_Connect", "KVA_Disconnect"}));
 }
 
 void TestControllerConnection::failedDisconnectCanBeRepeated() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY(InstrumentBench::answer("KVA_Disconnect", -9997, 1));
-    const DebugLog log;
+    ConnectedController controller;
+    TestBench::answer("KVA_Disconnect", -9997, 1);
     QVERIFY(!controller.Disconnect());
     QVERIFY(controller.m_connected);
     QCOMPARE(controller.m_lastResult, -9997);
     QVERIFY(controller.Disconnect());
     QVERIFY(!controller.m_connected);
     QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList(diconectError));
-    QCOMPARE(InstrumentBench::detailedCalls(),
-             QStringList({QStringLiteral("KVA_Disconnect {} -9997"),
-                          QStringLiteral("KVA_Disconnect {} 0")}));
+    QCOMPARE(controller.log.lines(), QStringList(diconectError));
+    QCOMPARE(TestBench::detailedCalls(),
+             QStringList({"KVA_Disconnect {} -9997", "KVA_Disconnect {} 0"}));
 }
 
 void TestControllerConnection::lostConnectionKeepsConnected() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY(KvaSim_Unplug(InstrumentBench::serialNumber));
-    KvaSim_WaitForEvents();
+    ConnectedController controller;
+    TestBench::unplug();
     QVERIFY(controller.m_connected);
     QVERIFY(!controller.GetDeviceInfo());
     QCOMPARE(controller.m_lastResult, -9994);
@@ -214,16 +195,58 @@ void TestControllerConnection::lostConnectionKeepsConnected() {
 }
 
 void TestControllerConnection::connectsAfterALoss() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY(KvaSim_Unplug(InstrumentBench::serialNumber));
-    QVERIFY(KvaSim_Plug(InstrumentBench::serialNumber));
-    KvaSim_WaitForEvents();
+    ConnectedController controller;
+    TestBench::unplug();
+    TestBench::plug();
     QVERIFY(controller.m_connected);
     QVERIFY(controller.Connect(0, 10));
     QVERIFY(controller.m_connected);
     QVERIFY(controller.GetDeviceInfo());
 }
 
-QTEST_GUILESS_MAIN(TestControllerConnection)
+void TestControllerConnection::formatsIdentity() {
+    QFETCH(const IdentityRow, row);
+    TestBench::set(R"({"device":)" + row.device + '}');
+    ConnectedController controller;
+    QVERIFY(controller.GetDeviceInfo());
+    QCOMPARE(controller.m_serialNo, row.serialNo);
+    QCOMPARE(controller.m_firmVersion, row.firmVersion);
+    QCOMPARE(controller.m_macAddress, row.macAddress);
+    QCOMPARE(controller.m_lastResult, 0);
+    QCOMPARE(controller.log.lines(), QStringList());
+    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetDeviceInfo {} 0"));
+}
+
+void TestControllerConnection::readsTheIdentityRecord() {
+    TestBench::set(R"({"device": {"serialNumber": 16909060, "firmware": [1, 2, 3],
+        "macAddress": "a1:a2:a3:a4:a5:a6", "reserved1": {"fill": 17}, "reserved2": {"fill": 34}}})");
+    ConnectedController controller;
+    QVERIFY(controller.GetDeviceInfo());
+    QCOMPARE(TestBench::bytesOf(controller.m_deviceInfo).toHex(),
+             "04030201010000000200000003000000" + QByteArray("11").repeated(8) + "a1a2a3a4a5a6" +
+                 QByteArray("22").repeated(10));
+}
+
+void TestControllerConnection::failureEmptiesIdentity() {
+    QFETCH(const NumberRow, row);
+    const int result = static_cast<int>(row.value);
+    ConnectedController controller;
+    QVERIFY(controller.GetDeviceInfo());
+    QVERIFY(!controller.m_serialNo.isEmpty());
+    TestBench::answer("KVA_GetDeviceInfo", result);
+    QVERIFY(!controller.GetDeviceInfo());
+    QCOMPARE(controller.m_serialNo, "");
+    QCOMPARE(controller.m_firmVersion, "");
+    QCOMPARE(controller.m_macAddress, "");
+    QCOMPARE(controller.m_lastResult, result);
+    QCOMPARE(controller.log.lines(), QStringList("Failed to read Firm data. \n"));
+}
+
+void TestControllerConnection::readsNoIdentityWithoutConnection() {
+    CKvaSdk_Ctrl controller;
+    QVERIFY(!controller.GetDeviceInfo());
+    QCOMPARE(controller.m_lastResult, -9998);
+}
+
+TEST_CLASS(TestControllerConnection)
 #include "tst_controller_connection.moc"

@@ -1,11 +1,7 @@
 // Answers that no honest instrument gives. This program defines some functions of the library
 // itself: they pass each call on to the simulated library and then alter its answer.
 
-#include "tests/support/DebugLog.h"
-#include "tests/unit/instrument/Accessory.h"
-
-#include <QTemporaryDir>
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 #include <climits>
 #include <dlfcn.h>
@@ -32,7 +28,7 @@ template <typename Function>
 Function simulated(const char* symbol) {
     auto* const address = dlsym(RTLD_NEXT, symbol);
     if (!address)
-        qFatal("%s is not in the simulated library", symbol);
+        giveUp(QString(symbol) + " is not in the simulated library");
     return reinterpret_cast<Function>(address);
 }
 
@@ -47,7 +43,50 @@ KVA_RESULT pass(const char* symbol, Record* record, const Alteration<Record*>& a
     return alteration ? alteration(result, record) : result;
 }
 
+/** What the two calls of an enumeration store as the count, and how many entries are listed. */
+struct CountRow {
+    const char* name;
+    int queried;
+    int filled;
+    int listed;
+};
+
+const CountRow counts[] = {
+    {"101 filled", 1, 101, 100},
+    {"105 attached and filled", 105, 105, 100},
+    {"highest", INT_MAX, INT_MAX, 100},
+    {"100", 100, 100, 100},
+    {"fewer attached than filled", 0, 2, 2},
+    {"none filled", 1, 0, 0},
+    {"-1", -1, -1, 0},
+    {"-1 attached", -1, 1, 1},
+    {"lowest", INT_MIN, INT_MIN, 0},
+};
+
+/** A registration whose read-back is not what was sent. */
+struct ReadBackRow {
+    QByteArray name;
+    Accessory accessory;
+    QByteArray content; ///< of the file
+    int offset;         ///< of the byte that differs
+    unsigned char bits; ///< that differ in it
+};
+
+QVector<ReadBackRow> readBacks() {
+    const QByteArray zeros = "a\nb\n12345678\n0" + QByteArray(",0").repeated(37) + '\n';
+    QVector<ReadBackRow> rows = {{"white plate, sign of zero", whitePlate, zeros, 35, 0x80}};
+    for (const Accessory& accessory : accessories) {
+        for (const int offset : {0, 3, 4, 155, 156, 159, 160, 459, 460, 461, 1500, 2506, 2507}) {
+            const QString name = QString("%1, byte %2").arg(accessory.name).arg(offset);
+            rows.append({name.toLatin1(), accessory, accessory.file(), offset, 1});
+        }
+    }
+    return rows;
+}
+
 } // namespace
+Q_DECLARE_METATYPE(CountRow)
+Q_DECLARE_METATYPE(ReadBackRow)
 
 KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
     static const auto function =
@@ -81,9 +120,9 @@ KVA_RESULT KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA(KVA_JIG_ACTIONOPTIONFACTORYD
 class TestControllerDishonestAnswers : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
+    void init() { TestBench::load(); }
     void cleanup();
-    void boundsTheCount_data();
+    void boundsTheCount_data() { addRows(counts); }
     void boundsTheCount();
     void negativeCountBeforeFailure();
     void identityFilledByFailedCall();
@@ -92,61 +131,42 @@ private Q_SLOTS:
     void powerOffFilledByFailedCall();
     void serialNumbersFilledByFailedCall();
     void wifiModuleFilledByFailedCall();
-    void readBackDiffers_data();
+    void readBackDiffers_data() { addRows(readBacks()); }
     void readBackDiffers();
-    void readBackDiffersInTheSignOfZero();
-    void fetchFillsNothing_data();
+    void fetchFillsNothing_data() { addRows(accessories); }
     void fetchFillsNothing();
-    void noFetchFillsAnything_data();
+    void noFetchFillsAnything_data() { addRows(accessories); }
     void noFetchFillsAnything();
-};
 
-void TestControllerDishonestAnswers::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-}
+private:
+    TestFolder m_folder;
+};
 
 void TestControllerDishonestAnswers::cleanup() {
     alterations = {};
     unfilled = 0;
 }
 
-void TestControllerDishonestAnswers::boundsTheCount_data() {
-    QTest::addColumn<int>("queried");
-    QTest::addColumn<int>("filled");
-    QTest::addColumn<int>("listed");
-    QTest::newRow("101 filled") << 1 << 101 << 100;
-    QTest::newRow("105 attached and filled") << 105 << 105 << 100;
-    QTest::newRow("highest") << INT_MAX << INT_MAX << 100;
-    QTest::newRow("100") << 100 << 100 << 100;
-    QTest::newRow("fewer attached than filled") << 0 << 2 << 2;
-    QTest::newRow("none filled") << 1 << 0 << 0;
-    QTest::newRow("-1") << -1 << -1 << 0;
-    QTest::newRow("-1 attached") << -1 << 1 << 1;
-    QTest::newRow("lowest") << INT_MIN << INT_MIN << 0;
-}
-
 void TestControllerDishonestAnswers::boundsTheCount() {
-    QFETCH(int, queried);
-    QFETCH(int, filled);
-    QFETCH(int, listed);
+    QFETCH(const CountRow, row);
     alterations.portList = [&](KVA_RESULT result, const KVA_PORTINFO* list, int32_t* count) {
-        *count = list ? filled : queried;
+        *count = list ? row.filled : row.queried;
         return result;
     };
     CKvaSdk_Ctrl controller;
     const DebugLog log;
     QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_portCount, filled);
-    QCOMPARE(controller.m_deviceCount, listed);
-    QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(listed));
-    QCOMPARE(controller.m_deviceNameList.size(), listed);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("port count[%1] \n").arg(queried)));
-    if (listed > 0)
-        QCOMPARE(controller.m_deviceNameList.first(),
-                 QStringLiteral("VARNE-1(USB,Serial#01234567)"));
-    if (listed > 1)
-        QCOMPARE(controller.m_deviceNameList.last(), QStringLiteral("VARNE-1(,Serial#00000000)"));
-    QVERIFY(!controller.Connect(listed, 10));
+    QCOMPARE(controller.m_portCount, row.filled);
+    QCOMPARE(controller.m_deviceCount, row.listed);
+    QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(row.listed));
+    QCOMPARE(controller.m_deviceNameList.size(), row.listed);
+    QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.queried)));
+    if (row.listed > 0)
+        QCOMPARE(controller.m_deviceNameList.first(), "VARNE-1(USB,Serial#01234567)");
+    if (row.listed > 1)
+        QCOMPARE(controller.m_deviceNameList.last(), "VARNE-1(,Serial#00000000)");
+    QVERIFY(!controller.Connect(row.listed, 10));
+    QCOMPARE(log.lines().last(), "conect error \n");
 }
 
 void TestControllerDishonestAnswers::negativeCountBeforeFailure() {
@@ -159,52 +179,45 @@ void TestControllerDishonestAnswers::negativeCountBeforeFailure() {
     QVERIFY(!controller.GetDevicePortList());
     QCOMPARE(controller.m_deviceCount, 0);
     QVERIFY(controller.m_deviceNameList.isEmpty());
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("port count[-7] \n")));
+    QCOMPARE(log.lines(), QStringList("port count[-7] \n"));
 }
 
 void TestControllerDishonestAnswers::identityFilledByFailedCall() {
     alterations.deviceInfo = [](KVA_RESULT, KVA_DEVICEINFO*) { return KVA_ERROR; };
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
     QVERIFY(!controller.GetDeviceInfo());
-    QCOMPARE(controller.m_serialNo, QString());
-    QCOMPARE(controller.m_firmVersion, QString());
-    QCOMPARE(controller.m_macAddress, QString());
+    QCOMPARE(controller.m_serialNo, "");
+    QCOMPARE(controller.m_firmVersion, "");
+    QCOMPARE(controller.m_macAddress, "");
 }
 
+/** A call that fills nothing leaves nothing of an earlier one. */
 void TestControllerDishonestAnswers::recordsAreZeroBeforeTheCall() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
     QVERIFY(controller.GetDeviceInfo());
     QVERIFY(controller.GetNetworkInfo());
-    // A call that fills nothing leaves nothing of an earlier one.
     unfilled = 4;
     QVERIFY(controller.GetDeviceInfo());
     QVERIFY(controller.GetNetworkInfo());
     QVERIFY(controller.GetCalRefSerialNo());
     QVERIFY(!controller.IsWifiModuleEnabled());
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_deviceInfo), QByteArray(40, '\0'));
-    QCOMPARE(controller.m_serialNo, QStringLiteral("00000000"));
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-    QCOMPARE(controller.m_ipAddress.join(u'.'), QStringLiteral("0.0.0.0"));
-    QCOMPARE(controller.m_curWCPSerialNo, QStringLiteral("00000000"));
-    QCOMPARE(controller.m_curAmbAdpSerialNo, QStringLiteral("00000000"));
+    QCOMPARE(TestBench::bytesOf(controller.m_deviceInfo), QByteArray(40, '\0'));
+    QCOMPARE(controller.m_serialNo, "00000000");
+    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+    QCOMPARE(controller.m_ipAddress.join('.'), "0.0.0.0");
+    QCOMPARE(controller.m_curWCPSerialNo, "00000000");
+    QCOMPARE(controller.m_curAmbAdpSerialNo, "00000000");
 }
 
 void TestControllerDishonestAnswers::networkFilledByFailedCall() {
     alterations.networkInfo = [](KVA_RESULT, KVA_NETWORKINFO*) { return KVA_ERROR_NAV; };
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const DebugLog log;
+    ConnectedController controller;
     QVERIFY(!controller.GetNetworkInfo());
-    QCOMPARE(controller.m_ssid, QString());
-    QCOMPARE(controller.m_encryptKey, QString());
-    QCOMPARE(controller.m_ipAddress, QStringList());
-    QCOMPARE(controller.m_dns, QStringList());
+    QVERIFY(hasNoNetworkTexts(controller));
     // The record holds what the library left.
-    QCOMPARE(QByteArray(controller.m_networkInfo.SSID), QByteArray("press-hall"));
+    QCOMPARE(controller.m_networkInfo.SSID, "press-hall");
     QCOMPARE(controller.m_lastResult, -9798);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("Failed to KVA_GetNetworkInfo(). \n")));
+    QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_GetNetworkInfo(). \n"));
 }
 
 void TestControllerDishonestAnswers::powerOffFilledByFailedCall() {
@@ -212,23 +225,20 @@ void TestControllerDishonestAnswers::powerOffFilledByFailedCall() {
         *mode = 200;
         return KVA_ERROR_NDT;
     };
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
     uint8_t mode = 255;
-    const DebugLog log;
     QVERIFY(!controller.GetShutdownTime(mode));
-    QCOMPARE(static_cast<int>(mode), 200);
+    QCOMPARE(int{mode}, 200);
     QCOMPARE(controller.m_lastResult, -9795);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("KVA_GetShutdownTime() failed[mode:200].\n")));
+    QCOMPARE(controller.log.lines(), QStringList("KVA_GetShutdownTime() failed[mode:200].\n"));
 }
 
 void TestControllerDishonestAnswers::serialNumbersFilledByFailedCall() {
     alterations.calibration = [](KVA_RESULT, KVA_JIG_CALREFDATA*) { return KVA_ERROR; };
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
     QVERIFY(!controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, QString());
-    QCOMPARE(controller.m_curAmbAdpSerialNo, QString());
+    QCOMPARE(controller.m_curWCPSerialNo, "");
+    QCOMPARE(controller.m_curAmbAdpSerialNo, "");
 }
 
 void TestControllerDishonestAnswers::wifiModuleFilledByFailedCall() {
@@ -236,106 +246,51 @@ void TestControllerDishonestAnswers::wifiModuleFilledByFailedCall() {
         data->wifiModuleEnable = 1;
         return KVA_ERROR;
     };
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const DebugLog log;
+    ConnectedController controller;
     QVERIFY(!controller.IsWifiModuleEnabled());
-    QCOMPARE(log.lines(), QStringList());
+    QCOMPARE(controller.log.lines(), QStringList());
     QCOMPARE(controller.m_lastResult, 0);
-}
-
-void TestControllerDishonestAnswers::readBackDiffers_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("offset");
-    for (int i = 0; i < 2; ++i) {
-        for (const int offset : {0, 3, 4, 155, 156, 159, 160, 459, 460, 461, 1500, 2506, 2507})
-            QTest::addRow("%s, byte %d", accessories[i].name, offset) << i << offset;
-    }
 }
 
 void TestControllerDishonestAnswers::readBackDiffers() {
-    QFETCH(int, index);
-    QFETCH(int, offset);
-    const QTemporaryDir folder;
-    const QByteArray file = InstrumentBench::writeFile(
-        folder.filePath(QStringLiteral("values.csv")), accessories[index].file());
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    QFETCH(const ReadBackRow, row);
+    const QByteArray path = localFile(m_folder, row.content);
+    ConnectedController controller;
     int reads = 0;
     alterations.calibration = [&](KVA_RESULT result, KVA_JIG_CALREFDATA* data) {
         if (++reads == 2)
-            reinterpret_cast<unsigned char*>(data)[offset] ^= 1U;
+            reinterpret_cast<unsigned char*>(data)[row.offset] ^= row.bits;
         return result;
     };
-    const DebugLog log;
-    QVERIFY(!(controller.*accessories[index].write)(file.constData()));
+    QVERIFY(!(controller.*row.accessory.write)(path));
     QCOMPARE(reads, 2);
     QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("CALREFDATA is incorrect.\n")));
-    QCOMPARE(log.others(), QStringList());
+    QCOMPARE(controller.log.lines(), QStringList("CALREFDATA is incorrect.\n"));
     // The same without the difference goes well.
-    QVERIFY((controller.*accessories[index].write)(file.constData()));
+    QVERIFY((controller.*row.accessory.write)(path));
 }
 
-void TestControllerDishonestAnswers::readBackDiffersInTheSignOfZero() {
-    const QTemporaryDir folder;
-    const QByteArray file =
-        InstrumentBench::writeFile(folder.filePath(QStringLiteral("values.csv")),
-                                   "a\nb\n12345678\n0" + QByteArray(",0").repeated(37) + '\n');
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    int reads = 0;
-    alterations.calibration = [&](KVA_RESULT result, KVA_JIG_CALREFDATA* data) {
-        if (++reads == 2)
-            data->rfWhite.spcData[7] = -0.0F;
-        return result;
-    };
-    const DebugLog log;
-    QVERIFY(!controller.WriteWCPData(file.constData()));
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("CALREFDATA is incorrect.\n")));
-}
-
-void TestControllerDishonestAnswers::fetchFillsNothing_data() {
-    accessoryRows();
-}
-
-/** What the fetch leaves out is registered as zero, never as what was on the stack; the
+/** What the fetch leaves out is registered as zero, never as what was on the stack. The
     registration succeeds, since that is what is read back. */
 void TestControllerDishonestAnswers::fetchFillsNothing() {
-    QFETCH(int, index);
-    const Accessory& accessory = accessories[index];
-    const QTemporaryDir folder;
-    const QByteArray file =
-        InstrumentBench::writeFile(folder.filePath(QStringLiteral("values.csv")), accessory.file());
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    QFETCH(const Accessory, row);
+    ConnectedController controller;
     unfilled = 1;
-    const DebugLog log;
-    QVERIFY((controller.*accessory.write)(file.constData()));
+    QVERIFY((controller.*row.write)(localFile(m_folder, row.file())));
     QCOMPARE(unfilled, 0);
-    QCOMPARE(log.lines(), QStringList());
-    QVERIFY(InstrumentBench::powerCycle(controller));
-    QCOMPARE(InstrumentBench::bytesOf(InstrumentBench::calibrationRecord()),
-             accessory.registeredIn(QByteArray(sizeof(KVA_JIG_CALREFDATA), '\0')));
-}
-
-void TestControllerDishonestAnswers::noFetchFillsAnything_data() {
-    accessoryRows();
+    QCOMPARE(controller.log.lines(), QStringList());
+    controller.powerCycle();
+    QCOMPARE(calibrationRecord(), row.registeredIn(QByteArray(2508, '\0')));
 }
 
 void TestControllerDishonestAnswers::noFetchFillsAnything() {
-    QFETCH(int, index);
-    const QTemporaryDir folder;
-    const QByteArray file = InstrumentBench::writeFile(
-        folder.filePath(QStringLiteral("values.csv")), accessories[index].file());
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    QFETCH(const Accessory, row);
+    ConnectedController controller;
     unfilled = 2;
-    const DebugLog log;
-    QVERIFY(!(controller.*accessories[index].write)(file.constData()));
+    QVERIFY(!(controller.*row.write)(localFile(m_folder, row.file())));
     QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("CALREFDATA is incorrect.\n")));
+    QCOMPARE(controller.log.lines(), QStringList("CALREFDATA is incorrect.\n"));
 }
 
-QTEST_GUILESS_MAIN(TestControllerDishonestAnswers)
+TEST_CLASS(TestControllerDishonestAnswers)
 #include "tst_controller_dishonest_answers.moc"

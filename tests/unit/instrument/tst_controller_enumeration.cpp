@@ -1,255 +1,211 @@
-#include "tests/support/DebugLog.h"
-#include "tests/unit/instrument/InstrumentBench.h"
-
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 #include <algorithm>
+#include <climits>
 
 namespace {
 
-QByteArray port(const QByteArray& serialNumber, const QByteArray& type, const QByteArray& name) {
-    return R"({"serialNumber":)" + serialNumber + R"(,"port":{"type":)" + type + R"(,"name":)" +
-           name + "}}";
+/** @param name  JSON: a text, or {"hex": ...} with all bytes of the field */
+QJsonObject instrumentAt(int serialNumber, qint64 portType, const QJsonValue& name) {
+    return {{"serialNumber", serialNumber},
+            {"port", QJsonObject{{"type", portType}, {"name", name}}}};
+}
+
+QJsonArray usbInstruments(int count) {
+    QJsonArray instruments;
+    for (int serialNumber = 1; serialNumber <= count; ++serialNumber)
+        instruments.append(instrumentAt(serialNumber, 1, "USB"));
+    return instruments;
 }
 
 bool hasOnlyZeros(const KVA_PORTINFO* ports, int count) {
-    const QByteArray bytes(reinterpret_cast<const char*>(ports),
-                           count * static_cast<int>(sizeof *ports));
-    return bytes.count('\0') == bytes.size();
+    return std::all_of(ports, ports + count, [](const KVA_PORTINFO& port) {
+        return TestBench::bytesOf(port) == QByteArray(sizeof port, '\0');
+    });
 }
 
+/** Whether nothing is left of an earlier list. */
+bool hasNoList(const CKvaSdk_Ctrl& controller) {
+    return controller.m_deviceCount == 0 && controller.m_ports.empty() &&
+           controller.m_deviceNameList.isEmpty() && hasOnlyZeros(controller.m_portList, 100);
+}
+
+struct TextRow {
+    const char* name;
+    int serialNumber;
+    qint64 portType;
+    QJsonValue portName;
+    QString text;
+};
+
+const QString address = "192.168.0.10";
+
+const TextRow texts[] = {
+    {"USB, seven digits", 1234567, 1, "USB", "VARNE-1(USB,Serial#01234567)"},
+    {"USB, the port's name is not shown", 1, 1, "hub-3", "VARNE-1(USB,Serial#00000001)"},
+    {"USB, eight digits", 12345678, 1, "USB", "VARNE-1(USB,Serial#12345678)"},
+    {"USB, nine digits", 123456789, 1, "USB", "VARNE-1(USB,Serial#123456789)"},
+    {"USB, highest", INT_MAX, 1, "USB", "VARNE-1(USB,Serial#2147483647)"},
+    {"USB, zero", 0, 1, "USB", "VARNE-1(USB,Serial#00000000)"},
+    {"USB, negative", -5, 1, "USB", "VARNE-1(USB,Serial#-0000005)"},
+    {"USB, lowest", INT_MIN, 1, "USB", "VARNE-1(USB,Serial#-2147483648)"},
+    {"network", 42, 2, address, "VARNE-1(192.168.0.10,Serial#00000042)"},
+    {"network, type 0", 42, 0, address, "VARNE-1(192.168.0.10,Serial#00000042)"},
+    {"network, highest type", 42, UINT_MAX, address, "VARNE-1(192.168.0.10,Serial#00000042)"},
+    {"network, nine digits", 987654321, 2, address, "VARNE-1(192.168.0.10,Serial#987654321)"},
+    {"network, negative", -42, 2, address, "VARNE-1(192.168.0.10,Serial#-0000042)"},
+    {"network, no name", 42, 2, "", "VARNE-1(,Serial#00000042)"},
+    {"network, name of 35 bytes", 42, 2, "abcdefghijklmnopqrstuvwxyz012345678",
+     "VARNE-1(abcdefghijklmnopqrstuvwxyz012345678,Serial#00000042)"},
+    // The serial number's bytes follow the name in the record, and are text here.
+    {"network, name of 36 bytes without NUL", 1145258561, 2, "abcdefghijklmnopqrstuvwxyz0123456789",
+     "VARNE-1(abcdefghijklmnopqrstuvwxyz0123456789,Serial#1145258561)"},
+    {"network, bytes behind the NUL", 42, 2, QJsonObject{{"hex", "6162630078" + QString(62, '7')}},
+     "VARNE-1(abc,Serial#00000042)"},
+    {"network, %1 in the name", 42, 2, "a%1b", "VARNE-1(a%1b,Serial#00000042)"},
+    {"network, %2 in the name", 42, 2, "%2", "VARNE-1(%2,Serial#00000042)"},
+    {"network, both in the name", 42, 2, "%2%1%s%%", "VARNE-1(%2%1%s%%,Serial#00000042)"},
+};
+
+const NumberRow counts[] = {{"none", 0}, {"two", 2}, {"hundred", 100}, {"more", 105}};
+
+/** What a call of the enumeration answers: the first asks for the count, the second for the list.
+ */
+struct CallRow {
+    const char* name;
+    int call; ///< 0: both
+    int result;
+};
+
+const CallRow failures[] = {
+    {"count, error", 1, -9999}, {"count, not equal", 1, -9794}, {"count, -1", 1, -1},
+    {"fill, error", 2, -9999},  {"fill, receive", 2, -9990},    {"fill, -1", 2, -1},
+};
+
+const CallRow warnings[] = {{"count", 1, 2}, {"fill", 2, 2}, {"both", 0, 2}};
+
 } // namespace
+Q_DECLARE_METATYPE(TextRow)
+Q_DECLARE_METATYPE(CallRow)
 
 class TestControllerEnumeration : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
+    void init() { TestBench::load(); }
     void startsEmpty();
-    void listsText_data();
+    void listsText_data() { addRows(texts); }
     void listsText();
-    void listsNothingWithoutInstruments();
     void keepsEntriesByteForByte();
+    void listsUpToHundred_data() { addRows(counts); }
     void listsUpToHundred();
-    void countsAsTheFillCallSays();
-    void failureLeavesNoList_data();
+    void failureLeavesNoList_data() { addRows(failures); }
     void failureLeavesNoList();
-    void warningStillLists_data();
+    void warningStillLists_data() { addRows(warnings); }
     void warningStillLists();
     void followsPlugging();
 };
-
-void TestControllerEnumeration::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-}
 
 void TestControllerEnumeration::startsEmpty() {
     const DebugLog log;
     const CKvaSdk_Ctrl controller;
     QCOMPARE(controller.m_portCount, 0);
-    QCOMPARE(controller.m_deviceCount, 0);
     QCOMPARE(std::size(controller.m_portList), std::size_t{100});
-    QVERIFY(hasOnlyZeros(controller.m_portList, 100));
-    QVERIFY(controller.m_ports.empty());
-    QVERIFY(controller.m_deviceNameList.isEmpty());
+    QVERIFY(hasNoList(controller));
     QVERIFY(!controller.m_connected);
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TestControllerEnumeration::listsText_data() {
-    QTest::addColumn<QByteArray>("instrument");
-    QTest::addColumn<QString>("text");
-    const auto row = [](const char* name, const QByteArray& instrument, const QString& text) {
-        QTest::newRow(name) << instrument << text;
-    };
-    const QByteArray address = R"("192.168.0.10")";
-    row("USB, seven digits", port("1234567", "1", R"("USB")"),
-        QStringLiteral("VARNE-1(USB,Serial#01234567)"));
-    row("USB, the port's name is not shown", port("1", "1", R"("hub-3")"),
-        QStringLiteral("VARNE-1(USB,Serial#00000001)"));
-    row("USB, eight digits", port("12345678", "1", R"("USB")"),
-        QStringLiteral("VARNE-1(USB,Serial#12345678)"));
-    row("USB, nine digits", port("123456789", "1", R"("USB")"),
-        QStringLiteral("VARNE-1(USB,Serial#123456789)"));
-    row("USB, highest", port("2147483647", "1", R"("USB")"),
-        QStringLiteral("VARNE-1(USB,Serial#2147483647)"));
-    row("USB, zero", port("0", "1", R"("USB")"), QStringLiteral("VARNE-1(USB,Serial#00000000)"));
-    row("USB, negative", port("-5", "1", R"("USB")"),
-        QStringLiteral("VARNE-1(USB,Serial#-0000005)"));
-    row("USB, lowest", port("-2147483648", "1", R"("USB")"),
-        QStringLiteral("VARNE-1(USB,Serial#-2147483648)"));
-    row("network", port("42", "2", address),
-        QStringLiteral("VARNE-1(192.168.0.10,Serial#00000042)"));
-    row("network, type 0", port("42", "0", address),
-        QStringLiteral("VARNE-1(192.168.0.10,Serial#00000042)"));
-    row("network, highest type", port("42", "4294967295", address),
-        QStringLiteral("VARNE-1(192.168.0.10,Serial#00000042)"));
-    row("network, nine digits", port("987654321", "2", address),
-        QStringLiteral("VARNE-1(192.168.0.10,Serial#987654321)"));
-    row("network, negative", port("-42", "2", address),
-        QStringLiteral("VARNE-1(192.168.0.10,Serial#-0000042)"));
-    row("network, no name", port("42", "2", R"("")"), QStringLiteral("VARNE-1(,Serial#00000042)"));
-    row("network, name of 35 bytes", port("42", "2", R"("abcdefghijklmnopqrstuvwxyz012345678")"),
-        QStringLiteral("VARNE-1(abcdefghijklmnopqrstuvwxyz012345678,Serial#00000042)"));
-    // The serial number's bytes follow the name in the record, and are text here.
-    row("network, name of 36 bytes without NUL",
-        port("1145258561", "2", R"("abcdefghijklmnopqrstuvwxyz0123456789")"),
-        QStringLiteral("VARNE-1(abcdefghijklmnopqrstuvwxyz0123456789,Serial#1145258561)"));
-    row("network, bytes behind the NUL",
-        port("42", "2", R"({"hex":"6162630078)" + QByteArray(62, '7') + R"("})"),
-        QStringLiteral("VARNE-1(abc,Serial#00000042)"));
-    row("network, %1 in the name", port("42", "2", R"("a%1b")"),
-        QStringLiteral("VARNE-1(a%1b,Serial#00000042)"));
-    row("network, %2 in the name", port("42", "2", R"("%2")"),
-        QStringLiteral("VARNE-1(%2,Serial#00000042)"));
-    row("network, both in the name", port("42", "2", R"("%2%1%s%%")"),
-        QStringLiteral("VARNE-1(%2%1%s%%,Serial#00000042)"));
-}
-
 void TestControllerEnumeration::listsText() {
-    QFETCH(QByteArray, instrument);
-    QFETCH(QString, text);
-    QVERIFY2(InstrumentBench::load(instrument), KvaSim_LastError());
+    QFETCH(const TextRow, row);
+    TestBench::load({instrumentAt(row.serialNumber, row.portType, row.portName)});
     CKvaSdk_Ctrl controller;
-    KvaSim_ClearCallLog();
+    TestBench::clearCalls();
     const DebugLog log;
     QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceNameList, QStringList(text));
+    QCOMPARE(controller.m_deviceNameList, QStringList(row.text));
     QCOMPARE(controller.m_deviceCount, 1);
     QCOMPARE(controller.m_portCount, 1);
     QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("port count[1] \n")));
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(
-        InstrumentBench::detailedCalls(),
-        QStringList({QStringLiteral(R"(KVA_GetDevicePortList {"list":false,"maxEntries":0} 0)"),
-                     QStringLiteral(R"(KVA_GetDevicePortList {"list":true,"maxEntries":100} 0)")}));
-}
-
-void TestControllerEnumeration::listsNothingWithoutInstruments() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    QVERIFY2(InstrumentBench::load(QByteArray()), KvaSim_LastError());
-    const DebugLog log;
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceCount, 0);
-    QCOMPARE(controller.m_portCount, 0);
-    QVERIFY(controller.m_ports.empty());
-    QVERIFY(controller.m_deviceNameList.isEmpty());
-    QVERIFY(hasOnlyZeros(controller.m_portList, 100));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("port count[0] \n")));
-    QCOMPARE(InstrumentBench::calls().size(), 2);
+    QCOMPARE(log.lines(), QStringList("port count[1] \n"));
+    QCOMPARE(TestBench::detailedCalls(),
+             QStringList({R"(KVA_GetDevicePortList {"list":false,"maxEntries":0} 0)",
+                          R"(KVA_GetDevicePortList {"list":true,"maxEntries":100} 0)"}));
 }
 
 void TestControllerEnumeration::keepsEntriesByteForByte() {
     const QByteArray name = "61626300" + QByteArray("ff80257f").repeated(8);
-    QVERIFY2(InstrumentBench::load(port("1", "1", R"("USB")") + ',' +
-                                   port("2", "7", R"({"hex":")" + name + R"("})")),
-             KvaSim_LastError());
+    TestBench::load(
+        {instrumentAt(1, 1, "USB"), instrumentAt(2, 7, QJsonObject{{"hex", QString(name)}})});
     CKvaSdk_Ctrl controller;
     QVERIFY(controller.GetDevicePortList());
     QCOMPARE(controller.m_ports.size(), std::size_t{2});
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_ports[0]),
-             QByteArray::fromHex("01000000555342" + QByteArray(66, '0') + "01000000"));
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_ports[1]),
-             QByteArray::fromHex("07000000" + name + "02000000"));
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_portList[1]),
-             InstrumentBench::bytesOf(controller.m_ports[1]));
+    QCOMPARE(TestBench::bytesOf(controller.m_ports[0]).toHex(),
+             "01000000555342" + QByteArray(66, '0') + "01000000");
+    QCOMPARE(TestBench::bytesOf(controller.m_ports[1]).toHex(), "07000000" + name + "02000000");
+    QCOMPARE(TestBench::bytesOf(controller.m_portList[1]),
+             TestBench::bytesOf(controller.m_ports[1]));
 }
 
 void TestControllerEnumeration::listsUpToHundred() {
-    QByteArray instruments = port("1", "1", R"("USB")");
-    for (int serialNumber = 2; serialNumber <= 100; ++serialNumber)
-        instruments += ',' + port(QByteArray::number(serialNumber), "1", R"("USB")");
-    QVERIFY2(InstrumentBench::load(instruments), KvaSim_LastError());
+    QFETCH(const NumberRow, row);
     CKvaSdk_Ctrl controller;
     QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceCount, 100);
-    QCOMPARE(controller.m_ports.size(), std::size_t{100});
-    QCOMPARE(controller.m_deviceNameList.size(), 100);
-    QCOMPARE(controller.m_deviceNameList.first(), QStringLiteral("VARNE-1(USB,Serial#00000001)"));
-    QCOMPARE(controller.m_deviceNameList.last(), QStringLiteral("VARNE-1(USB,Serial#00000100)"));
-    QCOMPARE(controller.m_ports[57].serialNumber, 58);
-}
-
-void TestControllerEnumeration::countsAsTheFillCallSays() {
-    QByteArray instruments = port("1", "1", R"("USB")");
-    for (int serialNumber = 2; serialNumber <= 105; ++serialNumber)
-        instruments += ',' + port(QByteArray::number(serialNumber), "1", R"("USB")");
-    QVERIFY2(InstrumentBench::load(instruments), KvaSim_LastError());
-    CKvaSdk_Ctrl controller;
+    TestBench::load(usbInstruments(static_cast<int>(row.value)));
+    const int listed = static_cast<int>(std::min<qint64>(row.value, 100));
     const DebugLog log;
     QVERIFY(controller.GetDevicePortList());
     // The line shows the count of the first call, the list that of the second.
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("port count[105] \n")));
-    QCOMPARE(controller.m_portCount, 100);
-    QCOMPARE(controller.m_deviceCount, 100);
-    QCOMPARE(controller.m_deviceNameList.size(), 100);
-}
-
-void TestControllerEnumeration::failureLeavesNoList_data() {
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("result");
-    QTest::newRow("count, error") << 1 << -9999;
-    QTest::newRow("count, not equal") << 1 << -9794;
-    QTest::newRow("count, -1") << 1 << -1;
-    QTest::newRow("fill, error") << 2 << -9999;
-    QTest::newRow("fill, receive") << 2 << -9990;
-    QTest::newRow("fill, -1") << 2 << -1;
+    QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.value)));
+    QCOMPARE(controller.m_lastResult, 0);
+    QCOMPARE(controller.m_portCount, listed);
+    QCOMPARE(controller.m_deviceCount, listed);
+    QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(listed));
+    QCOMPARE(controller.m_deviceNameList.size(), listed);
+    for (int i = 0; i < listed; ++i) {
+        const QString number = QString::number(i + 1).rightJustified(8, '0');
+        QCOMPARE(controller.m_deviceNameList.at(i), "VARNE-1(USB,Serial#" + number + ')');
+        QCOMPARE(controller.m_ports[static_cast<std::size_t>(i)].serialNumber, i + 1);
+    }
+    QVERIFY(hasOnlyZeros(controller.m_portList + listed, 100 - listed));
+    QCOMPARE(TestBench::calls().size(), 2);
 }
 
 void TestControllerEnumeration::failureLeavesNoList() {
-    QFETCH(int, call);
-    QFETCH(int, result);
+    QFETCH(const CallRow, row);
     CKvaSdk_Ctrl controller;
     QVERIFY(controller.GetDevicePortList());
     QCOMPARE(controller.m_deviceCount, 1);
-    KvaSim_ClearCallLog();
-    QVERIFY2(InstrumentBench::answer("KVA_GetDevicePortList", result, call), KvaSim_LastError());
+    TestBench::clearCalls();
+    TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
     const DebugLog log;
     QVERIFY(!controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceCount, 0);
-    QVERIFY(controller.m_ports.empty());
-    QVERIFY(controller.m_deviceNameList.isEmpty());
-    QVERIFY(hasOnlyZeros(controller.m_portList, 100));
-    QCOMPARE(controller.m_lastResult, result);
+    QVERIFY(hasNoList(controller));
+    QCOMPARE(controller.m_lastResult, row.result);
     // What the library stored last: a refused count query leaves the earlier count.
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("port count[1] \n")));
-    QCOMPARE(InstrumentBench::calls().size(), call);
-}
-
-void TestControllerEnumeration::warningStillLists_data() {
-    QTest::addColumn<int>("call");
-    QTest::addColumn<int>("lastResult");
-    QTest::newRow("count") << 1 << 0;
-    QTest::newRow("fill") << 2 << 2;
-    QTest::newRow("both") << 0 << 2;
+    QCOMPARE(log.lines(), QStringList("port count[1] \n"));
+    QCOMPARE(TestBench::calls().size(), row.call);
 }
 
 void TestControllerEnumeration::warningStillLists() {
-    QFETCH(int, call);
-    QFETCH(int, lastResult);
+    QFETCH(const CallRow, row);
     CKvaSdk_Ctrl controller;
-    QVERIFY2(InstrumentBench::answer("KVA_GetDevicePortList", 2, call), KvaSim_LastError());
+    TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
     QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceNameList,
-             QStringList(QStringLiteral("VARNE-1(USB,Serial#01234567)")));
-    QCOMPARE(controller.m_lastResult, lastResult);
+    QCOMPARE(controller.m_deviceNameList, QStringList("VARNE-1(USB,Serial#01234567)"));
+    // Kept is the result of the second call.
+    QCOMPARE(controller.m_lastResult, row.call == 1 ? 0 : row.result);
 }
 
 void TestControllerEnumeration::followsPlugging() {
-    QVERIFY2(InstrumentBench::load(port("1", "1", R"("USB")") + ',' + port("2", "2", R"("b")") +
-                                   ',' + port("3", "3", R"("c")")),
-             KvaSim_LastError());
+    TestBench::load({instrumentAt(1, 1, "USB"), instrumentAt(2, 2, "b"), instrumentAt(3, 3, "c")});
     CKvaSdk_Ctrl controller;
     QVERIFY(controller.GetDevicePortList());
-    QVERIFY(KvaSim_Unplug(1));
+    TestBench::unplug(1);
     QVERIFY(controller.GetDevicePortList());
     QCOMPARE(controller.m_deviceNameList,
-             QStringList({QStringLiteral("VARNE-1(b,Serial#00000002)"),
-                          QStringLiteral("VARNE-1(c,Serial#00000003)")}));
+             QStringList({"VARNE-1(b,Serial#00000002)", "VARNE-1(c,Serial#00000003)"}));
     QVERIFY(hasOnlyZeros(controller.m_portList + 2, 98));
 }
 
-QTEST_GUILESS_MAIN(TestControllerEnumeration)
+TEST_CLASS(TestControllerEnumeration)
 #include "tst_controller_enumeration.moc"

@@ -1,21 +1,59 @@
-#include "tests/support/DebugLog.h"
-#include "tests/unit/instrument/InstrumentBench.h"
-
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 #include <climits>
 
 namespace {
 
 QString eventLine(int code, int rawDataCount = 0, int error = 0) {
-    return QStringLiteral("outEventCode[%1],outRAWDataCount[%2],outError[%3] \n")
+    return QString("outEventCode[%1],outRAWDataCount[%2],outError[%3] \n")
         .arg(code)
         .arg(rawDataCount)
         .arg(error);
 }
 
-const QString standby = QStringLiteral("eEventCode_Standby \n");
-const QString disConnect = QStringLiteral("eEventCode_DisConnect \n");
+const QString standby = "eEventCode_Standby \n";
+const QString disConnect = "eEventCode_DisConnect \n";
+
+const bool isSetAtTheStart = g_deviceDisconnected;
+
+struct EventRow {
+    QByteArray name;
+    quint32 code;
+    quint32 rawDataCount;
+    int error;
+    bool before; ///< the flag
+    bool after;
+    QStringList lines;
+};
+
+QVector<EventRow> events() {
+    QVector<EventRow> rows;
+    const auto arguments = [&](const char* name, quint32 rawDataCount, int error,
+                               const QString& line) {
+        rows.append({name, 3, rawDataCount, error, false, false, QStringList(line)});
+    };
+    arguments("zero", 0, 0, eventLine(3));
+    arguments("highest count", 2147483647U, 0, eventLine(3, 2147483647, 0));
+    arguments("count above the signed range", 4294967295U, 0, eventLine(3, -1, 0));
+    arguments("result code", 1, -9999, eventLine(3, 1, -9999));
+    arguments("lowest error", 1, INT_MIN, eventLine(3, 1, INT_MIN));
+    arguments("highest error", 1, INT_MAX, eventLine(3, 1, INT_MAX));
+    for (const bool before : {false, true}) {
+        const auto code = [&](quint32 value, bool after, const QStringList& furtherLines) {
+            const QString name = QString("%1, flag %2 before").arg(value).arg(before ? 1 : 0);
+            const QStringList lines{eventLine(static_cast<int>(value), 3, -4)};
+            rows.append({name.toLatin1(), value, 3, -4, before, after, lines + furtherLines});
+        };
+        code(0, false, {standby});
+        code(6, true, {disConnect});
+        for (const quint32 value : {1U, 2U, 3U, 4U, 5U, 7U, 8U, 9U})
+            code(value, before, {});
+        for (const quint32 value : {10U, 11U, 12U, 2147483647U})
+            code(value, before, {QString("eEventCode Unknown[%1] \n").arg(value)});
+        code(4294967295U, before, {"eEventCode Unknown[-1] \n"});
+    }
+    return rows;
+}
 
 Qt::HANDLE loggingThread = nullptr;
 
@@ -24,16 +62,15 @@ void noteThread(QtMsgType, const QMessageLogContext&, const QString&) {
 }
 
 } // namespace
+Q_DECLARE_METATYPE(EventRow)
 
 class TestControllerEvents : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void handlesCode_data();
-    void handlesCode();
-    void logsArguments_data();
-    void logsArguments();
+    void initTestCase() { QVERIFY(!isSetAtTheStart); }
+    void init() { TestBench::load(); }
+    void handlesEvent_data() { addRows(events()); }
+    void handlesEvent();
     void standbyAfterDisconnect();
     void registersForItsLifetime();
     void failedRegistrationIsKept();
@@ -44,67 +81,13 @@ private Q_SLOTS:
     void powerCycleClearsTheFlagAgain();
 };
 
-void TestControllerEvents::initTestCase() {
-    QVERIFY(!g_deviceDisconnected);
-}
-
-void TestControllerEvents::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-    g_deviceDisconnected = false;
-}
-
-void TestControllerEvents::handlesCode_data() {
-    QTest::addColumn<quint32>("code");
-    QTest::addColumn<bool>("before");
-    QTest::addColumn<bool>("after");
-    QTest::addColumn<QStringList>("furtherLines");
-    const auto row = [](quint32 code, bool before, bool after, const QStringList& lines) {
-        QTest::addRow("%u, flag %d before", code, before) << code << before << after << lines;
-    };
-    for (const bool before : {false, true}) {
-        row(0, before, false, {standby});
-        row(6, before, true, {disConnect});
-        for (const quint32 code : {1U, 2U, 3U, 4U, 5U, 7U, 8U, 9U})
-            row(code, before, before, {});
-        row(10, before, before, {QStringLiteral("eEventCode Unknown[10] \n")});
-        row(11, before, before, {QStringLiteral("eEventCode Unknown[11] \n")});
-        row(12, before, before, {QStringLiteral("eEventCode Unknown[12] \n")});
-        row(2147483647U, before, before, {QStringLiteral("eEventCode Unknown[2147483647] \n")});
-        row(4294967295U, before, before, {QStringLiteral("eEventCode Unknown[-1] \n")});
-    }
-}
-
-void TestControllerEvents::handlesCode() {
-    QFETCH(quint32, code);
-    QFETCH(bool, before);
-    QFETCH(QStringList, furtherLines);
-    g_deviceDisconnected = before;
+void TestControllerEvents::handlesEvent() {
+    QFETCH(const EventRow, row);
+    g_deviceDisconnected = row.before;
     const DebugLog log;
-    DeviceEventHandler(code, 3, -4);
-    QTEST(g_deviceDisconnected.load(), "after");
-    QCOMPARE(log.lines(), QStringList(eventLine(static_cast<int>(code), 3, -4)) + furtherLines);
-    QCOMPARE(log.others(), QStringList());
-}
-
-void TestControllerEvents::logsArguments_data() {
-    QTest::addColumn<quint32>("rawDataCount");
-    QTest::addColumn<int>("error");
-    QTest::addColumn<QString>("line");
-    QTest::newRow("zero") << 0U << 0 << eventLine(3);
-    QTest::newRow("highest count") << 2147483647U << 0 << eventLine(3, 2147483647, 0);
-    QTest::newRow("count above the signed range") << 4294967295U << 0 << eventLine(3, -1, 0);
-    QTest::newRow("result code") << 1U << -9999 << eventLine(3, 1, -9999);
-    QTest::newRow("lowest error") << 1U << INT_MIN << eventLine(3, 1, INT_MIN);
-    QTest::newRow("highest error") << 1U << INT_MAX << eventLine(3, 1, INT_MAX);
-}
-
-void TestControllerEvents::logsArguments() {
-    QFETCH(quint32, rawDataCount);
-    QFETCH(int, error);
-    QFETCH(QString, line);
-    const DebugLog log;
-    DeviceEventHandler(3, rawDataCount, error);
-    QCOMPARE(log.lines(), QStringList(line));
+    DeviceEventHandler(row.code, row.rawDataCount, row.error);
+    QCOMPARE(g_deviceDisconnected.load(), row.after);
+    QCOMPARE(log.lines(), row.lines);
 }
 
 void TestControllerEvents::standbyAfterDisconnect() {
@@ -115,57 +98,47 @@ void TestControllerEvents::standbyAfterDisconnect() {
     QVERIFY(!g_deviceDisconnected);
     DeviceEventHandler(12, 0, 0);
     QVERIFY(!g_deviceDisconnected);
-    QCOMPARE(log.lines(),
-             QStringList({eventLine(6), disConnect, eventLine(0), standby, eventLine(12),
-                          QStringLiteral("eEventCode Unknown[12] \n")}));
+    QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect, eventLine(0), standby,
+                                       eventLine(12), "eEventCode Unknown[12] \n"}));
 }
 
 void TestControllerEvents::registersForItsLifetime() {
+    const QString with = R"(KVA_RegisterDeviceEventHandler {"handler":true} 0)";
+    const QString without = R"(KVA_RegisterDeviceEventHandler {"handler":false} 0)";
     const DebugLog log;
     {
         const CKvaSdk_Ctrl controller;
         QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(
-            InstrumentBench::detailedCalls(),
-            QStringList(QStringLiteral(R"(KVA_RegisterDeviceEventHandler {"handler":true} 0)")));
+        QCOMPARE(TestBench::detailedCalls(), QStringList(with));
     }
-    QCOMPARE(
-        InstrumentBench::detailedCalls(),
-        QStringList({QStringLiteral(R"(KVA_RegisterDeviceEventHandler {"handler":true} 0)"),
-                     QStringLiteral(R"(KVA_RegisterDeviceEventHandler {"handler":false} 0)")}));
+    QCOMPARE(TestBench::detailedCalls(), QStringList({with, without}));
     QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
 }
 
 void TestControllerEvents::failedRegistrationIsKept() {
-    QVERIFY(InstrumentBench::answer("KVA_RegisterDeviceEventHandler", -9986));
+    TestBench::answer("KVA_RegisterDeviceEventHandler", -9986);
     CKvaSdk_Ctrl controller;
     QCOMPARE(controller.m_lastResult, -9986);
-    QVERIFY(InstrumentBench::connect(controller));
+    QVERIFY(controller.GetDevicePortList());
+    QVERIFY(controller.Connect(0, 10));
 }
 
 void TestControllerEvents::handlesNothingAfterItsLifetime() {
     const DebugLog log;
     {
         const CKvaSdk_Ctrl controller;
-        KvaSim_EmitEvent(6, 0, 0);
-        KvaSim_WaitForEvents();
+        TestBench::emitEvent(6);
         QVERIFY(g_deviceDisconnected);
     }
     g_deviceDisconnected = false;
-    KvaSim_EmitEvent(6, 0, 0);
-    KvaSim_WaitForEvents();
+    TestBench::emitEvent(6);
     QVERIFY(!g_deviceDisconnected);
     QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect}));
 }
 
 void TestControllerEvents::doesNotDisconnectAtItsEnd() {
-    {
-        CKvaSdk_Ctrl controller;
-        QVERIFY(InstrumentBench::connect(controller));
-    }
-    QCOMPARE(InstrumentBench::calls(),
-             QStringList(QStringLiteral("KVA_RegisterDeviceEventHandler")));
+    { const ConnectedController controller; }
+    QCOMPARE(TestBench::calls(), QStringList("KVA_RegisterDeviceEventHandler"));
     KVA_DEVICEINFO info = {};
     QCOMPARE(KVA_GetDeviceInfo(&info), 0);
 }
@@ -174,8 +147,7 @@ void TestControllerEvents::comesFromTheLibrarysThread() {
     const CKvaSdk_Ctrl controller;
     loggingThread = nullptr;
     const QtMessageHandler previous = qInstallMessageHandler(noteThread);
-    KvaSim_EmitEvent(6, 0, 0);
-    KvaSim_WaitForEvents();
+    TestBench::emitEvent(6);
     qInstallMessageHandler(previous);
     QVERIFY(loggingThread != nullptr);
     QVERIFY(loggingThread != QThread::currentThreadId());
@@ -183,30 +155,25 @@ void TestControllerEvents::comesFromTheLibrarysThread() {
 }
 
 void TestControllerEvents::unplugSetsTheFlag() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const DebugLog log;
-    QVERIFY(KvaSim_Unplug(InstrumentBench::serialNumber));
-    QTRY_VERIFY(g_deviceDisconnected);
-    KvaSim_WaitForEvents();
+    ConnectedController controller;
+    TestBench::unplug();
+    QVERIFY(g_deviceDisconnected);
     QVERIFY(controller.m_connected);
-    QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect}));
-    QVERIFY(KvaSim_Plug(InstrumentBench::serialNumber));
-    QTRY_VERIFY(!g_deviceDisconnected);
-    KvaSim_WaitForEvents();
-    QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect, eventLine(0), standby}));
+    QCOMPARE(controller.log.lines(), QStringList({eventLine(6), disConnect}));
+    TestBench::plug();
+    QVERIFY(!g_deviceDisconnected);
+    QCOMPARE(controller.log.lines(),
+             QStringList({eventLine(6), disConnect, eventLine(0), standby}));
 }
 
 void TestControllerEvents::powerCycleClearsTheFlagAgain() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const DebugLog log;
-    QVERIFY(KvaSim_PowerCycle(InstrumentBench::serialNumber));
-    KvaSim_WaitForEvents();
+    ConnectedController controller;
+    TestBench::powerCycle();
     QVERIFY(!g_deviceDisconnected);
     QVERIFY(controller.m_connected);
-    QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect, eventLine(0), standby}));
+    QCOMPARE(controller.log.lines(),
+             QStringList({eventLine(6), disConnect, eventLine(0), standby}));
 }
 
-QTEST_GUILESS_MAIN(TestControllerEvents)
+TEST_CLASS(TestControllerEvents)
 #include "tst_controller_events.moc"

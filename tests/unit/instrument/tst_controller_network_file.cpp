@@ -1,203 +1,141 @@
-#include "tests/support/DebugLog.h"
-#include "tests/unit/instrument/InstrumentBench.h"
-
-#include <QFile>
-#include <QTemporaryDir>
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 namespace {
 
-const char settings[] = "[Network]\n"
-                        "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
-                        "DHCPUse=1\n"
-                        "IPAddress=10.0.100.255\n"
-                        "SubnetMask=255.255.0.0\n"
-                        "DefaultGateway=10.0.0.1\n"
-                        "SSID=hall 2\n"
-                        "EncryptKey=secret\n"
-                        "DNS=1.2.3.4\n"
-                        "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
-                        "APConnectUse=0\n";
+const QByteArray settings = "[Network]\n"
+                            "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
+                            "DHCPUse=1\n"
+                            "IPAddress=10.0.100.255\n"
+                            "SubnetMask=255.255.0.0\n"
+                            "DefaultGateway=10.0.0.1\n"
+                            "SSID=hall 2\n"
+                            "EncryptKey=secret\n"
+                            "DNS=1.2.3.4\n"
+                            "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
+                            "APConnectUse=0\n";
 
-QByteArray settingsWith(const char* before, const char* after) {
+QByteArray settingsWith(const QByteArray& before, const QByteArray& after) {
     return QByteArray(settings).replace(before, after);
 }
 
-const QString failedToRead = QStringLiteral("Failed to read networkInfo parameter data. \n");
+const QString failedToRead = "Failed to read networkInfo parameter data. \n";
 
-/** Whether the texts are as a failed read leaves them. */
-bool isCleared(const CKvaSdk_Ctrl& controller) {
-    return controller.m_ssid.isEmpty() && controller.m_encryptKey.isEmpty() &&
-           controller.m_ipAddress.isEmpty() && controller.m_subnetMask.isEmpty() &&
-           controller.m_defaultGateway.isEmpty() && controller.m_dns.isEmpty();
-}
+/** A file that is refused. */
+struct RefusedRow {
+    const char* name;
+    QByteArray content;                 ///< null: there is no file
+    QStringList lines = {failedToRead}; ///< logged
+    /** What the record keeps when only the flags are wrong. */
+    quint32 apConnectUse = 0;
+    quint32 dhcpUse = 0;
+};
+
+const RefusedRow refusedFiles[] = {
+    {"no file", {}},
+    {"empty file", ""},
+    {"no section", settingsWith("[Network]\n", "")},
+    {"last key missing", settingsWith("APConnectUse=0\n", "")},
+    {"empty SSID", settingsWith("SSID=hall 2\n", "SSID=\n")},
+    {"empty key", settingsWith("EncryptKey=secret\n", "EncryptKey=\n")},
+    {"SSID of 33 bytes", settingsWith("hall 2", QByteArray(33, 's'))},
+    {"key of 65 bytes", settingsWith("secret", QByteArray(65, 'k'))},
+    {"APConnectUse 2", settingsWith("APConnectUse=0", "APConnectUse=2"), {}, 2, 1},
+    {"APConnectUse -1", settingsWith("APConnectUse=0", "APConnectUse=-1"), {}, 4294967295, 1},
+    {"APConnectUse 256", settingsWith("APConnectUse=0", "APConnectUse=256"), {}, 256, 1},
+    {"DHCPUse 2", settingsWith("DHCPUse=1", "DHCPUse=2"), {}, 0, 2},
+    {"DHCPUse -1", settingsWith("DHCPUse=1", "DHCPUse=-1"), {}, 0, 4294967295},
+};
 
 } // namespace
+Q_DECLARE_METATYPE(RefusedRow)
 
 class TestControllerNetworkFile : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
-    void cleanup();
+    void init() { TestBench::load(); }
     void readsFile();
-    void refusesFile_data();
+    void refusesFile_data() { addRows(refusedFiles); }
     void refusesFile();
-    void refusesFlagAboveOne_data();
-    void refusesFlagAboveOne();
-    void refusesMissingFile();
     void failedReadReplacesTheInstrumentsSettings();
     void writesFile();
     void failsToWrite();
     void readsWhatItWrote();
 
 private:
-    QByteArray path(const char* name) const {
-        return QFile::encodeName(m_folder->filePath(QString::fromLatin1(name)));
-    }
-    QByteArray writeFile(const QByteArray& content) const {
-        return InstrumentBench::writeFile(m_folder->filePath(QStringLiteral("network.ini")),
-                                          content);
-    }
-
-    std::unique_ptr<QTemporaryDir> m_folder;
+    TestFolder m_folder;
 };
 
-void TestControllerNetworkFile::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-}
-
-void TestControllerNetworkFile::cleanup() {
-    m_folder.reset();
-}
-
 void TestControllerNetworkFile::readsFile() {
-    const QByteArray file = writeFile(settings);
+    const QByteArray path = localFile(m_folder, settings);
     CKvaSdk_Ctrl controller;
     controller.m_lastResult = 4;
-    KvaSim_ClearCallLog();
+    TestBench::clearCalls();
     const DebugLog log;
-    QVERIFY(controller.ReadNetworkInfoFile(file.constData()));
-    const QByteArray expected =
-        QByteArray::fromHex("00000000010000000a0064ffffff00000a00000101020304") +
-        QByteArray("hall 2").leftJustified(33, '\0') + QByteArray("secret").leftJustified(67, '\0');
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo), expected);
+    QVERIFY(controller.ReadNetworkInfoFile(path));
+    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
+             QByteArray::fromHex("00000000010000000a0064ffffff00000a00000101020304") +
+                 QByteArray("hall 2").leftJustified(33, '\0') +
+                 QByteArray("secret").leftJustified(67, '\0'));
     QVERIFY(!controller.m_apConnectUse);
     QVERIFY(controller.m_dhcpUse);
-    QCOMPARE(controller.m_ssid, QStringLiteral("hall 2"));
-    QCOMPARE(controller.m_encryptKey, QStringLiteral("secret"));
-    QCOMPARE(controller.m_ipAddress.join(u'|'), QStringLiteral("10|0|100|255"));
-    QCOMPARE(controller.m_subnetMask.join(u'|'), QStringLiteral("255|255|0|0"));
-    QCOMPARE(controller.m_defaultGateway.join(u'|'), QStringLiteral("10|0|0|1"));
-    QCOMPARE(controller.m_dns.join(u'|'), QStringLiteral("1|2|3|4"));
+    QCOMPARE(controller.m_ssid, "hall 2");
+    QCOMPARE(controller.m_encryptKey, "secret");
+    QCOMPARE(addresses(controller),
+             QStringList({"10|0|100|255", "255|255|0|0", "10|0|0|1", "1|2|3|4"}));
     QCOMPARE(controller.m_lastResult, 4);
     QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), QStringList());
-}
-
-void TestControllerNetworkFile::refusesFile_data() {
-    QTest::addColumn<QByteArray>("content");
-    const QByteArray longName = "SSID=" + QByteArray(33, 's') + '\n';
-    const QByteArray longKey = "EncryptKey=" + QByteArray(65, 'k') + '\n';
-    QTest::newRow("empty file") << QByteArray();
-    QTest::newRow("no section") << settingsWith("[Network]\n", "");
-    QTest::newRow("last key missing") << settingsWith("APConnectUse=0\n", "");
-    QTest::newRow("empty SSID") << settingsWith("SSID=hall 2\n", "SSID=\n");
-    QTest::newRow("empty key") << settingsWith("EncryptKey=secret\n", "EncryptKey=\n");
-    QTest::newRow("SSID of 33 bytes") << settingsWith("SSID=hall 2\n", longName.constData());
-    QTest::newRow("key of 65 bytes") << settingsWith("EncryptKey=secret\n", longKey.constData());
+    QCOMPARE(TestBench::calls(), QStringList());
 }
 
 void TestControllerNetworkFile::refusesFile() {
-    QFETCH(QByteArray, content);
-    const QByteArray file = writeFile(content);
+    QFETCH(const RefusedRow, row);
+    const QByteArray path = localFile(m_folder, row.content);
     CKvaSdk_Ctrl controller;
     controller.m_lastResult = 4;
     const DebugLog log;
-    QVERIFY(!controller.ReadNetworkInfoFile(file.constData()));
-    QVERIFY(isCleared(controller));
+    QVERIFY(!controller.ReadNetworkInfoFile(path));
+    QVERIFY(hasNoNetworkTexts(controller));
+    if (row.lines.isEmpty()) {
+        QCOMPARE(controller.m_networkInfo.APConnectUse, row.apConnectUse);
+        QCOMPARE(controller.m_networkInfo.DHCPUse, row.dhcpUse);
+        QCOMPARE(controller.m_networkInfo.SSID, "hall 2");
+    }
+    if (row.content.isNull())
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
     QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), QStringList(failedToRead));
-    QCOMPARE(log.others(), QStringList());
-}
-
-void TestControllerNetworkFile::refusesFlagAboveOne_data() {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<quint32>("apConnectUse");
-    QTest::addColumn<quint32>("dhcpUse");
-    QTest::newRow("APConnectUse 2") << settingsWith("APConnectUse=0", "APConnectUse=2") << 2U << 1U;
-    QTest::newRow("APConnectUse -1")
-        << settingsWith("APConnectUse=0", "APConnectUse=-1") << 4294967295U << 1U;
-    QTest::newRow("APConnectUse 256")
-        << settingsWith("APConnectUse=0", "APConnectUse=256") << 256U << 1U;
-    QTest::newRow("DHCPUse 2") << settingsWith("DHCPUse=1", "DHCPUse=2") << 0U << 2U;
-    QTest::newRow("DHCPUse -1") << settingsWith("DHCPUse=1", "DHCPUse=-1") << 0U << 4294967295U;
-}
-
-void TestControllerNetworkFile::refusesFlagAboveOne() {
-    QFETCH(QByteArray, content);
-    const QByteArray file = writeFile(content);
-    CKvaSdk_Ctrl controller;
-    controller.m_lastResult = 4;
-    const DebugLog log;
-    QVERIFY(!controller.ReadNetworkInfoFile(file.constData()));
-    QVERIFY(isCleared(controller));
-    // The record keeps the file's values.
-    QTEST(controller.m_networkInfo.APConnectUse, "apConnectUse");
-    QTEST(controller.m_networkInfo.DHCPUse, "dhcpUse");
-    QCOMPARE(QByteArray(controller.m_networkInfo.SSID), QByteArray("hall 2"));
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-}
-
-void TestControllerNetworkFile::refusesMissingFile() {
-    CKvaSdk_Ctrl controller;
-    const DebugLog log;
-    QVERIFY(!controller.ReadNetworkInfoFile(path("none.ini").constData()));
-    QVERIFY(isCleared(controller));
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-    QCOMPARE(log.lines(), QStringList(failedToRead));
+    QCOMPARE(log.lines(), row.lines);
 }
 
 void TestControllerNetworkFile::failedReadReplacesTheInstrumentsSettings() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
     QVERIFY(controller.GetNetworkInfo());
-    QVERIFY(!controller.ReadNetworkInfoFile(path("none.ini").constData()));
-    QVERIFY(isCleared(controller));
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+    QVERIFY(!controller.ReadNetworkInfoFile(localFile(m_folder, {})));
+    QVERIFY(hasNoNetworkTexts(controller));
+    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
 }
 
 void TestControllerNetworkFile::writesFile() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
     QVERIFY(controller.GetNetworkInfo());
-    const QByteArray record = InstrumentBench::bytesOf(controller.m_networkInfo);
+    const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
     controller.m_lastResult = 4;
-    KvaSim_ClearCallLog();
-    const DebugLog log;
-    QVERIFY(controller.WriteNetworkInfoFile(path("out.ini").constData()));
-    QFile file(m_folder->filePath(QStringLiteral("out.ini")));
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(file.readAll(), QByteArray("[Network]\n"
-                                        "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
-                                        "DHCPUse=0\n"
-                                        "IPAddress=192.168.0.10\n"
-                                        "SubnetMask=255.255.255.0\n"
-                                        "DefaultGateway=192.168.0.1\n"
-                                        "SSID=press-hall\n"
-                                        "EncryptKey=spectral-key\n"
-                                        "DNS=8.8.4.0\n"
-                                        "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
-                                        "APConnectUse=1\n"));
-    QCOMPARE(InstrumentBench::bytesOf(controller.m_networkInfo), record);
+    TestBench::clearCalls();
+    QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
+    QCOMPARE(m_folder.read("out.ini"), "[Network]\n"
+                                       "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
+                                       "DHCPUse=0\n"
+                                       "IPAddress=192.168.0.10\n"
+                                       "SubnetMask=255.255.255.0\n"
+                                       "DefaultGateway=192.168.0.1\n"
+                                       "SSID=press-hall\n"
+                                       "EncryptKey=spectral-key\n"
+                                       "DNS=8.8.4.0\n"
+                                       "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
+                                       "APConnectUse=1\n");
+    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), record);
     QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), QStringList());
+    QCOMPARE(controller.log.lines(), QStringList());
+    QCOMPARE(TestBench::calls(), QStringList());
 }
 
 void TestControllerNetworkFile::failsToWrite() {
@@ -205,11 +143,10 @@ void TestControllerNetworkFile::failsToWrite() {
     controller.SetSSID("kept");
     controller.m_lastResult = 4;
     const DebugLog log;
-    QVERIFY(!controller.WriteNetworkInfoFile(path("none/out.ini").constData()));
-    QCOMPARE(QByteArray(controller.m_networkInfo.SSID), QByteArray("kept"));
+    QVERIFY(!controller.WriteNetworkInfoFile(m_folder.localPath("none/out.ini")));
+    QCOMPARE(controller.m_networkInfo.SSID, "kept");
     QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), QStringList(QStringLiteral("Failed to write network setting file. \n")));
-    QCOMPARE(log.others(), QStringList());
+    QCOMPARE(log.lines(), QStringList("Failed to write network setting file. \n"));
 }
 
 void TestControllerNetworkFile::readsWhatItWrote() {
@@ -219,16 +156,16 @@ void TestControllerNetworkFile::readsWhatItWrote() {
     controller.m_networkInfo.DHCPUse = 1;
     controller.SetIPAddress(octets);
     controller.SetDNS(octets);
-    controller.SetSSID(QByteArray(32, 's').constData());
-    controller.SetEncryptKey(QByteArray(64, 'k').constData());
-    const QByteArray record = InstrumentBench::bytesOf(controller.m_networkInfo);
-    QVERIFY(controller.WriteNetworkInfoFile(path("out.ini").constData()));
+    controller.SetSSID(QByteArray(32, 's'));
+    controller.SetEncryptKey(QByteArray(64, 'k'));
+    const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
+    QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
     CKvaSdk_Ctrl other;
-    QVERIFY(other.ReadNetworkInfoFile(path("out.ini").constData()));
-    QCOMPARE(InstrumentBench::bytesOf(other.m_networkInfo), record);
-    QCOMPARE(other.m_ssid, QString(32, u's'));
-    QCOMPARE(other.m_encryptKey, QString(64, u'k'));
+    QVERIFY(other.ReadNetworkInfoFile(m_folder.localPath("out.ini")));
+    QCOMPARE(TestBench::bytesOf(other.m_networkInfo), record);
+    QCOMPARE(other.m_ssid, QString(32, 's'));
+    QCOMPARE(other.m_encryptKey, QString(64, 'k'));
 }
 
-QTEST_GUILESS_MAIN(TestControllerNetworkFile)
+TEST_CLASS(TestControllerNetworkFile)
 #include "tst_controller_network_file.moc"

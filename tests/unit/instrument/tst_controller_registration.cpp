@@ -1,356 +1,229 @@
-#include "tests/support/DebugLog.h"
 #include "tests/support/StandardOutput.h"
-#include "tests/unit/instrument/Accessory.h"
-
-#include <QTemporaryDir>
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 namespace {
 
-const QString getCall = QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA");
-const QString setCall = QStringLiteral("KVA_JIG_SetFactoryCalib_CALREFDATA");
-const QString commitCall = QStringLiteral("KVA_JIG_SetFactoryCalib_WriteSector");
+const QString getCall = "KVA_JIG_GetFactoryCalib_CALREFDATA";
+const QString setCall = "KVA_JIG_SetFactoryCalib_CALREFDATA";
+const QString commitCall = "KVA_JIG_SetFactoryCalib_WriteSector";
 const QStringList allCalls{getCall, setCall, commitCall, getCall};
 
-const QString getFailed = QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA() failed.\n");
-const QString fileFailed = QStringLiteral("file.GetCalRefDataFromFile() failed.");
-const QString setFailed = QStringLiteral("file.KVA_JIG_SetFactoryCalib_CALREFDATA() failed.\n");
-const QString commitFailed = QStringLiteral("KVA_JIG_SetFactoryCalib_WriteSector() failed.\n");
+const QString getFailed = "KVA_JIG_GetFactoryCalib_CALREFDATA() failed.\n";
+const QString fileFailed = "file.GetCalRefDataFromFile() failed.";
+const QString setFailed = "file.KVA_JIG_SetFactoryCalib_CALREFDATA() failed.\n";
+const QString commitFailed = "KVA_JIG_SetFactoryCalib_WriteSector() failed.\n";
 
-QByteArray recordBytes() {
-    return InstrumentBench::bytesOf(InstrumentBench::calibrationRecord());
+/** What of the file the instrument holds after the power was off. */
+enum Held { Nothing, SerialNo, SerialNoAndValues };
+
+/** A registration and what comes of it. */
+struct RegistrationRow {
+    QByteArray name;
+    Accessory accessory;
+    QByteArray content; ///< of the file; null: there is none
+    QByteArray serialNo;
+    Held held;
+    QStringList calls;
+    QStringList lines = {};
+    QString function = {}; ///< that answers something else than 0
+    int call = 0;          ///< and when: the nth time; 0: each time
+    int answer = 0;
+
+    bool succeeds() const { return held != Nothing && lines.isEmpty(); }
+};
+
+void addOutcomes(QVector<RegistrationRow>& rows, const Accessory& a) {
+    const auto succeeds = [&](const char* how, const QByteArray& content, Held held) {
+        rows.append({a.name + QByteArray(how), a, content, a.serialNo, held, allCalls});
+    };
+    const auto failsAt = [&](const char* step, const QString& function, int call,
+                             const QString& line, int calls, Held held) {
+        rows.append({a.name + QByteArray(step), a, a.file(), a.serialNo, held,
+                     allCalls.mid(0, calls), QStringList(line), function, call, -9989});
+    };
+    const auto refuses = [&](const char* file, const QByteArray& content) {
+        // The warning of the fetch stays, since no later call takes its place.
+        rows.append({a.name + QByteArray(file), a, content, a.serialNo, Nothing,
+                     QStringList(getCall), QStringList(fileFailed), getCall, 0, 2});
+    };
+    const QByteArray serialNo = a.serialNo;
+    succeeds("", a.file(), SerialNoAndValues);
+    succeeds(", no values", "heading\nheading\n" + serialNo + '\n', SerialNo);
+    failsAt(", get", getCall, 1, getFailed, 1, Nothing);
+    failsAt(", set", setCall, 1, setFailed, 2, Nothing);
+    failsAt(", commit", commitCall, 1, commitFailed, 3, Nothing);
+    failsAt(", read-back get", getCall, 2, getFailed, 4, SerialNoAndValues);
+    refuses(", no file", {});
+    refuses(", one value short", TestBench::valueFile(serialNo, a.valueCount - 1));
+    refuses(", one value too many", TestBench::valueFile(serialNo, a.valueCount + 1));
+}
+
+void addSerialNumber(QVector<RegistrationRow>& rows, const Accessory& a, const char* serialNo,
+                     bool isValid) {
+    rows.append({a.name + QByteArray(", ") + serialNo, a,
+                 TestBench::valueFile(serialNo, a.valueCount), serialNo,
+                 isValid ? SerialNoAndValues : Nothing, isValid ? allCalls : QStringList(getCall)});
+}
+
+QVector<RegistrationRow> registrations() {
+    QVector<RegistrationRow> rows;
+    addOutcomes(rows, whitePlate);
+    addOutcomes(rows, adapter);
+    for (const char* serialNo : {"00000000", "1", "10000000"})
+        addSerialNumber(rows, whitePlate, serialNo, false);
+    for (const char* serialNo : {"10000001", "99999999"})
+        addSerialNumber(rows, whitePlate, serialNo, true);
+    for (const char* serialNo : {"00000000", "00010000", "00100000", "99999999"})
+        addSerialNumber(rows, adapter, serialNo, false);
+    for (const char* serialNo : {"00010001", "00099999"})
+        addSerialNumber(rows, adapter, serialNo, true);
+    return rows;
 }
 
 } // namespace
+Q_DECLARE_METATYPE(RegistrationRow)
 
 class TestControllerRegistration : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void init();
-    void cleanup();
-    void registers_data();
+    void init() { TestBench::load(); }
+    void registers_data() { addRows(registrations()); }
     void registers();
     void registersOneAfterTheOther();
-    void readsTheFileAgain_data();
+    void readsTheFileAgain_data() { addRows(accessories); }
     void readsTheFileAgain();
     void keepsTheInstrumentsSerialNumber();
-    void keepsTheInstrumentsValues_data();
-    void keepsTheInstrumentsValues();
     void carriesValuesThatAreNoNumbers();
-    void failsAtCall_data();
-    void failsAtCall();
-    void commitsWhatAFailedCommitLeft_data();
+    void commitsWhatAFailedCommitLeft_data() { addRows(accessories); }
     void commitsWhatAFailedCommitLeft();
-    void failsAtFile_data();
-    void failsAtFile();
-    void refusesInvalidSerialNumber_data();
-    void refusesInvalidSerialNumber();
     void refusesTheInstrumentsInvalidSerialNumber();
-    void failsWithoutConnection_data();
+    void failsWithoutConnection_data() { addRows(accessories); }
     void failsWithoutConnection();
 
 private:
-    QByteArray writeFile(const QByteArray& content) const {
-        return InstrumentBench::writeFile(m_folder->filePath(QStringLiteral("values.csv")),
-                                          content);
+    bool write(CKvaSdk_Ctrl& controller, const Accessory& accessory,
+               const QByteArray& content) const {
+        return (controller.*accessory.write)(localFile(m_folder, content));
     }
 
-    std::unique_ptr<QTemporaryDir> m_folder;
+    TestFolder m_folder;
 };
 
-void TestControllerRegistration::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(m_folder->isValid());
-}
-
-void TestControllerRegistration::cleanup() {
-    m_folder.reset();
-}
-
-void TestControllerRegistration::registers_data() {
-    accessoryRows();
-}
-
 void TestControllerRegistration::registers() {
-    QFETCH(int, index);
-    const Accessory& accessory = accessories[index];
-    const QByteArray file = writeFile(accessory.file());
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
+    QFETCH(const RegistrationRow, row);
+    ConnectedController controller;
+    const QByteArray before = calibrationRecord();
     QCOMPARE(before.size(), 2508);
-    KvaSim_ClearCallLog();
-    const DebugLog log;
-    QVERIFY((controller.*accessory.write)(file.constData()));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), allCalls);
+    QByteArray expected = before;
+    if (row.held != Nothing)
+        expected = row.accessory.numberedIn(expected, row.serialNo);
+    if (row.held == SerialNoAndValues)
+        expected = row.accessory.valuesIn(expected);
+    TestBench::clearCalls();
+    if (!row.function.isEmpty())
+        TestBench::answer(row.function, row.answer, row.call);
+    QCOMPARE(write(controller, row.accessory, row.content), row.succeeds());
+    QCOMPARE(controller.m_lastResult, row.answer);
+    QCOMPARE(controller.log.lines(), row.lines);
+    QCOMPARE(TestBench::calls(), row.calls);
     // The texts are those of other operations.
-    QCOMPARE(controller.m_curWCPSerialNo + controller.m_curAmbAdpSerialNo, QString());
-    QCOMPARE(controller.m_fileWCPSerialNo + controller.m_fileAmbAdpSerialNo, QString());
-    // Byte for byte, and in the memory that a power cycle leaves.
-    QCOMPARE(recordBytes(), accessory.registeredIn(before));
-    QVERIFY(InstrumentBench::powerCycle(controller));
-    QCOMPARE(recordBytes(), accessory.registeredIn(before));
+    QCOMPARE(controller.m_curWCPSerialNo + controller.m_curAmbAdpSerialNo, "");
+    QCOMPARE(controller.m_fileWCPSerialNo + controller.m_fileAmbAdpSerialNo, "");
+    KvaSim_ClearFaults();
+    // A set or commit that failed may have changed the instrument's working copy.
+    if (row.succeeds() || !row.calls.contains(setCall))
+        QCOMPARE(calibrationRecord(), expected);
+    // Nothing is taken back: what was handed over without a commit goes with the power.
+    controller.powerCycle();
+    QCOMPARE(calibrationRecord(), expected);
 }
 
 void TestControllerRegistration::registersOneAfterTheOther() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
-    QVERIFY(controller.WriteWCPData(writeFile(accessories[0].file())));
-    QVERIFY(controller.WriteAmbAdpData(writeFile(accessories[1].file())));
-    QCOMPARE(recordBytes(), accessories[1].registeredIn(accessories[0].registeredIn(before)));
+    ConnectedController controller;
+    const QByteArray before = calibrationRecord();
+    QVERIFY(write(controller, whitePlate, whitePlate.file()));
+    QVERIFY(write(controller, adapter, adapter.file()));
+    QCOMPARE(calibrationRecord(), adapter.registeredIn(whitePlate.registeredIn(before)));
     QVERIFY(controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, QStringLiteral("23456789"));
-    QCOMPARE(controller.m_curAmbAdpSerialNo, QStringLiteral("00054321"));
-}
-
-void TestControllerRegistration::readsTheFileAgain_data() {
-    accessoryRows();
+    QCOMPARE(controller.m_curWCPSerialNo, "23456789");
+    QCOMPARE(controller.m_curAmbAdpSerialNo, "00054321");
 }
 
 void TestControllerRegistration::readsTheFileAgain() {
-    QFETCH(int, index);
-    const Accessory& accessory = accessories[index];
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
-    const QByteArray other = index == 0 ? "87654321" : "00098765";
-    QByteArray file = writeFile(InstrumentBench::valueFile(other, accessory.valueCount));
-    QVERIFY(index == 0 ? controller.ReadWCPFile(file) : controller.ReadAmbAdpFile(file));
-    file = writeFile(accessory.file());
-    QVERIFY((controller.*accessory.write)(file.constData()));
-    QCOMPARE(recordBytes(), accessory.registeredIn(before));
-    QCOMPARE(index == 0 ? controller.m_fileWCPSerialNo : controller.m_fileAmbAdpSerialNo,
-             QString::fromLatin1(other));
+    QFETCH(const Accessory, row);
+    ConnectedController controller;
+    const QByteArray before = calibrationRecord();
+    const QByteArray other = row.valueCount == 38 ? "87654321" : "00098765";
+    const QByteArray otherFile = TestBench::valueFile(other, row.valueCount);
+    QVERIFY((controller.*row.read)(localFile(m_folder, otherFile)));
+    QVERIFY(write(controller, row, row.file()));
+    QCOMPARE(calibrationRecord(), row.registeredIn(before));
+    QCOMPARE(controller.*row.fileSerialNo, QString(other));
 }
 
+/** The reader skips such a serial line. The values are registered under the number held. */
 void TestControllerRegistration::keepsTheInstrumentsSerialNumber() {
-    // A serial line that the reader leaves alone registers the values under the number held.
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
+    ConnectedController controller;
+    const QByteArray before = calibrationRecord();
     StandardOutput output;
-    QVERIFY(controller.WriteWCPData(writeFile(InstrumentBench::valueFile("", 38))));
-    QVERIFY(controller.WriteAmbAdpData(writeFile(InstrumentBench::valueFile("1234", 75))));
-    QCOMPARE(output.take(), QByteArray("incorrect data. 1234\n"));
-    const KVA_JIG_CALREFDATA record = InstrumentBench::calibrationRecord();
-    QCOMPARE(InstrumentBench::bytesOf(record.whiteSerialNo), QByteArray::fromHex("12345678"));
-    QCOMPARE(InstrumentBench::bytesOf(record.ambAdpSerialNo), QByteArray::fromHex("00012345"));
-    QCOMPARE(record.rfWhite.spcData[37], InstrumentBench::fileValue(37));
-    QCOMPARE(record.ambAdp.spcData[74], InstrumentBench::fileValue(74));
-}
-
-void TestControllerRegistration::keepsTheInstrumentsValues_data() {
-    accessoryRows();
-}
-
-/** A file of three lines puts another serial number to the values held. */
-void TestControllerRegistration::keepsTheInstrumentsValues() {
-    QFETCH(int, index);
-    const Accessory& accessory = accessories[index];
-    const QByteArray file = writeFile("heading\nheading\n" + QByteArray(accessory.serialNo) + '\n');
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
-    KvaSim_ClearCallLog();
-    const DebugLog log;
-    QVERIFY((controller.*accessory.write)(file.constData()));
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), allCalls);
-    QVERIFY(InstrumentBench::powerCycle(controller));
-    QCOMPARE(recordBytes(), QByteArray(before).replace(accessory.serialNoOffset, 4,
-                                                       QByteArray::fromHex(accessory.serialNo)));
+    QVERIFY(write(controller, whitePlate, TestBench::valueFile("", 38)));
+    QVERIFY(write(controller, adapter, TestBench::valueFile("1234", 75)));
+    QCOMPARE(output.take(), "incorrect data. 1234\n");
+    QCOMPARE(calibrationRecord(), adapter.valuesIn(whitePlate.valuesIn(before)));
+    QCOMPARE(before.left(4).toHex() + before.mid(156, 4).toHex(), "1234567800012345");
 }
 
 void TestControllerRegistration::carriesValuesThatAreNoNumbers() {
     const QByteArray odd = R"("0x7fc00001", "0xffa00002", "0x80000000", "0x00000001")";
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY2(
-        InstrumentBench::set(R"({"calibration": {"committed": {"ambientAdapter": {"values": [)" +
-                             odd + QByteArray(", 1").repeated(71) + "]}}}}"),
-        KvaSim_LastError());
-    const QByteArray before = recordBytes();
-    QCOMPARE(before.mid(160, 16), QByteArray::fromHex("0100c07f0200a0ff0000008001000000"));
-    QVERIFY(controller.WriteWCPData(writeFile(accessories[0].file())));
-    QCOMPARE(recordBytes(), accessories[0].registeredIn(before));
+    ConnectedController controller;
+    TestBench::set(R"({"calibration": {"committed": {"ambientAdapter": {"values": [)" + odd +
+                   QByteArray(", 1").repeated(71) + "]}}}}");
+    const QByteArray before = calibrationRecord();
+    QCOMPARE(before.mid(160, 16).toHex(), "0100c07f0200a0ff0000008001000000");
+    QVERIFY(write(controller, whitePlate, whitePlate.file()));
+    QCOMPARE(calibrationRecord(), whitePlate.registeredIn(before));
 }
 
-void TestControllerRegistration::failsAtCall_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QByteArray>("function");
-    QTest::addColumn<int>("call");
-    QTest::addColumn<QString>("line");
-    QTest::addColumn<int>("callCount");
-    QTest::addColumn<bool>("isCommitted");
-    for (int i = 0; i < 2; ++i) {
-        const auto row = [i](const char* step, const QString& function, int call,
-                             const QString& line, int callCount, bool isCommitted) {
-            QTest::addRow("%s, %s", accessories[i].name, step)
-                << i << function.toLatin1() << call << line << callCount << isCommitted;
-        };
-        row("get", getCall, 1, getFailed, 1, false);
-        row("set", setCall, 1, setFailed, 2, false);
-        row("commit", commitCall, 1, commitFailed, 3, false);
-        row("read-back get", getCall, 2, getFailed, 4, true);
-    }
-}
-
-void TestControllerRegistration::failsAtCall() {
-    QFETCH(int, index);
-    QFETCH(QByteArray, function);
-    QFETCH(int, call);
-    QFETCH(QString, line);
-    QFETCH(int, callCount);
-    QFETCH(bool, isCommitted);
-    const Accessory& accessory = accessories[index];
-    const QByteArray file = writeFile(accessory.file());
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
-    KvaSim_ClearCallLog();
-    QVERIFY2(InstrumentBench::answer(function.constData(), -9989, call), KvaSim_LastError());
-    const DebugLog log;
-    QVERIFY(!(controller.*accessory.write)(file.constData()));
-    QCOMPARE(controller.m_lastResult, -9989);
-    QCOMPARE(log.lines(), QStringList(line));
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), allCalls.mid(0, callCount));
-    KvaSim_ClearFaults();
-    // Nothing is taken back: what was handed over without a commit goes with the power.
-    QVERIFY(InstrumentBench::powerCycle(controller));
-    QCOMPARE(recordBytes(), isCommitted ? accessory.registeredIn(before) : before);
-}
-
-void TestControllerRegistration::commitsWhatAFailedCommitLeft_data() {
-    accessoryRows();
-}
-
-/** The record of the failed registration stays in the instrument's working copy, which the next
-    one fetches, completes and commits. A power cycle between them drops it: see failsAtCall. */
+/** The record of the failed registration stays in the instrument's working copy. The next
+    registration fetches, completes and commits it. The row "commit" has a power cycle instead,
+    which drops it. */
 void TestControllerRegistration::commitsWhatAFailedCommitLeft() {
-    QFETCH(int, index);
-    const Accessory& failed = accessories[index];
-    const Accessory& next = accessories[1 - index];
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
-    QVERIFY(InstrumentBench::answer("KVA_JIG_SetFactoryCalib_WriteSector", -9989, 1));
-    QVERIFY(!(controller.*failed.write)(writeFile(failed.file()).constData()));
-    KvaSim_ClearCallLog();
-    const DebugLog log;
-    QVERIFY((controller.*next.write)(writeFile(next.file()).constData()));
+    QFETCH(const Accessory, row);
+    const Accessory& next = row.valueCount == 38 ? adapter : whitePlate;
+    ConnectedController controller;
+    const QByteArray before = calibrationRecord();
+    TestBench::answer(commitCall, -9989, 1);
+    QVERIFY(!write(controller, row, row.file()));
+    TestBench::clearCalls();
+    QVERIFY(write(controller, next, next.file()));
     QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), allCalls);
-    QVERIFY(InstrumentBench::powerCycle(controller));
-    QCOMPARE(recordBytes(), next.registeredIn(failed.registeredIn(before)));
+    QCOMPARE(controller.log.lines(), QStringList(commitFailed));
+    QCOMPARE(TestBench::calls(), allCalls);
+    controller.powerCycle();
+    QCOMPARE(calibrationRecord(), next.registeredIn(row.registeredIn(before)));
 }
 
-void TestControllerRegistration::failsAtFile_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QByteArray>("content");
-    for (int i = 0; i < 2; ++i) {
-        const Accessory& accessory = accessories[i];
-        QTest::addRow("%s, no file", accessory.name) << i << QByteArray();
-        QTest::addRow("%s, one value short", accessory.name)
-            << i << InstrumentBench::valueFile(accessory.serialNo, accessory.valueCount - 1);
-        QTest::addRow("%s, one value too many", accessory.name)
-            << i << InstrumentBench::valueFile(accessory.serialNo, accessory.valueCount + 1);
-    }
-}
-
-void TestControllerRegistration::failsAtFile() {
-    QFETCH(int, index);
-    QFETCH(QByteArray, content);
-    const QByteArray file = content.isEmpty()
-                                ? m_folder->filePath(QStringLiteral("none.csv")).toLocal8Bit()
-                                : writeFile(content);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY(InstrumentBench::answer("KVA_JIG_GetFactoryCalib_CALREFDATA", 2));
-    const QByteArray before = recordBytes();
-    KvaSim_ClearCallLog();
-    const DebugLog log;
-    QVERIFY(!(controller.*accessories[index].write)(file.constData()));
-    QCOMPARE(controller.m_lastResult, 2);
-    QCOMPARE(log.lines(), QStringList(fileFailed));
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), QStringList(getCall));
-    QCOMPARE(recordBytes(), before);
-}
-
-void TestControllerRegistration::refusesInvalidSerialNumber_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<QByteArray>("serialNo");
-    QTest::addColumn<bool>("isValid");
-    const auto row = [](int index, const char* serialNo, bool isValid) {
-        QTest::addRow("%s, %s", accessories[index].name, serialNo)
-            << index << QByteArray(serialNo) << isValid;
-    };
-    row(0, "00000000", false);
-    row(0, "1", false);
-    row(0, "10000000", false);
-    row(0, "10000001", true);
-    row(0, "99999999", true);
-    row(1, "00000000", false);
-    row(1, "00010000", false);
-    row(1, "00010001", true);
-    row(1, "00099999", true);
-    row(1, "00100000", false);
-    row(1, "99999999", false);
-}
-
-void TestControllerRegistration::refusesInvalidSerialNumber() {
-    QFETCH(int, index);
-    QFETCH(QByteArray, serialNo);
-    QFETCH(bool, isValid);
-    const Accessory& accessory = accessories[index];
-    const QByteArray file = writeFile(InstrumentBench::valueFile(serialNo, accessory.valueCount));
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    const QByteArray before = recordBytes();
-    KvaSim_ClearCallLog();
-    const DebugLog log;
-    QCOMPARE((controller.*accessory.write)(file.constData()), isValid);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(log.others(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), isValid ? allCalls : QStringList(getCall));
-    QCOMPARE(recordBytes() == before, !isValid);
-}
-
+/** The file leaves the number as it is. So it is the instrument's that is checked. */
 void TestControllerRegistration::refusesTheInstrumentsInvalidSerialNumber() {
-    // The file leaves the number as it is, so it is the instrument's that is checked.
-    CKvaSdk_Ctrl controller;
-    QVERIFY(InstrumentBench::connect(controller));
-    QVERIFY(InstrumentBench::set(R"({"calibration": {"committed": {
-        "white": {"serialNumber": "10000000"}, "ambientAdapter": {"serialNumber": "00100000"}}}})"));
-    const DebugLog log;
+    ConnectedController controller;
+    TestBench::set(R"({"calibration": {"committed": {
+        "white": {"serialNumber": "10000000"}, "ambientAdapter": {"serialNumber": "00100000"}}}})");
     StandardOutput output;
-    QVERIFY(!controller.WriteWCPData(writeFile(InstrumentBench::valueFile("", 38))));
-    QVERIFY(!controller.WriteAmbAdpData(writeFile(InstrumentBench::valueFile("1234", 75))));
-    QCOMPARE(output.take(), QByteArray("incorrect data. 1234\n"));
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(InstrumentBench::calls(), QStringList({getCall, getCall}));
-}
-
-void TestControllerRegistration::failsWithoutConnection_data() {
-    accessoryRows();
+    QVERIFY(!write(controller, whitePlate, TestBench::valueFile("", 38)));
+    QVERIFY(!write(controller, adapter, TestBench::valueFile("1234", 75)));
+    QCOMPARE(output.take(), "incorrect data. 1234\n");
+    QCOMPARE(controller.log.lines(), QStringList());
+    QCOMPARE(TestBench::calls(), QStringList({getCall, getCall}));
 }
 
 void TestControllerRegistration::failsWithoutConnection() {
-    QFETCH(int, index);
-    const QByteArray file = writeFile(accessories[index].file());
+    QFETCH(const Accessory, row);
     CKvaSdk_Ctrl controller;
     const DebugLog log;
-    QVERIFY(!(controller.*accessories[index].write)(file.constData()));
+    QVERIFY(!write(controller, row, row.file()));
     QCOMPARE(controller.m_lastResult, -9998);
     QCOMPARE(log.lines(), QStringList(getFailed));
 }
 
-QTEST_GUILESS_MAIN(TestControllerRegistration)
+TEST_CLASS(TestControllerRegistration)
 #include "tst_controller_registration.moc"

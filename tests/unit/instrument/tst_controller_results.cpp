@@ -1,183 +1,237 @@
-#include "tests/support/DebugLog.h"
-#include "tests/unit/instrument/Accessory.h"
-
-#include <QTemporaryDir>
-#include <QtTest>
+#include "tests/unit/instrument/ControllerFixture.h"
 
 #include <climits>
 
 namespace {
 
+using Run = bool (*)(CKvaSdk_Ctrl& controller);
+
+/** An operation that calls the library. */
 struct Operation {
     const char* name;
-    bool (*run)(CKvaSdk_Ctrl& controller, const QByteArray& folder);
-    QString successLine; ///< empty: none
-    QString failureLine; ///< empty: none
+    Run run;
+    QString successLine; ///< logged; empty: none
+    QString failureLine;
     bool isConnected = true;
     bool keepsLastResult = true; ///< in m_lastResult
 };
 
-bool readPowerOff(CKvaSdk_Ctrl& controller, const QByteArray&) {
+const QString portLine = "port count[1] \n";
+const QString getFailed = "KVA_JIG_GetFactoryCalib_CALREFDATA() failed.\n";
+
+template <bool (CKvaSdk_Ctrl::*method)()>
+bool runs(CKvaSdk_Ctrl& controller) {
+    return (controller.*method)();
+}
+
+bool connects(CKvaSdk_Ctrl& controller) {
+    return controller.Connect(0, 10);
+}
+
+/** @tparam index  of the accessory, whose file is in the working directory */
+template <int index>
+bool registers(CKvaSdk_Ctrl& controller) {
+    return (controller.*accessories[index].write)(accessories[index].name);
+}
+
+bool readsPowerOff(CKvaSdk_Ctrl& controller) {
     uint8_t mode = 9;
     return controller.GetShutdownTime(mode);
 }
 
-/** Every operation that calls the library. */
-const std::vector<Operation>& operations() {
-    using C = CKvaSdk_Ctrl;
-    using F = const QByteArray;
-    static const QString port = QStringLiteral("port count[1] \n");
-    static const QString get = QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA() failed.\n");
-    static const std::vector<Operation> all = {
-        {"GetDevicePortList", [](C& c, F&) { return c.GetDevicePortList(); }, port, port},
-        {"Connect",
-         [](C& c, F&) { return c.Connect(0, 10); },
-         {},
-         QStringLiteral("conect error \n"),
-         false},
-        {"Disconnect",
-         [](C& c, F&) { return c.Disconnect(); },
-         {},
-         QStringLiteral("diconect error \n")},
-        {"GetDeviceInfo",
-         [](C& c, F&) { return c.GetDeviceInfo(); },
-         {},
-         QStringLiteral("Failed to read Firm data. \n")},
-        {"GetNetworkInfo",
-         [](C& c, F&) { return c.GetNetworkInfo(); },
-         {},
-         QStringLiteral("Failed to KVA_GetNetworkInfo(). \n")},
-        {"SetNetworkInfo",
-         [](C& c, F&) { return c.SetNetworkInfo(); },
-         {},
-         QStringLiteral("Failed to KVA_SetNetworkInfo(). \n")},
-        {"IsWifiModuleEnabled",
-         [](C& c, F&) { return c.IsWifiModuleEnabled(); },
-         QStringLiteral("  wifiModuleEnable :      1\n"),
-         {},
-         true,
-         false},
-        {"GetCalRefSerialNo", [](C& c, F&) { return c.GetCalRefSerialNo(); }, {}, {}},
-        {"WriteWCPData", [](C& c, F& f) { return c.WriteWCPData(f + "/0.csv"); }, {}, get},
-        {"WriteAmbAdpData", [](C& c, F& f) { return c.WriteAmbAdpData(f + "/1.csv"); }, {}, get},
-        {"GetShutdownTime", readPowerOff,
-         QStringLiteral("KVA_GetShutdownTime() success[mode:2].\n"),
-         QStringLiteral("KVA_GetShutdownTime() failed[mode:9].\n")},
-        {"SetShutdownTime", [](C& c, F&) { return c.SetShutdownTime(3); },
-         QStringLiteral("KVA_SetShutdownTime() success[mode:3].\n"),
-         QStringLiteral("KVA_SetShutdownTime() failed[mode:3].\n")},
-    };
-    return all;
+bool writesPowerOff(CKvaSdk_Ctrl& controller) {
+    return controller.SetShutdownTime(3);
 }
 
-QStringList lineOrNone(const QString& line) {
-    return line.isEmpty() ? QStringList() : QStringList(line);
+using C = CKvaSdk_Ctrl;
+
+/** All of them. */
+const Operation operations[] = {
+    {"GetDevicePortList", runs<&C::GetDevicePortList>, portLine, portLine},
+    {"Connect", connects, "", "conect error \n", false},
+    {"Disconnect", runs<&C::Disconnect>, "", "diconect error \n"},
+    {"GetDeviceInfo", runs<&C::GetDeviceInfo>, "", "Failed to read Firm data. \n"},
+    {"GetNetworkInfo", runs<&C::GetNetworkInfo>, "", "Failed to KVA_GetNetworkInfo(). \n"},
+    {"SetNetworkInfo", runs<&C::SetNetworkInfo>, "", "Failed to KVA_SetNetworkInfo(). \n"},
+    {"IsWifiModuleEnabled", runs<&C::IsWifiModuleEnabled>, "  wifiModuleEnable :      1\n", "",
+     true, false},
+    {"GetCalRefSerialNo", runs<&C::GetCalRefSerialNo>, "", ""},
+    {"WriteWCPData", registers<0>, "", getFailed},
+    {"WriteAmbAdpData", registers<1>, "", getFailed},
+    {"GetShutdownTime", readsPowerOff, "KVA_GetShutdownTime() success[mode:2].\n",
+     "KVA_GetShutdownTime() failed[mode:9].\n"},
+    {"SetShutdownTime", writesPowerOff, "KVA_SetShutdownTime() success[mode:3].\n",
+     "KVA_SetShutdownTime() failed[mode:3].\n"},
+};
+
+struct ResultRow {
+    QByteArray name;
+    Operation operation;
+    int result; ///< of the library
+};
+
+QVector<ResultRow> withResults(std::initializer_list<int> results) {
+    QVector<ResultRow> rows;
+    for (const Operation& operation : operations) {
+        for (const int result : results)
+            rows.append({operation.name + QByteArray(", ") + QByteArray::number(result), operation,
+                         result});
+    }
+    return rows;
+}
+
+/** All but the enumeration, which needs no connection. */
+QVector<ResultRow> withALostConnection() {
+    QVector<ResultRow> rows;
+    for (const Operation& operation : operations) {
+        if (operation.run != operations[0].run)
+            rows.append({operation.name, operation, -9994});
+    }
+    return rows;
+}
+
+struct NameRow {
+    QByteArray name;
+    int code;
+    QString text;
+};
+
+QVector<NameRow> resultNames() {
+    QVector<NameRow> rows;
+    const auto add = [&](int code, const char* text) {
+        rows.append({QByteArray::number(code), code, text});
+    };
+    add(0, "KVA_SUCCESS");
+    add(-9999, "KVA_ERROR");
+    add(-9998, "KVA_ERROR_CONNECT");
+    add(-9997, "KVA_ERROR_DISCONNECT");
+    add(-9996, "KVA_ERROR_CONNECT_TIMEOUT");
+    add(-9995, "KVA_ERROR_CONNECT_ALREADY");
+    add(-9994, "KVA_ERROR_INSTRUMENT_UNAVAILABLE");
+    add(-9993, "KVA_ERROR_INSTRUMENT_INFORMATION");
+    add(-9992, "KVA_ERROR_ARGUMENT");
+    add(-9991, "KVA_ERROR_COMMUNICATION_SEND");
+    add(-9990, "KVA_ERROR_COMMUNICATION_RECEIVE");
+    add(-9989, "KVA_ERROR_COMMUNICATION_CHECKSUM");
+    add(-9988, "KVA_ERROR_COMMUNICATION_PARAM");
+    add(-9987, "KVA_ERROR_COMMUNICATION_TIMEOUT");
+    add(-9986, "KVA_ERROR_CANT_USED");
+    add(-9985, "KVA_ERROR_NO_DATA");
+    add(-9799, "KVA_ERROR_NAK");
+    add(-9798, "KVA_ERROR_NAV");
+    add(-9797, "KVA_ERROR_NSP");
+    add(-9796, "KVA_ERROR_CNF");
+    add(-9795, "KVA_ERROR_NDT");
+    add(-9794, "KVA_ERROR_NEQ");
+
+    const char* const warnings[] = {
+        "KVA_WARNING_WCALIB_TEMP",
+        "KVA_WARNING_BATTERY_EMPTY",
+        "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_BATTERY_EMPTY",
+        "KVA_WARNING_INITIALDATE_SETTING",
+        "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_INITIALDATE_SETTING",
+        "KVA_WARNING_BATTERY_EMPTY/KVA_WARNING_INITIALDATE_SETTING",
+        "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_BATTERY_EMPTY/KVA_WARNING_INITIALDATE_SETTING",
+    };
+    int bits = 0;
+    for (const char* const texts : warnings) {
+        add(++bits, texts);
+        add(bits + 8, texts);
+    }
+    add(INT_MAX, warnings[6]);
+    for (const int code : {8, 16, 1 << 30, INT_MAX - 7})
+        add(code, "");
+    return rows;
 }
 
 } // namespace
+Q_DECLARE_METATYPE(ResultRow)
+Q_DECLARE_METATYPE(NameRow)
 
 class TestControllerResults : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void initTestCase();
-    void init();
-    void warningIsSuccess_data();
+    void init() { TestBench::load(); }
+    void warningIsSuccess_data() { addRows(withResults({1, 2, 3, 4, 5, 6, 7, 8, INT_MAX})); }
     void warningIsSuccess();
     void negativeIsFailure_data();
     void negativeIsFailure();
-    void lostConnectionFails_data();
+    void lostConnectionFails_data() { addRows(withALostConnection()); }
     void lostConnectionFails();
+    void namesCode_data() { addRows(resultNames()); }
+    void namesCode();
+    void namesNothingElse();
 
 private:
-    bool prepare(CKvaSdk_Ctrl& controller, const Operation& operation) {
-        controller.m_lastResult = 77;
-        return operation.isConnected ? InstrumentBench::connect(controller)
-                                     : controller.GetDevicePortList();
-    }
-
-    QTemporaryDir m_folder;
+    TestFolder m_folder;
 };
 
 void TestControllerResults::initTestCase() {
-    for (int i = 0; i < 2; ++i) {
-        const QString path = m_folder.filePath(QStringLiteral("%1.csv").arg(i));
-        QVERIFY(!InstrumentBench::writeFile(path, accessories[i].file()).isEmpty());
-    }
+    for (const Accessory& accessory : accessories)
+        m_folder.write(accessory.name, accessory.file());
 }
 
-void TestControllerResults::init() {
-    QVERIFY2(InstrumentBench::load(), KvaSim_LastError());
-}
-
-void TestControllerResults::warningIsSuccess_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("result");
-    for (std::size_t i = 0; i < operations().size(); ++i) {
-        for (const int result : {1, 2, 3, 4, 5, 6, 7, 8, INT_MAX})
-            QTest::addRow("%s, %d", operations()[i].name, result) << static_cast<int>(i) << result;
-    }
+/** Enumerates, and connects where the operation needs it. */
+bool prepare(CKvaSdk_Ctrl& controller, const Operation& operation) {
+    controller.m_lastResult = 77;
+    return controller.GetDevicePortList() && (!operation.isConnected || connects(controller));
 }
 
 void TestControllerResults::warningIsSuccess() {
-    QFETCH(int, index);
-    QFETCH(int, result);
-    const Operation& operation = operations()[static_cast<std::size_t>(index)];
+    QFETCH(const ResultRow, row);
     CKvaSdk_Ctrl controller;
-    QVERIFY(prepare(controller, operation));
-    QVERIFY2(InstrumentBench::answer("*", result), KvaSim_LastError());
+    QVERIFY(prepare(controller, row.operation));
+    TestBench::answer("*", row.result);
     const DebugLog log;
-    QVERIFY(operation.run(controller, m_folder.path().toLocal8Bit()));
-    QCOMPARE(controller.m_lastResult, operation.keepsLastResult ? result : 0);
-    QCOMPARE(log.lines(), lineOrNone(operation.successLine));
-    QCOMPARE(log.others(), QStringList());
+    QVERIFY(row.operation.run(controller));
+    QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
+    QCOMPARE(log.lines().join('|'), row.operation.successLine);
 }
 
 void TestControllerResults::negativeIsFailure_data() {
-    QTest::addColumn<int>("index");
-    QTest::addColumn<int>("result");
-    for (std::size_t i = 0; i < operations().size(); ++i) {
-        for (const int result : {-9999, -9995, -9985, -9900, -9799, -9794, -1, INT_MIN})
-            QTest::addRow("%s, %d", operations()[i].name, result) << static_cast<int>(i) << result;
-    }
+    addRows(withResults({-9999, -9995, -9985, -9900, -9799, -9794, -1, INT_MIN}));
 }
 
 void TestControllerResults::negativeIsFailure() {
-    QFETCH(int, index);
-    QFETCH(int, result);
-    const Operation& operation = operations()[static_cast<std::size_t>(index)];
+    QFETCH(const ResultRow, row);
     CKvaSdk_Ctrl controller;
-    QVERIFY(prepare(controller, operation));
-    KvaSim_ClearCallLog();
-    QVERIFY2(InstrumentBench::answer("*", result), KvaSim_LastError());
+    QVERIFY(prepare(controller, row.operation));
+    TestBench::clearCalls();
+    TestBench::answer("*", row.result);
     const DebugLog log;
-    QVERIFY(!operation.run(controller, m_folder.path().toLocal8Bit()));
-    QCOMPARE(controller.m_lastResult, operation.keepsLastResult ? result : 0);
-    QCOMPARE(log.lines(), lineOrNone(operation.failureLine));
-    QCOMPARE(log.others(), QStringList());
-    // Ended at once.
-    QCOMPARE(InstrumentBench::calls().size(), 1);
-}
-
-void TestControllerResults::lostConnectionFails_data() {
-    QTest::addColumn<int>("index");
-    for (std::size_t i = 0; i < operations().size(); ++i) {
-        if (QByteArray(operations()[i].name) != "GetDevicePortList")
-            QTest::newRow(operations()[i].name) << static_cast<int>(i);
-    }
+    QVERIFY(!row.operation.run(controller));
+    QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
+    QCOMPARE(log.lines().join('|'), row.operation.failureLine);
+    QCOMPARE(TestBench::calls().size(), 1); // ended at once
 }
 
 void TestControllerResults::lostConnectionFails() {
-    QFETCH(int, index);
-    const Operation& operation = operations()[static_cast<std::size_t>(index)];
+    QFETCH(const ResultRow, row);
     CKvaSdk_Ctrl controller;
-    QVERIFY(prepare(controller, operation));
-    QVERIFY(KvaSim_Unplug(InstrumentBench::serialNumber));
-    KvaSim_WaitForEvents();
+    QVERIFY(prepare(controller, row.operation));
+    TestBench::unplug();
     const DebugLog log;
-    QVERIFY(!operation.run(controller, m_folder.path().toLocal8Bit()));
-    QCOMPARE(controller.m_lastResult, operation.keepsLastResult ? -9994 : 0);
-    QCOMPARE(log.lines(), lineOrNone(operation.failureLine));
+    QVERIFY(!row.operation.run(controller));
+    QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
+    QCOMPARE(log.lines().join('|'), row.operation.failureLine);
 }
 
-QTEST_GUILESS_MAIN(TestControllerResults)
+void TestControllerResults::namesCode() {
+    QFETCH(const NameRow, row);
+    const DebugLog log;
+    QCOMPARE(ResultCodeToString(row.code), row.text);
+    QCOMPARE(log.lines(), QStringList());
+}
+
+/** Of all other values around the two runs, every one. */
+void TestControllerResults::namesNothingElse() {
+    for (int code = -10100; code < 0; ++code) {
+        const bool isNamed = (code >= -9999 && code <= -9985) || (code >= -9799 && code <= -9794);
+        QVERIFY2(ResultCodeToString(code).isEmpty() != isNamed, QByteArray::number(code));
+    }
+    QCOMPARE(ResultCodeToString(INT_MIN), "");
+}
+
+TEST_CLASS(TestControllerResults)
 #include "tst_controller_results.moc"

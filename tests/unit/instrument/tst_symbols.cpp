@@ -1,8 +1,9 @@
 // The program against the maker's library: what it asks of it by name, and where it finds it.
 
+#include "tests/support/TestMain.h"
+
 #include <QProcess>
 #include <QRegularExpression>
-#include <QtTest>
 
 namespace {
 
@@ -10,20 +11,19 @@ namespace {
 QString outputOf(const char* program, const QStringList& arguments) {
     QProcess process;
     QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-    environment.insert(QStringLiteral("LC_ALL"), QStringLiteral("C"));
+    environment.insert("LC_ALL", "C");
     process.setProcessEnvironment(environment);
-    process.start(QString::fromUtf8(program), arguments);
+    process.start(program, arguments);
     if (!process.waitForFinished() || process.exitStatus() != QProcess::NormalExit ||
         process.exitCode() != 0)
         return {};
-    return QString::fromUtf8(process.readAllStandardOutput());
+    return process.readAllStandardOutput();
 }
 
 /** What stands in brackets in the lines of the dynamic section with this tag. */
 QStringList dynamicEntries(const QString& tag) {
-    const QString section =
-        outputOf(VQTL4_READELF, {QStringLiteral("-dW"), QStringLiteral(VQTL4_PROGRAM)});
-    const QRegularExpression entry(QStringLiteral("\\(%1\\).*\\[(.*)\\]").arg(tag));
+    const QString section = outputOf(VQTL4_READELF, {"-dW", VQTL4_PROGRAM});
+    const QRegularExpression entry(QString("\\(%1\\).*\\[(.*)\\]").arg(tag));
     QStringList values;
     auto matches = entry.globalMatch(section);
     while (matches.hasNext())
@@ -43,7 +43,7 @@ QStringList functionSymbols(const char* prefix) {
           "_Z34KVA_JIG_SetFactoryCalib_CALREFDATAPK18KVA_JIG_CALREFDATA",
           "_Z35KVA_JIG_SetFactoryCalib_WriteSectorv",
           "_Z40KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATAP31KVA_JIG_ACTIONOPTIONFACTORYDATA"})
-        symbols.append(QString::fromLatin1(prefix) + QString::fromLatin1(name));
+        symbols.append(QString(prefix) + name);
     symbols.sort();
     return symbols;
 }
@@ -60,12 +60,12 @@ private Q_SLOTS:
 };
 
 void TestSymbols::importsTheThirteenFunctions() {
-    const QString table = outputOf(VQTL4_NM, {QStringLiteral("-D"), QStringLiteral(VQTL4_PROGRAM)});
+    const QString table = outputOf(VQTL4_NM, {"-D", VQTL4_PROGRAM});
     QVERIFY(!table.isEmpty());
     QStringList symbols;
-    const QStringList lines = table.split(u'\n', Qt::SkipEmptyParts);
+    const QStringList lines = table.split('\n', Qt::SkipEmptyParts);
     for (const QString& line : lines) {
-        if (line.contains(QStringLiteral("KVA"), Qt::CaseInsensitive))
+        if (line.contains("KVA", Qt::CaseInsensitive))
             symbols.append(line.simplified());
     }
     symbols.sort();
@@ -74,30 +74,28 @@ void TestSymbols::importsTheThirteenFunctions() {
 
 /** By the simulated library, whose list for the linker there is kept by hand. */
 void TestSymbols::exportsThemOnMacOs() {
-    QFile file(QStringLiteral(VQTL4_MACOS_EXPORTS));
+    QFile file(VQTL4_MACOS_EXPORTS);
     QVERIFY(file.open(QIODevice::ReadOnly));
-    const QRegularExpression noComment(QStringLiteral("^[^#]"));
+    const QRegularExpression noComment("^[^#]");
     QStringList names =
-        QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts).filter(noComment);
+        QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts).filter(noComment);
     names.sort();
     // The linker's names have an underscore before the compiler's.
-    QStringList expected = functionSymbols("_") << QStringLiteral("_KvaSim_*");
+    QStringList expected = functionSymbols("_") << "_KvaSim_*";
     expected.sort();
     QCOMPARE(names, expected);
 }
 
 void TestSymbols::needsTheLibraryByName() {
-    const QStringList libraries = dynamicEntries(QStringLiteral("NEEDED"));
-    QCOMPARE(libraries.filter(QStringLiteral("KVA"), Qt::CaseInsensitive),
-             QStringList(QStringLiteral("libKVASDK.so")));
+    const QStringList libraries = dynamicEntries("NEEDED");
+    QCOMPARE(libraries.filter("KVA", Qt::CaseInsensitive), QStringList("libKVASDK.so"));
 }
 
 void TestSymbols::looksBesideItsFolder() {
     // RUNPATH, not RPATH: LD_LIBRARY_PATH comes before it.
-    QCOMPARE(dynamicEntries(QStringLiteral("RUNPATH")),
-             QStringList(QStringLiteral("$ORIGIN/../lib")));
-    QCOMPARE(dynamicEntries(QStringLiteral("RPATH")), QStringList());
+    QCOMPARE(dynamicEntries("RUNPATH"), QStringList("$ORIGIN/../lib"));
+    QCOMPARE(dynamicEntries("RPATH"), QStringList());
 }
 
-QTEST_GUILESS_MAIN(TestSymbols)
+TEST_CLASS(TestSymbols)
 #include "tst_symbols.moc"

@@ -1,0 +1,122 @@
+#ifndef TESTS_UNIT_INSTRUMENT_CONTROLLERFIXTURE_H
+#define TESTS_UNIT_INSTRUMENT_CONTROLLERFIXTURE_H
+
+#include "instrument/CKvaSdk_Ctrl.h"
+#include "simulator/KvaSim.h"
+#include "tests/support/DebugLog.h"
+#include "tests/support/TestBench.h"
+#include "tests/support/TestFolder.h"
+#include "tests/support/TestMain.h"
+
+#include <cstring>
+
+/** A controller that is connected to the first instrument of the bench, and what it logs after
+   that. The call log is empty then. The test fails when there is no connection. */
+class ConnectedController : public CKvaSdk_Ctrl {
+public:
+    ConnectedController() { connect(); }
+
+    /** Loses what the instrument has not committed, connects to it again and empties both logs. */
+    void powerCycle() {
+        TestBench::powerCycle();
+        connect();
+    }
+
+    DebugLog log;
+
+private:
+    void connect() {
+        if (!GetDevicePortList() || !Connect(0, 10))
+            QTest::qFail("The controller does not connect.", __FILE__, __LINE__);
+        TestBench::clearCalls();
+        log.clear();
+    }
+};
+
+/** The row of a table that has one number. */
+struct NumberRow {
+    const char* name;
+    qint64 value;
+};
+Q_DECLARE_METATYPE(NumberRow)
+
+/** Writes a file, unless @p content is null. @return its path in the local 8-bit encoding */
+inline QByteArray localFile(const TestFolder& folder, const QByteArray& content) {
+    const QString name = content.isNull() ? "none" : "file";
+    if (!content.isNull())
+        folder.write(name, content);
+    return folder.localPath(name);
+}
+
+/** Whether the texts of the network settings are as a failed read leaves them. */
+inline bool hasNoNetworkTexts(const CKvaSdk_Ctrl& controller) {
+    return controller.m_ssid.isEmpty() && controller.m_encryptKey.isEmpty() &&
+           controller.m_ipAddress.isEmpty() && controller.m_subnetMask.isEmpty() &&
+           controller.m_defaultGateway.isEmpty() && controller.m_dns.isEmpty();
+}
+
+/** The addresses with bars: IP address, subnet mask, gateway, DNS. */
+inline QStringList addresses(const CKvaSdk_Ctrl& controller) {
+    return {controller.m_ipAddress.join('|'), controller.m_subnetMask.join('|'),
+            controller.m_defaultGateway.join('|'), controller.m_dns.join('|')};
+}
+
+/** What the connected instrument answers to a request for its calibration record. */
+inline QByteArray calibrationRecord() {
+    KVA_JIG_CALREFDATA record = {};
+    KVA_JIG_GetFactoryCalib_CALREFDATA(&record);
+    return TestBench::bytesOf(record);
+}
+
+/** A calibration accessory: how the controller handles its value file, and where the values and the
+    serial number are in the record. */
+struct Accessory {
+    const char* name;
+    bool (CKvaSdk_Ctrl::*read)(const char* path);
+    bool (CKvaSdk_Ctrl::*write)(const char* path);
+    QString CKvaSdk_Ctrl::*fileSerialNo;
+    int serialNoOffset;
+    int valuesOffset;
+    int valueCount;
+    const char* serialNo; ///< valid in a file
+
+    QByteArray file() const { return TestBench::valueFile(serialNo, valueCount); }
+
+    /** The record with a file's serial number in its place, binary-coded decimal. */
+    QByteArray numberedIn(QByteArray record, const QByteArray& number) const {
+        return record.replace(serialNoOffset, 4, QByteArray::fromHex(number));
+    }
+    /** The record with the values of a `TestBench::valueFile` in their place. */
+    QByteArray valuesIn(QByteArray record) const {
+        for (int i = 0; i < valueCount; ++i) {
+            const float value = TestBench::fileValue(i);
+            std::memcpy(record.data() + valuesOffset + 4 * i, &value, sizeof value);
+        }
+        return record;
+    }
+    /** The record with all of `file` in its place. */
+    QByteArray registeredIn(const QByteArray& record) const {
+        return valuesIn(numberedIn(record, serialNo));
+    }
+};
+Q_DECLARE_METATYPE(Accessory)
+
+constexpr Accessory whitePlate = {"white plate",
+                                  &CKvaSdk_Ctrl::ReadWCPFile,
+                                  &CKvaSdk_Ctrl::WriteWCPData,
+                                  &CKvaSdk_Ctrl::m_fileWCPSerialNo,
+                                  0,
+                                  4,
+                                  38,
+                                  "23456789"};
+constexpr Accessory adapter = {"adapter",
+                               &CKvaSdk_Ctrl::ReadAmbAdpFile,
+                               &CKvaSdk_Ctrl::WriteAmbAdpData,
+                               &CKvaSdk_Ctrl::m_fileAmbAdpSerialNo,
+                               156,
+                               160,
+                               75,
+                               "00054321"};
+constexpr Accessory accessories[] = {whitePlate, adapter};
+
+#endif
