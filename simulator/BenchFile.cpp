@@ -1,16 +1,16 @@
 #include "simulator/BenchFile.h"
 
-#include "simulator/BenchJson.h"
+#include "simulator/Complaint.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
-#include <memory>
+#include <ctime>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <system_error>
-#include <utility>
-#include <vector>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -18,195 +18,172 @@
 
 namespace kvasim {
 
+namespace fs = std::filesystem;
+
 namespace {
 
-constexpr off_t maxFileSize = off_t{64} * 1024 * 1024;
+constexpr std::int64_t maxFileSize = std::int64_t{64} * 1024 * 1024;
 
-[[noreturn]] void fail(const std::string& path, const std::string& what, int error) {
+[[noreturn]] void fail(const std::string& path, const char* what, int error) {
     throw InputError(path + ": " + what + ": " + std::generic_category().message(error));
 }
 
-/** A file descriptor that is closed with its scope. */
-class Descriptor {
-public:
-    explicit Descriptor(int descriptor) : m_descriptor(descriptor) {}
-    ~Descriptor() { close(); }
-    Descriptor(const Descriptor&) = delete;
-    Descriptor& operator=(const Descriptor&) = delete;
-
-    int get() const { return m_descriptor; }
-    bool isOpen() const { return m_descriptor >= 0; }
-
-    /** @return false when the system reports a late write error. */
-    bool close() {
-        const int descriptor = m_descriptor;
-        m_descriptor = -1;
-        return descriptor < 0 || ::close(descriptor) == 0;
-    }
-
-private:
-    int m_descriptor;
-};
-
-std::string readWhole(const std::string& path) {
-    // Without O_NONBLOCK a pipe without a writer would hold the caller for ever.
-    const Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file.isOpen())
-        fail(path, "cannot be opened", errno);
-    struct stat status {};
-    if (::fstat(file.get(), &status) != 0)
-        fail(path, "cannot be read", errno);
-    if (!S_ISREG(status.st_mode))
-        throw InputError(path + ": is not a regular file");
-    std::string text;
-    std::vector<char> buffer(std::size_t{64} * 1024);
-    for (;;) {
-        const ssize_t count = ::read(file.get(), buffer.data(), buffer.size());
-        if (count < 0 && errno == EINTR)
-            continue;
-        if (count < 0)
-            fail(path, "cannot be read", errno);
-        if (count == 0)
-            return text;
-        text.append(buffer.data(), static_cast<std::size_t>(count));
-        if (text.size() > static_cast<std::size_t>(maxFileSize))
-            throw InputError(path + ": is larger than 64 MiB");
-    }
+Stamp stampOf(const struct stat& status) {
+#ifdef __APPLE__
+    const timespec& time = status.st_mtimespec;
+#else
+    const timespec& time = status.st_mtim;
+#endif
+    return {time.tv_sec, time.tv_nsec, status.st_size, static_cast<std::int64_t>(status.st_ino)};
 }
 
-/** @return 0 or the system's error number. */
-int writeWhole(int descriptor, const std::string& text) {
+/** Gives the file a time after that of @p before. The system's own times are coarse: two changes
+    within some milliseconds would have the same.
+    @return false with `errno` */
+bool setTimeAfter(const Stamp& before, int file) {
+    timespec now{};
+    static_cast<void>(::clock_gettime(CLOCK_REALTIME, &now));
+    if (std::array<std::int64_t, 2>{now.tv_sec, now.tv_nsec} <=
+        std::array<std::int64_t, 2>{before[0], before[1]}) {
+        now.tv_sec = static_cast<std::time_t>(before[0] + (before[1] + 1) / 1000000000);
+        now.tv_nsec = static_cast<long>((before[1] + 1) % 1000000000);
+    }
+    const timespec times[2] = {now, now};
+    return ::futimens(file, times) == 0;
+}
+
+/** @return false with `errno` */
+bool writeAll(int file, const std::string& text) {
     std::size_t written = 0;
     while (written < text.size()) {
-        const ssize_t count = ::write(descriptor, text.data() + written, text.size() - written);
+        const ssize_t count = ::write(file, text.data() + written, text.size() - written);
         if (count < 0 && errno != EINTR)
-            return errno;
+            return false;
         written += count > 0 ? static_cast<std::size_t>(count) : 0;
     }
-    return ::fsync(descriptor) == 0 ? 0 : errno;
+    return true;
 }
 
-std::string folderOf(const std::string& path) {
-    const auto slash = path.rfind('/');
-    if (slash == std::string::npos)
-        return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
-/** The file that a rename has to replace: behind symbolic links, where there are any. */
-std::string resolved(const std::string& path) {
-    const std::unique_ptr<char, decltype(&std::free)> real(::realpath(path.c_str(), nullptr),
-                                                           &std::free);
-    return real ? std::string(real.get()) : path;
+/** Writes the new file, with the mode and after the time of the one that it will replace.
+    @return 0 or the system's error number */
+int writeBeside(int file, const std::string& path, const std::string& text, Stamp& stamp) {
+    struct stat old {};
+    const bool isThere = ::stat(path.c_str(), &old) == 0;
+    struct stat made {};
+    const bool good = ::fcntl(file, F_SETFD, FD_CLOEXEC) == 0 &&
+                      (!isThere || ::fchmod(file, old.st_mode & 0777U) == 0) &&
+                      writeAll(file, text) &&
+                      setTimeAfter(isThere ? stampOf(old) : Stamp{}, file) && ::fsync(file) == 0 &&
+                      ::fstat(file, &made) == 0;
+    stamp = stampOf(made);
+    return good ? 0 : errno;
 }
 
 /** The folder's entry for the new file is flushed too, so that a power cut does not bring the old
     file back. Where a file system cannot do that, the file itself is still whole. */
 void flushFolder(const std::string& folder) {
-    const Descriptor descriptor(::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY));
-    if (descriptor.isOpen())
-        static_cast<void>(::fsync(descriptor.get()));
-}
-
-const char* environment(const char* name) {
-    // Read on the caller's thread, as every other function of the library.
-    const char* value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
-    return value != nullptr && *value != '\0' ? value : nullptr;
-}
-
-bool isFolder(const std::string& path) {
-    struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 && S_ISDIR(status.st_mode);
+    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
+    if (descriptor < 0)
+        return;
+    static_cast<void>(::fsync(descriptor));
+    ::close(descriptor);
 }
 
 /** The folder for users' data, empty when the user has no home. */
-std::string dataFolder() {
-#ifndef __APPLE__
-    const char* data = environment("XDG_DATA_HOME");
-    if (data != nullptr && *data == '/')
-        return data;
-#endif
-    const char* home = environment("HOME");
-    if (home == nullptr || *home != '/' || !isFolder(home))
-        return {};
+fs::path dataFolder() {
+    std::error_code ignored;
+    const fs::path home = environmentOf("HOME");
+    const bool hasHome = home.is_absolute() && fs::is_directory(home, ignored);
 #ifdef __APPLE__
-    return std::string(home) + "/Library/Application Support";
+    return hasHome ? home / "Library/Application Support" : fs::path();
 #else
-    return std::string(home) + "/.local/share";
+    const fs::path data = environmentOf("XDG_DATA_HOME");
+    if (data.is_absolute())
+        return data;
+    return hasHome ? home / ".local/share" : fs::path();
 #endif
 }
 
 /** Makes the folder and those above it, for the owner only. */
-void makeFolders(const std::string& folder) {
-    for (std::size_t end = folder.find('/', 1);; end = folder.find('/', end + 1)) {
-        const std::string part = folder.substr(0, end);
-        if (::mkdir(part.c_str(), S_IRWXU) != 0 && !isFolder(part))
-            fail(part, "cannot be made", errno);
-        if (end == std::string::npos)
-            return;
+void makeFolders(const fs::path& folder) {
+    fs::path made;
+    for (const fs::path& part : folder) {
+        made /= part;
+        const bool isMade = ::mkdir(made.c_str(), S_IRWXU) == 0;
+        const int error = errno;
+        std::error_code ignored;
+        if (!isMade && !fs::is_directory(made, ignored))
+            fail(made.string(), "cannot be made", error);
     }
 }
 
 } // namespace
 
-StoredBench loadBenchFile(const std::string& path) {
-    const std::string text = readWhole(path);
+Stamp stampOf(const std::string& path) {
+    struct stat status {};
+    return ::stat(path.c_str(), &status) == 0 ? stampOf(status) : Stamp{};
+}
+
+Bench readBenchFile(const std::string& path) {
+    struct stat status {};
+    if (::stat(path.c_str(), &status) != 0)
+        fail(path, "cannot be opened", errno);
+    if (!S_ISREG(status.st_mode)) // a pipe without a writer would hold the caller for ever
+        throw InputError(path + ": is not a regular file");
+    if (status.st_size > maxFileSize)
+        throw InputError(path + ": is larger than 64 MiB");
+    std::ifstream file(path, std::ios::binary);
+    if (!file)
+        fail(path, "cannot be opened", errno);
+    const std::string text(std::istreambuf_iterator<char>(file), {});
     try {
-        // Absolute from the start: the program may change its working directory.
-        return {benchFromJson(parseJson(text, Comments::Allowed)), resolved(path), nullptr};
+        return parseBench(text);
     } catch (const InputError& error) {
         throw InputError(path + ": " + error.what());
     }
 }
 
-StoredBench openBenchFile(const std::string& path) {
-    // Read before the lock, so that nothing is made beside a file that is refused; and again with
-    // it, since another program may have saved in between.
-    auto lock = BenchLock::acquire(loadBenchFile(path).path);
-    StoredBench stored = loadBenchFile(path);
-    stored.lock = std::move(lock);
-    return stored;
-}
-
-void saveBenchFile(const std::string& path, const Bench& bench) {
+Stamp writeBenchFile(const std::string& path, const Bench& bench) {
     const std::string text = formatJson(benchToJson(bench));
-    const std::string target = resolved(path);
-    std::string beside = target + ".XXXXXX";
-    Descriptor file(::mkstemp(beside.data()));
-    if (!file.isOpen())
+    std::string beside = path + ".XXXXXX";
+    const int file = ::mkstemp(beside.data());
+    if (file < 0)
         fail(path, "cannot be saved", errno);
-    int error = ::fcntl(file.get(), F_SETFD, FD_CLOEXEC) == 0 ? 0 : errno;
-    struct stat status {};
-    if (error == 0 && ::stat(target.c_str(), &status) == 0)
-        error = ::fchmod(file.get(), status.st_mode & 0777U) == 0 ? 0 : errno;
-    if (error == 0)
-        error = writeWhole(file.get(), text);
-    if (!file.close() && error == 0)
+    Stamp stamp{};
+    int error = writeBeside(file, path, text, stamp);
+    if (::close(file) != 0 && error == 0)
         error = errno;
-    if (error == 0)
-        error = ::rename(beside.c_str(), target.c_str()) == 0 ? 0 : errno;
+    if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0)
+        error = errno;
     if (error != 0) {
         ::unlink(beside.c_str());
         fail(path, "cannot be saved", error);
     }
-    flushFolder(folderOf(target));
+    flushFolder(fs::path(path).parent_path());
+    return stamp;
 }
 
-StoredBench loadBenchFromEnvironment() {
-    if (const char* named = environment("KVASIM_BENCH"))
-        return openBenchFile(named);
-    const std::string data = dataFolder();
-    if (data.empty()) {
-        complain("no home folder, the built-in bench is kept in memory only");
-        return {makeBuiltInBench(), {}, nullptr};
-    }
-    const std::string folder = data + "/vq-tl4-simulator";
-    const std::string path = folder + "/bench.json";
-    makeFolders(folder);
-    struct stat status {};
-    if (::lstat(path.c_str(), &status) != 0 && errno == ENOENT)
-        saveBenchFile(path, makeBuiltInBench());
-    return openBenchFile(path);
+std::string resolvedPath(const std::string& path) {
+    std::error_code error;
+    const fs::path resolved = fs::canonical(path, error);
+    return error ? path : resolved.string();
+}
+
+std::string benchPathOfEnvironment() {
+    const std::string named = environmentOf("KVASIM_BENCH");
+    if (!named.empty())
+        return named;
+    const fs::path data = dataFolder();
+    if (data.empty())
+        return {};
+    makeFolders(data / "vq-tl4-simulator");
+    return data / "vq-tl4-simulator" / "bench.json";
+}
+
+std::string environmentOf(const char* name) {
+    // Read on the caller's thread, as by every other function of the library.
+    const char* const value = std::getenv(name); // NOLINT(concurrency-mt-unsafe)
+    return value == nullptr ? "" : value;
 }
 
 void complain(const std::string& message) {

@@ -1,86 +1,93 @@
 #include "simulator/BenchLock.h"
 
-#include "simulator/ControlPaths.h"
 #include "simulator/JsonText.h"
 
 #include <cerrno>
-#include <chrono>
-#include <mutex>
 #include <system_error>
-#include <thread>
-#include <utility>
 
 #include <fcntl.h>
-#include <sys/file.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 namespace kvasim {
 
 namespace {
 
-// What this process holds: the system would refuse it a second lock on the same file. No container,
-// which might be destroyed before the last lock is released.
-std::mutex g_mutex;
-BenchLock* g_first = nullptr;
+// The bytes of the file that stand for something; none of them is ever written.
+constexpr std::int64_t changePlace = 0;
+constexpr std::int64_t usePlace = 1;
 
-constexpr std::chrono::milliseconds pause{5};
-constexpr int attempts = 20;
+std::int64_t placeOf(std::int32_t serialNumber) {
+    return 2 + std::int64_t{static_cast<std::uint32_t>(serialNumber)};
+}
 
-/** @return the locked file; -1 when another holds it */
-int lockedFile(const std::string& bench) {
-    const std::string path = controlFolder(bench) + "/lock";
-    const int descriptor = ::open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
-    if (descriptor < 0)
-        throw InputError(path + ": cannot be opened: " + std::generic_category().message(errno));
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0)
-        return descriptor;
-    const int error = errno;
-    ::close(descriptor);
-    if (error == EWOULDBLOCK)
-        return -1;
-    throw InputError(path + ": cannot be locked: " + std::generic_category().message(error));
+struct flock lockOf(short type, std::int64_t place) {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = place;
+    lock.l_len = 1;
+    return lock;
+}
+
+[[noreturn]] void fail(const std::string& path, const char* what, int error) {
+    throw InputError(path + ": " + what + ": " + std::generic_category().message(error));
 }
 
 } // namespace
 
-std::shared_ptr<BenchLock> BenchLock::acquire(const std::string& bench) {
-    const std::string folder = controlFolder(bench);
-    if (::mkdir(folder.c_str(), S_IRWXU) != 0 && (errno == EACCES || errno == EROFS))
-        return nullptr;
-    makePrivateFolder(folder);
-    // More than one attempt: a program may just be ending, or this one giving up its lock.
-    for (int attempt = 0; attempt < attempts; ++attempt) {
-        if (attempt > 0)
-            std::this_thread::sleep_for(pause);
-        const std::lock_guard<std::mutex> guard(g_mutex);
-        for (BenchLock* lock = g_first; lock != nullptr; lock = lock->m_next) {
-            auto shared = lock->weak_from_this().lock();
-            if (shared && lock->m_bench == bench)
-                return shared;
-        }
-        const int descriptor = lockedFile(bench);
-        if (descriptor < 0)
-            continue;
-        auto lock = std::make_shared<BenchLock>(bench, descriptor);
-        lock->m_next = g_first;
-        g_first = lock.get();
-        return lock;
-    }
-    throw InputError(bench + ": another program uses this bench");
+BenchLock::BenchLock(const std::string& bench)
+    : m_path(bench + ".lock"),
+      m_file(::open(m_path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600)) {
+    if (m_file < 0 && errno != EACCES && errno != EROFS)
+        fail(m_path, "cannot be opened", errno);
 }
 
-BenchLock::BenchLock(std::string bench, int descriptor)
-    : m_bench(std::move(bench)), m_descriptor(descriptor) {}
-
 BenchLock::~BenchLock() {
-    const std::lock_guard<std::mutex> guard(g_mutex);
-    BenchLock** place = &g_first;
-    while (*place != nullptr && *place != this)
-        place = &(*place)->m_next;
-    if (*place == this)
-        *place = m_next;
-    ::close(m_descriptor);
+    if (m_file >= 0)
+        ::close(m_file);
+}
+
+void BenchLock::lock() {
+    if (m_file < 0)
+        fail(m_path, "cannot be opened", EACCES);
+    while (!set(F_WRLCK, changePlace, true)) {
+        if (errno != EINTR)
+            fail(m_path, "cannot be locked", errno);
+    }
+}
+
+void BenchLock::unlock() {
+    set(F_UNLCK, changePlace);
+}
+
+bool BenchLock::hold(std::int32_t serialNumber) {
+    return m_file < 0 || set(F_WRLCK, placeOf(serialNumber));
+}
+
+void BenchLock::release(std::int32_t serialNumber) {
+    set(F_UNLCK, placeOf(serialNumber));
+}
+
+bool BenchLock::isHeld(std::int32_t serialNumber) const {
+    return isTaken(placeOf(serialNumber));
+}
+
+void BenchLock::use() {
+    set(F_RDLCK, usePlace); // shared
+}
+
+bool BenchLock::isUsed() const {
+    return isTaken(usePlace);
+}
+
+bool BenchLock::set(short type, std::int64_t place, bool wait) {
+    struct flock lock = lockOf(type, place);
+    return m_file >= 0 && ::fcntl(m_file, wait ? F_SETLKW : F_SETLK, &lock) == 0;
+}
+
+bool BenchLock::isTaken(std::int64_t place) const {
+    struct flock lock = lockOf(F_WRLCK, place);
+    return m_file >= 0 && ::fcntl(m_file, F_GETLK, &lock) == 0 && lock.l_type != F_UNLCK;
 }
 
 } // namespace kvasim

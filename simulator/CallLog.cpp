@@ -1,10 +1,10 @@
 #include "simulator/CallLog.h"
 
 #include "simulator/BenchFile.h"
+#include "simulator/Complaint.h"
 
-#include <algorithm>
 #include <cerrno>
-#include <cstdlib>
+#include <cstdio>
 #include <system_error>
 
 #include <fcntl.h>
@@ -12,8 +12,32 @@
 
 namespace kvasim {
 
-CallLog::~CallLog() {
-    closeTrace();
+namespace {
+
+/** Appends in one write, so that programs with one file do not mix their lines.
+    @return 0 or the system's error number */
+int appendTo(const std::string& path, const std::string& line) {
+    const int file =
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+    if (file < 0)
+        return errno;
+    const ssize_t written = ::write(file, line.data(), line.size());
+    const int error = written < 0 ? errno : 0;
+    ::close(file);
+    return error == 0 && written != static_cast<ssize_t>(line.size()) ? ENOSPC : error;
+}
+
+} // namespace
+
+std::string callLogPath(const std::string& bench) {
+    const std::string named = environmentOf("KVASIM_TRACE");
+    return named.empty() && !bench.empty() ? bench + ".log" : named;
+}
+
+void CallLog::setBench(const std::string& bench) {
+    const std::lock_guard<std::mutex> lock(m_mutex);
+    m_bench = bench;
+    m_file = File::Unasked;
 }
 
 void CallLog::add(const CallRecord& record) {
@@ -28,43 +52,15 @@ void CallLog::add(const CallRecord& record) {
     if (m_lines.size() == capacity)
         m_lines.pop_front();
     m_lines.push_back(line);
-    trace(line + '\n');
+    append(line + '\n');
 }
 
-std::string CallLog::toJson(std::uint64_t after) const {
+std::string CallLog::toJson() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::uint64_t forgotten = m_lastNumber - m_lines.size();
     std::string text = "[";
-    for (std::uint64_t index = after > forgotten ? after - forgotten : 0; index < m_lines.size();
-         ++index) {
-        text += text.size() > 1 ? ",\n" : "";
-        text += m_lines[static_cast<std::size_t>(index)];
-    }
+    for (const std::string& line : m_lines)
+        text += (text.size() > 1 ? ",\n" : "") + line;
     return text + ']';
-}
-
-CallLog::Page CallLog::page(std::uint64_t after, std::size_t limit) const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    Page page;
-    page.last = after;
-    if (after > m_lastNumber)
-        return page;
-    const std::uint64_t forgotten = m_lastNumber - m_lines.size();
-    if (page.last < forgotten) {
-        page.missed = forgotten - page.last;
-        page.last = forgotten;
-    }
-    const auto first = static_cast<std::size_t>(page.last - forgotten);
-    const std::size_t end = first + std::min(limit, m_lines.size() - first);
-    for (std::size_t index = first; index < end; ++index)
-        page.lines.push_back(m_lines[index]);
-    page.last += page.lines.size();
-    return page;
-}
-
-std::uint64_t CallLog::lastNumber() const {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_lastNumber;
 }
 
 void CallLog::clear() {
@@ -76,40 +72,23 @@ void CallLog::reset() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_lines.clear();
     m_lastNumber = 0;
-    closeTrace();
 }
 
-void CallLog::openTrace() {
-    m_traceOpened = true;
-    const char* path = std::getenv("KVASIM_TRACE"); // NOLINT(concurrency-mt-unsafe)
-    if (path == nullptr || *path == '\0')
+void CallLog::append(const std::string& line) {
+    if (m_file == File::Unasked) {
+        m_path = callLogPath(m_bench);
+        m_file = File::Written;
+    }
+    if (m_path.empty() || m_file == File::Failed)
         return;
-    m_trace = ::open(path, O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (m_trace < 0)
-        complain(std::string(path) +
-                 ": the trace cannot be written: " + std::generic_category().message(errno));
-}
-
-void CallLog::closeTrace() {
-    if (m_trace >= 0)
-        ::close(m_trace);
-    m_trace = -1;
-    m_traceOpened = false;
-}
-
-void CallLog::trace(const std::string& line) {
-    if (!m_traceOpened)
-        openTrace();
-    if (m_trace < 0)
+    if (m_path == m_bench + ".log" && stampOf(m_path)[2] >= maxFileSize)
+        static_cast<void>(std::rename(m_path.c_str(), (m_path + ".old").c_str()));
+    const int error = appendTo(m_path, line);
+    if (error == 0)
         return;
-    // One write, so that programs with one trace do not mix their lines.
-    const ssize_t written = ::write(m_trace, line.data(), line.size());
-    if (written == static_cast<ssize_t>(line.size()))
-        return;
-    complain("the trace cannot be written, it ends here: " +
-             (written < 0 ? std::generic_category().message(errno) : "the line was cut"));
-    ::close(m_trace);
-    m_trace = -1;
+    m_file = File::Failed;
+    complain(m_path + ": the calls cannot be written, they end here: " +
+             std::generic_category().message(error));
 }
 
 } // namespace kvasim

@@ -1,5 +1,5 @@
 /**
- * The log of calls: one JSON object a call, kept in memory and, on request, appended to a file.
+ * The log of calls: one JSON object a call, kept in memory and appended to a file as one line.
  *
  *     {"seq":7,"function":"KVA_SetShutdownTime","arguments":{"serialNumber":1000001,"mode":2},
  *      "result":0,"resultName":"KVA_SUCCESS","durationUs":12}
@@ -16,7 +16,6 @@
 #include <deque>
 #include <mutex>
 #include <string>
-#include <vector>
 
 namespace kvasim {
 
@@ -28,55 +27,48 @@ struct CallRecord {
     std::chrono::microseconds duration;
 };
 
+/** The file of a bench's calls: the one that `KVASIM_TRACE` names, or FILE.log beside the bench.
+    @param bench the bench file; empty for a bench in memory
+    @return empty when the calls go to no file */
+std::string callLogPath(const std::string& bench);
+
 /** Any thread may call any function. */
 class CallLog {
 public:
-    static constexpr std::size_t capacity = 100000;
+    static constexpr std::size_t capacity = 100000; /**< calls in memory */
 
-    CallLog() = default;
-    ~CallLog();
-    CallLog(const CallLog&) = delete;
-    CallLog& operator=(const CallLog&) = delete;
+    /** A log beside a bench that has this many bytes is moved to FILE.log.old, in place of an
+        earlier one. A file that `KVASIM_TRACE` names is never moved. */
+    static constexpr std::int64_t maxFileSize = std::int64_t{4} << 20U;
 
-    /** Adds a call under the next number, from 1; the oldest gives way when the log is full. Where
-        `KVASIM_TRACE` names a file, it is opened with the first call, made for its owner only where
-        there is none, and each call is appended as one line at once. A file that cannot be written
-        is reported once on standard error and changes nothing else. */
+    /** From the next call on the calls go to the file of this bench; see `callLogPath`, which is
+        asked with that call. */
+    void setBench(const std::string& bench);
+
+    /** Adds a call under the next number, from 1; the oldest gives way when the log is full. The
+        file is made for its owner only. That it cannot be written is said once on standard error
+        and changes nothing else. */
     void add(const CallRecord& record);
 
-    /** The calls as a JSON array, those with a number above @p after. */
-    std::string toJson(std::uint64_t after = 0) const;
+    /** The calls as a JSON array. */
+    std::string toJson() const;
 
-    /** Some calls in a row, each as one line of JSON. */
-    struct Page {
-        std::vector<std::string> lines;
-        std::uint64_t last = 0;   /**< the number of the last of them, or where there are none the
-                                       number to go on from */
-        std::uint64_t missed = 0; /**< calls before them that the log has forgotten */
-    };
-
-    /** The first calls with a number above @p after, no more than @p limit. */
-    Page page(std::uint64_t after, std::size_t limit) const;
-
-    /** The number of the last call, 0 before the first. */
-    std::uint64_t lastNumber() const;
-
-    /** Forgets the calls; numbers go on. */
+    /** Forgets the calls in memory; numbers go on. */
     void clear();
 
-    /** Forgets the calls, closes the file and starts with number 1 again. */
+    /** Forgets the calls in memory and starts with number 1 again. */
     void reset();
 
 private:
-    void openTrace();
-    void closeTrace();
-    void trace(const std::string& line);
+    void append(const std::string& line);
 
     mutable std::mutex m_mutex;
     std::deque<std::string> m_lines;
     std::uint64_t m_lastNumber = 0;
-    bool m_traceOpened = false;
-    int m_trace = -1;
+    std::string m_bench;
+    std::string m_path;
+    enum class File { Unasked, Written, Failed };
+    File m_file = File::Unasked;
 };
 
 } // namespace kvasim

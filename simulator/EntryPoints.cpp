@@ -1,6 +1,5 @@
 #include "instrument/KvaSdk.h"
 
-#include "simulator/BenchJson.h"
 #include "simulator/JsonFields.h"
 #include "simulator/Simulator.h"
 
@@ -31,6 +30,10 @@ std::string crc32(const void* data, std::size_t size) {
         static_cast<std::uint8_t>(crc >> 24U), static_cast<std::uint8_t>(crc >> 16U),
         static_cast<std::uint8_t>(crc >> 8U), static_cast<std::uint8_t>(crc)};
     return "0x" + kvasim::toHex(ordered, sizeof ordered);
+}
+
+Json digits(const std::uint8_t (&serialNumber)[4]) {
+    return kvasim::digitsToJson(serialNumber, sizeof serialNumber);
 }
 
 template <typename Describe>
@@ -108,9 +111,7 @@ KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* coun
 KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     Simulator& simulator = Simulator::instance();
     Call call = describe(Function::Connect, [&] {
-        Json given = Json::object();
-        if (port != nullptr)
-            given = {{"serialNumber", port->serialNumber}, {"port", kvasim::portToJson(*port)}};
+        Json given = port == nullptr ? noArguments() : kvasim::portToJson(*port);
         given["wait"] = wait;
         return given;
     });
@@ -134,9 +135,8 @@ KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
-    return readInto(Function::GetNetworkInfo, info, [](const Instrument& instrument) {
-        return instrument.pendingNetwork.value_or(instrument.activeNetwork);
-    });
+    return readInto(Function::GetNetworkInfo, info,
+                    [](const Instrument& instrument) { return instrument.network(); });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
@@ -145,7 +145,9 @@ KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
     };
     return writeFrom(Function::SetNetworkInfo, info, given,
                      [](Instrument& instrument, const KVA_NETWORKINFO& network) {
-                         KVA_NETWORKINFO& pending = instrument.pendingNetwork.emplace(network);
+                         instrument.pendingNetwork = network;
+                         instrument.isPending = true;
+                         KVA_NETWORKINFO& pending = instrument.pendingNetwork;
                          std::memset(pending.padding, 0, sizeof pending.padding);
                      });
 }
@@ -167,20 +169,20 @@ KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
 } // extern "C"
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* data) {
-    return readInto(Function::GetCalibration, data, [](const Instrument& instrument) {
-        return instrument.stagedCalibration.value_or(instrument.committedCalibration);
-    });
+    return readInto(Function::GetCalibration, data,
+                    [](const Instrument& instrument) { return instrument.calibration(); });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
     const auto given = [](const KVA_JIG_CALREFDATA& record) {
-        return Json{{"whiteSerialNo", kvasim::serialDigitsToJson(record.whiteSerialNo)},
-                    {"ambAdpSerialNo", kvasim::serialDigitsToJson(record.ambAdpSerialNo)},
+        return Json{{"whiteSerialNo", digits(record.whiteSerialNo)},
+                    {"ambAdpSerialNo", digits(record.ambAdpSerialNo)},
                     {"crc32", crc32(&record, sizeof record)}};
     };
     return writeFrom(Function::SetCalibration, data, given,
                      [](Instrument& instrument, const KVA_JIG_CALREFDATA& record) {
                          instrument.stagedCalibration = record;
+                         instrument.isStaged = true;
                      });
 }
 
@@ -189,10 +191,10 @@ KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     return simulator.perform(
         describe(Function::WriteSector, noArguments), [&](const CallEffects& effects) {
             return simulator.write(effects, [](Instrument& instrument) -> KVA_RESULT {
-                if (!instrument.stagedCalibration)
+                if (!instrument.isStaged)
                     return KVA_ERROR_NO_DATA;
-                instrument.committedCalibration = *instrument.stagedCalibration;
-                instrument.stagedCalibration.reset();
+                instrument.committedCalibration = instrument.stagedCalibration;
+                instrument.isStaged = false;
                 return KVA_SUCCESS;
             });
         });

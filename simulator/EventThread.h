@@ -1,22 +1,19 @@
 /**
- * The library's own thread: it delivers device events to the handler and serves the control socket.
+ * The library's own thread: it delivers device events to the handler, and looks at the bench.
  */
 #ifndef SIMULATOR_EVENTTHREAD_H
 #define SIMULATOR_EVENTTHREAD_H
 
 #include "instrument/KvaSdk.h"
 
-#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
 #include <deque>
-#include <memory>
+#include <functional>
 #include <mutex>
 #include <thread>
 #include <vector>
-
-#include <poll.h>
 
 namespace kvasim {
 
@@ -26,50 +23,18 @@ struct DeviceEvent {
     std::int32_t error;
 };
 
-/** What the thread serves between deliveries. Both functions run on the event thread only, without
-    any lock, and must not block. */
-class EventService {
-public:
-    virtual ~EventService() = default;
-
-    /** Appends the descriptors to wait for.
-        @return after how many milliseconds to serve in any case; -1 when only for a descriptor */
-    virtual int prepare(std::vector<pollfd>& descriptors) = 0;
-
-    /** Serves, after every wait. @param descriptors those of `prepare`, with what was found */
-    virtual void serve(const std::vector<pollfd>& descriptors) = 0;
-};
-
-/** Wakes a thread that waits for file descriptors. Any thread may call it. */
-class WakePipe {
-public:
-    /** @throws std::system_error when the process has no descriptors left. */
-    WakePipe();
-    ~WakePipe();
-    WakePipe(const WakePipe&) = delete;
-    WakePipe& operator=(const WakePipe&) = delete;
-
-    /** Makes the next wait for `descriptor`, or the one that is under way, return. */
-    void wake();
-
-    /** Readable after a `wake`, until `drain`. */
-    int descriptor() const { return m_readEnd; }
-    void drain();
-
-private:
-    int m_readEnd = -1;
-    int m_writeEnd = -1;
-};
-
-/** Delivers events in order, one at a time, on a thread that lives while a handler is installed or
-    the thread is kept for its service. No lock of this class is held during a delivery, so a
-    handler may call anything, this class included. Any thread may call any function. */
+/** Delivers events in order, one at a time, on a thread that lives while a handler is installed. No
+    lock of this class is held during a delivery, so a handler may call anything, this class
+    included. Any thread may call any function. */
 class EventThread {
 public:
     using Clock = std::chrono::steady_clock;
 
-    /** @param service outlives this object; null: none */
-    explicit EventThread(EventService* service = nullptr) : m_service(service) {}
+    /** The time between two looks. */
+    static constexpr std::chrono::milliseconds lookPeriod{50};
+
+    /** @param look called on the thread, between deliveries and without any lock; throws nothing */
+    explicit EventThread(std::function<void()> look) : m_look(std::move(look)) {}
 
     /** As `stop`. */
     ~EventThread();
@@ -78,16 +43,11 @@ public:
 
     /** Installs @p handler for all later deliveries; null removes it and drops the events that
        wait, those for later included. When it returns, no earlier handler is running or will be
-       called again, and after a removal the thread has ended, unless it is kept. From within a
-       handler it returns at once instead: the delivery under way is then the last one of the
-       earlier handler, and the thread ends with the next removal or `stop`.
+       called again, and after a removal the thread has ended. From within a handler it returns at
+       once instead: the delivery under way is then the last one of the earlier handler, and the
+       thread ends with the next removal or `stop`.
         @return false when the thread cannot be started; nothing is then installed. */
     bool setHandler(KVA_DeviceEventHandler handler);
-
-    /** Keeps the thread for its service, starting it where it does not run; or lets it end with the
-        next removal of a handler. Cheap when nothing changes.
-        @return false when the thread cannot be started */
-    bool keepRunning(bool keep);
 
     /** Queues an event; dropped when no handler is installed. */
     void post(const DeviceEvent& event);
@@ -96,11 +56,8 @@ public:
         @param owner for `dropLater` */
     void postAt(const DeviceEvent& event, Clock::time_point time, std::int32_t owner);
 
-    /** Drops the events of @p owner whose time has not come. */
-    void dropLater(std::int32_t owner);
-
-    /** Makes the thread, where it runs, serve its service. */
-    void wake();
+    /** Drops the events of @p owner whose time has not come. @return whether there were any */
+    bool dropLater(std::int32_t owner);
 
     /** Returns when every queued event has been delivered, but for those whose time has not come;
         from within a handler, at once. */
@@ -121,21 +78,18 @@ private:
     };
 
     bool ensureStarted();
-    void start();
     void end(std::unique_lock<std::mutex>& lock);
     void run();
     void dropAll();
-    int takeDue();
+    Clock::time_point takeDue();
     void deliver(std::unique_lock<std::mutex>& lock);
-    void waitAndServe(int timeout);
 
-    EventService* const m_service;
+    const std::function<void()> m_look;
     std::mutex m_change; // one start or end at a time; taken before m_mutex, never by the thread
     std::thread m_thread;
-    std::atomic<bool> m_keep{false};
 
-    mutable std::mutex m_mutex;       // everything below
-    std::unique_ptr<WakePipe> m_wake; // lives as long as the thread
+    mutable std::mutex m_mutex; // everything below
+    std::condition_variable m_wake;
     std::condition_variable m_progress;
     std::thread::id m_id;
     KVA_DeviceEventHandler m_handler = nullptr;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <functional>
 #include <set>
 #include <vector>
 
@@ -36,30 +37,21 @@ private:
     std::vector<std::set<std::string>> m_keys;
 };
 
-/** The parser's own reason without its position and without the input that it quotes. */
-std::string reasonOf(const std::string& what) {
-    std::string reason = what;
-    const auto start = reason.find("syntax error");
-    if (start == std::string::npos)
-        return "syntax error";
-    reason.erase(0, start);
+/** The parser's own message from the position on, without the input that it quotes, which may hold
+   a security key. */
+std::string reasonOf(std::string reason) {
+    const std::string lead = "parse error at ";
+    const auto start = reason.find(lead);
+    if (start != std::string::npos)
+        reason.erase(0, start + lead.size());
     const auto quoted = reason.find("; last read: ");
     if (quoted != std::string::npos) {
+        // The quoted input may itself hold this text: the last one is the parser's.
         const auto expected = reason.rfind("; expected ");
         const bool hasExpected = expected != std::string::npos && expected > quoted;
         reason.erase(quoted, hasExpected ? expected - quoted : std::string::npos);
     }
     return reason;
-}
-
-std::string positionOf(std::string_view text, std::size_t byte) {
-    // The parser counts bytes from 1 and names the one it stopped at.
-    const auto before = text.substr(0, std::min(text.size(), byte > 0 ? byte - 1 : 0));
-    const auto line = std::count(before.begin(), before.end(), '\n') + 1;
-    const auto lineFeed = before.rfind('\n');
-    const auto column =
-        lineFeed == std::string_view::npos ? before.size() + 1 : before.size() - lineFeed;
-    return "line " + std::to_string(line) + ", column " + std::to_string(column);
 }
 
 bool isPlainArray(const Json& value) {
@@ -98,7 +90,7 @@ Json parseJson(std::string_view text, Comments comments) {
         return Json::parse(text.begin(), text.end(), std::ref(guard), true,
                            comments == Comments::Allowed);
     } catch (const Json::parse_error& error) {
-        throw InputError(positionOf(text, error.byte) + ": " + reasonOf(error.what()));
+        throw InputError(reasonOf(error.what()));
     } catch (const Json::exception&) {
         throw InputError("a number is out of range");
     }

@@ -1,16 +1,17 @@
 #include "simulator/KvaSim.h"
 
-#include "simulator/Control.h"
 #include "simulator/Simulator.h"
 
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
 #include <exception>
+#include <functional>
 #include <string>
 
 namespace {
 
+using kvasim::Bench;
 using kvasim::Simulator;
 
 // No std::string: a thread's destructor for it would keep the library from being unloaded.
@@ -30,6 +31,15 @@ bool attempt(const Work& work) {
         setLastError(error.what());
         return false;
     }
+}
+
+bool change(const std::function<void(Bench&)>& make) {
+    return attempt([&](Simulator& simulator) {
+        simulator.change([&](Bench& next) {
+            make(next);
+            return true;
+        });
+    });
 }
 
 std::string text(const char* given) {
@@ -62,33 +72,36 @@ void KvaSim_Reset(void) {
 }
 
 bool KvaSim_Plug(int32_t serialNumber) {
-    return attempt([&](Simulator& simulator) { simulator.setPlugged(serialNumber, true); });
+    return attempt([&](Simulator& simulator) { simulator.plug(serialNumber, true); });
 }
 
 bool KvaSim_Unplug(int32_t serialNumber) {
-    return attempt([&](Simulator& simulator) { simulator.setPlugged(serialNumber, false); });
+    return attempt([&](Simulator& simulator) { simulator.plug(serialNumber, false); });
 }
 
 bool KvaSim_PowerCycle(int32_t serialNumber) {
-    return attempt([&](Simulator& simulator) {
-        simulator.powerCycle(serialNumber, kvasim::StartUp::Skipped);
+    return change([&](Bench& next) {
+        kvasim::powerCycle(kvasim::instrumentOf(next, serialNumber), kvasim::StartUp::Skipped);
     });
 }
 
 bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch) {
-    return attempt([&](Simulator& simulator) {
-        simulator.set(serialNumber, kvasim::parseJson(text(jsonMergePatch)));
+    return change([&](Bench& next) {
+        const kvasim::Json patch = kvasim::parseJson(text(jsonMergePatch));
+        kvasim::patch(kvasim::instrumentOf(next, serialNumber), patch);
+        kvasim::requireDifferentSerialNumbers(next);
     });
 }
 
 bool KvaSim_AddFault(const char* json) {
-    return attempt([&](Simulator& simulator) {
-        simulator.addFault(kvasim::faultRuleFromJson(kvasim::parseJson(text(json)), ""));
+    return change([&](Bench& next) {
+        const kvasim::Json rule = kvasim::parseJson(text(json));
+        kvasim::addFault(next.faults, kvasim::faultRuleFromJson(rule, ""));
     });
 }
 
 void KvaSim_ClearFaults(void) {
-    attempt([](Simulator& simulator) { simulator.clearFaults(); });
+    change([](Bench& next) { next.faults.clear(); });
 }
 
 void KvaSim_EmitEvent(uint32_t code, uint32_t rawDataCount, int32_t error) {
@@ -101,9 +114,7 @@ void KvaSim_WaitForEvents(void) {
 
 char* KvaSim_State(void) {
     char* answer = nullptr;
-    attempt([&](Simulator& simulator) {
-        answer = copied(kvasim::formatJson(simulator.state(kvasim::Keys::Shown)));
-    });
+    attempt([&](Simulator& simulator) { answer = copied(kvasim::formatJson(simulator.state())); });
     return answer;
 }
 
@@ -115,15 +126,6 @@ char* KvaSim_CallLog(void) {
 
 void KvaSim_ClearCallLog(void) {
     attempt([](Simulator& simulator) { simulator.log().clear(); });
-}
-
-char* KvaSim_Request(const char* requestJson) {
-    char* answer = nullptr;
-    attempt([&](Simulator& simulator) {
-        answer =
-            copied(kvasim::answerRequest(simulator, requestJson == nullptr ? "" : requestJson));
-    });
-    return answer;
 }
 
 const char* KvaSim_LastError(void) {

@@ -66,10 +66,6 @@ inline bool addFault(const nlohmann::json& rule) {
     return KvaSim_AddFault(rule.dump().c_str());
 }
 
-inline nlohmann::json request(const nlohmann::json& request) {
-    return nlohmann::json::parse(taken(KvaSim_Request(request.dump().c_str())));
-}
-
 } // namespace kvasim_test
 
 #endif

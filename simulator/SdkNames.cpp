@@ -27,7 +27,8 @@ struct NamedResult {
     const char* name;
 };
 
-constexpr std::array<NamedResult, 22> results = {{
+/** The warnings come last; they are bits, and several of them may be set. */
+constexpr std::array<NamedResult, 25> results = {{
     {KVA_SUCCESS, "KVA_SUCCESS"},
     {KVA_ERROR, "KVA_ERROR"},
     {KVA_ERROR_CONNECT, "KVA_ERROR_CONNECT"},
@@ -50,18 +51,15 @@ constexpr std::array<NamedResult, 22> results = {{
     {KVA_ERROR_CNF, "KVA_ERROR_CNF"},
     {KVA_ERROR_NDT, "KVA_ERROR_NDT"},
     {KVA_ERROR_NEQ, "KVA_ERROR_NEQ"},
-}};
-
-constexpr std::array<NamedResult, 3> warnings = {{
     {KVA_WARNING_WCALIB_TEMP, "KVA_WARNING_WCALIB_TEMP"},
     {KVA_WARNING_BATTERY_EMPTY, "KVA_WARNING_BATTERY_EMPTY"},
     {KVA_WARNING_INITIALDATE_SETTING, "KVA_WARNING_INITIALDATE_SETTING"},
 }};
 
-std::optional<KVA_RESULT> warningBit(std::string_view name) {
-    for (const NamedResult& warning : warnings) {
-        if (name == warning.name)
-            return warning.value;
+std::optional<KVA_RESULT> resultOf(std::string_view name) {
+    for (const NamedResult& named : results) {
+        if (name == named.name)
+            return named.value;
     }
     return std::nullopt;
 }
@@ -81,36 +79,25 @@ std::optional<Function> functionFromName(std::string_view name) {
 }
 
 std::string resultName(KVA_RESULT result) {
+    std::string name;
     for (const NamedResult& named : results) {
         if (named.value == result)
             return named.name;
-    }
-    std::string name;
-    if (result > 0) {
-        for (const NamedResult& warning : warnings) {
-            if ((result & warning.value) != 0)
-                name += (name.empty() ? "" : "/") + std::string(warning.name);
-        }
+        if (result > 0 && named.value > 0 && (result & named.value) != 0)
+            name += (name.empty() ? "" : "/") + std::string(named.name);
     }
     return name;
 }
 
 std::optional<KVA_RESULT> resultFromName(std::string_view name) {
-    for (const NamedResult& named : results) {
-        if (name == named.name)
-            return named.value;
-    }
-    KVA_RESULT bits = 0;
-    for (;;) {
-        const auto slash = name.find('/');
-        const auto bit = warningBit(name.substr(0, slash));
-        if (!bit)
-            return std::nullopt;
-        bits |= *bit;
-        if (slash == std::string_view::npos)
-            return bits;
-        name.remove_prefix(slash + 1);
-    }
+    const auto slash = name.find('/');
+    const auto first = resultOf(name.substr(0, slash));
+    if (!first || slash == std::string_view::npos)
+        return first;
+    const auto others = resultFromName(name.substr(slash + 1));
+    if (!others || *first <= 0 || *others <= 0)
+        return std::nullopt; // only warnings can be joined
+    return *first | *others;
 }
 
 } // namespace kvasim

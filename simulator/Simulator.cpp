@@ -1,5 +1,7 @@
 #include "simulator/Simulator.h"
 
+#include "simulator/Complaint.h"
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -31,15 +33,6 @@ bool isSame(const Record& left, const Record& right) {
     return std::memcmp(&left, &right, sizeof left) == 0;
 }
 
-const KVA_NETWORKINFO& storedNetwork(const Instrument& instrument) {
-    return instrument.pendingNetwork ? *instrument.pendingNetwork : instrument.activeNetwork;
-}
-
-const KVA_JIG_CALREFDATA& workingCalibration(const Instrument& instrument) {
-    return instrument.stagedCalibration ? *instrument.stagedCalibration
-                                        : instrument.committedCalibration;
-}
-
 } // namespace
 
 Simulator& Simulator::instance() {
@@ -54,7 +47,6 @@ KVA_RESULT Simulator::perform(Call call,
     KVA_RESULT result = KVA_ERROR;
     try {
         const CallEffects effects = begin(call);
-        serveBench();
         result = performWith(effects, call, work);
     } catch (const std::exception& error) {
         complain(error.what());
@@ -64,8 +56,6 @@ KVA_RESULT Simulator::perform(Call call,
         std::chrono::steady_clock::now() - start);
     try {
         m_log.add({call.function, std::move(call.arguments), result, duration});
-        if (m_server.isFollowed())
-            m_events.wake();
     } catch (const std::exception& error) {
         complain(std::string("a call could not be logged: ") + error.what());
     }
@@ -74,7 +64,10 @@ KVA_RESULT Simulator::perform(Call call,
 
 CallEffects Simulator::begin(Call& call) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    static_cast<void>(loaded());
+    CallEffects effects;
+    if (!loaded())
+        return effects;
+    refresh();
     const bool overConnection =
         !isForNoInstrument(call.function) && call.function != Function::Connect;
     if (overConnection && m_connection) {
@@ -83,7 +76,14 @@ CallEffects Simulator::begin(Call& call) {
         arguments.update(call.arguments);
         call.arguments = std::move(arguments);
     }
-    return effectsOf(m_faults.fire(call.function, call.serialNumber));
+    for (const FaultRule& rule : m_faults.meet(call.function, call.serialNumber)) {
+        bool isLeft = true;
+        if (rule.times) // counts down for all programs; another one may have been faster
+            changeLocked([&](Bench& next) { return isLeft = useUp(next.faults, rule); });
+        if (isLeft)
+            apply(rule, effects);
+    }
+    return effects;
 }
 
 KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call,
@@ -116,22 +116,18 @@ void Simulator::unplug(const CallEffects& effects, const Call& call) {
         effects.unplug->instrument ? effects.unplug->instrument : call.serialNumber;
     if (!serialNumber) {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        const auto list = ports();
+        if (!loaded())
+            return;
+        const auto list = portsOf(m_store->bench());
         if (list.empty())
             return;
         serialNumber = list.front().serialNumber;
     }
     try {
-        setPlugged(*serialNumber, false);
+        plug(*serialNumber, false);
     } catch (const InputError& error) {
         complain(std::string("a rule cannot unplug: ") + error.what());
     }
-}
-
-/** Not with the lock held: the thread may have to be started. */
-void Simulator::serveBench() {
-    if (!m_events.keepRunning(m_server.hasBench()))
-        complain("kvasim cannot reach this bench: no thread can be started");
 }
 
 KVA_RESULT Simulator::registerHandler(KVA_DeviceEventHandler handler) {
@@ -143,7 +139,8 @@ KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!loaded())
         return KVA_ERROR;
-    std::vector<KVA_PORTINFO> answer = effects.stale && m_formerPorts ? *m_formerPorts : ports();
+    std::vector<KVA_PORTINFO> answer =
+        effects.stale && m_formerPorts ? *m_formerPorts : portsOf(m_store->bench());
     std::size_t length = answer.size();
     if (effects.longestList)
         length = std::min<std::size_t>(length, *effects.longestList);
@@ -163,9 +160,14 @@ KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& po
         return KVA_ERROR;
     if (m_connection && !m_connection->lost)
         return KVA_ERROR_CONNECT_ALREADY;
-    for (const Instrument& instrument : m_stored.bench.instruments) {
+    for (const Instrument& instrument : m_store->bench().instruments) {
         if (!isReady(instrument) || !isSame(instrument.port, port))
             continue;
+        BenchLock* const hold = m_store->lock();
+        if (hold != nullptr && !hold->hold(port.serialNumber))
+            return KVA_ERROR_INSTRUMENT_UNAVAILABLE; // another program is connected to it
+        if (effects.dropped && hold != nullptr)
+            hold->release(port.serialNumber);
         if (!effects.dropped)
             m_connection = Connection{port.serialNumber, false};
         return KVA_SUCCESS;
@@ -175,93 +177,76 @@ KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& po
 
 KVA_RESULT Simulator::disconnect(const CallEffects& effects) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::size_t index = 0;
-    const KVA_RESULT result = connected(index);
-    if (result == KVA_SUCCESS && !effects.dropped)
-        m_connection.reset();
+    KVA_RESULT result = KVA_ERROR;
+    if (connected(result) == nullptr || effects.dropped)
+        return result;
+    releaseInstrument();
+    m_connection.reset();
     return result;
 }
 
 KVA_RESULT Simulator::read(const CallEffects& effects,
                            const std::function<void(const Instrument&)>& reader) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::size_t index = 0;
-    const KVA_RESULT result = connected(index);
-    if (result != KVA_SUCCESS)
+    KVA_RESULT result = KVA_ERROR;
+    const Instrument* const instrument = connected(result);
+    if (instrument == nullptr)
         return result;
-    const Instrument& instrument = m_stored.bench.instruments[index];
-    const auto former = m_formerAnswers.find(instrument.port.serialNumber);
-    if (!effects.stale || former == m_formerAnswers.end()) {
-        reader(instrument);
-        return result;
+    Instrument answer = *instrument;
+    const auto former = m_formerAnswers.find(answer.port.serialNumber);
+    if (effects.stale && former != m_formerAnswers.end()) {
+        const FormerAnswers& before = former->second;
+        answer.pendingNetwork = before.network.value_or(answer.network());
+        answer.stagedCalibration = before.calibration.value_or(answer.calibration());
+        answer.isPending = answer.isStaged = true;
+        answer.powerOffMode = before.powerOffMode.value_or(answer.powerOffMode);
     }
-    Instrument before = instrument;
-    if (former->second.network)
-        before.pendingNetwork = former->second.network;
-    before.powerOffMode = former->second.powerOffMode.value_or(before.powerOffMode);
-    if (former->second.calibration)
-        before.stagedCalibration = former->second.calibration;
-    reader(before);
+    reader(answer);
     return result;
 }
 
 KVA_RESULT Simulator::write(const CallEffects& effects,
                             const std::function<KVA_RESULT(Instrument&)>& writer) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    std::size_t index = 0;
-    KVA_RESULT result = connected(index);
-    if (result != KVA_SUCCESS)
-        return result;
-    const Instrument before = m_stored.bench.instruments[index];
-    Instrument next = before;
-    result = writer(next);
-    if (result >= KVA_SUCCESS && !effects.dropped) {
-        change(index, std::move(next));
-        keepFormerAnswers(before, m_stored.bench.instruments[index]);
-    }
+    if (!loaded())
+        return KVA_ERROR;
+    KVA_RESULT result = KVA_ERROR;
+    std::optional<Instrument> before;
+    changeLocked([&](Bench& next) {
+        const Instrument* const instrument = connected(result);
+        if (instrument == nullptr)
+            return false;
+        before = *instrument;
+        result = writer(instrumentOf(next, instrument->port.serialNumber));
+        return result >= KVA_SUCCESS && !effects.dropped;
+    });
+    if (result >= KVA_SUCCESS && !effects.dropped)
+        keepFormerAnswers(*before, *connected(result));
     return result;
 }
 
 void Simulator::keepFormerAnswers(const Instrument& before, const Instrument& after) {
     FormerAnswers& former = m_formerAnswers[after.port.serialNumber];
-    if (!isSame(storedNetwork(before), storedNetwork(after)))
-        former.network = storedNetwork(before);
+    if (!isSame(before.network(), after.network()))
+        former.network = before.network();
     if (before.powerOffMode != after.powerOffMode)
         former.powerOffMode = before.powerOffMode;
-    if (!isSame(workingCalibration(before), workingCalibration(after)))
-        former.calibration = workingCalibration(before);
+    if (!isSame(before.calibration(), after.calibration()))
+        former.calibration = before.calibration();
 }
 
-/** The list as it is now. */
-std::vector<KVA_PORTINFO> Simulator::ports() {
-    std::vector<KVA_PORTINFO> list;
-    for (const Instrument& instrument : m_stored.bench.instruments) {
-        if (isReady(instrument))
-            list.push_back(instrument.port);
-    }
-    return list;
-}
-
-bool Simulator::isReady(const Instrument& instrument) const {
-    const auto starting = m_starting.find(instrument.port.serialNumber);
-    return instrument.plugged &&
-           (starting == m_starting.end() || EventThread::Clock::now() >= starting->second.ready);
-}
-
-bool Simulator::isConnected(std::int32_t serialNumber) const {
-    return m_connection && !m_connection->lost && m_connection->serialNumber == serialNumber;
-}
-
-/** Finds the connected instrument. */
-KVA_RESULT Simulator::connected(std::size_t& index) {
+/** Finds the connected instrument. @return null with the reason */
+const Instrument* Simulator::connected(KVA_RESULT& result) {
     if (!loaded())
-        return KVA_ERROR;
-    if (!m_connection)
-        return KVA_ERROR_CONNECT;
-    if (m_connection->lost)
-        return KVA_ERROR_INSTRUMENT_UNAVAILABLE;
-    index = indexOf(m_connection->serialNumber);
-    return KVA_SUCCESS;
+        result = KVA_ERROR;
+    else if (!m_connection)
+        result = KVA_ERROR_CONNECT;
+    else if (m_connection->lost)
+        result = KVA_ERROR_INSTRUMENT_UNAVAILABLE;
+    else
+        result = KVA_SUCCESS;
+    return result == KVA_SUCCESS ? findInstrument(m_store->bench(), m_connection->serialNumber)
+                                 : nullptr;
 }
 
 } // namespace kvasim

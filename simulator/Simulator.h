@@ -5,19 +5,15 @@
 #define SIMULATOR_SIMULATOR_H
 
 #include "instrument/KvaSdk.h"
-#include "simulator/Bench.h"
-#include "simulator/BenchFile.h"
-#include "simulator/BenchJson.h"
-#include "simulator/CallEffects.h"
+#include "simulator/BenchStore.h"
 #include "simulator/CallLog.h"
-#include "simulator/ControlServer.h"
 #include "simulator/EventThread.h"
 #include "simulator/FaultRules.h"
 
-#include <cstddef>
 #include <cstdint>
 #include <functional>
 #include <map>
+#include <memory>
 #include <mutex>
 #include <optional>
 #include <string>
@@ -32,22 +28,21 @@ struct Call {
     std::optional<std::int32_t> serialNumber{}; /**< the instrument that the call names itself */
 };
 
-/** Whether an instrument that is switched on takes its time, or answers at once. */
-enum class StartUp { Timed, Skipped };
-
 /** Any thread may call any function. No lock is held while a handler runs.
  *
  * The bench is read from the environment when it is first needed; where that fails, one line on
  * standard error says why, and whatever needs the bench fails until `reset` or another `load…`.
+ * Before each call, and every 50 ms while a handler is installed, a bench file that has changed is
+ * read again. What is different then makes the events.
  *
- * Every change of an instrument is saved before it counts: where it cannot be saved, it is undone
- * and the call that made it fails. */
+ * Every change of an instrument is saved before it counts: where it cannot be saved, the call that
+ * made it fails and nothing has changed. */
 class Simulator {
 public:
     /** The one object; made with the first call. */
     static Simulator& instance();
 
-    Simulator() : m_server(*this), m_events(&m_server) {}
+    Simulator() : m_events([this] { look(); }) {}
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
@@ -79,37 +74,22 @@ public:
 
     // Control. Everything here throws InputError with the reason when it is refused.
 
-    /** Puts a bench in place of the present one; the connection ends without an event and the
-        bench's rules take the place of the rules in force. Where that fails, all stays. */
+    /** Puts a bench in place of the present one; the connection ends without an event. Where that
+        fails, all stays. */
     void loadFile(const std::string& path);
     void loadJson(const std::string& json);
 
     /** Forgets bench, connection, rules and log; the handler stays. */
     void reset();
 
-    /** Attaches or detaches an instrument; nothing happens to one that is so already. Attaching
-        delivers a standby event; detaching the connected one ends the connection and delivers a
-        disconnect event. */
-    void setPlugged(std::int32_t serialNumber, bool plugged);
+    /** Changes the bench, which @p make gets a copy of; nothing is saved where it returns false. */
+    void change(const std::function<bool(Bench&)>& make);
 
-    /** Pending settings come into use, staged data is lost; for the connected instrument the
-        connection ends, with a disconnect event and, once it has started, a standby event. While it
-        starts it is neither listed nor to be connected to. */
-    void powerCycle(std::int32_t serialNumber, StartUp startUp);
+    /** Attaches or detaches an instrument; nothing happens to one that is so already. */
+    void plug(std::int32_t serialNumber, bool plugged);
 
-    /** Merges @p patch into the instrument's JSON; attaching and detaching as in `setPlugged`. */
-    void set(std::int32_t serialNumber, const Json& patch);
-
-    /** One object for each instrument: {"serialNumber", "plugged", "starting", "connected",
-     * "port"}.
-     */
-    Json list();
-    Json state(Keys keys);
-    Json instrument(std::int32_t serialNumber, Keys keys);
-
-    void addFault(const FaultRule& rule);
-    void clearFaults();
-    Json faults();
+    /** The whole bench. */
+    Json state();
 
     // Log and events: see CallLog and EventThread.
     CallLog& log() { return m_log; }
@@ -119,12 +99,6 @@ private:
     struct Connection {
         std::int32_t serialNumber;
         bool lost;
-    };
-
-    /** An instrument that was switched on. */
-    struct Starting {
-        EventThread::Clock::time_point ready;
-        bool announced; // by a standby event
     };
 
     /** What the functions answered before the last write that changed their answer. */
@@ -138,33 +112,34 @@ private:
     KVA_RESULT performWith(const CallEffects& effects, const Call& call,
                            const std::function<KVA_RESULT(const CallEffects&)>& work);
     void unplug(const CallEffects& effects, const Call& call);
-    void serveBench();
-    std::vector<KVA_PORTINFO> ports();
-    bool isReady(const Instrument& instrument) const;
-    bool isConnected(std::int32_t serialNumber) const;
+    const Instrument* connected(KVA_RESULT& result);
     void keepFormerAnswers(const Instrument& before, const Instrument& after);
+
     bool loaded();
     void requireBench();
-    void take(StoredBench stored);
-    void save();
-    std::size_t indexOf(std::int32_t serialNumber);
-    KVA_RESULT connected(std::size_t& index);
-    void change(std::size_t index, Instrument next);
+    void take(std::unique_ptr<BenchStore> store);
+    void look();
+    void refresh();
+    void changeLocked(const std::function<bool(Bench&)>& make);
+
+    void see(const Bench& before);
+    void see(const Instrument& before, const Instrument& after);
+    void announce(const Instrument& instrument);
+    bool isConnected(std::int32_t serialNumber) const;
     void loseConnection();
+    void releaseInstrument();
 
     std::mutex m_mutex; // everything below down to m_log
     enum class State { Unread, Loaded, Refused };
     State m_state = State::Unread;
     std::string m_refusal;
-    StoredBench m_stored;
+    std::unique_ptr<BenchStore> m_store; // null: not loaded
     std::optional<Connection> m_connection;
-    FaultRules m_faults;
-    std::map<std::int32_t, Starting> m_starting;
+    FaultCounters m_faults;
     std::map<std::int32_t, FormerAnswers> m_formerAnswers;
     std::optional<std::vector<KVA_PORTINFO>> m_formerPorts;
 
     CallLog m_log;
-    ControlServer m_server;
     EventThread m_events; // the last one: its thread uses the others
 };
 

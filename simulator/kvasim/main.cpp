@@ -1,22 +1,30 @@
 // kvasim: the hands at the bench of simulated instruments.
 
-#include "simulator/BenchFile.h"
-#include "simulator/kvasim/Client.h"
-#include "simulator/kvasim/Patch.h"
+#include "simulator/BenchStore.h"
+#include "simulator/BenchTexts.h"
+#include "simulator/CallLog.h"
+#include "simulator/JsonFields.h"
+#include "simulator/kvasim/Follow.h"
 #include "simulator/kvasim/Show.h"
-#include "simulator/kvasim/StartingBench.h"
 
 #include <CLI/CLI.hpp>
 
+#include <cerrno>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <functional>
+#include <memory>
 #include <string>
+#include <system_error>
 #include <vector>
 
 namespace {
 
-using kvasim::Client;
+using kvasim::Bench;
+using kvasim::BenchStore;
 using kvasim::InputError;
+using kvasim::Instrument;
 using kvasim::Json;
 
 enum ExitStatus { Done = 0, Refused = 1, Usage = 2 };
@@ -57,9 +65,40 @@ void print(const std::string& text) {
     std::fflush(stdout);
 }
 
+std::unique_ptr<BenchStore> open(const Options& options) {
+    return options.bench.empty() ? BenchStore::openOfEnvironment()
+                                 : BenchStore::open(options.bench);
+}
+
+void change(const Options& options, const std::function<void(Bench&)>& make) {
+    const auto makeAndSave = [&](Bench& next) {
+        make(next);
+        return true;
+    };
+    open(options)->change(makeAndSave, [](const Bench&) {});
+}
+
+void changeInstrument(const Options& options, const std::function<void(Instrument&)>& make) {
+    change(options, [&](Bench& next) { make(kvasim::instrumentOf(next, options.serialNumber)); });
+}
+
+Json listOf(const BenchStore& store) {
+    Json list = Json::array();
+    for (const Instrument& instrument : store.bench().instruments) {
+        const std::int32_t serialNumber = instrument.port.serialNumber;
+        const bool isStarting = instrument.plugged && !kvasim::isReady(instrument);
+        const bool isConnected = store.lock() != nullptr && store.lock()->isHeld(serialNumber);
+        list.push_back({{"serialNumber", serialNumber},
+                        {"plugged", instrument.plugged},
+                        {"starting", isStarting},
+                        {"connected", isConnected},
+                        {"port", kvasim::portToJson(instrument.port)["port"]}});
+    }
+    return list;
+}
+
 void list(const Options& options) {
-    const Json instruments =
-        Client::find(options.bench).request({{"command", "list"}})["instruments"];
+    const Json instruments = listOf(*open(options));
     if (options.json)
         return print(kvasim::formatJson(instruments));
     if (!options.serialNumbersOnly)
@@ -69,27 +108,33 @@ void list(const Options& options) {
 }
 
 void show(const Options& options) {
-    const Json instrument = Client::find(options.bench)
-                                .request({{"command", "show"},
-                                          {"serialNumber", options.serialNumber},
-                                          {"reveal", options.reveal}})["instrument"];
+    Bench bench = open(options)->bench();
+    const Json instrument =
+        kvasim::instrumentToJson(kvasim::instrumentOf(bench, options.serialNumber),
+                                 options.reveal ? kvasim::Keys::Shown : kvasim::Keys::Hidden);
     print(options.json ? kvasim::formatJson(instrument) : kvasim::instrumentAsText(instrument));
 }
 
-void simple(const Options& options, const char* command) {
-    Client::find(options.bench)
-        .request({{"command", command}, {"serialNumber", options.serialNumber}});
+void plug(const Options& options, bool plugged) {
+    changeInstrument(options, [&](Instrument& instrument) {
+        if (instrument.plugged != plugged)
+            kvasim::setPlugged(instrument, plugged);
+    });
+}
+
+void powerCycle(const Options& options) {
+    changeInstrument(options, [](Instrument& instrument) {
+        kvasim::powerCycle(instrument, kvasim::StartUp::Timed);
+    });
 }
 
 void set(const Options& options) {
-    Client client = Client::find(options.bench);
-    const Json instrument = client.request({{"command", "show"},
-                                            {"serialNumber", options.serialNumber},
-                                            {"reveal", true}})["instrument"];
-    Json patch = Json::object();
-    for (const std::string& assignment : options.assignments)
-        kvasim::addAssignment(assignment, instrument, patch);
-    client.request({{"command", "set"}, {"serialNumber", options.serialNumber}, {"patch", patch}});
+    change(options, [&](Bench& next) {
+        Instrument& instrument = kvasim::instrumentOf(next, options.serialNumber);
+        for (const std::string& assignment : options.assignments)
+            kvasim::assign(instrument, assignment);
+        kvasim::requireDifferentSerialNumbers(next);
+    });
 }
 
 bool isNumber(const std::string& text) {
@@ -111,7 +156,7 @@ Json corruptionOf(const CLI::App& app, const FaultOptions& given) {
     return corrupted;
 }
 
-/** The rule as the options say it; whether it is one is for the program to say. */
+/** The rule as the options say it; whether it is one is for its reader to say. */
 Json ruleOf(const CLI::App& app, const FaultOptions& given) {
     Json rule = {{"function", given.function}};
     const auto add = [&](const char* option, const char* key, const Json& value) {
@@ -137,39 +182,48 @@ Json ruleOf(const CLI::App& app, const FaultOptions& given) {
     return rule;
 }
 
-void printCall(const Json& call, const Options& options) {
-    print(options.json ? call.dump() + '\n' : kvasim::callAsText(call));
+void addFault(const Options& options, const Json& rule) {
+    change(options, [&](Bench& next) {
+        kvasim::addFault(next.faults, kvasim::faultRuleFromJson(rule, "fault"));
+    });
 }
 
-/** The log page by page, then the calls as they come where that is asked for. */
+void listFaults(const Options& options) {
+    Json faults = Json::array();
+    for (kvasim::FaultRule rule : open(options)->bench().faults) {
+        rule.id.reset();
+        faults.push_back(kvasim::faultRuleToJson(rule));
+    }
+    print(options.json ? kvasim::formatJson(faults) : kvasim::faultsAsText(faults));
+}
+
 void log(const Options& options) {
-    Client client = Client::find(options.bench);
-    std::uint64_t last = 0;
-    for (;;) {
-        const Json calls = client.request({{"command", "log"}, {"after", last}})["calls"];
-        for (const Json& call : calls) {
-            last = call["seq"].get<std::uint64_t>();
-            printCall(call, options);
-        }
-        if (calls.empty())
-            break;
-    }
-    if (!options.follow)
-        return;
-    client.request({{"command", "follow"}, {"after", last}});
-    while (const auto line = client.nextLine()) {
-        if (line->contains("call"))
-            printCall((*line)["call"], options);
-        else if (line->contains("missed"))
-            std::fprintf(stderr, "kvasim: %s calls were not seen\n",
-                         (*line)["missed"].dump().c_str());
-    }
+    const auto store = open(options);
+    const auto printCall = [&](const Json& call) {
+        print(options.json ? call.dump() + '\n' : kvasim::callAsText(call));
+    };
+    const auto goOn = [&] { return options.follow && store->lock()->isUsed(); };
+    kvasim::followLog(kvasim::callLogPath(store->path()), printCall, goOn);
 }
 
 void check(const Options& options) {
-    const kvasim::Bench bench = kvasim::loadBenchFile(options.file).bench;
+    const Bench bench = kvasim::readBenchFile(options.file);
     print(options.file + ": good, " + std::to_string(bench.instruments.size()) + " instruments, " +
           std::to_string(bench.faults.size()) + " rules\n");
+}
+
+/** Writes a bench with comments that explain its fields. */
+void makeBench(const Options& options) {
+    const std::string& path = options.file;
+    std::FILE* const file = std::fopen(path.c_str(), "wxe"); // not where it is there already
+    const bool isWritten = file != nullptr && std::fputs(kvasim::startingBenchText, file) >= 0;
+    const bool isClosed = file == nullptr || std::fclose(file) == 0;
+    if (isWritten && isClosed)
+        return;
+    const int error = errno;
+    if (file != nullptr)
+        std::remove(path.c_str());
+    throw InputError(path + ": cannot be written: " + std::generic_category().message(error));
 }
 
 CLI::App* addSerialCommand(CLI::App& app, const char* name, const char* description,
@@ -194,13 +248,13 @@ void addInstrumentCommands(CLI::App& app, Options& options) {
     command->callback([&] { show(options); });
 
     addSerialCommand(app, "plug", "Attach an instrument", options)->callback([&] {
-        simple(options, "plug");
+        plug(options, true);
     });
     addSerialCommand(app, "unplug", "Detach an instrument", options)->callback([&] {
-        simple(options, "unplug");
+        plug(options, false);
     });
     addSerialCommand(app, "power-cycle", "Switch an instrument off and on", options)->callback([&] {
-        simple(options, "powerCycle");
+        powerCycle(options);
     });
 
     command = addSerialCommand(app, "set", "Set fields of an instrument", options);
@@ -238,18 +292,12 @@ void addFaultCommands(CLI::App& app, Options& options, FaultOptions& given) {
     fault->require_subcommand(1);
     CLI::App* add = fault->add_subcommand("add", "Add a rule");
     addFaultOptions(*add, given);
-    add->callback([&options, &given, add] {
-        Client::find(options.bench)
-            .request({{"command", "addFault"}, {"fault", ruleOf(*add, given)}});
-    });
+    add->callback([&options, &given, add] { addFault(options, ruleOf(*add, given)); });
     CLI::App* rules = fault->add_subcommand("list", "List the rules in force");
     rules->add_flag("--json", options.json, "as JSON");
-    rules->callback([&] {
-        const Json faults = Client::find(options.bench).request({{"command", "faults"}})["faults"];
-        print(options.json ? kvasim::formatJson(faults) : kvasim::faultsAsText(faults));
-    });
+    rules->callback([&] { listFaults(options); });
     fault->add_subcommand("clear", "Remove all rules")->callback([&] {
-        Client::find(options.bench).request({{"command", "clearFaults"}});
+        change(options, [](Bench& next) { next.faults.clear(); });
     });
 }
 
@@ -266,14 +314,15 @@ void addLogAndBenchCommands(CLI::App& app, Options& options) {
     checking->callback([&] { check(options); });
     CLI::App* init = bench->add_subcommand("init", "Write a starting bench with comments");
     init->add_option("FILE", options.file, "file to make; it must not be there yet")->required();
-    init->callback([&] { kvasim::writeStartingBench(options.file); });
+    init->callback([&] { makeBench(options); });
 }
 
 int run(int argumentCount, char** arguments) {
     Options options;
     FaultOptions faultOptions;
-    CLI::App app("Handles the simulated instruments of a running tool.", "kvasim");
-    app.add_option("--bench", options.bench, "bench file of the program, where several run");
+    CLI::App app("Handles simulated instruments.", "kvasim");
+    app.add_option("--bench", options.bench,
+                   "bench file; left out: the one that the library takes");
     app.require_subcommand(1);
     app.fallthrough();
     addInstrumentCommands(app, options);

@@ -14,17 +14,10 @@
 #include <QTemporaryDir>
 #include <QtTest>
 
-#include <algorithm>
-#include <atomic>
-#include <cerrno>
 #include <cstring>
 #include <memory>
 #include <thread>
 
-#include <poll.h>
-#include <sys/socket.h>
-#include <sys/un.h>
-#include <unistd.h>
 
 namespace kvasimtest {
 
@@ -54,7 +47,6 @@ class Bench {
 public:
     Bench() {
         write(path(), benchText());
-        qputenv("KVASIM_RUNTIME_DIR", folder.filePath(QStringLiteral("run")).toLocal8Bit());
         qunsetenv("KVASIM_TRACE");
         qputenv("KVASIM_BENCH", path().toLocal8Bit());
         KvaSim_Reset();
@@ -64,7 +56,6 @@ public:
     Bench& operator=(const Bench&) = delete;
 
     QString path() const { return folder.filePath(QStringLiteral("bench.json")); }
-    QString socketPath() const { return path() + QStringLiteral(".control/socket"); }
 
     static void write(const QString& path, const QByteArray& text) {
         QFile file(path);
@@ -72,13 +63,10 @@ public:
         QCOMPARE(file.write(text), text.size());
     }
 
-    /** Uses the bench in this process and waits until it can be handled. */
-    void use() const {
+    /** Uses the bench in this process. */
+    static void use() {
         std::int32_t count = 0;
         QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_RESULT{KVA_SUCCESS});
-        QTRY_VERIFY(QFile::exists(socketPath()) && !QDir(folder.filePath(QStringLiteral("run")))
-                                                        .entryList({QStringLiteral("*.json")})
-                                                        .isEmpty());
     }
 
     QTemporaryDir folder;
@@ -110,85 +98,6 @@ inline Outcome kvasim(const QStringList& arguments) {
 inline Outcome kvasim(const char* arguments) {
     return kvasim(QString::fromLatin1(arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts));
 }
-
-/** One end of the control socket. */
-class Connection {
-public:
-    explicit Connection(const QString& path) : m_socket(::socket(AF_UNIX, SOCK_STREAM, 0)) {
-        const QByteArray name = path.toLocal8Bit();
-        sockaddr_un address{};
-        address.sun_family = AF_UNIX;
-        std::memcpy(address.sun_path, name.constData(),
-                    std::min<std::size_t>(sizeof address.sun_path - 1,
-                                          static_cast<std::size_t>(name.size())));
-        connected =
-            ::connect(m_socket, reinterpret_cast<const sockaddr*>(&address), sizeof address) == 0;
-    }
-    ~Connection() { ::close(m_socket); }
-    Connection(const Connection&) = delete;
-    Connection& operator=(const Connection&) = delete;
-
-    /** Sends what the other end takes within @p timeout ms. @return the number of bytes, -1 when
-        the connection is broken */
-    qint64 send(const QByteArray& bytes, int timeout = 5000) {
-        qint64 sent = 0;
-        while (sent < bytes.size()) {
-            pollfd ready{m_socket, POLLOUT, 0};
-            if (::poll(&ready, 1, timeout) <= 0)
-                return sent;
-            const auto count =
-                ::send(m_socket, bytes.constData() + sent,
-                       static_cast<std::size_t>(bytes.size() - sent), MSG_NOSIGNAL | MSG_DONTWAIT);
-            if (count < 0 && errno != EAGAIN)
-                return -1;
-            sent += std::max<qint64>(count, 0);
-        }
-        return sent;
-    }
-
-    /** The next line; empty at the end of the connection or after @p timeout ms without a byte. */
-    QByteArray line(int timeout = 5000) {
-        for (;;) {
-            const int end = m_received.indexOf('\n');
-            if (end >= 0) {
-                const QByteArray first = m_received.left(end);
-                m_received.remove(0, end + 1);
-                return first;
-            }
-            pollfd ready{m_socket, POLLIN, 0};
-            char bytes[4096];
-            if (::poll(&ready, 1, timeout) <= 0)
-                return {};
-            const auto count = ::recv(m_socket, bytes, sizeof bytes, 0);
-            if (count <= 0)
-                return {};
-            m_received.append(bytes, static_cast<int>(count));
-        }
-    }
-
-    json ask(const QByteArray& request) {
-        send(request + '\n');
-        const QByteArray answer = line();
-        return answer.isEmpty() ? json() : json::parse(answer.toStdString());
-    }
-
-    /** Whether the other end closes within @p timeout ms. */
-    bool isClosed(int timeout) {
-        pollfd ready{m_socket, POLLIN, 0};
-        char bytes[4096];
-        while (::poll(&ready, 1, timeout) > 0) {
-            if (::recv(m_socket, bytes, sizeof bytes, 0) <= 0)
-                return true;
-        }
-        return false;
-    }
-
-    bool connected = false;
-
-private:
-    int m_socket;
-    QByteArray m_received;
-};
 
 } // namespace kvasimtest
 

@@ -9,6 +9,7 @@
 #include "simulator/KvaSimHelpers.h"
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QTemporaryDir>
 #include <QtTest>
 
@@ -196,6 +197,21 @@ inline QByteArray deliveredCodes() {
     for (const RecordedEvent& event : EventRecord::instance().all())
         codes += (codes.isEmpty() ? "" : " ") + QByteArray::number(event.code);
     return codes;
+}
+
+/** The rules in force, without the numbers that they were given when they were added. */
+inline json faults() {
+    json rules = state()["faults"];
+    for (json& rule : rules)
+        rule.erase("id");
+    return rules;
+}
+
+/** Switches an instrument off and on as `kvasim power-cycle` does: it takes its time to start. */
+inline bool powerCycle(std::int32_t serialNumber) {
+    const json now = instrument(serialNumber);
+    return set(serialNumber, {{"powerCycles", now["powerCycles"].get<int>() + 1},
+                              {"poweredOn", QDateTime::currentMSecsSinceEpoch()}});
 }
 
 inline QByteArray lastError() {

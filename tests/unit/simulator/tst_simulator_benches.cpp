@@ -18,7 +18,7 @@ private Q_SLOTS:
     void ready();
     void faultyCableLosesConnections();
     void comments();
-    void commentsAreNotForRequests();
+    void commentsAreNotForPatches();
     void startUp();
     void startUpEndsWithUnplugging();
     void startUpEndsWithHandler();
@@ -97,8 +97,10 @@ void TestSimulatorBenches::comments() {
     QVERIFY2(lastError().startsWith("line 4, column 1: "), KvaSim_LastError());
 }
 
-void TestSimulatorBenches::commentsAreNotForRequests() {
-    QVERIFY(json::parse(taken(KvaSim_Request("{\"command\": \"list\"} // now")))["ok"] == false);
+void TestSimulatorBenches::commentsAreNotForPatches() {
+    QVERIFY(loadJson(benchOf({usbSerial})));
+    QVERIFY(!KvaSim_Set(usbSerial, "{} // now"));
+    QVERIFY(!KvaSim_AddFault(R"({"function": "*", "result": 0} // now)"));
 }
 
 void TestSimulatorBenches::startUp() {
@@ -110,17 +112,15 @@ void TestSimulatorBenches::startUp() {
     QCOMPARE(KVA_Connect(&port, 10), KVA_RESULT{KVA_SUCCESS});
     QElapsedTimer timer;
     timer.start();
-    QVERIFY(request({{"command", "powerCycle"}, {"serialNumber", usbSerial}})["ok"] == true);
+    QVERIFY(powerCycle(usbSerial));
     QCOMPARE(deliveredCodes(), QByteArray("6"));
     QCOMPARE(ports().size(), std::size_t{1});
     QCOMPARE(KVA_Connect(&port, 10), KVA_RESULT{KVA_ERROR_INSTRUMENT_UNAVAILABLE});
-    QVERIFY(request({{"command", "list"}})["instruments"][0]["starting"] == true);
     KvaSim_EmitEvent(3, 0, 0); // others are not held up
     QCOMPARE(deliveredCodes(), QByteArray("6 3"));
     QTRY_COMPARE(deliveredCodes(), QByteArray("6 3 0"));
     QVERIFY(timer.elapsed() >= 300);
     QCOMPARE(KVA_Connect(&port, 10), KVA_RESULT{KVA_SUCCESS});
-    QVERIFY(request({{"command", "list"}})["instruments"][0]["starting"] == false);
 }
 
 void TestSimulatorBenches::startUpEndsWithUnplugging() {
@@ -129,7 +129,7 @@ void TestSimulatorBenches::startUpEndsWithUnplugging() {
     QVERIFY(loadJson(bench));
     QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_RESULT{KVA_SUCCESS});
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-    QVERIFY(request({{"command", "powerCycle"}, {"serialNumber", usbSerial}})["ok"] == true);
+    QVERIFY(powerCycle(usbSerial));
     QVERIFY(KvaSim_Unplug(usbSerial));
     QTest::qWait(250); // an event that comes in spite of it would be here by now
     QCOMPARE(deliveredCodes(), QByteArray("6"));
@@ -144,7 +144,7 @@ void TestSimulatorBenches::startUpEndsWithHandler() {
     QVERIFY(loadJson(bench));
     QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_RESULT{KVA_SUCCESS});
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-    QVERIFY(request({{"command", "powerCycle"}, {"serialNumber", usbSerial}})["ok"] == true);
+    QVERIFY(powerCycle(usbSerial));
     QCOMPARE(KVA_RegisterDeviceEventHandler(nullptr), KVA_RESULT{KVA_SUCCESS});
     EventRecord::instance().clear();
     QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_RESULT{KVA_SUCCESS});
@@ -160,7 +160,7 @@ void TestSimulatorBenches::cycleWhileStarting() {
     QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_RESULT{KVA_SUCCESS});
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
     for (int round = 0; round < 2; ++round)
-        QVERIFY(request({{"command", "powerCycle"}, {"serialNumber", usbSerial}})["ok"] == true);
+        QVERIFY(powerCycle(usbSerial));
     QTRY_COMPARE(deliveredCodes(), QByteArray("6 0"));
     QTest::qWait(250);
     QCOMPARE(deliveredCodes(), QByteArray("6 0"));

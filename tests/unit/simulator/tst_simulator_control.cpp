@@ -61,13 +61,6 @@ private Q_SLOTS:
     void traceIsAppended();
     void traceThatCannotBeWritten();
 
-    void requests_data();
-    void requests();
-    void refusedRequests_data();
-    void refusedRequests();
-    void rubbishIsAnswered();
-    void keyIsRevealedOnRequestOnly();
-    void logAfterNumber();
     void mergePatch();
     void lastErrorIsOfLastCall();
 
@@ -163,8 +156,6 @@ void TestSimulatorControl::numbersGoOn() {
 void TestSimulatorControl::logIsBounded() {
     for (int round = 0; round < 100003; ++round)
         KVA_Disconnect();
-    const json answer = request({{"command", "log"}, {"after", 100001}});
-    QCOMPARE(answer["calls"].size(), std::size_t{2});
     const std::string all = taken(KvaSim_CallLog());
     QCOMPARE(std::count(all.begin(), all.end(), '\n') + 1, std::ptrdiff_t{100000});
     QCOMPARE(QByteArray::fromStdString(all).left(9), QByteArray("[{\"seq\":4"));
@@ -215,126 +206,6 @@ void TestSimulatorControl::traceThatCannotBeWritten() {
     QCOMPARE(ports().size(), std::size_t{2});
     QCOMPARE(callLog().size(), std::size_t{2});
 #endif
-}
-
-void TestSimulatorControl::requests_data() {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("answer");
-    const auto row = [](const char* name, const char* text, const char* answer) {
-        QTest::newRow(name) << QByteArray(text) << QByteArray(answer);
-    };
-    row("list", R"({"command": "list"})", R"({"ok": true, "instruments": [
-        {"serialNumber": 1000001, "plugged": true, "starting": false, "connected": true,
-         "port": {"type": 1, "name": "USB"}},
-        {"serialNumber": 1000002, "plugged": true, "starting": false, "connected": false,
-         "port": {"type": 1, "name": "USB"}}]})");
-    row("plug", R"({"command": "plug", "serialNumber": 1000001})", R"({"ok": true})");
-    row("unplug", R"({"command": "unplug", "serialNumber": 1000001})", R"({"ok": true})");
-    row("powerCycle", R"({"command": "powerCycle", "serialNumber": 1000001})", R"({"ok": true})");
-    row("set", R"({"command": "set", "serialNumber": 1000001, "patch": {"plugged": false}})",
-        R"({"ok": true})");
-    row("addFault",
-        R"({"command": "addFault", "fault": {"function": "KVA_Connect", "result": "KVA_ERROR"}})",
-        R"({"ok": true})");
-    row("faults", R"({"command": "faults"})", R"({"ok": true, "faults": []})");
-    row("clearFaults", R"({"command": "clearFaults"})", R"({"ok": true})");
-    row("log", R"({"command": "log", "after": 100})", R"({"ok": true, "calls": []})");
-    row("clearLog", R"({"command": "clearLog"})", R"({"ok": true})");
-    row("event", R"({"command": "event", "code": 3, "rawDataCount": 4, "error": -5})",
-        R"({"ok": true})");
-}
-
-void TestSimulatorControl::requests() {
-    QFETCH(QByteArray, text);
-    QFETCH(QByteArray, answer);
-    KVA_RegisterDeviceEventHandler(recordEvent);
-    QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-    const json given = json::parse(taken(KvaSim_Request(text.constData())));
-    QVERIFY2(given == json::parse(answer.toStdString()), given.dump().c_str());
-    const QByteArray command = QTest::currentDataTag();
-    const bool unplugged = command == "unplug" || command == "set";
-    QCOMPARE(ports().size(), std::size_t{unplugged ? 1U : 2U});
-    QCOMPARE(deliveredCodes(), unplugged                 ? QByteArray("6")
-                               : command == "powerCycle" ? QByteArray("6 0")
-                               : command == "event"      ? QByteArray("3")
-                                                         : QByteArray());
-    QVERIFY(connectTo(networkSerial) == (command == "addFault" ? KVA_ERROR
-                                         : unplugged || command == "powerCycle"
-                                             ? KVA_SUCCESS
-                                             : KVA_ERROR_CONNECT_ALREADY));
-    KVA_RegisterDeviceEventHandler(nullptr);
-}
-
-void TestSimulatorControl::refusedRequests_data() {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<QByteArray>("error");
-    const auto row = [](const char* text, const char* error) {
-        QTest::newRow(text) << QByteArray(text) << QByteArray(error);
-    };
-    row("", "line 1, column 1: syntax error");
-    row("[]", "the document: must be an object");
-    row("{}", "command: is missing");
-    row(R"({"command": 1})", "command: must be a string");
-    row(R"({"command": "dance"})", "command: is not a known command");
-    row(R"({"command": "list", "all": true})", "all: is not a known field");
-    row(R"({"command": "plug"})", "serialNumber: is missing");
-    row(R"({"command": "plug", "serialNumber": "1"})", "serialNumber: must be a whole number");
-    row(R"({"command": "plug", "serialNumber": 5})", "no instrument 5 on the bench");
-    row(R"({"command": "show", "serialNumber": 5})", "no instrument 5 on the bench");
-    row(R"({"command": "set", "serialNumber": 1000001})", "patch: is missing");
-    row(R"({"command": "set", "serialNumber": 1000001, "patch": 5})", "the document: must be");
-    row(R"({"command": "addFault", "fault": {}})", "fault.function: is missing");
-    row(R"({"command": "log", "after": -1})", "after: must be a whole number");
-    row(R"({"command": "event"})", "code: is missing");
-    row(R"({"command": "state", "reveal": 1})", "reveal: must be true or false");
-}
-
-void TestSimulatorControl::refusedRequests() {
-    QFETCH(QByteArray, text);
-    QFETCH(QByteArray, error);
-    const json answer = json::parse(taken(KvaSim_Request(text.constData())));
-    QCOMPARE(answer.size(), std::size_t{2});
-    QVERIFY(answer["ok"] == false);
-    const auto reason = QByteArray::fromStdString(answer["error"].get<std::string>());
-    QVERIFY2(reason.startsWith(error), reason.constData());
-}
-
-void TestSimulatorControl::rubbishIsAnswered() {
-    QVERIFY(json::parse(taken(KvaSim_Request(nullptr)))["ok"] == false);
-    QByteArray rubbish = R"({"command": "list"})";
-    for (int position = 0; position < rubbish.size(); ++position) {
-        for (const int byte : {1, 0x22, 0x7B, 0x80, 0xFF}) {
-            QByteArray changed = rubbish;
-            changed[position] = static_cast<char>(byte);
-            QVERIFY(json::parse(taken(KvaSim_Request(changed.constData()))).contains("ok"));
-        }
-    }
-}
-
-void TestSimulatorControl::keyIsRevealedOnRequestOnly() {
-    QVERIFY(set(usbSerial,
-                {{"network",
-                  {{"active", {{"EncryptKey", secret}}}, {"pending", {{"EncryptKey", secret}}}}}}));
-    const json hidden = request({{"command", "show"}, {"serialNumber", usbSerial}});
-    QVERIFY(!holdsSecret(QByteArray::fromStdString(hidden.dump())));
-    QVERIFY(hidden["instrument"]["network"]["active"]["EncryptKey"] == json({{"length", 26}}));
-    QVERIFY(!holdsSecret(QByteArray::fromStdString(request({{"command", "state"}}).dump())));
-    const json shown =
-        request({{"command", "show"}, {"serialNumber", usbSerial}, {"reveal", true}});
-    QVERIFY(shown["instrument"] == instrument(usbSerial));
-    QVERIFY(request({{"command", "state"}, {"reveal", true}})["bench"] == state());
-}
-
-void TestSimulatorControl::logAfterNumber() {
-    for (int round = 0; round < 5; ++round)
-        ports();
-    const json calls = request({{"command", "log"}, {"after", 3}})["calls"];
-    QCOMPARE(calls.size(), std::size_t{2});
-    QVERIFY(calls[0]["seq"] == 4);
-    QVERIFY(request({{"command", "log"}, {"after", 5}})["calls"] == json::array());
-    KvaSim_ClearCallLog();
-    ports();
-    QCOMPARE(request({{"command", "log"}, {"after", 3}})["calls"].size(), std::size_t{1});
 }
 
 void TestSimulatorControl::mergePatch() {

@@ -287,7 +287,7 @@ void TestSimulatorFaultKinds::chanceIsRepeatable() {
     QVERIFY2(first.count('x') > 60 && first.count('x') < 140, first.constData());
     KvaSim_ClearFaults();
     QVERIFY(addFault({{"function", "*"}, {"probability", 1}, {"result", -9799}}));
-    QVERIFY(request({{"command", "faults"}})["faults"][0]["seed"].is_number_unsigned());
+    QVERIFY(faults()[0]["seed"].is_number_unsigned());
     QCOMPARE(setPowerOffMode(1), KVA_RESULT{KVA_ERROR_NAK});
 }
 
@@ -322,7 +322,7 @@ void TestSimulatorFaultKinds::listedAsGiven() {
     json rule =
         json::parse("{\"function\": \"*\", \"call\": \"every\", " + fault.toStdString() + '}');
     QVERIFY2(addFault(rule), KvaSim_LastError());
-    const json listed = request({{"command", "faults"}})["faults"];
+    const json listed = faults();
     QVERIFY2(listed[0] == rule, listed.dump().c_str());
     json bench = benchOf({usbSerial});
     bench["faults"].push_back(rule);
@@ -371,7 +371,7 @@ void TestSimulatorFaultKinds::refused() {
     QFETCH(QByteArray, path);
     QVERIFY(!KvaSim_AddFault(('{' + rule + '}').constData()));
     QVERIFY2(lastError().startsWith(path + ": "), KvaSim_LastError());
-    QVERIFY(request({{"command", "faults"}})["faults"] == json::array());
+    QVERIFY(faults() == json::array());
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorFaultKinds)

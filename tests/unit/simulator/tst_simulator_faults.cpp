@@ -95,7 +95,7 @@ void TestSimulatorFaults::results() {
     const json call = callLog().back();
     QVERIFY(call["result"] == result);
     QCOMPARE(QByteArray::fromStdString(call["resultName"].get<std::string>()), name);
-    const json listed = request({{"command", "faults"}})["faults"];
+    const json listed = faults();
     QCOMPARE(listed.size(), std::size_t{1});
     KvaSim_ClearFaults();
     KVA_Disconnect();
@@ -231,9 +231,9 @@ void TestSimulatorFaults::serialNumberOfRule() {
 void TestSimulatorFaults::usedUpRuleIsGone() {
     QVERIFY(addFault({{"function", "KVA_Connect"}, {"times", 2}, {"result", -9999}}));
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR});
-    QVERIFY(request({{"command", "faults"}})["faults"][0]["times"] == 1);
+    QVERIFY(faults()[0]["times"] == 1);
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR});
-    QVERIFY(request({{"command", "faults"}})["faults"] == json::array());
+    QVERIFY(faults() == json::array());
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
 }
 
@@ -296,7 +296,7 @@ void TestSimulatorFaults::refused() {
     QFETCH(QByteArray, path);
     QVERIFY(!KvaSim_AddFault(rule.constData()));
     QVERIFY2(lastError().startsWith(path + ": "), KvaSim_LastError());
-    QVERIFY(request({{"command", "faults"}})["faults"] == json::array());
+    QVERIFY(faults() == json::array());
 }
 
 QTEST_GUILESS_MAIN(TestSimulatorFaults)

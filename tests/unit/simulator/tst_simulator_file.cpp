@@ -43,7 +43,7 @@ private Q_SLOTS:
     void modeOfFileIsKept();
     void symbolicLinkStays();
     void workingDirectoryMayChange();
-    void faultsOfFileStayInFile();
+    void faultsAreThoseOfFile();
 
     void refusedFileIsLeftAlone_data();
     void refusedFileIsLeftAlone();
@@ -148,7 +148,8 @@ void TestSimulatorFile::fileIsReplacedWhole() {
     QCOMPARE(reader.readAll(), old);
     QVERIFY(contentOf(m_path) != old);
     const QDir folder = QFileInfo(m_path).dir();
-    QCOMPARE(folder.entryList(QDir::Files | QDir::Hidden), {QStringLiteral("bench.json")});
+    QCOMPARE(folder.entryList(QDir::Files | QDir::Hidden),
+             QStringList({QStringLiteral("bench.json"), QStringLiteral("bench.json.lock")}));
 }
 
 void TestSimulatorFile::modeOfFileIsKept() {
@@ -181,18 +182,19 @@ void TestSimulatorFile::workingDirectoryMayChange() {
     QVERIFY(parsed(contentOf(m_path))["instruments"][0]["plugged"] == false);
 }
 
-void TestSimulatorFile::faultsOfFileStayInFile() {
+void TestSimulatorFile::faultsAreThoseOfFile() {
     json bench = benchOf({usbSerial});
     const json rule = {{"function", "KVA_Connect"}, {"call", 1}, {"result", "KVA_ERROR_NAK"}};
     bench["faults"].push_back(rule);
     writeBench(bench);
-    QVERIFY(addFault({{"function", "KVA_Disconnect"}, {"result", 1}}));
+    QVERIFY(addFault({{"function", "KVA_Disconnect"}, {"result", 1}, {"times", 1}}));
+    QVERIFY(parsed(contentOf(m_path))["faults"].size() == 2);
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_NAK});
     QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-    KvaSim_ClearFaults();
-    const std::uint8_t mode = 2;
-    QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
+    QCOMPARE(KVA_Disconnect(), KVA_RESULT{1});
     QVERIFY(parsed(contentOf(m_path))["faults"] == json::array({rule}));
+    KvaSim_ClearFaults();
+    QVERIFY(parsed(contentOf(m_path))["faults"] == json::array());
 }
 
 void TestSimulatorFile::refusedFileIsLeftAlone_data() {
@@ -201,7 +203,7 @@ void TestSimulatorFile::refusedFileIsLeftAlone_data() {
     QTest::newRow("empty") << QByteArray() << QByteArray("line 1, column 1");
     QTest::newRow("no JSON") << QByteArray("hello\n") << QByteArray("line 1, column 1");
     QTest::newRow("cut") << QByteArray("{\"version\": 1,\n\"instr") << QByteArray("line 2, column");
-    QTest::newRow("newer") << QByteArray("{\"version\": 2}") << QByteArray("version: is 2, newer");
+    QTest::newRow("newer") << QByteArray("{\"version\": 3}") << QByteArray("version: is 3, newer");
     QTest::newRow("damaged") << QByteArray(
                                     "{\"version\": 1, \"instruments\": [{\"serialNumber\": 1,"
                                     " \"powerOffMode\": 300}]}")

@@ -51,7 +51,7 @@ void TestSimulatorRefusal::refused_data() {
     row("version as text", "{\"version\": \"1\", \"instruments\": []}", "version: must be a whole");
     row("version 0", "{\"version\": 0, \"instruments\": []}", "version: must be a whole");
     row("version 1.5", "{\"version\": 1.5, \"instruments\": []}", "version: must be a whole");
-    row("newer", "{\"version\": 2, \"surprise\": 1}", "version: is 2, newer than the version 1");
+    row("newer", "{\"version\": 3, \"surprise\": 1}", "version: is 3, newer than the version 2");
     row("no instruments", "{\"version\": 1}", "instruments: is missing");
     row("instruments", "{\"version\": 1, \"instruments\": {}}", "instruments: must be an array");
     row("unknown", "{\"version\": 1, \"instruments\": [], \"fault\": []}", "fault: is not a known");
