@@ -65,7 +65,7 @@ start_server() {
     export QT_FONT_DPI=72 KVASIM_TRACE="$work/trace"
     # What Qt's file dialogs remember is not the user's; the fonts that are known already are.
     export XDG_CACHE_HOME="${XDG_CACHE_HOME:-$HOME/.cache}" HOME="$work" XDG_CONFIG_HOME="$work/config"
-    unset KVASIM_BENCH KVASIM_RUNTIME_DIR WAYLAND_DISPLAY QT_QPA_PLATFORM QT_QPA_PLATFORMTHEME
+    unset KVASIM_BENCH WAYLAND_DISPLAY QT_QPA_PLATFORM QT_QPA_PLATFORMTHEME
     unset QT_SCALE_FACTOR QT_STYLE_OVERRIDE QT_LOGGING_RULES
     until_true "the window manager did not start" manage
 }

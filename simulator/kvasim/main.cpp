@@ -190,7 +190,8 @@ void addFault(const Options& options, const Json& rule) {
 
 void listFaults(const Options& options) {
     Json faults = Json::array();
-    for (kvasim::FaultRule rule : open(options)->bench().faults) {
+    const auto store = open(options);
+    for (kvasim::FaultRule rule : store->bench().faults) {
         rule.id.reset();
         faults.push_back(kvasim::faultRuleToJson(rule));
     }

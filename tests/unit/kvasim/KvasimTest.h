@@ -16,8 +16,8 @@
 
 #include <cstring>
 #include <memory>
+#include <mutex>
 #include <thread>
-
 
 namespace kvasimtest {
 
@@ -55,7 +55,7 @@ public:
     Bench(const Bench&) = delete;
     Bench& operator=(const Bench&) = delete;
 
-    QString path() const { return folder.filePath(QStringLiteral("bench.json")); }
+    QString path() const { return folder.filePath("bench.json"); }
 
     static void write(const QString& path, const QByteArray& text) {
         QFile file(path);
@@ -86,7 +86,7 @@ inline KVA_RESULT connectTo(std::int32_t serialNumber) {
 /** Runs the command to its end. */
 inline Outcome kvasim(const QStringList& arguments) {
     QProcess process;
-    process.start(QStringLiteral(KVASIM), arguments);
+    process.start(KVASIM, arguments);
     if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
         process.kill();
         process.waitForFinished();
@@ -95,9 +95,52 @@ inline Outcome kvasim(const QStringList& arguments) {
     return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
 }
 
-inline Outcome kvasim(const char* arguments) {
-    return kvasim(QString::fromLatin1(arguments).split(QLatin1Char(' '), Qt::SkipEmptyParts));
+inline QStringList wordsOf(const char* arguments) {
+    return QString(arguments).split(' ', Qt::SkipEmptyParts);
 }
+
+inline Outcome kvasim(const char* arguments) {
+    return kvasim(wordsOf(arguments));
+}
+
+/** Another program that uses a bench and is connected to its first instrument. */
+class BenchHolder {
+public:
+    explicit BenchHolder(const QString& bench) {
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert("KVASIM_BENCH", bench);
+        m_process.setProcessEnvironment(environment);
+        m_process.start(BENCH_HOLDER, QStringList());
+    }
+    ~BenchHolder() { end(true); }
+    BenchHolder(const BenchHolder&) = delete;
+    BenchHolder& operator=(const BenchHolder&) = delete;
+
+    /** The next line: first the number of instruments, or why the library refuses. */
+    QByteArray answer() {
+        while (!m_process.canReadLine() && m_process.waitForReadyRead(20000)) {
+        }
+        return m_process.readLine();
+    }
+
+    /** What its next call for the connected instrument answers. */
+    QByteArray ask() {
+        m_process.write("\n");
+        return answer();
+    }
+
+    void end(bool isKilled) {
+        if (isKilled)
+            m_process.kill();
+        m_process.closeWriteChannel();
+        m_process.waitForFinished();
+    }
+
+    QByteArray errors() { return m_process.readAllStandardError(); }
+
+private:
+    QProcess m_process;
+};
 
 } // namespace kvasimtest
 

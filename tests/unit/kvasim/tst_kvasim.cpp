@@ -4,6 +4,46 @@
 
 using namespace kvasimtest;
 
+namespace {
+
+struct EventsCase {
+    const char* name;
+    QList<const char*> commands;
+    const char* codes;
+};
+
+/** Arguments of the command, and what is expected. */
+struct Case {
+    const char* arguments;
+    const char* expected = "";
+    const char* pointer = ""; ///< of the field that is set
+};
+
+template <std::size_t Count>
+void addCases(const Case (&cases)[Count]) {
+    QTest::addColumn<Case>("given");
+    for (const Case& row : cases)
+        QTest::newRow(row.arguments) << row;
+}
+
+std::mutex g_mutex;
+QByteArray g_codes;
+
+void recordCode(std::uint32_t code, std::uint32_t, std::int32_t) {
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    g_codes += (g_codes.isEmpty() ? "" : " ") + QByteArray::number(code);
+}
+
+QByteArray codes() {
+    const std::lock_guard<std::mutex> lock(g_mutex);
+    return g_codes;
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(EventsCase)
+Q_DECLARE_METATYPE(Case)
+
 class TestKvasim : public QObject {
     Q_OBJECT
 
@@ -31,6 +71,20 @@ private Q_SLOTS:
     void faultRules();
     void log();
     void logFollows();
+    void logIsMoved();
+    void benchCheck();
+    void benchInit();
+    void nobodyRuns();
+    void severalRun();
+    void holdEndsWithItsProgram();
+    void holdEndsWithLoss();
+    void sameProgramAgain();
+    void ruleIsUsedOnceByAll();
+    void equalRuleIsCountedAnew();
+    void eventsOfChanges_data();
+    void eventsOfChanges();
+    void fileChangedByHand();
+    void fileThatStaysWrong();
 
 private:
     std::unique_ptr<Bench> m_bench;
@@ -47,35 +101,55 @@ void TestKvasim::cleanup() {
 }
 
 void TestKvasim::usage_data() {
-    QTest::addColumn<QString>("arguments");
-    for (const char* arguments :
-         {"", "dance", "show", "show x", "show 1 2", "show 99999999999", "list --nonsense", "set",
-          "set 1000001", "fault", "fault dance", "fault add --function KVA_Connect",
-          "fault add --result 0 --stale", "fault add --delay x --function KVA_Connect", "bench",
-          "bench check", "list --bench", "plug"})
-        QTest::newRow(arguments) << QString::fromLatin1(arguments);
+    addCases({{""},
+              {"dance"},
+              {"show"},
+              {"show x"},
+              {"show 1 2"},
+              {"show 99999999999"},
+              {"list --nonsense"},
+              {"set"},
+              {"set 1000001"},
+              {"fault"},
+              {"fault dance"},
+              {"fault add --function KVA_Connect"},
+              {"fault add --result 0 --stale"},
+              {"fault add --delay x --function KVA_Connect"},
+              {"bench"},
+              {"bench check"},
+              {"list --bench"},
+              {"plug"}});
 }
 
 void TestKvasim::usage() {
-    QFETCH(QString, arguments);
-    const Outcome outcome = kvasim(arguments.split(QLatin1Char(' '), Qt::SkipEmptyParts));
+    QFETCH(Case, given);
+    const Outcome outcome = kvasim(given.arguments);
     QCOMPARE(outcome.status, 2);
     QVERIFY(!outcome.errors.isEmpty());
     QCOMPARE(outcome.output, QByteArray());
 }
 
 void TestKvasim::help_data() {
-    QTest::addColumn<QString>("command");
-    for (const char* command :
-         {"", "list", "show", "plug", "unplug", "power-cycle", "set", "fault", "fault add",
-          "fault list", "fault clear", "log", "bench", "bench check", "bench init"})
-        QTest::newRow(command) << QString::fromLatin1(command);
+    addCases({{""},
+              {"list"},
+              {"show"},
+              {"plug"},
+              {"unplug"},
+              {"power-cycle"},
+              {"set"},
+              {"fault"},
+              {"fault add"},
+              {"fault list"},
+              {"fault clear"},
+              {"log"},
+              {"bench"},
+              {"bench check"},
+              {"bench init"}});
 }
 
 void TestKvasim::help() {
-    QFETCH(QString, command);
-    const Outcome outcome =
-        kvasim(command.split(QLatin1Char(' '), Qt::SkipEmptyParts) << QStringLiteral("--help"));
+    QFETCH(Case, given);
+    const Outcome outcome = kvasim(wordsOf(given.arguments) << "--help");
     QCOMPARE(outcome.status, 0);
     QVERIFY(outcome.output.contains("Usage: kvasim"));
 }
@@ -146,47 +220,40 @@ void TestKvasim::powerCycle() {
 }
 
 void TestKvasim::set_data() {
-    QTest::addColumn<QString>("assignment");
-    QTest::addColumn<QByteArray>("pointer");
-    QTest::addColumn<QByteArray>("value");
-    const auto row = [](const char* assignment, const char* pointer, const char* value) {
-        QTest::newRow(assignment) << QString::fromUtf8(assignment) << QByteArray(pointer)
-                                  << QByteArray(value);
-    };
-    row("powerOffMode=3", "/powerOffMode", "3");
-    row("plugged=false", "/plugged", "false");
-    row("wirelessModule=false", "/wirelessModule", "false");
-    row("network.active.SSID=lab", "/network/active/SSID", "\"lab\"");
-    row("network.active.SSID=12345", "/network/active/SSID", "\"12345\"");
-    row("network.active.SSID=a=b c", "/network/active/SSID", "\"a=b c\"");
-    row("network.active.SSID=", "/network/active/SSID", "\"\"");
-    row("network.pending.SSID=007", "/network/pending/SSID", "\"007\"");
-    row("network.active.IPAddress=10.0.0.1", "/network/active/IPAddress", "\"10.0.0.1\"");
-    row("calibration.committed.white.values.3=91.5", "/calibration/committed/white/values/3",
-        "91.5");
-    row("calibration.committed.ambientAdapter.values[74]=1.25",
-        "/calibration/committed/ambientAdapter/values/74", "1.25");
-    row("calibration.staged.white.values.0=80.25", "/calibration/staged/white/values/0", "80.25");
-    row("calibration.committed.white.serialNumber=00000007",
-        "/calibration/committed/white/serialNumber", "\"00000007\"");
-    row("calibration.committed.reserved={\"fill\": 3}", "/calibration/committed/reserved",
-        "{\"fill\": 3}");
-    row("device.firmware.2=99", "/device/firmware/2", "99");
-    row("device.firmware=[4, 5, 6]", "/device/firmware", "[4, 5, 6]");
-    row("port.name={\"hex\": \"" /* all 36 bytes */
-        "414141414141414141414141414141414141414141414141414141414141414141414141\"}",
-        "/port/name", "\"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\"");
+    addCases({
+        {"powerOffMode=3", "3", "/powerOffMode"},
+        {"plugged=false", "false", "/plugged"},
+        {"wirelessModule=false", "false", "/wirelessModule"},
+        {"network.active.SSID=lab", "\"lab\"", "/network/active/SSID"},
+        {"network.active.SSID=12345", "\"12345\"", "/network/active/SSID"},
+        {"network.active.SSID=a=b c", "\"a=b c\"", "/network/active/SSID"},
+        {"network.active.SSID=", "\"\"", "/network/active/SSID"},
+        {"network.pending.SSID=007", "\"007\"", "/network/pending/SSID"},
+        {"network.active.IPAddress=10.0.0.1", "\"10.0.0.1\"", "/network/active/IPAddress"},
+        {"calibration.committed.white.values.3=91.5", "91.5",
+         "/calibration/committed/white/values/3"},
+        {"calibration.committed.ambientAdapter.values[74]=1.25", "1.25",
+         "/calibration/committed/ambientAdapter/values/74"},
+        {"calibration.staged.white.values.0=80.25", "80.25", "/calibration/staged/white/values/0"},
+        {"calibration.committed.white.serialNumber=00000007", "\"00000007\"",
+         "/calibration/committed/white/serialNumber"},
+        {"calibration.committed.reserved={\"fill\": 3}", "{\"fill\": 3}",
+         "/calibration/committed/reserved"},
+        {"device.firmware.2=99", "99", "/device/firmware/2"},
+        {"device.firmware=[4, 5, 6]", "[4, 5, 6]", "/device/firmware"},
+        {"port.name={\"hex\": \""
+         "414141414141414141414141414141414141414141414141414141414141414141414141\"}",
+         "\"AAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAAA\"", "/port/name"},
+    });
 }
 
 void TestKvasim::set() {
-    QFETCH(QString, assignment);
-    QFETCH(QByteArray, pointer);
-    QFETCH(QByteArray, value);
-    const Outcome outcome = kvasim({QStringLiteral("set"), QStringLiteral("1000001"), assignment});
+    QFETCH(Case, given);
+    const Outcome outcome = kvasim({"set", "1000001", given.arguments});
     QCOMPARE(outcome.errors, QByteArray());
     QCOMPARE(outcome.status, 0);
-    const json now = instrument(usbSerial).at(json::json_pointer(pointer.toStdString()));
-    QVERIFY2(now == json::parse(value.toStdString()), now.dump().c_str());
+    const json now = instrument(usbSerial).at(json::json_pointer(given.pointer));
+    QVERIFY2(now == json::parse(given.expected), now.dump().c_str());
 }
 
 void TestKvasim::setManyAtOnce() {
@@ -203,38 +270,35 @@ void TestKvasim::setManyAtOnce() {
 }
 
 void TestKvasim::refused_data() {
-    QTest::addColumn<QString>("arguments");
-    QTest::addColumn<QByteArray>("reason");
-    const auto row = [](const char* arguments, const char* reason) {
-        QTest::newRow(arguments) << QString::fromLatin1(arguments) << QByteArray(reason);
-    };
-    row("show 5", "no instrument 5 on the bench");
-    row("unplug 5", "no instrument 5 on the bench");
-    row("set 5 powerOffMode=1", "no instrument 5 on the bench");
-    row("set 1000001 powerOffMode", "is not FIELD=VALUE");
-    row("set 1000001 =5", "is not FIELD=VALUE");
-    row("set 1000001 a..b=5", "is not the path of a field");
-    row("set 1000001 powerOffMode=256", "powerOffMode: must be a whole number from 0 to 255");
-    row("set 1000001 powerOffMode=on", "powerOffMode: must be");
-    row("set 1000001 nonsense=1", "nonsense: is not a known field");
-    row("set 1000001 device.firmware.3=1", "has no element 3");
-    row("set 1000001 serialNumber=1000002", "serialNumber: is the serial number of another");
-    row("fault add --function KVA_Nothing --result 0", "fault.function: is not the name");
-    row("fault add --result KVA_NOTHING", "fault.result: is not the name of a result code");
-    row("fault add --unplug never", "fault.unplug: must be");
-    row("list --bench /nowhere/at-all.json", "/nowhere/at-all.json: No such file");
-    row("bench check /nowhere/at-all.json", "/nowhere/at-all.json: cannot be opened");
-    row("bench init /nowhere/at-all.json", "/nowhere/at-all.json: cannot be written");
+    addCases({
+        {"show 5", "no instrument 5 on the bench"},
+        {"unplug 5", "no instrument 5 on the bench"},
+        {"set 5 powerOffMode=1", "no instrument 5 on the bench"},
+        {"set 1000001 powerOffMode", "is not FIELD=VALUE"},
+        {"set 1000001 =5", "is not FIELD=VALUE"},
+        {"set 1000001 a..b=5", "is not the path of a field"},
+        {"set 1000001 powerOffMode=256", "powerOffMode: must be a whole number from 0 to 255"},
+        {"set 1000001 powerOffMode=on", "powerOffMode: must be"},
+        {"set 1000001 nonsense=1", "nonsense: is not a known field"},
+        {"set 1000001 device.firmware.3=1", "has no element 3"},
+        {"set 1000001 serialNumber=1000002", "serialNumber: is the serial number of another"},
+        {"fault add --function KVA_Nothing --result 0", "fault.function: is not the name"},
+        {"fault add --result KVA_NOTHING", "fault.result: is not the name of a result code"},
+        {"fault add --unplug never", "fault.unplug: must be"},
+        {"list --bench /nowhere/at-all.json",
+         "/nowhere/at-all.json: cannot be opened: No such file"},
+        {"bench check /nowhere/at-all.json", "/nowhere/at-all.json: cannot be opened"},
+        {"bench init /nowhere/at-all.json", "/nowhere/at-all.json: cannot be written"},
+    });
 }
 
 void TestKvasim::refused() {
-    QFETCH(QString, arguments);
-    QFETCH(QByteArray, reason);
+    QFETCH(Case, given);
     const QByteArray before = QByteArray::fromStdString(stateText());
-    const Outcome outcome = kvasim(arguments.split(QLatin1Char(' ')));
+    const Outcome outcome = kvasim(given.arguments);
     QCOMPARE(outcome.status, 1);
     QVERIFY2(outcome.errors.startsWith("kvasim: "), outcome.errors.constData());
-    QVERIFY2(outcome.errors.contains(reason), outcome.errors.constData());
+    QVERIFY2(outcome.errors.contains(given.expected), outcome.errors.constData());
     QCOMPARE(outcome.output, QByteArray());
     QCOMPARE(QByteArray::fromStdString(stateText()), before);
 }
@@ -253,34 +317,29 @@ void TestKvasim::faults() {
 }
 
 void TestKvasim::faultRules_data() {
-    QTest::addColumn<QString>("options");
-    QTest::addColumn<QByteArray>("rule");
-    const auto row = [](const char* options, const char* rule) {
-        QTest::newRow(options) << QString::fromLatin1(options) << QByteArray(rule);
-    };
-    row("--result 5", R"("call": "every",
-        "result": "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_INITIALDATE_SETTING")");
-    row("--call 2-5 --serial 7 --times 3 --delay 20",
-        R"("call": "2-5", "serialNumber": 7, "times": 3, "delayMs": 20)");
-    row("--call 4 --dropped", R"("call": 4, "dropped": true)");
-    row("--stale", R"("call": "every", "stale": true)");
-    row("--corrupt SSID --value 65",
-        R"("call": "every", "corrupted": {"field": "SSID", "value": 65})");
-    row("--corrupt 100 --xor 1", R"("call": "every", "corrupted": {"offset": 100, "xor": 1})");
-    row("--short-list 0", R"("call": "every", "shortList": 0)");
-    row("--unplug after --instrument 9", R"("call": "every", "unplug": "after", "instrument": 9)");
-    row("--probability 0.5 --seed 3 --result -1",
-        R"("call": "every", "probability": 0.5, "seed": 3, "result": -1)");
+    addCases({
+        {"--result 5", R"("call": "every",
+        "result": "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_INITIALDATE_SETTING")"},
+        {"--call 2-5 --serial 7 --times 3 --delay 20",
+         R"("call": "2-5", "serialNumber": 7, "times": 3, "delayMs": 20)"},
+        {"--call 4 --dropped", R"("call": 4, "dropped": true)"},
+        {"--stale", R"("call": "every", "stale": true)"},
+        {"--corrupt SSID --value 65",
+         R"("call": "every", "corrupted": {"field": "SSID", "value": 65})"},
+        {"--corrupt 100 --xor 1", R"("call": "every", "corrupted": {"offset": 100, "xor": 1})"},
+        {"--short-list 0", R"("call": "every", "shortList": 0)"},
+        {"--unplug after --instrument 9", R"("call": "every", "unplug": "after", "instrument": 9)"},
+        {"--probability 0.5 --seed 3 --result -1",
+         R"("call": "every", "probability": 0.5, "seed": 3, "result": -1)"},
+    });
 }
 
 void TestKvasim::faultRules() {
-    QFETCH(QString, options);
-    QFETCH(QByteArray, rule);
-    const Outcome outcome = kvasim(QStringList{QStringLiteral("fault"), QStringLiteral("add")}
-                                   << options.split(QLatin1Char(' ')));
+    QFETCH(Case, given);
+    const Outcome outcome = kvasim(QStringList{"fault", "add"} << wordsOf(given.arguments));
     QCOMPARE(outcome.errors, QByteArray());
     const json listed = json::parse(kvasim("fault list --json").output.toStdString());
-    const json expected = json::parse("{\"function\": \"*\", " + rule.toStdString() + '}');
+    const json expected = json::parse(std::string("{\"function\": \"*\", ") + given.expected + '}');
     QVERIFY2(listed == json::array({expected}), listed.dump().c_str());
 }
 
@@ -303,7 +362,7 @@ void TestKvasim::log() {
 
 void TestKvasim::logFollows() {
     QProcess follower;
-    follower.start(QStringLiteral(KVASIM), {QStringLiteral("log"), QStringLiteral("-f")});
+    follower.start(KVASIM, {"log", "-f"});
     QVERIFY(follower.waitForStarted());
     QByteArray output;
     const auto seen = [&](const char* text) {
@@ -316,10 +375,195 @@ void TestKvasim::logFollows() {
     for (int round = 0; round < 3000; ++round)
         KVA_GetDevicePortList(nullptr, nullptr, 0);
     QTRY_COMPARE((seen(""), output.count("KVA_ERROR_ARGUMENT")), 3000);
+    QCOMPARE(follower.state(), QProcess::Running);
     KvaSim_Reset(); // gives the bench up, as the end of the program does
     QTRY_COMPARE(follower.state(), QProcess::NotRunning);
     QCOMPARE(follower.exitCode(), 0);
     QCOMPARE(follower.readAllStandardError(), QByteArray());
+}
+
+void TestKvasim::logIsMoved() {
+    const QString path = m_bench->path() + ".log";
+    Bench::write(path, QByteArray(4 << 20, '\n'));
+    KVA_Disconnect();
+    QCOMPARE(kvasim("log").output.count('\n'), 1);
+    QCOMPARE(QFileInfo(path + ".old").size(), qint64{4} << 20);
+    QVERIFY(QFileInfo(path).size() < 1000);
+}
+
+void TestKvasim::benchCheck() {
+    const QString path = m_bench->folder.filePath("other.json");
+    Bench::write(path, benchText());
+    const Outcome good = kvasim({"bench", "check", path});
+    QCOMPARE(good.status, 0);
+    QVERIFY(good.output.endsWith("other.json: good, 2 instruments, 0 rules\n"));
+    const QByteArray damaged = "{\"version\": 1,\n \"instruments\": [,]}\n";
+    Bench::write(path, damaged);
+    const Outcome bad = kvasim({"bench", "check", path});
+    QCOMPARE(bad.status, 1);
+    QVERIFY2(bad.errors.contains("line 2, column 18"), bad.errors.constData());
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), damaged);
+}
+
+void TestKvasim::benchInit() {
+    const QString path = m_bench->folder.filePath("new.json");
+    const QStringList init = {"bench", "init", path};
+    QCOMPARE(kvasim(init).status, 0);
+    QFile file(path);
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    const QByteArray text = file.readAll();
+    QVERIFY(text.startsWith("//"));
+    QCOMPARE(kvasim({"bench", "check", path}).status, 0);
+    QCOMPARE(kvasim(init).status, 1);
+    QVERIFY2(KvaSim_LoadJson(text.constData()), KvaSim_LastError());
+    QVERIFY(instrument(usbSerial)["network"]["active"]["SSID"] == "measuring-room");
+}
+
+void TestKvasim::nobodyRuns() {
+    KvaSim_Reset();
+    QCOMPARE(kvasim("list --serials").output, QByteArray("1000001\n1000002\n"));
+    QCOMPARE(kvasim("unplug 1000001").status, 0);
+    QVERIFY(kvasim({"list", "--bench", m_bench->path()}).output.contains("1000001  unplugged"));
+    QCOMPARE(kvasim("log -f").status, 0);
+    qunsetenv("KVASIM_BENCH");
+    qputenv("XDG_DATA_HOME", m_bench->folder.path().toLocal8Bit());
+    QCOMPARE(kvasim("list --serials").output, QByteArray("1000001\n1000002\n"));
+    QVERIFY(QFile::exists(m_bench->folder.filePath("vq-tl4-simulator/bench.json")));
+}
+
+void TestKvasim::severalRun() {
+    const QString other = m_bench->folder.filePath("other.json");
+    Bench::write(other, R"({"version": 1, "instruments": [{"serialNumber": 77}]})");
+    BenchHolder holder(other);
+    QCOMPARE(holder.answer(), QByteArray("1\n"));
+    QCOMPARE(kvasim({"list", "--serials", "--bench", other}).output, QByteArray("77\n"));
+    QCOMPARE(kvasim("list --serials").output, QByteArray("1000001\n1000002\n"));
+}
+
+void TestKvasim::holdEndsWithItsProgram() {
+    for (const bool isKilled : {true, false}) {
+        BenchHolder holder(m_bench->path());
+        QCOMPARE(holder.answer(), QByteArray("2\n"));
+        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_INSTRUMENT_UNAVAILABLE});
+        QVERIFY(kvasim("list").output.contains("1000001  connected"));
+        QCOMPARE(connectTo(networkSerial), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_SUCCESS});
+        holder.end(isKilled);
+        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        BenchHolder second(m_bench->path());
+        QCOMPARE(second.answer(), QByteArray("-9994\n"));
+        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_SUCCESS});
+    }
+}
+
+void TestKvasim::holdEndsWithLoss() {
+    QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+    QCOMPARE(kvasim("unplug 1000001").status, 0);
+    QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_ERROR_INSTRUMENT_UNAVAILABLE});
+    QCOMPARE(kvasim("plug 1000001").status, 0);
+    BenchHolder holder(m_bench->path());
+    QCOMPARE(holder.answer(), QByteArray("2\n"));
+}
+
+void TestKvasim::sameProgramAgain() {
+    for (int round = 0; round < 20; ++round) {
+        QVERIFY2(KvaSim_LoadFile(m_bench->path().toLocal8Bit()), KvaSim_LastError());
+        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        QVERIFY(kvasim("list").output.contains("1000001  connected"));
+        if (round % 3 == 0)
+            KvaSim_Reset();
+        if (round % 4 == 0)
+            QVERIFY(KvaSim_LoadJson(benchText().constData()));
+    }
+}
+
+void TestKvasim::ruleIsUsedOnceByAll() {
+    QCOMPARE(kvasim("fault add --function KVA_GetDevicePortList --result -9799 --times 2").status,
+             0);
+    BenchHolder first(m_bench->path());
+    QCOMPARE(first.answer(), QByteArray("-9799\n"));
+    std::int32_t count = 0;
+    QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_RESULT{KVA_ERROR_NAK});
+    QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_RESULT{KVA_SUCCESS});
+    QCOMPARE(kvasim("fault list --json").output, QByteArray("[]\n"));
+}
+
+void TestKvasim::equalRuleIsCountedAnew() {
+    for (int round = 0; round < 2; ++round) {
+        QCOMPARE(kvasim("fault clear").status, 0);
+        QCOMPARE(kvasim("fault add --function KVA_Disconnect --call 1 --result -9799").status, 0);
+        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_ERROR_NAK});
+        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_ERROR_CONNECT});
+    }
+}
+
+void TestKvasim::eventsOfChanges_data() {
+    QTest::addColumn<EventsCase>("given");
+    const EventsCase cases[] = {
+        {"unplug", {"unplug 1000001"}, "6"},
+        {"unplug and plug", {"unplug 1000001", "plug 1000001"}, "6 0"},
+        {"unplug another", {"unplug 1000002"}, ""},
+        {"plug another", {"unplug 1000002", "plug 1000002"}, "0"},
+        {"power cycle", {"power-cycle 1000001"}, "6 0"},
+        {"power cycle of another", {"power-cycle 1000002"}, ""},
+        {"set what is no plug", {"set 1000001 powerOffMode=2"}, ""},
+        {"set plugged", {"set 1000001 plugged=false"}, "6"},
+        {"another serial number", {"set 1000001 serialNumber=5", "unplug 5"}, "6"},
+    };
+    for (const EventsCase& row : cases)
+        QTest::newRow(row.name) << row;
+}
+
+void TestKvasim::eventsOfChanges() {
+    QFETCH(EventsCase, given);
+    g_codes.clear();
+    QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+    QCOMPARE(KVA_RegisterDeviceEventHandler(recordCode), KVA_RESULT{KVA_SUCCESS});
+    for (const char* command : given.commands) {
+        QCOMPARE(kvasim(command).status, 0);
+        QTest::qWait(120); // two looks
+    }
+    QTRY_COMPARE(codes(), QByteArray(given.codes));
+    QTest::qWait(120); // one that is too many would be here by now
+    QCOMPARE(codes(), QByteArray(given.codes));
+}
+
+void TestKvasim::fileChangedByHand() {
+    const QByteArray good = benchText();
+    Bench::write(m_bench->path(), QByteArray(good).replace("1000002", "1000003"));
+    QCOMPARE(connectTo(1000003), KVA_RESULT{KVA_SUCCESS});
+    Bench::write(m_bench->path(), good.left(good.size() / 2)); // is being saved
+    std::uint8_t mode = 1;
+    QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
+    std::thread editor([&] {
+        std::this_thread::sleep_for(std::chrono::milliseconds(300));
+        Bench::write(m_bench->path(), QByteArray(good).replace("1000002", "1000003"));
+    });
+    QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS}); // waits for it
+    editor.join();
+    QVERIFY(instrument(1000003)["powerOffMode"] == 1);
+}
+
+void TestKvasim::fileThatStaysWrong() {
+    BenchHolder holder(m_bench->path());
+    QCOMPARE(holder.answer(), QByteArray("2\n"));
+    QCOMPARE(connectTo(networkSerial), KVA_RESULT{KVA_SUCCESS});
+    Bench::write(m_bench->path(), "{\"version\": 1,\n oops");
+    for (int round = 0; round < 15; ++round) {
+        QCOMPARE(holder.ask(), QByteArray("0\n")); // the last good state
+        QTest::qWait(100);
+    }
+    const std::uint8_t mode = 1;
+    QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_ERROR});
+    QFile file(m_bench->path());
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("{\"version\": 1,\n oops"));
+    holder.end(false);
+    const QByteArray errors = holder.errors();
+    QVERIFY2(errors.contains("bench.json: line 2, column 2: ") && errors.count('\n') == 1,
+             errors.constData());
 }
 
 QTEST_GUILESS_MAIN(TestKvasim)
