@@ -1,40 +1,39 @@
 #include "simulator/Bench.h"
 
-#include "simulator/BenchTexts.h"
-#include "simulator/JsonFields.h"
+#include "simulator/Json.h"
 
 #include <utility>
 
 namespace kvasim {
 
-const Instrument* findInstrument(const Bench& bench, std::int32_t serialNumber) {
-    for (const Instrument& instrument : bench.instruments) {
-        if (instrument.port.serialNumber == serialNumber)
+const Json* findInstrument(const Bench& bench, std::int32_t serialNumber) {
+    for (const Json& instrument : bench.instruments) {
+        if (serialNumberOf(instrument) == serialNumber)
             return &instrument;
     }
     return nullptr;
 }
 
-Instrument& instrumentOf(Bench& bench, std::int32_t serialNumber) {
-    for (Instrument& instrument : bench.instruments) {
-        if (instrument.port.serialNumber == serialNumber)
+Json& instrumentOf(Bench& bench, std::int32_t serialNumber) {
+    for (Json& instrument : bench.instruments) {
+        if (serialNumberOf(instrument) == serialNumber)
             return instrument;
     }
     throw InputError("no instrument " + std::to_string(serialNumber) + " on the bench");
 }
 
 void requireDifferentSerialNumbers(const Bench& bench) {
-    for (const Instrument& instrument : bench.instruments) {
-        if (findInstrument(bench, instrument.port.serialNumber) != &instrument)
+    for (const Json& instrument : bench.instruments) {
+        if (findInstrument(bench, serialNumberOf(instrument)) != &instrument)
             refuse("serialNumber", "is the serial number of another instrument");
     }
 }
 
 std::vector<KVA_PORTINFO> portsOf(const Bench& bench) {
     std::vector<KVA_PORTINFO> list;
-    for (const Instrument& instrument : bench.instruments) {
+    for (const Json& instrument : bench.instruments) {
         if (isReady(instrument))
-            list.push_back(instrument.port);
+            list.push_back(portOf(instrument));
     }
     return list;
 }
@@ -52,29 +51,24 @@ Bench parseBench(const std::string& text) {
     };
     for (const Json& instrument : readArray(fields.get("instruments"), "instruments")) {
         const std::string path = pathOf("instruments", bench.instruments.size());
-        Instrument read = instrumentFromJson(instrument, path);
-        if (findInstrument(bench, read.port.serialNumber) != nullptr)
+        Json made = makeInstrument(instrument, path);
+        if (findInstrument(bench, serialNumberOf(made)) != nullptr)
             refuse(path + ".serialNumber", "is the serial number of another instrument as well");
-        bench.instruments.push_back(read);
+        bench.instruments.push_back(std::move(made));
     }
     if (const Json* faults = fields.find("faults")) {
         for (const Json& fault : readArray(*faults, "faults"))
-            bench.faults.push_back(faultRuleFromJson(fault, pathOf("faults", bench.faults.size())));
+            bench.faults.push_back(makeFaultRule(fault, pathOf("faults", bench.faults.size())));
     }
     fields.finish();
     return bench;
 }
 
 Json benchToJson(const Bench& bench) {
-    Json instruments = Json::array();
-    for (const Instrument& instrument : bench.instruments)
-        instruments.push_back(instrumentToJson(instrument));
     Json faults = Json::array();
     for (const FaultRule& rule : bench.faults)
-        faults.push_back(faultRuleToJson(rule));
-    return {{"version", benchVersion},
-            {"instruments", std::move(instruments)},
-            {"faults", std::move(faults)}};
+        faults.push_back(rule.json);
+    return {{"version", benchVersion}, {"instruments", bench.instruments}, {"faults", faults}};
 }
 
 Bench makeBuiltInBench() {

@@ -16,15 +16,20 @@ namespace kvasim {
 constexpr int benchVersion = 2;
 
 struct Bench {
-    std::vector<Instrument> instruments; /**< in the order of the list; serial numbers differ */
+    std::vector<Json> instruments; /**< in the order of the list; serial numbers differ */
     std::vector<FaultRule> faults;
 };
 
+// The benches that are compiled in; the build makes them from their files.
+extern const char* const builtInBenchText;      /**< benches/usb-and-network.json */
+extern const char* const startingBenchText;     /**< kvasim/starting-bench.json */
+extern const char* const defaultInstrumentText; /**< default-instrument.json */
+
 /** An instrument by its serial number; null when there is none. */
-const Instrument* findInstrument(const Bench& bench, std::int32_t serialNumber);
+const Json* findInstrument(const Bench& bench, std::int32_t serialNumber);
 
 /** The same. @throws InputError when there is none. */
-Instrument& instrumentOf(Bench& bench, std::int32_t serialNumber);
+Json& instrumentOf(Bench& bench, std::int32_t serialNumber);
 
 /** @throws InputError when two instruments have one serial number. */
 void requireDifferentSerialNumbers(const Bench& bench);

@@ -1,7 +1,5 @@
 #include "simulator/BenchFile.h"
 
-#include "simulator/Complaint.h"
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>

@@ -44,6 +44,9 @@ std::string benchPathOfEnvironment();
 /** An environment variable; empty where it is not set. */
 std::string environmentOf(const char* name);
 
+/** One line on standard error, in the library's name. Control characters are shown as '?'. */
+void complain(const std::string& message);
+
 } // namespace kvasim
 
 #endif

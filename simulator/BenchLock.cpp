@@ -1,6 +1,6 @@
 #include "simulator/BenchLock.h"
 
-#include "simulator/JsonText.h"
+#include "simulator/Json.h"
 
 #include <cerrno>
 #include <system_error>

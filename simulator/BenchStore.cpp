@@ -1,7 +1,5 @@
 #include "simulator/BenchStore.h"
 
-#include "simulator/Complaint.h"
-
 #include <mutex>
 #include <thread>
 #include <utility>

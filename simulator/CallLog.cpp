@@ -1,7 +1,6 @@
 #include "simulator/CallLog.h"
 
 #include "simulator/BenchFile.h"
-#include "simulator/Complaint.h"
 
 #include <cerrno>
 #include <cstdio>

@@ -7,7 +7,7 @@
 #ifndef SIMULATOR_CALLLOG_H
 #define SIMULATOR_CALLLOG_H
 
-#include "simulator/JsonText.h"
+#include "simulator/Json.h"
 #include "simulator/SdkNames.h"
 
 #include <chrono>

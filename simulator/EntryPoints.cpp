@@ -1,9 +1,10 @@
 #include "instrument/KvaSdk.h"
 
-#include "simulator/JsonFields.h"
+#include "simulator/Instrument.h"
+#include "simulator/Records.h"
 #include "simulator/Simulator.h"
 
-#include <cstring>
+#include <utility>
 
 #define KVASIM_EXPORT __attribute__((visibility("default")))
 
@@ -12,7 +13,6 @@ namespace {
 using kvasim::Call;
 using kvasim::CallEffects;
 using kvasim::Function;
-using kvasim::Instrument;
 using kvasim::Json;
 using kvasim::Simulator;
 
@@ -45,16 +45,19 @@ Json noArguments() {
     return Json::object();
 }
 
-/** Performs a call that fills @p target from the connected instrument. */
-template <typename Record, typename Reader>
-KVA_RESULT readInto(Function function, Record* target, const Reader& reader) {
+/** Performs a call that fills @p target from the connected instrument.
+    @param part the part of its JSON that has the fields of @p record */
+template <typename Record>
+KVA_RESULT readInto(Function function, Record* target, const kvasim::Record& record,
+                    const Json& (*part)(const Json&)) {
     Simulator& simulator = Simulator::instance();
     const auto work = [&](const CallEffects& effects) -> KVA_RESULT {
         if (target == nullptr)
             return KVA_ERROR_ARGUMENT;
         Record answer{};
-        const KVA_RESULT result = simulator.read(
-            effects, [&](const Instrument& instrument) { answer = reader(instrument); });
+        const KVA_RESULT result = simulator.read(effects, [&](const Json& instrument) {
+            answer = kvasim::fromJson<Record>(record, part(instrument));
+        });
         if (result != KVA_SUCCESS || effects.answerIsLost())
             return result;
         kvasim::corrupt(effects, function, &answer, sizeof answer);
@@ -62,6 +65,10 @@ KVA_RESULT readInto(Function function, Record* target, const Reader& reader) {
         return result;
     };
     return simulator.perform(describe(function, noArguments), work);
+}
+
+const Json& whole(const Json& instrument) {
+    return instrument;
 }
 
 /** Performs a call that hands @p source to the connected instrument. */
@@ -73,7 +80,7 @@ KVA_RESULT writeFrom(Function function, const Record* source, const Describe& ar
     return simulator.perform(describe(function, given), [&](const CallEffects& effects) {
         if (source == nullptr)
             return KVA_RESULT{KVA_ERROR_ARGUMENT};
-        return simulator.write(effects, [&](Instrument& instrument) -> KVA_RESULT {
+        return simulator.write(effects, [&](Json& instrument) -> KVA_RESULT {
             writer(instrument, *source);
             return KVA_SUCCESS;
         });
@@ -111,7 +118,7 @@ KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* coun
 KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     Simulator& simulator = Simulator::instance();
     Call call = describe(Function::Connect, [&] {
-        Json given = port == nullptr ? noArguments() : kvasim::portToJson(*port);
+        Json given = port == nullptr ? noArguments() : kvasim::toJson(kvasim::portRecord, port);
         given["wait"] = wait;
         return given;
     });
@@ -130,31 +137,28 @@ KVASIM_EXPORT KVA_RESULT KVA_Disconnect(void) {
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
-    return readInto(Function::GetDeviceInfo, info,
-                    [](const Instrument& instrument) { return instrument.device; });
+    return readInto(Function::GetDeviceInfo, info, kvasim::deviceRecord, whole);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
-    return readInto(Function::GetNetworkInfo, info,
-                    [](const Instrument& instrument) { return instrument.network(); });
+    return readInto(Function::GetNetworkInfo, info, kvasim::networkRecord, kvasim::networkOf);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
     const auto given = [](const KVA_NETWORKINFO& network) {
-        return Json{{"network", kvasim::networkToJson(network, kvasim::Keys::Hidden)}};
+        Json settings = kvasim::toJson(kvasim::networkRecord, &network);
+        kvasim::hideKey(settings);
+        return Json{{"network", std::move(settings)}};
     };
     return writeFrom(Function::SetNetworkInfo, info, given,
-                     [](Instrument& instrument, const KVA_NETWORKINFO& network) {
-                         instrument.pendingNetwork = network;
-                         instrument.isPending = true;
-                         KVA_NETWORKINFO& pending = instrument.pendingNetwork;
-                         std::memset(pending.padding, 0, sizeof pending.padding);
+                     [](Json& instrument, const KVA_NETWORKINFO& network) {
+                         instrument["network"]["pending"] =
+                             kvasim::toJson(kvasim::networkRecord, &network);
                      });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
-    return readInto(Function::GetShutdownTime, mode,
-                    [](const Instrument& instrument) { return instrument.powerOffMode; });
+    return readInto(Function::GetShutdownTime, mode, kvasim::modeRecord, whole);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
@@ -163,14 +167,14 @@ KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
         [](uint8_t given) {
             return Json{{"mode", given}};
         },
-        [](Instrument& instrument, uint8_t given) { instrument.powerOffMode = given; });
+        [](Json& instrument, uint8_t given) { instrument["powerOffMode"] = given; });
 }
 
 } // extern "C"
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* data) {
-    return readInto(Function::GetCalibration, data,
-                    [](const Instrument& instrument) { return instrument.calibration(); });
+    return readInto(Function::GetCalibration, data, kvasim::calibrationRecord,
+                    kvasim::calibrationOf);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
@@ -180,9 +184,9 @@ KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREF
                     {"crc32", crc32(&record, sizeof record)}};
     };
     return writeFrom(Function::SetCalibration, data, given,
-                     [](Instrument& instrument, const KVA_JIG_CALREFDATA& record) {
-                         instrument.stagedCalibration = record;
-                         instrument.isStaged = true;
+                     [](Json& instrument, const KVA_JIG_CALREFDATA& record) {
+                         instrument["calibration"]["staged"] =
+                             kvasim::toJson(kvasim::calibrationRecord, &record);
                      });
 }
 
@@ -190,11 +194,11 @@ KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     Simulator& simulator = Simulator::instance();
     return simulator.perform(
         describe(Function::WriteSector, noArguments), [&](const CallEffects& effects) {
-            return simulator.write(effects, [](Instrument& instrument) -> KVA_RESULT {
-                if (!instrument.isStaged)
+            return simulator.write(effects, [](Json& instrument) -> KVA_RESULT {
+                Json& calibration = instrument["calibration"];
+                if (calibration["staged"].is_null())
                     return KVA_ERROR_NO_DATA;
-                instrument.committedCalibration = instrument.stagedCalibration;
-                instrument.isStaged = false;
+                calibration["committed"] = std::exchange(calibration["staged"], nullptr);
                 return KVA_SUCCESS;
             });
         });
@@ -202,6 +206,5 @@ KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
 
 KVASIM_EXPORT KVA_RESULT
 KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA(KVA_JIG_ACTIONOPTIONFACTORYDATA* data) {
-    return readInto(Function::GetFactoryOptions, data,
-                    [](const Instrument& instrument) { return instrument.factoryOptions; });
+    return readInto(Function::GetFactoryOptions, data, kvasim::optionRecord, whole);
 }

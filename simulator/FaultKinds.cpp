@@ -1,7 +1,5 @@
-#include "simulator/FaultKinds.h"
-
-#include "simulator/Instrument.h"
-#include "simulator/JsonFields.h"
+#include "simulator/FaultRules.h"
+#include "simulator/Records.h"
 
 #include <algorithm>
 
@@ -61,7 +59,8 @@ bool isInAnswer(const FaultRule& rule, const Corruption& corruption) {
         const auto function = static_cast<Function>(index);
         if (rule.function && rule.function != function)
             continue;
-        if (corruption.field.empty() ? corruption.offset < answerSize(function)
+        const Record* const record = answerRecord(function);
+        if (corruption.field.empty() ? record != nullptr && corruption.offset < record->size
                                      : answerField(function, corruption.field).has_value())
             return true;
     }
@@ -106,39 +105,41 @@ Json readCorrupted(const Json& json, const std::string& path, const FaultRule& r
     return usual;
 }
 
-void answer(const FaultRule& rule, CallEffects& effects) {
-    if (effects.result)
-        return;
-    effects.result = rule.value.is_string() ? resultFromName(rule.value.get<std::string>())
-                                            : rule.value.get<KVA_RESULT>();
+void answer(const Json& value, const FaultRule& /*rule*/, CallEffects& effects) {
+    if (!effects.result)
+        effects.result =
+            value.is_string() ? resultFromName(value.get<std::string>()) : value.get<KVA_RESULT>();
 }
 
-void delay(const FaultRule& rule, CallEffects& effects) {
-    effects.delay += std::chrono::milliseconds(rule.value.get<std::int64_t>());
+void delay(const Json& value, const FaultRule& /*rule*/, CallEffects& effects) {
+    effects.delay += std::chrono::milliseconds(value.get<std::int64_t>());
 }
 
-void drop(const FaultRule& /*rule*/, CallEffects& effects) {
+void drop(const Json& /*value*/, const FaultRule& /*rule*/, CallEffects& effects) {
     effects.dropped = true;
 }
 
-void makeStale(const FaultRule& /*rule*/, CallEffects& effects) {
+void makeStale(const Json& /*value*/, const FaultRule& /*rule*/, CallEffects& effects) {
     effects.stale = true;
 }
 
-void corruptAnswer(const FaultRule& rule, CallEffects& effects) {
-    JsonFields fields(rule.value, "");
+void corruptAnswer(const Json& value, const FaultRule& /*rule*/, CallEffects& effects) {
+    JsonFields fields(value, "");
     effects.corruptions.push_back(corruptionOf(fields, ""));
 }
 
-void shorten(const FaultRule& rule, CallEffects& effects) {
+void shorten(const Json& value, const FaultRule& /*rule*/, CallEffects& effects) {
     effects.longestList =
-        std::min(rule.value.get<std::uint32_t>(), effects.longestList.value_or(UINT32_MAX));
+        std::min(value.get<std::uint32_t>(), effects.longestList.value_or(UINT32_MAX));
 }
 
-void unplug(const FaultRule& rule, CallEffects& effects) {
-    const auto moment = std::find(moments.begin(), moments.end(), rule.value.get<std::string>());
-    if (!effects.unplug)
-        effects.unplug = {static_cast<Moment>(moment - moments.begin()), rule.instrument};
+void unplug(const Json& value, const FaultRule& rule, CallEffects& effects) {
+    if (effects.unplug)
+        return;
+    const auto moment = std::find(moments.begin(), moments.end(), value.get<std::string>());
+    effects.unplug = {static_cast<Moment>(moment - moments.begin()), std::nullopt};
+    if (rule.has("instrument"))
+        effects.unplug->instrument = rule.get<std::int32_t>("instrument");
 }
 
 } // namespace
@@ -154,17 +155,6 @@ const std::array<FaultKind, 7>& faultKinds() {
         {"unplug", anyFunction, readUnplug, unplug},
     }};
     return kinds;
-}
-
-void readKind(const FaultKind& kind, const Json& value, const std::string& path, FaultRule& rule) {
-    rule.kind = &kind;
-    rule.value = kind.read(value, path, rule);
-    if (rule.function && (kind.functions & bit(*rule.function)) == 0)
-        refuse(path, std::string("is not for ") + functionName(*rule.function));
-}
-
-void apply(const FaultRule& rule, CallEffects& effects) {
-    rule.kind->apply(rule, effects);
 }
 
 void corrupt(const CallEffects& effects, Function function, void* record, std::size_t size) {

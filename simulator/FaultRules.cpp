@@ -1,8 +1,6 @@
 #include "simulator/FaultRules.h"
 
-#include "simulator/Complaint.h"
-#include "simulator/FaultKinds.h"
-#include "simulator/JsonFields.h"
+#include "simulator/BenchFile.h"
 
 #include <algorithm>
 #include <charconv>
@@ -50,114 +48,116 @@ Json callToJson(const FaultRule& rule) {
     return std::to_string(rule.firstCall) + '-' + std::to_string(rule.lastCall);
 }
 
-double readProbability(const Json& value, const std::string& path) {
+Json readNumber(const Json& value, const std::string& path) {
+    return readUint32(value, path);
+}
+
+Json readSerialNumber(const Json& value, const std::string& path) {
+    return readInt32(value, path);
+}
+
+Json readTimes(const Json& value, const std::string& path) {
+    return readInteger(value, path, 1, UINT32_MAX);
+}
+
+Json readProbability(const Json& value, const std::string& path) {
     const double probability = value.is_number() ? value.get<double>() : 0;
     if (!(probability > 0 && probability <= 1))
         refuse(path, "must be a number above 0, to 1");
-    return probability;
+    return value;
 }
 
-std::uint32_t readTimes(const Json& value, const std::string& path) {
-    return static_cast<std::uint32_t>(readInteger(value, path, 1, UINT32_MAX));
-}
+/** What a rule may have beside its function, its calls and its kind. */
+struct Limit {
+    const char* key;
+    Json (*read)(const Json& value, const std::string& path);
+    const char* needs; /**< another field, without which it is refused; null: none */
+};
+constexpr std::array<Limit, 6> limits = {{{"serialNumber", readSerialNumber, nullptr},
+                                          {"times", readTimes, nullptr},
+                                          {"probability", readProbability, nullptr},
+                                          {"seed", readNumber, "probability"},
+                                          {"instrument", readSerialNumber, "unplug"},
+                                          {"id", readNumber, nullptr}}};
 
-template <typename Value>
-void readOptional(JsonFields& fields, const char* key, std::optional<Value>& target,
-                  Value (*read)(const Json&, const std::string&)) {
-    if (const Json* value = fields.find(key))
-        target = read(*value, fields.pathOf(key));
-}
-
-template <typename Value>
-void writeOptional(Json& json, const char* key, const std::optional<Value>& value) {
-    if (value)
-        json[key] = *value;
-}
-
-void readKindOf(JsonFields& fields, FaultRule& rule) {
+void readKind(JsonFields& fields, FaultRule& rule) {
     for (const FaultKind& kind : faultKinds()) {
         const Json* const value = fields.find(kind.key);
         if (value == nullptr)
             continue;
+        const std::string path = fields.pathOf(kind.key);
         if (rule.kind != nullptr)
-            refuse(fields.pathOf(kind.key),
-                   std::string("cannot be given together with ") + rule.kind->key);
-        readKind(kind, *value, fields.pathOf(kind.key), rule);
+            refuse(path, std::string("cannot be given together with ") + rule.kind->key);
+        rule.kind = &kind;
+        rule.json[kind.key] = kind.read(*value, path, rule);
+        const auto function = static_cast<unsigned int>(rule.function.value_or(Function{}));
+        if (rule.function && (kind.functions >> function & 1U) == 0)
+            refuse(path, std::string("is not for ") + functionName(*rule.function));
     }
     if (rule.kind == nullptr)
         refuse(fields.pathOf("result"), "is missing, and so is every other fault");
-    if (rule.kind->key == std::string_view("unplug"))
-        readOptional(fields, "instrument", rule.instrument, readInt32);
 }
 
 /** Whether two rules are one, of which there may have been more uses. */
-bool isSame(FaultRule left, const FaultRule& right) {
-    left.times = right.times;
-    return left.id == right.id && faultRuleToJson(left) == faultRuleToJson(right);
+bool isSame(const FaultRule& left, const FaultRule& right) {
+    Json uses = left.json;
+    if (right.has("times"))
+        uses["times"] = right.json["times"];
+    return uses == right.json;
 }
 
 bool meets(const FaultRule& rule, Function function, std::optional<std::int32_t> serialNumber) {
     return (!rule.function || rule.function == function) &&
-           (!rule.serialNumber || rule.serialNumber == serialNumber);
+           (!rule.has("serialNumber") || rule.get<std::int32_t>("serialNumber") == serialNumber);
 }
 
 /** Whether the rule, met by a call, goes by chance and does nothing this time. */
 bool isSpared(const FaultRule& rule, std::mt19937& chance) {
-    return rule.probability && static_cast<double>(chance()) >= *rule.probability * 4294967296.0;
+    return rule.has("probability") &&
+           static_cast<double>(chance()) >= rule.get<double>("probability") * 4294967296.0;
 }
 
 } // namespace
 
-FaultRule faultRuleFromJson(const Json& json, const std::string& path) {
+FaultRule makeFaultRule(const Json& json, const std::string& path) {
     FaultRule rule;
     JsonFields fields(json, path);
     const std::string name = readString(fields.get("function"), fields.pathOf("function"));
-    if (name != "*") {
-        rule.function = functionFromName(name);
-        if (!rule.function)
-            refuse(fields.pathOf("function"), "is not the name of a function");
-    }
+    rule.function = functionFromName(name);
+    if (!rule.function && name != "*")
+        refuse(fields.pathOf("function"), "is not the name of a function");
     if (const Json* call = fields.find("call"))
         readCall(*call, fields.pathOf("call"), rule);
-    readOptional(fields, "serialNumber", rule.serialNumber, readInt32);
-    readOptional(fields, "times", rule.times, readTimes);
-    readOptional(fields, "probability", rule.probability, readProbability);
-    readOptional(fields, "seed", rule.seed, readUint32);
-    readOptional(fields, "id", rule.id, readUint32);
-    if (rule.seed && !rule.probability)
-        refuse(fields.pathOf("seed"), "needs a probability");
-    readKindOf(fields, rule);
+    rule.json = {{"function", name}, {"call", callToJson(rule)}};
+    for (const Limit& limit : limits) {
+        const Json* const value = fields.find(limit.key);
+        if (value == nullptr)
+            continue;
+        rule.json[limit.key] = limit.read(*value, fields.pathOf(limit.key));
+        if (limit.needs != nullptr && !json.contains(limit.needs))
+            refuse(fields.pathOf(limit.key), std::string("needs the field ") + limit.needs);
+    }
+    readKind(fields, rule);
     fields.finish();
     return rule;
 }
 
-Json faultRuleToJson(const FaultRule& rule) {
-    Json json = {{"function", rule.function ? functionName(*rule.function) : "*"},
-                 {"call", callToJson(rule)}};
-    writeOptional(json, "serialNumber", rule.serialNumber);
-    writeOptional(json, "times", rule.times);
-    writeOptional(json, "probability", rule.probability);
-    writeOptional(json, "seed", rule.seed);
-    json[rule.kind->key] = rule.value;
-    writeOptional(json, "instrument", rule.instrument);
-    writeOptional(json, "id", rule.id);
-    return json;
-}
-
 void addFault(std::vector<FaultRule>& rules, FaultRule rule) {
     std::random_device random;
-    rule.id = random();
-    if (rule.probability && !rule.seed)
-        rule.seed = random();
+    rule.json["id"] = random();
+    if (rule.has("probability") && !rule.has("seed"))
+        rule.json["seed"] = random();
     rules.push_back(std::move(rule));
 }
 
 bool useUp(std::vector<FaultRule>& rules, const FaultRule& used) {
     const auto found = std::find_if(rules.begin(), rules.end(),
                                     [&](const FaultRule& rule) { return isSame(rule, used); });
-    if (found == rules.end() || !found->times)
+    if (found == rules.end())
         return false;
-    if (--*found->times == 0)
+    const auto left = found->get<std::uint32_t>("times") - 1;
+    found->json["times"] = left;
+    if (left == 0)
         rules.erase(found);
     return true;
 }
@@ -171,17 +171,18 @@ void FaultCounters::assign(const std::vector<FaultRule>& rules) {
         });
         if (known != before.end()) {
             m_rules.push_back(std::move(*known));
-            m_rules.back().rule.times = rule.times;
+            m_rules.back().rule = rule;
             before.erase(known);
             continue;
         }
         m_rules.push_back({rule, {}, std::mt19937()});
-        if (!rule.probability)
+        if (!rule.has("probability"))
             continue;
-        const std::uint32_t seed = rule.seed ? *rule.seed : std::random_device()();
+        const std::uint32_t seed =
+            rule.has("seed") ? rule.get<std::uint32_t>("seed") : std::random_device()();
         m_rules.back().chance.seed(seed);
         complain("a rule for " +
-                 std::string(rule.function ? functionName(*rule.function) : "every function") +
+                 (rule.function ? functionName(*rule.function) : std::string("every function")) +
                  " goes by chance, with seed " + std::to_string(seed));
     }
 }

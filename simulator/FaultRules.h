@@ -57,26 +57,40 @@ struct CallEffects {
     @param record of @p size bytes; bytes beyond are not touched */
 void corrupt(const CallEffects& effects, Function function, void* record, std::size_t size);
 
-struct FaultKind; /**< "result", "delayMs" and so on */
+struct FaultRule;
+
+/** A kind of fault: "result", "delayMs" and so on. */
+struct FaultKind {
+    const char* key;
+    unsigned int functions; /**< that can have it, a bit each */
+
+    /** Checks the value of the key. @return it in its usual form
+        @throws InputError with @p path and the reason */
+    Json (*read)(const Json& value, const std::string& path, const FaultRule& rule);
+
+    /** Adds what the rule does to what others do. */
+    void (*apply)(const Json& value, const FaultRule& rule, CallEffects& effects);
+};
+
+const std::array<FaultKind, 7>& faultKinds();
 
 struct FaultRule {
-    std::optional<Function> function;         /**< nothing: every function */
-    std::uint32_t firstCall = 1;              /**< counted from 1, inclusive */
-    std::uint32_t lastCall = UINT32_MAX;      /**< inclusive; UINT32_MAX: no end */
-    std::optional<std::int32_t> serialNumber; /**< nothing: any instrument */
-    std::optional<std::uint32_t> times;       /**< uses that are left; nothing: no end */
-    std::optional<double> probability;        /**< above 0, to 1; nothing: certain */
-    std::optional<std::uint32_t> seed;        /**< of the chance; nothing: each program draws */
-    std::optional<std::uint32_t> id;          /**< tells it from an equal rule added before */
+    Json json; /**< checked, and in its usual form */
     const FaultKind* kind = nullptr;
-    Json value;                             /**< of the kind, checked and in its usual form */
-    std::optional<std::int32_t> instrument; /**< of "unplug" */
+    std::optional<Function> function;    /**< nothing: every function */
+    std::uint32_t firstCall = 1;         /**< counted from 1, inclusive */
+    std::uint32_t lastCall = UINT32_MAX; /**< inclusive; UINT32_MAX: no end */
+
+    bool has(const char* key) const { return json.contains(key); }
+    template <typename Value>
+    Value get(const char* key) const {
+        return json.at(key).get<Value>();
+    }
 };
 
 /** @param path the place of @p json in its document, for the reason of a refusal.
     @throws InputError when @p json is no rule. */
-FaultRule faultRuleFromJson(const Json& json, const std::string& path);
-Json faultRuleToJson(const FaultRule& rule);
+FaultRule makeFaultRule(const Json& json, const std::string& path);
 
 /** Adds a rule: draws its number, and the seed of its chance where it has none. */
 void addFault(std::vector<FaultRule>& rules, FaultRule rule);
@@ -84,9 +98,6 @@ void addFault(std::vector<FaultRule>& rules, FaultRule rule);
 /** Takes one use of @p used, whose `times` may be out of date; a rule that is used up is removed.
     @return false when it is no longer there */
 bool useUp(std::vector<FaultRule>& rules, const FaultRule& used);
-
-/** Adds what the rule does to what others do. */
-void apply(const FaultRule& rule, CallEffects& effects);
 
 /** This program's count of the calls that rules have met. Not thread-safe. */
 class FaultCounters {

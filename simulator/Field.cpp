@@ -1,6 +1,6 @@
 #include "simulator/Field.h"
 
-#include "simulator/JsonFields.h"
+#include "simulator/Json.h"
 
 #include <algorithm>
 #include <cfloat>
@@ -84,6 +84,18 @@ void readFloats(const Json& value, const std::string& path, std::uint8_t* bytes,
     for (std::size_t index = 0; index < count; ++index)
         store(bytes + index * sizeof(float),
               readFloat(value[index], path + '[' + std::to_string(index) + ']'));
+}
+
+/** The repeatable pattern of {"seed": seed}. */
+void fillFromSeed(std::uint64_t seed, std::uint8_t* bytes, std::size_t size) {
+    // SplitMix64, one byte of each step.
+    for (std::size_t index = 0; index < size; ++index) {
+        seed += 0x9E3779B97F4A7C15U;
+        std::uint64_t mixed = seed;
+        mixed = (mixed ^ (mixed >> 30U)) * 0xBF58476D1CE4E5B9U;
+        mixed = (mixed ^ (mixed >> 27U)) * 0x94D049BB133111EBU;
+        bytes[index] = static_cast<std::uint8_t>(mixed ^ (mixed >> 31U));
+    }
 }
 
 void readBytes(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size) {
@@ -185,8 +197,7 @@ Json digitsToJson(const std::uint8_t* bytes, std::size_t size) {
 }
 
 bool Field::isString() const {
-    return kind == Kind::Text || kind == Kind::Secret || kind == Kind::Address ||
-           kind == Kind::Mac || kind == Kind::Digits;
+    return kind == Kind::Text || kind == Kind::Address || kind == Kind::Mac || kind == Kind::Digits;
 }
 
 std::optional<ByteRange> Field::range(std::string_view element) const {
@@ -226,7 +237,6 @@ void Field::read(const Json& value, const std::string& path, std::uint8_t* recor
     case Kind::Bytes:
         return readBytes(value, path, bytes, size);
     case Kind::Text:
-    case Kind::Secret:
         return readText(value, path, bytes, size);
     case Kind::Address:
         return readAddress(value, path, bytes);
@@ -241,7 +251,7 @@ void Field::read(const Json& value, const std::string& path, std::uint8_t* recor
     }
 }
 
-Json Field::write(const std::uint8_t* record, Keys keys) const {
+Json Field::write(const std::uint8_t* record) const {
     const std::uint8_t* const bytes = record + offset;
     switch (kind) {
     case Kind::Flag:
@@ -261,9 +271,6 @@ Json Field::write(const std::uint8_t* record, Keys keys) const {
         return bytesToJson(bytes, size);
     case Kind::Text:
         return textToJson(bytes, size);
-    case Kind::Secret:
-        return keys == Keys::Shown ? textToJson(bytes, size)
-                                   : Json{{"length", std::find(bytes, bytes + size, 0) - bytes}};
     case Kind::Address:
         return addressToJson(bytes);
     case Kind::Mac:
@@ -278,17 +285,6 @@ Json Field::write(const std::uint8_t* record, Keys keys) const {
     }
     }
     return nullptr;
-}
-
-void fillFromSeed(std::uint64_t seed, std::uint8_t* bytes, std::size_t size) {
-    // SplitMix64, one byte of each step.
-    for (std::size_t index = 0; index < size; ++index) {
-        seed += 0x9E3779B97F4A7C15U;
-        std::uint64_t mixed = seed;
-        mixed = (mixed ^ (mixed >> 30U)) * 0xBF58476D1CE4E5B9U;
-        mixed = (mixed ^ (mixed >> 27U)) * 0x94D049BB133111EBU;
-        bytes[index] = static_cast<std::uint8_t>(mixed ^ (mixed >> 31U));
-    }
 }
 
 } // namespace kvasim

@@ -5,7 +5,7 @@
 #ifndef SIMULATOR_FIELD_H
 #define SIMULATOR_FIELD_H
 
-#include "simulator/JsonText.h"
+#include "simulator/Json.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -26,16 +26,11 @@ enum class Kind {
     Time,     /**< signed 64-bit: milliseconds since 1970, 0 or more */
     Bytes,    /**< {"hex": "00ff…"}, {"fill": n} or {"seed": n} */
     Text,     /**< a string without NUL that fits the field, or the whole field as `Bytes` */
-    Secret,   /**< as `Text`, and can be hidden */
     Address,  /**< four bytes: "192.168.0.10" */
     Mac,      /**< six bytes: "02:00:00:0f:42:41" */
     Digits,   /**< four bytes of binary-coded decimal: eight digits as a string, or as `Bytes` */
     Floats    /**< an array of single-precision values, each a number or "0x7fc00001", its bits */
 };
-
-/** Whether security keys are shown. Hidden, {"length": bytes} takes the place of the key; such a
-    document is for showing and is not read again. */
-enum class Keys { Shown, Hidden };
 
 /** Some bytes of a record. */
 struct ByteRange {
@@ -60,14 +55,11 @@ struct Field {
     /** @param record the record's first byte
         @throws InputError with @p path and the reason */
     void read(const Json& value, const std::string& path, std::uint8_t* record) const;
-    Json write(const std::uint8_t* record, Keys keys) const;
+    Json write(const std::uint8_t* record) const;
 };
 
 /** The JSON of `Kind::Digits`. */
 Json digitsToJson(const std::uint8_t* bytes, std::size_t size);
-
-/** The repeatable pattern of {"seed": seed}. */
-void fillFromSeed(std::uint64_t seed, std::uint8_t* bytes, std::size_t size);
 
 } // namespace kvasim
 

@@ -1,96 +1,246 @@
 #include "simulator/Instrument.h"
 
-#include <algorithm>
+#include "simulator/Bench.h"
+#include "simulator/Records.h"
+
 #include <array>
 #include <chrono>
-#include <cstring>
+#include <utility>
 
 namespace kvasim {
 
 namespace {
 
-using Octets = std::array<std::uint8_t, 4>;
-
-void setOctets(std::uint8_t (&field)[4], const Octets& octets) {
-    std::copy(octets.begin(), octets.end(), field);
-}
-
-/** Values of the size that real plates and adapters have, without two that are the same. */
-KVA_JIG_CALREFDATA makeCalibration() {
-    KVA_JIG_CALREFDATA data{};
-    setOctets(data.whiteSerialNo, {0x10, 0x00, 0x00, 0x01});
-    setOctets(data.ambAdpSerialNo, {0x00, 0x01, 0x00, 0x01});
-    int index = 0;
-    for (float& value : data.rfWhite.spcData) {
-        value = static_cast<float>(8550 + 20 * index + index * index % 17) / 100.0F;
-        ++index;
-    }
-    index = 0;
-    for (float& value : data.ambAdp.spcData) {
-        value = static_cast<float>(6000 + 100 * index + index * index % 83) / 10000.0F;
-        ++index;
-    }
-    fillFromSeed(1, data.reserved, sizeof data.reserved);
-    return data;
-}
+/** Records that need not be there; their left-out fields are as in another one. */
+struct Optional {
+    const char* place;
+    const char* otherwise;
+};
+constexpr std::array<Optional, 2> optionals = {
+    {{"network.pending", "network.active"}, {"calibration.staged", "calibration.committed"}}};
 
 std::int64_t millisecondsSince1970() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
     return std::chrono::duration_cast<std::chrono::milliseconds>(now).count();
 }
 
+bool isBytes(const Json& json) {
+    return json.contains("hex") || json.contains("fill") || json.contains("seed");
+}
+
+/** Puts what is given in place of the defaults. Refuses what has no place there. */
+void overlay(Json& target, const Json& given, const std::string& path) {
+    if (target.is_array() && (!given.is_array() || given.size() != target.size()))
+        refuse(path, "must be an array of " + std::to_string(target.size()) + " values");
+    if (!target.is_object() || isBytes(target)) {
+        target = given;
+        return;
+    }
+    if (!given.is_object())
+        refuse(path, "must be an object");
+    for (const auto& item : given.items()) {
+        const std::string itemPath = joined(path, item.key());
+        if (!target.contains(item.key()))
+            refuse(itemPath, "is not a known field");
+        overlay(target[item.key()], item.value(), itemPath);
+    }
+}
+
+/** Checks the fields of a record and puts them into their usual form. */
+void settle(const Part& part, Json& instrument, const std::string& path) {
+    Json& json = instrument.at(pointerTo(part.place));
+    std::vector<std::uint8_t> bytes(part.record->size);
+    for (const Field& field : *part.record) {
+        if (field.place == nullptr || json.is_null())
+            continue;
+        Json& value = json.at(pointerTo(field.place));
+        const std::string partPath = *part.place == '\0' ? path : joined(path, part.place);
+        field.read(value, joined(partPath, field.place), bytes.data());
+        value = field.write(bytes.data());
+    }
+}
+
+Json defaultsFor(std::int32_t serialNumber) {
+    Json json = parseJson(defaultInstrumentText, Comments::Allowed);
+    const auto number = static_cast<std::uint32_t>(serialNumber);
+    std::array<std::uint8_t, 4> bytes{};
+    for (unsigned int index = 0; index < bytes.size(); ++index)
+        bytes.at(index) = static_cast<std::uint8_t>(number >> (24U - 8 * index));
+    json["serialNumber"] = serialNumber;
+    json["device"]["serialNumber"] = number;
+    // A locally administered address, so that it belongs to no maker.
+    json["device"]["macAddress"] = "02:00:" + toHex(bytes.data(), bytes.size(), ":");
+    return json;
+}
+
+/** As a JSON merge patch, but that bytes are replaced as a whole. */
+void mergeInto(Json& target, const Json& patch) {
+    if (!patch.is_object() || isBytes(patch) || isBytes(target)) {
+        target = patch;
+        return;
+    }
+    if (!target.is_object())
+        target = Json::object();
+    for (const auto& item : patch.items()) {
+        if (item.value().is_null())
+            target.erase(item.key());
+        else
+            mergeInto(target[item.key()], item.value());
+    }
+}
+
+/** Takes the instrument's JSON as it should be. */
+void take(Json& instrument, const Json& json) {
+    Json next = makeInstrument(json, "");
+    if (isPlugged(next) != isPlugged(instrument))
+        setPlugged(next, isPlugged(next));
+    instrument = std::move(next);
+}
+
+/** Whether the place is that of a field that is written as a string. */
+bool isString(const std::string& place) {
+    for (const Part& part : instrumentParts) {
+        for (const Field& field : *part.record) {
+            if (field.place != nullptr && joined(part.place, field.place) == place)
+                return field.isString();
+        }
+    }
+    return false;
+}
+
+Json valueOf(const std::string& text, const std::string& place) {
+    const bool isStructured = !text.empty() && (text.front() == '{' || text.front() == '"');
+    if (isString(place) && !isStructured && text != "null")
+        return text;
+    try {
+        return parseJson(text);
+    } catch (const InputError&) {
+        return text; // whether a text is right is found when the instrument is made
+    }
+}
+
+void setAt(Json& json, const std::string& place, Json value) {
+    const Json::json_pointer pointer = pointerTo(place);
+    const Json::json_pointer parent = pointer.parent_pointer();
+    const bool isThere = json.contains(pointer);
+    if (!isThere && json.contains(parent) && json[parent].is_array())
+        throw InputError(place + ": has no element " + pointer.back());
+    if (isThere && value.is_null() && json[parent].is_object())
+        json[parent].erase(pointer.back());
+    else
+        json[pointer] = std::move(value);
+}
+
 } // namespace
 
-Instrument makeInstrument(std::int32_t serialNumber) {
-    Instrument instrument;
-    instrument.port.portType = ePortType_USB;
-    std::strcpy(instrument.port.portName, "USB");
-    instrument.port.serialNumber = serialNumber;
-
-    const auto number = static_cast<std::uint32_t>(serialNumber);
-    instrument.device.serialNumber = number;
-    instrument.device.firmVersionMajor = 1;
-    // A locally administered address, so that it belongs to no maker.
-    std::uint8_t* const mac = instrument.device.macAddress;
-    mac[0] = 0x02;
-    for (unsigned int index = 0; index < 4; ++index)
-        mac[2 + index] = static_cast<std::uint8_t>(number >> (24U - 8 * index));
-
-    instrument.factoryOptions.wifiModuleEnable = 1;
-    KVA_NETWORKINFO& network = instrument.activeNetwork;
-    setOctets(network.IPAddress, {192, 168, 0, 10});
-    setOctets(network.SubnetMask, {255, 255, 255, 0});
-    setOctets(network.DefaultGateway, {192, 168, 0, 1});
-    setOctets(network.DNS, {192, 168, 0, 1});
-    instrument.committedCalibration = makeCalibration();
+Json makeInstrument(const Json& json, const std::string& path) {
+    if (!json.is_object())
+        refuse(path, "must be an object");
+    const std::string serialPath = joined(path, "serialNumber");
+    if (!json.contains("serialNumber"))
+        refuse(serialPath, "is missing");
+    Json instrument = defaultsFor(readInt32(json["serialNumber"], serialPath));
+    overlay(instrument, json, path);
+    for (const Optional& optional : optionals) {
+        Json& given = instrument[pointerTo(optional.place)];
+        if (given.is_null())
+            continue;
+        Json whole = instrument[pointerTo(optional.otherwise)];
+        overlay(whole, given, joined(path, optional.place));
+        given = std::move(whole);
+    }
+    for (const Part& part : instrumentParts)
+        settle(part, instrument, path);
     return instrument;
 }
 
-void setPlugged(Instrument& instrument, bool plugged) {
-    instrument.plugged = plugged;
-    instrument.poweredOn = 0;
+std::int32_t serialNumberOf(const Json& instrument) {
+    return instrument["serialNumber"].get<std::int32_t>();
 }
 
-void powerCycle(Instrument& instrument, StartUp startUp) {
-    instrument.activeNetwork = instrument.network();
-    instrument.isPending = false;
-    instrument.isStaged = false;
-    ++instrument.powerCycles;
+KVA_PORTINFO portOf(const Json& instrument) {
+    return fromJson<KVA_PORTINFO>(portRecord, instrument);
+}
+
+const Json& networkOf(const Json& instrument) {
+    const Json& network = instrument["network"];
+    return network["pending"].is_null() ? network["active"] : network["pending"];
+}
+
+const Json& calibrationOf(const Json& instrument) {
+    const Json& calibration = instrument["calibration"];
+    return calibration["staged"].is_null() ? calibration["committed"] : calibration["staged"];
+}
+
+bool isPlugged(const Json& instrument) {
+    return instrument["plugged"].get<bool>();
+}
+
+void setPlugged(Json& instrument, bool plugged) {
+    instrument["plugged"] = plugged;
+    instrument["poweredOn"] = 0;
+}
+
+void powerCycle(Json& instrument, StartUp startUp) {
+    instrument["network"]["active"] = Json(networkOf(instrument));
+    instrument["network"]["pending"] = nullptr;
+    instrument["calibration"]["staged"] = nullptr;
+    instrument["powerCycles"] = instrument["powerCycles"].get<std::uint32_t>() + 1;
     const bool takesTime =
-        instrument.plugged && startUp == StartUp::Timed && instrument.startUpMs > 0;
-    instrument.poweredOn = takesTime ? millisecondsSince1970() : 0;
+        isPlugged(instrument) && startUp == StartUp::Timed && instrument["startUpMs"] != 0;
+    instrument["poweredOn"] = takesTime ? millisecondsSince1970() : 0;
 }
 
-std::int64_t startUpLeft(const Instrument& instrument) {
-    const std::int64_t sinceThen = millisecondsSince1970() - instrument.poweredOn;
+std::int64_t startUpLeft(const Json& instrument) {
+    const auto poweredOn = instrument["poweredOn"].get<std::int64_t>();
+    const std::int64_t sinceThen = millisecondsSince1970() - poweredOn;
     // A clock that was set back must not keep an instrument from starting.
-    if (instrument.poweredOn == 0 || sinceThen < 0)
+    if (poweredOn == 0 || sinceThen < 0)
         return 0;
-    return std::max<std::int64_t>(instrument.startUpMs - sinceThen, 0);
+    return std::max<std::int64_t>(instrument["startUpMs"].get<std::int64_t>() - sinceThen, 0);
 }
 
-bool isReady(const Instrument& instrument) {
-    return instrument.plugged && startUpLeft(instrument) == 0;
+bool isReady(const Json& instrument) {
+    return isPlugged(instrument) && startUpLeft(instrument) == 0;
+}
+
+void patch(Json& instrument, const Json& patch) {
+    if (!patch.is_object())
+        refuse("", "must be an object");
+    Json merged = instrument;
+    mergeInto(merged, patch);
+    take(instrument, merged);
+}
+
+void assign(Json& instrument, const std::string& assignment) {
+    const auto equals = assignment.find('=');
+    if (equals == std::string::npos || equals == 0)
+        throw InputError(assignment + ": is not FIELD=VALUE");
+    const std::string place = assignment.substr(0, equals);
+    for (Json::json_pointer step = pointerTo(place); !step.empty(); step.pop_back()) {
+        if (step.back().empty())
+            throw InputError(place + ": is not the path of a field");
+    }
+    Json json = instrument;
+    for (const Optional& optional : optionals) {
+        Json& present = json[pointerTo(optional.place)];
+        if (present.is_null() && place.find(optional.place + std::string(".")) == 0)
+            present = json[pointerTo(optional.otherwise)];
+    }
+    try {
+        setAt(json, place, valueOf(assignment.substr(equals + 1), place));
+    } catch (const Json::exception&) {
+        refuse(place, "is not a known field");
+    }
+    take(instrument, json);
+}
+
+void hideKey(Json& network) {
+    if (!network.is_object())
+        return;
+    const auto record = fromJson<KVA_NETWORKINFO>(networkRecord, network);
+    const auto length = std::string_view(record.EncryptKey, sizeof record.EncryptKey).find('\0');
+    network["EncryptKey"] = {{"length", std::min(length, sizeof record.EncryptKey)}};
 }
 
 } // namespace kvasim

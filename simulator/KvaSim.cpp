@@ -96,7 +96,7 @@ bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch) {
 bool KvaSim_AddFault(const char* json) {
     return change([&](Bench& next) {
         const kvasim::Json rule = kvasim::parseJson(text(json));
-        kvasim::addFault(next.faults, kvasim::faultRuleFromJson(rule, ""));
+        kvasim::addFault(next.faults, kvasim::makeFaultRule(rule, ""));
     });
 }
 

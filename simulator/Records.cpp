@@ -1,9 +1,8 @@
 #include "simulator/Records.h"
 
-#include "simulator/Instrument.h"
+#include "instrument/KvaSdk.h"
 
-#include <array>
-#include <iterator>
+#include <algorithm>
 
 namespace kvasim {
 
@@ -20,8 +19,19 @@ constexpr Field portFields[] = {
     KVASIM_FIELD(KVA_PORTINFO, "port.name", portName, Text),
 };
 
-constexpr Field attachmentFields[] = {
-    KVASIM_FIELD(Instrument, "plugged", plugged, Flag),
+/** What no function of the library answers. */
+struct State {
+    bool plugged;
+    std::uint32_t startUpMs;
+    std::uint32_t powerCycles;
+    std::int64_t poweredOn;
+};
+
+constexpr Field stateFields[] = {
+    KVASIM_FIELD(State, "plugged", plugged, Flag),
+    KVASIM_FIELD(State, "startUpMs", startUpMs, Duration),
+    KVASIM_FIELD(State, "powerCycles", powerCycles, Uint32),
+    KVASIM_FIELD(State, "poweredOn", poweredOn, Time),
 };
 
 constexpr Field deviceFields[] = {
@@ -47,17 +57,11 @@ constexpr Field networkFields[] = {
     KVASIM_FIELD(KVA_NETWORKINFO, "DefaultGateway", DefaultGateway, Address),
     KVASIM_FIELD(KVA_NETWORKINFO, "DNS", DNS, Address),
     KVASIM_FIELD(KVA_NETWORKINFO, "SSID", SSID, Text),
-    KVASIM_FIELD(KVA_NETWORKINFO, "EncryptKey", EncryptKey, Secret),
+    KVASIM_FIELD(KVA_NETWORKINFO, "EncryptKey", EncryptKey, Text),
     KVASIM_FIELD(KVA_NETWORKINFO, nullptr, padding, Bytes),
 };
 
 constexpr Field modeFields[] = {{"powerOffMode", "mode", Kind::Byte, 0, 1}};
-
-constexpr Field startFields[] = {
-    KVASIM_FIELD(Instrument, "startUpMs", startUpMs, Duration),
-    KVASIM_FIELD(Instrument, "powerCycles", powerCycles, Uint32),
-    KVASIM_FIELD(Instrument, "poweredOn", poweredOn, Time),
-};
 
 constexpr Field calibrationFields[] = {
     KVASIM_FIELD(KVA_JIG_CALREFDATA, "white.serialNumber", whiteSerialNo, Digits),
@@ -76,48 +80,49 @@ constexpr Record recordOf(const Field (&fields)[Count], std::size_t size) {
     return {fields, fields + Count, size};
 }
 
-constexpr Record attachmentRecord = recordOf(attachmentFields, sizeof(Instrument));
-constexpr Record deviceRecord = recordOf(deviceFields, sizeof(KVA_DEVICEINFO));
-constexpr Record optionRecord = recordOf(optionFields, sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA));
-constexpr Record modeRecord = recordOf(modeFields, sizeof(std::uint8_t));
-constexpr Record startRecord = recordOf(startFields, sizeof(Instrument));
-constexpr Record calibrationRecord = recordOf(calibrationFields, sizeof(KVA_JIG_CALREFDATA));
-
-constexpr Part::Optional pending = {offsetof(Instrument, isPending),
-                                    offsetof(Instrument, activeNetwork), "network.active"};
-constexpr Part::Optional staged = {offsetof(Instrument, isStaged),
-                                   offsetof(Instrument, committedCalibration),
-                                   "calibration.committed"};
+constexpr Record stateRecord = recordOf(stateFields, sizeof(State));
 
 } // namespace
 
 constexpr Record portRecord = recordOf(portFields, sizeof(KVA_PORTINFO));
+constexpr Record deviceRecord = recordOf(deviceFields, sizeof(KVA_DEVICEINFO));
+constexpr Record optionRecord = recordOf(optionFields, sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA));
 constexpr Record networkRecord = recordOf(networkFields, sizeof(KVA_NETWORKINFO));
+constexpr Record modeRecord = recordOf(modeFields, sizeof(std::uint8_t));
+constexpr Record calibrationRecord = recordOf(calibrationFields, sizeof(KVA_JIG_CALREFDATA));
 
-namespace {
-
-constexpr std::array<Part, 10> allParts = {{
-    {"", &portRecord, offsetof(Instrument, port), nullptr},
-    {"", &attachmentRecord, 0, nullptr},
-    {"", &deviceRecord, offsetof(Instrument, device), nullptr},
-    {"", &optionRecord, offsetof(Instrument, factoryOptions), nullptr},
-    {"network.active", &networkRecord, offsetof(Instrument, activeNetwork), nullptr},
-    {"network.pending", &networkRecord, offsetof(Instrument, pendingNetwork), &pending},
-    {"", &modeRecord, offsetof(Instrument, powerOffMode), nullptr},
-    {"", &startRecord, 0, nullptr},
-    {"calibration.committed", &calibrationRecord, offsetof(Instrument, committedCalibration),
-     nullptr},
-    {"calibration.staged", &calibrationRecord, offsetof(Instrument, stagedCalibration), &staged},
+constexpr std::array<Part, 9> instrumentParts = {{
+    {"", &portRecord},
+    {"", &stateRecord},
+    {"", &deviceRecord},
+    {"", &optionRecord},
+    {"network.active", &networkRecord},
+    {"network.pending", &networkRecord},
+    {"", &modeRecord},
+    {"calibration.committed", &calibrationRecord},
+    {"calibration.staged", &calibrationRecord},
 }};
 
-} // namespace
-
-const Part* Parts::begin() const {
-    return allParts.data();
+Json::json_pointer pointerTo(const std::string& place) {
+    std::string pointer = place.empty() ? "" : "/";
+    for (const char character : place) {
+        if (character == '.' || character == '[')
+            pointer += '/';
+        else if (character == '~' || character == '/')
+            pointer += character == '~' ? "~0" : "~1";
+        else if (character != ']')
+            pointer += character;
+    }
+    return Json::json_pointer(pointer);
 }
 
-const Part* Parts::end() const {
-    return allParts.data() + allParts.size();
+Json toJson(const Record& record, const void* bytes) {
+    Json json = Json::object();
+    for (const Field& field : record) {
+        if (field.place != nullptr)
+            json[pointerTo(field.place)] = field.write(static_cast<const std::uint8_t*>(bytes));
+    }
+    return json;
 }
 
 const Record* answerRecord(Function function) {
@@ -137,11 +142,6 @@ const Record* answerRecord(Function function) {
     default:
         return nullptr;
     }
-}
-
-std::size_t answerSize(Function function) {
-    const Record* const record = answerRecord(function);
-    return record == nullptr ? 0 : record->size;
 }
 
 std::optional<ByteRange> answerField(Function function, std::string_view name) {

@@ -1,6 +1,6 @@
 /**
- * The one description of the records: what each field of an instrument is called in a bench file
- * and in the library's record, and where it is kept.
+ * The one description of the library's records: for each field its name in the record, its bytes,
+ * its place in the JSON of a bench file, and how it is written there.
  */
 #ifndef SIMULATOR_RECORDS_H
 #define SIMULATOR_RECORDS_H
@@ -8,12 +8,14 @@
 #include "simulator/Field.h"
 #include "simulator/SdkNames.h"
 
+#include <array>
 #include <cstddef>
-#include <vector>
+#include <optional>
+#include <string>
+#include <string_view>
 
 namespace kvasim {
 
-/** The fields of one record. */
 struct Record {
     const Field* first;
     const Field* last; /**< behind the last one */
@@ -23,35 +25,48 @@ struct Record {
     const Field* end() const { return last; }
 };
 
-/** A record as a part of an instrument. */
+extern const Record portRecord;        /**< KVA_PORTINFO */
+extern const Record deviceRecord;      /**< KVA_DEVICEINFO */
+extern const Record optionRecord;      /**< KVA_JIG_ACTIONOPTIONFACTORYDATA */
+extern const Record networkRecord;     /**< KVA_NETWORKINFO */
+extern const Record modeRecord;        /**< the power-off mode, one byte */
+extern const Record calibrationRecord; /**< KVA_JIG_CALREFDATA */
+
+/** A record as a part of an instrument's JSON. */
 struct Part {
-    const char* place; /**< in the JSON; empty: its fields are the instrument's own */
+    const char* place; /**< empty: its fields are in the instrument itself */
     const Record* record;
-    std::size_t offset; /**< in `Instrument` */
-
-    /** For a part that need not be there: where `Instrument` says whether it is, and the offset of
-        the part that has the values of its left-out fields. */
-    struct Optional {
-        std::size_t isThere;
-        std::size_t otherwise;
-        const char* otherwisePlace;
-    };
-    const Optional* optional; /**< null: always there */
 };
 
-/** The parts of an instrument, in the order of its JSON. A part that need not be there comes after
-    the one that it takes its values from. */
-struct Parts {
-    const Part* begin() const;
-    const Part* end() const;
-};
-constexpr Parts parts;
+/** All parts of an instrument. */
+extern const std::array<Part, 9> instrumentParts;
 
-extern const Record portRecord;
-extern const Record networkRecord;
+/** "device.firmware[1]" as the pointer /device/firmware/1. */
+Json::json_pointer pointerTo(const std::string& place);
 
-/** The record that a function answers with; null for a function that has none. */
+/** Reads a record from JSON that has all its fields, checked before. */
+template <typename Bytes>
+Bytes fromJson(const Record& record, const Json& json) {
+    Bytes bytes{};
+    for (const Field& field : record) {
+        if (field.place != nullptr)
+            field.read(json.at(pointerTo(field.place)), field.place,
+                       reinterpret_cast<std::uint8_t*>(&bytes));
+    }
+    return bytes;
+}
+
+/** The record as JSON. @param bytes the first of `record.size` bytes */
+Json toJson(const Record& record, const void* bytes);
+
+/** The record that a function answers with, an entry of the list for `KVA_GetDevicePortList`; null
+    for a function that answers with its result only. */
 const Record* answerRecord(Function function);
+
+/** A field as the record declares it ("IPAddress", "rfWhite.spcData"), or one element of an array
+    ("IPAddress[3]"). "mode" is the answer of `KVA_GetShutdownTime`.
+    @return nothing when the function's answer has no such field */
+std::optional<ByteRange> answerField(Function function, std::string_view name);
 
 } // namespace kvasim
 

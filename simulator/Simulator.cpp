@@ -1,7 +1,5 @@
 #include "simulator/Simulator.h"
 
-#include "simulator/Complaint.h"
-
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -78,10 +76,10 @@ CallEffects Simulator::begin(Call& call) {
     }
     for (const FaultRule& rule : m_faults.meet(call.function, call.serialNumber)) {
         bool isLeft = true;
-        if (rule.times) // counts down for all programs; another one may have been faster
+        if (rule.has("times")) // counts down for all programs; another one may have been faster
             changeLocked([&](Bench& next) { return isLeft = useUp(next.faults, rule); });
         if (isLeft)
-            apply(rule, effects);
+            rule.kind->apply(rule.json[rule.kind->key], rule, effects);
     }
     return effects;
 }
@@ -160,8 +158,8 @@ KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& po
         return KVA_ERROR;
     if (m_connection && !m_connection->lost)
         return KVA_ERROR_CONNECT_ALREADY;
-    for (const Instrument& instrument : m_store->bench().instruments) {
-        if (!isReady(instrument) || !isSame(instrument.port, port))
+    for (const Json& instrument : m_store->bench().instruments) {
+        if (!isReady(instrument) || !isSame(portOf(instrument), port))
             continue;
         BenchLock* const hold = m_store->lock();
         if (hold != nullptr && !hold->hold(port.serialNumber))
@@ -186,57 +184,50 @@ KVA_RESULT Simulator::disconnect(const CallEffects& effects) {
 }
 
 KVA_RESULT Simulator::read(const CallEffects& effects,
-                           const std::function<void(const Instrument&)>& reader) {
+                           const std::function<void(const Json&)>& reader) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     KVA_RESULT result = KVA_ERROR;
-    const Instrument* const instrument = connected(result);
+    const Json* const instrument = connected(result);
     if (instrument == nullptr)
         return result;
-    Instrument answer = *instrument;
-    const auto former = m_formerAnswers.find(answer.port.serialNumber);
-    if (effects.stale && former != m_formerAnswers.end()) {
-        const FormerAnswers& before = former->second;
-        answer.pendingNetwork = before.network.value_or(answer.network());
-        answer.stagedCalibration = before.calibration.value_or(answer.calibration());
-        answer.isPending = answer.isStaged = true;
-        answer.powerOffMode = before.powerOffMode.value_or(answer.powerOffMode);
-    }
-    reader(answer);
+    const auto former = m_formerAnswers.find(serialNumberOf(*instrument));
+    const bool isStale = effects.stale && former != m_formerAnswers.end();
+    reader(isStale ? former->second : *instrument);
     return result;
 }
 
 KVA_RESULT Simulator::write(const CallEffects& effects,
-                            const std::function<KVA_RESULT(Instrument&)>& writer) {
+                            const std::function<KVA_RESULT(Json&)>& writer) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     if (!loaded())
         return KVA_ERROR;
     KVA_RESULT result = KVA_ERROR;
-    std::optional<Instrument> before;
+    Json before;
     changeLocked([&](Bench& next) {
-        const Instrument* const instrument = connected(result);
+        const Json* const instrument = connected(result);
         if (instrument == nullptr)
             return false;
         before = *instrument;
-        result = writer(instrumentOf(next, instrument->port.serialNumber));
+        result = writer(instrumentOf(next, serialNumberOf(before)));
         return result >= KVA_SUCCESS && !effects.dropped;
     });
     if (result >= KVA_SUCCESS && !effects.dropped)
-        keepFormerAnswers(*before, *connected(result));
+        keepFormerAnswers(before, *connected(result));
     return result;
 }
 
-void Simulator::keepFormerAnswers(const Instrument& before, const Instrument& after) {
-    FormerAnswers& former = m_formerAnswers[after.port.serialNumber];
-    if (!isSame(before.network(), after.network()))
-        former.network = before.network();
-    if (before.powerOffMode != after.powerOffMode)
-        former.powerOffMode = before.powerOffMode;
-    if (!isSame(before.calibration(), after.calibration()))
-        former.calibration = before.calibration();
+void Simulator::keepFormerAnswers(const Json& before, const Json& after) {
+    Json& former = m_formerAnswers.try_emplace(serialNumberOf(after), before).first->second;
+    if (networkOf(before) != networkOf(after))
+        former["network"] = before["network"];
+    if (before["powerOffMode"] != after["powerOffMode"])
+        former["powerOffMode"] = before["powerOffMode"];
+    if (calibrationOf(before) != calibrationOf(after))
+        former["calibration"] = before["calibration"];
 }
 
 /** Finds the connected instrument. @return null with the reason */
-const Instrument* Simulator::connected(KVA_RESULT& result) {
+const Json* Simulator::connected(KVA_RESULT& result) {
     if (!loaded())
         result = KVA_ERROR;
     else if (!m_connection)

@@ -65,12 +65,10 @@ public:
     KVA_RESULT disconnect(const CallEffects& effects);
 
     /** Reads from the connected instrument. */
-    KVA_RESULT read(const CallEffects& effects,
-                    const std::function<void(const Instrument&)>& reader);
+    KVA_RESULT read(const CallEffects& effects, const std::function<void(const Json&)>& reader);
 
     /** Changes the connected instrument; a negative answer of @p writer changes nothing. */
-    KVA_RESULT write(const CallEffects& effects,
-                     const std::function<KVA_RESULT(Instrument&)>& writer);
+    KVA_RESULT write(const CallEffects& effects, const std::function<KVA_RESULT(Json&)>& writer);
 
     // Control. Everything here throws InputError with the reason when it is refused.
 
@@ -101,19 +99,12 @@ private:
         bool lost;
     };
 
-    /** What the functions answered before the last write that changed their answer. */
-    struct FormerAnswers {
-        std::optional<KVA_NETWORKINFO> network;
-        std::optional<std::uint8_t> powerOffMode;
-        std::optional<KVA_JIG_CALREFDATA> calibration;
-    };
-
     CallEffects begin(Call& call);
     KVA_RESULT performWith(const CallEffects& effects, const Call& call,
                            const std::function<KVA_RESULT(const CallEffects&)>& work);
     void unplug(const CallEffects& effects, const Call& call);
-    const Instrument* connected(KVA_RESULT& result);
-    void keepFormerAnswers(const Instrument& before, const Instrument& after);
+    const Json* connected(KVA_RESULT& result);
+    void keepFormerAnswers(const Json& before, const Json& after);
 
     bool loaded();
     void requireBench();
@@ -123,8 +114,8 @@ private:
     void changeLocked(const std::function<bool(Bench&)>& make);
 
     void see(const Bench& before);
-    void see(const Instrument& before, const Instrument& after);
-    void announce(const Instrument& instrument);
+    void see(const Json& before, const Json& after);
+    void announce(const Json& instrument);
     bool isConnected(std::int32_t serialNumber) const;
     void loseConnection();
     void releaseInstrument();
@@ -136,7 +127,8 @@ private:
     std::unique_ptr<BenchStore> m_store; // null: not loaded
     std::optional<Connection> m_connection;
     FaultCounters m_faults;
-    std::map<std::int32_t, FormerAnswers> m_formerAnswers;
+    // By serial number: an instrument with what was there before the last write that changed it.
+    std::map<std::int32_t, Json> m_formerAnswers;
     std::optional<std::vector<KVA_PORTINFO>> m_formerPorts;
 
     CallLog m_log;

@@ -1,6 +1,5 @@
 // The simulator's bench: where it comes from, its changes, and the events that they make.
 
-#include "simulator/Complaint.h"
 #include "simulator/Simulator.h"
 
 #include <cstring>
@@ -13,13 +12,13 @@ namespace {
 
 /** The instrument that @p after was; null where it is new. One that has got another serial number
     is at the place where it was. */
-const Instrument* counterpart(const Bench& before, const Bench& now, std::size_t index) {
-    const std::int32_t serialNumber = now.instruments[index].port.serialNumber;
-    const Instrument* const same = findInstrument(before, serialNumber);
+const Json* counterpart(const Bench& before, const Bench& now, std::size_t index) {
+    const std::int32_t serialNumber = serialNumberOf(now.instruments[index]);
+    const Json* const same = findInstrument(before, serialNumber);
     if (same != nullptr || index >= before.instruments.size())
         return same;
-    const Instrument& there = before.instruments[index];
-    return findInstrument(now, there.port.serialNumber) == nullptr ? &there : nullptr;
+    const Json& there = before.instruments[index];
+    return findInstrument(now, serialNumberOf(there)) == nullptr ? &there : nullptr;
 }
 
 bool isSameList(const std::vector<KVA_PORTINFO>& left, const std::vector<KVA_PORTINFO>& right) {
@@ -56,8 +55,8 @@ void Simulator::change(const std::function<bool(Bench&)>& make) {
 
 void Simulator::plug(std::int32_t serialNumber, bool plugged) {
     change([&](Bench& next) {
-        Instrument& instrument = instrumentOf(next, serialNumber);
-        const bool isNew = instrument.plugged != plugged;
+        Json& instrument = instrumentOf(next, serialNumber);
+        const bool isNew = isPlugged(instrument) != plugged;
         if (isNew)
             setPlugged(instrument, plugged);
         return isNew;
@@ -93,8 +92,8 @@ void Simulator::requireBench() {
 /** Puts the bench in place of the present one; null leaves none. */
 void Simulator::take(std::unique_ptr<BenchStore> store) {
     if (m_store) {
-        for (const Instrument& instrument : m_store->bench().instruments)
-            m_events.dropLater(instrument.port.serialNumber);
+        for (const Json& instrument : m_store->bench().instruments)
+            m_events.dropLater(serialNumberOf(instrument));
     }
     m_store = std::move(store);
     // Not before the earlier bench is gone: where both are one file, its locks go with it.
@@ -136,11 +135,11 @@ void Simulator::see(const Bench& before) {
     if (!isSameList(portsBefore, portsOf(now)))
         m_formerPorts = std::move(portsBefore);
     for (std::size_t index = 0; index < now.instruments.size(); ++index) {
-        const Instrument& instrument = now.instruments[index];
-        const Instrument* const was = counterpart(before, now, index);
+        const Json& instrument = now.instruments[index];
+        const Json* const was = counterpart(before, now, index);
         if (was != nullptr)
             see(*was, instrument);
-        else if (instrument.plugged)
+        else if (isPlugged(instrument))
             announce(instrument);
     }
     const bool isGone = m_connection && !m_connection->lost &&
@@ -149,35 +148,35 @@ void Simulator::see(const Bench& before) {
         loseConnection();
 }
 
-void Simulator::see(const Instrument& before, const Instrument& after) {
-    const std::int32_t serialNumber = after.port.serialNumber;
-    const bool wasConnected = isConnected(before.port.serialNumber);
-    if (wasConnected && serialNumber != before.port.serialNumber) {
+void Simulator::see(const Json& before, const Json& after) {
+    const std::int32_t serialNumber = serialNumberOf(after);
+    const bool wasConnected = isConnected(serialNumberOf(before));
+    if (wasConnected && serialNumber != serialNumberOf(before)) {
         releaseInstrument();
         m_connection->serialNumber = serialNumber;
         if (m_store->lock() != nullptr)
             m_store->lock()->hold(serialNumber);
     }
-    const bool isCycled = before.powerCycles != after.powerCycles;
-    if (before.plugged == after.plugged && !isCycled)
+    const bool isCycled = before["powerCycles"] != after["powerCycles"];
+    if (isPlugged(before) == isPlugged(after) && !isCycled)
         return;
     if (wasConnected)
         loseConnection();
     // Switched off while it started, it is announced when it has started again.
-    const bool isAwaited = m_events.dropLater(before.port.serialNumber) || wasConnected;
-    if (after.plugged && (!before.plugged || isAwaited))
+    const bool isAwaited = m_events.dropLater(serialNumberOf(before)) || wasConnected;
+    if (isPlugged(after) && (!isPlugged(before) || isAwaited))
         announce(after);
 }
 
 /** Delivers a standby event, when the instrument has started. */
-void Simulator::announce(const Instrument& instrument) {
+void Simulator::announce(const Json& instrument) {
     const std::int64_t left = startUpLeft(instrument);
     const DeviceEvent standby = {eEventCode_Standby, 0, 0};
     if (left == 0)
         return m_events.post(standby);
     // A millisecond more: when it is announced, it is listed too.
     const auto time = EventThread::Clock::now() + std::chrono::milliseconds(left + 1);
-    m_events.postAt(standby, time, instrument.port.serialNumber);
+    m_events.postAt(standby, time, serialNumberOf(instrument));
 }
 
 bool Simulator::isConnected(std::int32_t serialNumber) const {

@@ -4,7 +4,7 @@
 #ifndef SIMULATOR_KVASIM_FOLLOW_H
 #define SIMULATOR_KVASIM_FOLLOW_H
 
-#include "simulator/JsonText.h"
+#include "simulator/Json.h"
 
 #include <functional>
 #include <string>

@@ -4,7 +4,7 @@
 #ifndef SIMULATOR_KVASIM_SHOW_H
 #define SIMULATOR_KVASIM_SHOW_H
 
-#include "simulator/JsonText.h"
+#include "simulator/Json.h"
 
 #include <string>
 

@@ -1,9 +1,7 @@
 // kvasim: the hands at the bench of simulated instruments.
 
 #include "simulator/BenchStore.h"
-#include "simulator/BenchTexts.h"
 #include "simulator/CallLog.h"
-#include "simulator/JsonFields.h"
 #include "simulator/kvasim/Follow.h"
 #include "simulator/kvasim/Show.h"
 
@@ -24,7 +22,6 @@ namespace {
 using kvasim::Bench;
 using kvasim::BenchStore;
 using kvasim::InputError;
-using kvasim::Instrument;
 using kvasim::Json;
 
 enum ExitStatus { Done = 0, Refused = 1, Usage = 2 };
@@ -78,21 +75,21 @@ void change(const Options& options, const std::function<void(Bench&)>& make) {
     open(options)->change(makeAndSave, [](const Bench&) {});
 }
 
-void changeInstrument(const Options& options, const std::function<void(Instrument&)>& make) {
+void changeInstrument(const Options& options, const std::function<void(Json&)>& make) {
     change(options, [&](Bench& next) { make(kvasim::instrumentOf(next, options.serialNumber)); });
 }
 
 Json listOf(const BenchStore& store) {
     Json list = Json::array();
-    for (const Instrument& instrument : store.bench().instruments) {
-        const std::int32_t serialNumber = instrument.port.serialNumber;
-        const bool isStarting = instrument.plugged && !kvasim::isReady(instrument);
+    for (const Json& instrument : store.bench().instruments) {
+        const std::int32_t serialNumber = kvasim::serialNumberOf(instrument);
+        const bool isStarting = kvasim::isPlugged(instrument) && !kvasim::isReady(instrument);
         const bool isConnected = store.lock() != nullptr && store.lock()->isHeld(serialNumber);
         list.push_back({{"serialNumber", serialNumber},
-                        {"plugged", instrument.plugged},
+                        {"plugged", instrument["plugged"]},
                         {"starting", isStarting},
                         {"connected", isConnected},
-                        {"port", kvasim::portToJson(instrument.port)["port"]}});
+                        {"port", instrument["port"]}});
     }
     return list;
 }
@@ -109,28 +106,29 @@ void list(const Options& options) {
 
 void show(const Options& options) {
     Bench bench = open(options)->bench();
-    const Json instrument =
-        kvasim::instrumentToJson(kvasim::instrumentOf(bench, options.serialNumber),
-                                 options.reveal ? kvasim::Keys::Shown : kvasim::Keys::Hidden);
+    Json& instrument = kvasim::instrumentOf(bench, options.serialNumber);
+    for (const char* settings : {"active", "pending"}) {
+        if (!options.reveal)
+            kvasim::hideKey(instrument["network"][settings]);
+    }
     print(options.json ? kvasim::formatJson(instrument) : kvasim::instrumentAsText(instrument));
 }
 
 void plug(const Options& options, bool plugged) {
-    changeInstrument(options, [&](Instrument& instrument) {
-        if (instrument.plugged != plugged)
+    changeInstrument(options, [&](Json& instrument) {
+        if (kvasim::isPlugged(instrument) != plugged)
             kvasim::setPlugged(instrument, plugged);
     });
 }
 
 void powerCycle(const Options& options) {
-    changeInstrument(options, [](Instrument& instrument) {
-        kvasim::powerCycle(instrument, kvasim::StartUp::Timed);
-    });
+    changeInstrument(
+        options, [](Json& instrument) { kvasim::powerCycle(instrument, kvasim::StartUp::Timed); });
 }
 
 void set(const Options& options) {
     change(options, [&](Bench& next) {
-        Instrument& instrument = kvasim::instrumentOf(next, options.serialNumber);
+        Json& instrument = kvasim::instrumentOf(next, options.serialNumber);
         for (const std::string& assignment : options.assignments)
             kvasim::assign(instrument, assignment);
         kvasim::requireDifferentSerialNumbers(next);
@@ -184,16 +182,16 @@ Json ruleOf(const CLI::App& app, const FaultOptions& given) {
 
 void addFault(const Options& options, const Json& rule) {
     change(options, [&](Bench& next) {
-        kvasim::addFault(next.faults, kvasim::faultRuleFromJson(rule, "fault"));
+        kvasim::addFault(next.faults, kvasim::makeFaultRule(rule, "fault"));
     });
 }
 
 void listFaults(const Options& options) {
     Json faults = Json::array();
     const auto store = open(options);
-    for (kvasim::FaultRule rule : store->bench().faults) {
-        rule.id.reset();
-        faults.push_back(kvasim::faultRuleToJson(rule));
+    for (const kvasim::FaultRule& rule : store->bench().faults) {
+        faults.push_back(rule.json);
+        faults.back().erase("id");
     }
     print(options.json ? kvasim::formatJson(faults) : kvasim::faultsAsText(faults));
 }

@@ -535,12 +535,13 @@ void TestKvasim::fileChangedByHand() {
     Bench::write(m_bench->path(), QByteArray(good).replace("1000002", "1000003"));
     QCOMPARE(connectTo(1000003), KVA_RESULT{KVA_SUCCESS});
     Bench::write(m_bench->path(), good.left(good.size() / 2)); // is being saved
-    std::uint8_t mode = 1;
+    std::uint8_t mode = 9;
     QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
     std::thread editor([&] {
         std::this_thread::sleep_for(std::chrono::milliseconds(300));
         Bench::write(m_bench->path(), QByteArray(good).replace("1000002", "1000003"));
     });
+    mode = 1;
     QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS}); // waits for it
     editor.join();
     QVERIFY(instrument(1000003)["powerOffMode"] == 1);

@@ -1,22 +1,45 @@
 /**
- * Strict reading of JSON values.
+ * JSON: a strict, bounded parser, a writer for files that people read, and readers of values.
  *
  * Every reader takes the path of its value ("instruments[0].port.name") and throws InputError with
- * that path and the reason when the value has the wrong type or is out of range. Nothing is rounded
- * into range, cut or replaced.
+ * that path and the reason when the value has the wrong type or is out of range.
  */
-#ifndef SIMULATOR_JSONFIELDS_H
-#define SIMULATOR_JSONFIELDS_H
+#ifndef SIMULATOR_JSON_H
+#define SIMULATOR_JSON_H
 
-#include "simulator/JsonText.h"
+#include <nlohmann/json.hpp>
 
 #include <cstddef>
 #include <cstdint>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
 namespace kvasim {
+
+/** Objects keep the order of their fields, so that a saved file reads like the one written. */
+using Json = nlohmann::ordered_json;
+
+/** Input that is refused, or a state that cannot be kept. `what()` is one line for people; it never
+    quotes values of the input, which may hold a security key. */
+class InputError : public std::runtime_error {
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/** Whether a document may hold comments, after // to the end of the line or between slashes with
+    asterisks. */
+enum class Comments { Refused, Allowed };
+
+/** Parses one JSON document in UTF-8.
+    @throws InputError for a syntax error (with line and column), a number that no double holds, a
+    key given twice in one object, more than 64 levels or an object of more than 1000 keys. */
+Json parseJson(std::string_view text, Comments comments = Comments::Refused);
+
+/** The document with an indent of two, one field a line; arrays of plain values stay on one line.
+    Ends with a line feed. */
+std::string formatJson(const Json& value);
 
 /** @throws InputError always: "path: reason". */
 [[noreturn]] void refuse(const std::string& path, const std::string& reason);
