@@ -54,75 +54,71 @@ std::string cell(const Json& value) {
     return text.size() > widest ? text.substr(0, widest - 3) + "..." : text;
 }
 
-Json at(const Json& value, const char* key) {
-    return value.is_object() && value.contains(key) ? value[key] : Json();
+/** The cell of what is there; of nothing where it is not. */
+std::string cellAt(const Json& json, const std::string& pointer) {
+    const Json::json_pointer place(pointer);
+    return json.contains(place) ? cell(json[place]) : "-";
 }
 
-std::vector<Row> networkRows(const Json& network) {
+std::string networkTable(const Json& network) {
     std::vector<Row> rows = {{"NETWORK", "ACTIVE", "PENDING"}};
-    const Json active = at(network, "active");
-    const Json pending = at(network, "pending");
-    for (const auto& item : active.items())
+    for (const auto& item : network["active"].items())
         rows.push_back(
-            {"  " + item.key(), cell(item.value()), cell(at(pending, item.key().c_str()))});
-    return rows;
+            {"  " + item.key(), cell(item.value()), cellAt(network, "/pending/" + item.key())});
+    return table(rows);
 }
 
-void addReference(std::vector<Row>& rows, const std::string& title, const Json& committed,
-                  const Json& staged) {
-    rows.push_back({"  " + title + " serial number", cell(at(committed, "serialNumber")),
-                    cell(at(staged, "serialNumber"))});
-    const Json values = at(committed, "values");
-    const Json others = at(staged, "values");
-    for (std::size_t index = 0; index < values.size(); ++index)
-        rows.push_back({"  " + title + " value " + std::to_string(index), cell(values[index]),
-                        index < others.size() ? cell(others[index]) : "-"});
-}
-
-std::vector<Row> calibrationRows(const Json& calibration) {
+std::string calibrationTable(const Json& calibration) {
     std::vector<Row> rows = {{"CALIBRATION", "COMMITTED", "STAGED"}};
-    const Json committed = at(calibration, "committed");
-    const Json staged = at(calibration, "staged");
-    addReference(rows, "white", at(committed, "white"), at(staged, "white"));
-    addReference(rows, "adapter", at(committed, "ambientAdapter"), at(staged, "ambientAdapter"));
-    rows.push_back({"  reserved", cell(at(committed, "reserved")), cell(at(staged, "reserved"))});
-    return rows;
+    const auto add = [&](const std::string& title, const std::string& pointer) {
+        rows.push_back({"  " + title, cellAt(calibration, "/committed" + pointer),
+                        cellAt(calibration, "/staged" + pointer)});
+    };
+    const auto addReference = [&](const std::string& title, const std::string& key) {
+        add(title + " serial number", '/' + key + "/serialNumber");
+        const std::size_t count = calibration["committed"][key]["values"].size();
+        for (std::size_t index = 0; index < count; ++index)
+            add(title + " value " + std::to_string(index),
+                '/' + key + "/values/" + std::to_string(index));
+    };
+    addReference("white", "white");
+    addReference("adapter", "ambientAdapter");
+    add("reserved", "/reserved");
+    return table(rows);
 }
 
-std::string stateOf(const Json& instrument) {
-    if (!instrument.value("plugged", false))
+std::string stateOf(const Json& entry) {
+    if (!entry["plugged"].get<bool>())
         return "unplugged";
-    if (instrument.value("starting", false))
+    if (entry["starting"].get<bool>())
         return "starting";
-    return instrument.value("connected", false) ? "connected" : "plugged";
+    return entry["connected"].get<bool>() ? "connected" : "plugged";
 }
 
-std::string portOf(const Json& port) {
-    return at(port, "type") == Json(1) ? "USB" : "network " + cell(at(port, "name"));
+std::string portAsText(const Json& port) {
+    return port["type"] == 1 ? "USB" : "network " + cell(port["name"]);
 }
 
 } // namespace
 
 std::string listAsText(const Json& instruments) {
     std::vector<Row> rows = {{"SERIAL", "STATE", "PORT"}};
-    for (const Json& instrument : instruments)
-        rows.push_back({cell(at(instrument, "serialNumber")), stateOf(instrument),
-                        portOf(at(instrument, "port"))});
+    for (const Json& entry : instruments)
+        rows.push_back({cell(entry["serialNumber"]), stateOf(entry), portAsText(entry["port"])});
     return table(rows);
 }
 
 std::string instrumentAsText(const Json& instrument) {
-    std::vector<Row> rows = {{"INSTRUMENT", cell(at(instrument, "serialNumber"))}};
-    rows.push_back({"  plugged", cell(at(instrument, "plugged"))});
-    rows.push_back({"  port", portOf(at(instrument, "port"))});
-    const Json device = at(instrument, "device");
-    for (const auto& item : device.items())
+    std::vector<Row> rows = {{"INSTRUMENT", cell(instrument["serialNumber"])},
+                             {"  plugged", cell(instrument["plugged"])},
+                             {"  port", portAsText(instrument["port"])}};
+    for (const auto& item : instrument["device"].items())
         rows.push_back({"  device " + item.key(), cell(item.value())});
     for (const char* key :
          {"wirelessModule", "factoryOptionsReserved", "powerOffMode", "startUpMs"})
-        rows.push_back({std::string("  ") + key, cell(at(instrument, key))});
-    return table(rows) + '\n' + table(networkRows(at(instrument, "network"))) + '\n' +
-           table(calibrationRows(at(instrument, "calibration")));
+        rows.push_back({std::string("  ") + key, cell(instrument[key])});
+    return table(rows) + '\n' + networkTable(instrument["network"]) + '\n' +
+           calibrationTable(instrument["calibration"]);
 }
 
 std::string faultsAsText(const Json& faults) {
@@ -133,11 +129,11 @@ std::string faultsAsText(const Json& faults) {
 }
 
 std::string callAsText(const Json& call) {
-    const std::string name = cell(at(call, "resultName"));
-    return at(call, "seq").dump() + "  " + cell(at(call, "function")) + ' ' +
-           printable(at(call, "arguments").dump()) + "  " +
-           (name.empty() ? at(call, "result").dump() : name) + "  " +
-           at(call, "durationUs").dump() + " us\n";
+    const std::string name = cell(call["resultName"]);
+    return call["seq"].dump() + "  " + cell(call["function"]) + ' ' +
+           printable(call["arguments"].dump()) + "  " +
+           (name.empty() ? call["result"].dump() : name) + "  " + call["durationUs"].dump() +
+           " us\n";
 }
 
 } // namespace kvasim

@@ -38,33 +38,17 @@ struct Options {
     bool follow = false;
 };
 
-struct FaultOptions {
-    std::string function = "*";
-    std::string call;
-    std::int32_t serialNumber = 0;
-    std::uint32_t times = 0;
-    double probability = 0;
-    std::uint32_t seed = 0;
-    std::string result;
-    std::uint32_t delayMs = 0;
-    bool dropped = false;
-    bool stale = false;
-    std::string corrupt;
-    std::uint32_t value = 0;
-    std::uint32_t flipped = 0;
-    std::uint32_t shortList = 0;
-    std::string unplug;
-    std::int32_t instrument = 0;
-};
-
 void print(const std::string& text) {
     std::fwrite(text.data(), 1, text.size(), stdout);
     std::fflush(stdout);
 }
 
 std::unique_ptr<BenchStore> open(const Options& options) {
-    return options.bench.empty() ? BenchStore::openOfEnvironment()
-                                 : BenchStore::open(options.bench);
+    auto store = options.bench.empty() ? BenchStore::openOfEnvironment()
+                                       : BenchStore::open(options.bench);
+    if (store->path().empty())
+        throw InputError("there is no bench file, name one with --bench");
+    return store;
 }
 
 void change(const Options& options, const std::function<void(Bench&)>& make) {
@@ -75,20 +59,15 @@ void change(const Options& options, const std::function<void(Bench&)>& make) {
     open(options)->change(makeAndSave, [](const Bench&) {});
 }
 
-void changeInstrument(const Options& options, const std::function<void(Json&)>& make) {
-    change(options, [&](Bench& next) { make(kvasim::instrumentOf(next, options.serialNumber)); });
-}
-
 Json listOf(const BenchStore& store) {
     Json list = Json::array();
     for (const Json& instrument : store.bench().instruments) {
         const std::int32_t serialNumber = kvasim::serialNumberOf(instrument);
         const bool isStarting = kvasim::isPlugged(instrument) && !kvasim::isReady(instrument);
-        const bool isConnected = store.lock() != nullptr && store.lock()->isHeld(serialNumber);
         list.push_back({{"serialNumber", serialNumber},
                         {"plugged", instrument["plugged"]},
                         {"starting", isStarting},
-                        {"connected", isConnected},
+                        {"connected", store.lock()->isHeld(serialNumber)},
                         {"port", instrument["port"]}});
     }
     return list;
@@ -114,76 +93,19 @@ void show(const Options& options) {
     print(options.json ? kvasim::formatJson(instrument) : kvasim::instrumentAsText(instrument));
 }
 
-void plug(const Options& options, bool plugged) {
-    changeInstrument(options, [&](Json& instrument) {
-        if (kvasim::isPlugged(instrument) != plugged)
-            kvasim::setPlugged(instrument, plugged);
-    });
-}
+/** A command that changes one instrument. */
+using Make = std::function<void(Json& instrument)>;
 
-void powerCycle(const Options& options) {
-    changeInstrument(
-        options, [](Json& instrument) { kvasim::powerCycle(instrument, kvasim::StartUp::Timed); });
-}
-
-void set(const Options& options) {
+void changeInstrument(const Options& options, const Make& make) {
     change(options, [&](Bench& next) {
-        Json& instrument = kvasim::instrumentOf(next, options.serialNumber);
-        for (const std::string& assignment : options.assignments)
-            kvasim::assign(instrument, assignment);
+        make(kvasim::instrumentOf(next, options.serialNumber));
         kvasim::requireDifferentSerialNumbers(next);
     });
 }
 
-bool isNumber(const std::string& text) {
-    const auto digits = text.substr(!text.empty() && text.front() == '-' ? 1 : 0);
-    return !digits.empty() && digits.size() < 12 &&
-           digits.find_first_not_of("0123456789") == std::string::npos;
-}
-
-Json corruptionOf(const CLI::App& app, const FaultOptions& given) {
-    Json corrupted = Json::object();
-    if (isNumber(given.corrupt))
-        corrupted["offset"] = std::stoll(given.corrupt);
-    else
-        corrupted["field"] = given.corrupt;
-    if (app.count("--value") > 0)
-        corrupted["value"] = given.value;
-    if (app.count("--xor") > 0)
-        corrupted["xor"] = given.flipped;
-    return corrupted;
-}
-
-/** The rule as the options say it; whether it is one is for its reader to say. */
-Json ruleOf(const CLI::App& app, const FaultOptions& given) {
-    Json rule = {{"function", given.function}};
-    const auto add = [&](const char* option, const char* key, const Json& value) {
-        if (app.count(option) > 0)
-            rule[key] = value;
-    };
-    add("--call", "call", given.call);
-    add("--serial", "serialNumber", given.serialNumber);
-    add("--times", "times", given.times);
-    add("--probability", "probability", given.probability);
-    add("--seed", "seed", given.seed);
-    if (app.count("--result") > 0)
-        rule["result"] =
-            isNumber(given.result) ? Json(std::stoll(given.result)) : Json(given.result);
-    add("--delay", "delayMs", given.delayMs);
-    add("--dropped", "dropped", true);
-    add("--stale", "stale", true);
-    if (app.count("--corrupt") > 0)
-        rule["corrupted"] = corruptionOf(app, given);
-    add("--short-list", "shortList", given.shortList);
-    add("--unplug", "unplug", given.unplug);
-    add("--instrument", "instrument", given.instrument);
-    return rule;
-}
-
-void addFault(const Options& options, const Json& rule) {
-    change(options, [&](Bench& next) {
-        kvasim::addFault(next.faults, kvasim::makeFaultRule(rule, "fault"));
-    });
+void plug(Json& instrument, bool plugged) {
+    if (kvasim::isPlugged(instrument) != plugged)
+        kvasim::setPlugged(instrument, plugged);
 }
 
 void listFaults(const Options& options) {
@@ -246,52 +168,94 @@ void addInstrumentCommands(CLI::App& app, Options& options) {
     command->add_flag("--reveal", options.reveal, "show security keys");
     command->callback([&] { show(options); });
 
-    addSerialCommand(app, "plug", "Attach an instrument", options)->callback([&] {
-        plug(options, true);
+    const auto addChange = [&](const char* name, const char* description, const Make& make) {
+        command = addSerialCommand(app, name, description, options);
+        command->callback([&options, make] { changeInstrument(options, make); });
+    };
+    addChange("plug", "Attach an instrument", [](Json& instrument) { plug(instrument, true); });
+    addChange("unplug", "Detach an instrument", [](Json& instrument) { plug(instrument, false); });
+    addChange("power-cycle", "Switch an instrument off and on",
+              [](Json& instrument) { kvasim::powerCycle(instrument, kvasim::StartUp::Timed); });
+    addChange("set", "Set fields of an instrument", [&options](Json& instrument) {
+        for (const std::string& assignment : options.assignments)
+            kvasim::assign(instrument, assignment);
     });
-    addSerialCommand(app, "unplug", "Detach an instrument", options)->callback([&] {
-        plug(options, false);
-    });
-    addSerialCommand(app, "power-cycle", "Switch an instrument off and on", options)->callback([&] {
-        powerCycle(options);
-    });
-
-    command = addSerialCommand(app, "set", "Set fields of an instrument", options);
     command
         ->add_option("ASSIGNMENT", options.assignments,
                      "FIELD=VALUE, the field as in show --json, for instance "
                      "network.active.SSID=lab or powerOffMode=2; null gives the default")
         ->required();
-    command->callback([&] { set(options); });
 }
 
-void addFaultOptions(CLI::App& add, FaultOptions& given) {
-    add.add_option("--function", given.function, "function by name, * for every one");
-    add.add_option("--call", given.call, "the nth call, a range (2-5) or every");
-    add.add_option("--serial", given.serialNumber, "calls for that instrument only");
-    add.add_option("--times", given.times, "how often");
-    add.add_option("--probability", given.probability, "chance of each call, above 0, to 1");
-    add.add_option("--seed", given.seed, "seed of the chance");
-    CLI::Option_group* kinds = add.add_option_group("Fault", "exactly one of");
-    kinds->add_option("--result", given.result, "answer this code, by name or number");
-    kinds->add_option("--delay", given.delayMs, "take so many milliseconds longer");
-    kinds->add_flag("--dropped", given.dropped, "accept the call without effect");
-    kinds->add_flag("--stale", given.stale, "answer as before the last write");
-    kinds->add_option("--corrupt", given.corrupt, "answer with that field or byte offset changed");
-    kinds->add_option("--short-list", given.shortList, "list no more ports than that");
-    kinds->add_option("--unplug", given.unplug, "detach before, during or after the call");
-    kinds->require_option(1);
-    add.add_option("--value", given.value, "with --corrupt: the value of each byte");
-    add.add_option("--xor", given.flipped, "with --corrupt: the bits that differ");
-    add.add_option("--instrument", given.instrument, "with --unplug: which instrument");
+/** An option of `fault add`, which gives a field of the rule. */
+struct FaultOption {
+    const char* name;
+    const char* pointer; ///< to the field
+    const char* help;
+    CLI::Option* (*add)(CLI::App& app, const FaultOption& option, Json& rule);
+};
+
+template <typename Value>
+CLI::Option* addValue(CLI::App& app, const FaultOption& option, Json& rule) {
+    const auto take = [&](const Value& value) { rule[Json::json_pointer(option.pointer)] = value; };
+    return app.add_option_function<Value>(option.name, take, option.help);
 }
 
-void addFaultCommands(CLI::App& app, Options& options, FaultOptions& given) {
+CLI::Option* addFlag(CLI::App& app, const FaultOption& option, Json& rule) {
+    const auto take = [&](std::int64_t) { rule[Json::json_pointer(option.pointer)] = true; };
+    return app.add_flag_function(option.name, take, option.help);
+}
+
+/** A number where the text is one; a field's name or a result's otherwise. */
+CLI::Option* addNumberOrName(CLI::App& app, const FaultOption& option, Json& rule) {
+    const auto take = [&](const std::string& text) {
+        const Json number = Json::parse(text, nullptr, false);
+        Json::json_pointer place(option.pointer);
+        if (number.is_number_integer() && place.back() == "field")
+            place = place.parent_pointer() / "offset";
+        rule[place] = number.is_number_integer() ? number : Json(text);
+    };
+    return app.add_option_function<std::string>(option.name, take, option.help);
+}
+
+constexpr FaultOption limits[] = {
+    {"--function", "/function", "function by name, * for every one", addValue<std::string>},
+    {"--call", "/call", "the nth call, a range (2-5) or every", addValue<std::string>},
+    {"--serial", "/serialNumber", "calls for that instrument only", addValue<std::int32_t>},
+    {"--times", "/times", "how often", addValue<std::uint32_t>},
+    {"--probability", "/probability", "chance of each call, above 0, to 1", addValue<double>},
+    {"--seed", "/seed", "seed of the chance", addValue<std::uint32_t>},
+    {"--value", "/corrupted/value", "with --corrupt: the value of each byte",
+     addValue<std::uint32_t>},
+    {"--xor", "/corrupted/xor", "with --corrupt: the bits that differ", addValue<std::uint32_t>},
+    {"--instrument", "/instrument", "with --unplug: which instrument", addValue<std::int32_t>},
+};
+constexpr FaultOption kinds[] = {
+    {"--result", "/result", "answer this code, by name or number", addNumberOrName},
+    {"--delay", "/delayMs", "take so many milliseconds longer", addValue<std::uint32_t>},
+    {"--dropped", "/dropped", "accept the call without effect", addFlag},
+    {"--stale", "/stale", "answer as before the last write", addFlag},
+    {"--corrupt", "/corrupted/field", "answer with that field or byte offset changed",
+     addNumberOrName},
+    {"--short-list", "/shortList", "list no more ports than that", addValue<std::uint32_t>},
+    {"--unplug", "/unplug", "detach before, during or after the call", addValue<std::string>},
+};
+
+void addFaultCommands(CLI::App& app, Options& options, Json& rule) {
     CLI::App* fault = app.add_subcommand("fault", "Rules that make calls fail");
     fault->require_subcommand(1);
     CLI::App* add = fault->add_subcommand("add", "Add a rule");
-    addFaultOptions(*add, given);
-    add->callback([&options, &given, add] { addFault(options, ruleOf(*add, given)); });
+    for (const FaultOption& option : limits)
+        option.add(*add, option, rule);
+    CLI::Option_group* kind = add->add_option_group("Fault", "exactly one of");
+    for (const FaultOption& option : kinds)
+        option.add(*kind, option, rule);
+    kind->require_option(1);
+    add->callback([&] {
+        change(options, [&](Bench& next) {
+            kvasim::addFault(next.faults, kvasim::makeFaultRule(rule, "fault"));
+        });
+    });
     CLI::App* rules = fault->add_subcommand("list", "List the rules in force");
     rules->add_flag("--json", options.json, "as JSON");
     rules->callback([&] { listFaults(options); });
@@ -318,14 +282,14 @@ void addLogAndBenchCommands(CLI::App& app, Options& options) {
 
 int run(int argumentCount, char** arguments) {
     Options options;
-    FaultOptions faultOptions;
+    Json rule = {{"function", "*"}};
     CLI::App app("Handles simulated instruments.", "kvasim");
     app.add_option("--bench", options.bench,
                    "bench file; left out: the one that the library takes");
     app.require_subcommand(1);
     app.fallthrough();
     addInstrumentCommands(app, options);
-    addFaultCommands(app, options, faultOptions);
+    addFaultCommands(app, options, rule);
     addLogAndBenchCommands(app, options);
     try {
         app.parse(argumentCount, arguments);
