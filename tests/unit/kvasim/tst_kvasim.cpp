@@ -2,6 +2,10 @@
 
 #include "KvasimTest.h"
 
+#include <QDeadlineTimer>
+
+#include <random>
+
 using namespace kvasimtest;
 
 namespace {
@@ -85,6 +89,7 @@ private Q_SLOTS:
     void eventsOfChanges();
     void fileChangedByHand();
     void fileThatStaysWrong();
+    void twoPrograms();
 
 private:
     std::unique_ptr<Bench> m_bench;
@@ -565,6 +570,54 @@ void TestKvasim::fileThatStaysWrong() {
     const QByteArray errors = holder.errors();
     QVERIFY2(errors.contains("bench.json: line 2, column 2: ") && errors.count('\n') == 1,
              errors.constData());
+}
+
+// VQTL4_PROGRAMS_SECONDS sets how long, VQTL4_PROGRAMS_SEED repeats the choices of a run.
+void TestKvasim::twoPrograms() {
+    bool isNumber = false;
+    const int given = qEnvironmentVariableIntValue("VQTL4_PROGRAMS_SECONDS", &isNumber);
+    const int seconds = isNumber ? given : 5;
+    const int seed = qEnvironmentVariableIsSet("VQTL4_PROGRAMS_SEED")
+                         ? qEnvironmentVariableIntValue("VQTL4_PROGRAMS_SEED")
+                         : static_cast<int>(std::random_device()() & 0xFFFFFFU);
+    qInfo("seed %d, %d seconds", seed, seconds);
+    Bench::write(m_bench->path(), R"({"version": 2, "instruments": [{"serialNumber": 1},
+        {"serialNumber": 2}, {"serialNumber": 3}, {"serialNumber": 4}]})");
+    KvaSim_Reset();
+    QProcess programs[2];
+    for (int index = 0; index < 2; ++index)
+        programs[index].start(BENCH_USER,
+                              {QString::number(index + 1), "3", QString::number(seed + index)});
+    const QDeadlineTimer deadline(1000 * seconds);
+    int changes = 0;
+    while (!deadline.hasExpired()) {
+        QFile file(m_bench->path());
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const json bench = json::parse(file.readAll().toStdString(), nullptr, false);
+        QVERIFY(bench.is_object() && bench["instruments"].size() == 4);
+        if (changes > 0)
+            QVERIFY(bench["instruments"][3]["device"]["serialNumber"] == changes);
+        const QString next = QString::number(++changes);
+        QCOMPARE(kvasim({"set", "4", "device.serialNumber=" + next}).errors, QByteArray());
+    }
+    std::array<std::array<int, 5>, 2> counts{}; // changes, plugs, events 0, losses, refusals
+    for (int index = 0; index < 2; ++index) {
+        programs[index].closeWriteChannel();
+        QVERIFY(programs[index].waitForFinished());
+        const QByteArray output = programs[index].readAllStandardOutput().trimmed();
+        QVERIFY2(programs[index].exitCode() == 0, output);
+        QCOMPARE(programs[index].readAllStandardError(), QByteArray());
+        qInfo("%s", output.constData());
+        const auto words = output.split(' ');
+        for (int word = 0; word < 5; ++word)
+            counts[index][word] = words.at(word).toInt();
+        const json own = instrument(index + 1)["device"]["serialNumber"];
+        QVERIFY(own == counts[index][0]);
+    }
+    qInfo("%d changes by kvasim", changes);
+    for (const auto& count : counts)
+        QVERIFY(count[2] <= counts[0][1] + counts[1][1]);
+    QVERIFY(changes > seconds && counts[0][0] > seconds && counts[1][0] > seconds);
 }
 
 QTEST_GUILESS_MAIN(TestKvasim)
