@@ -50,31 +50,21 @@ bool setTimeAfter(const Stamp& before, int file) {
     return ::futimens(file, times) == 0;
 }
 
-/** @return false with `errno` */
-bool writeAll(int file, const std::string& text) {
-    std::size_t written = 0;
-    while (written < text.size()) {
-        const ssize_t count = ::write(file, text.data() + written, text.size() - written);
-        if (count < 0 && errno != EINTR)
-            return false;
-        written += count > 0 ? static_cast<std::size_t>(count) : 0;
-    }
-    return true;
-}
-
-/** Writes the new file, with the mode and after the time of the one that it will replace.
-    @return 0 or the system's error number */
-int writeBeside(int file, const std::string& path, const std::string& text, Stamp& stamp) {
+/** Writes the new file, with the mode and after the time of the one that it will replace, and
+   closes it. @return 0 or the system's error number */
+int writeBeside(std::FILE* stream, const std::string& path, const std::string& text, Stamp& stamp) {
+    const int file = ::fileno(stream);
     struct stat old {};
-    const bool isThere = ::stat(path.c_str(), &old) == 0;
     struct stat made {};
-    const bool good = ::fcntl(file, F_SETFD, FD_CLOEXEC) == 0 &&
-                      (!isThere || ::fchmod(file, old.st_mode & 0777U) == 0) &&
-                      writeAll(file, text) &&
-                      setTimeAfter(isThere ? stampOf(old) : Stamp{}, file) && ::fsync(file) == 0 &&
-                      ::fstat(file, &made) == 0;
+    const bool isThere = ::stat(path.c_str(), &old) == 0;
+    const bool isWritten = ::fcntl(file, F_SETFD, FD_CLOEXEC) == 0 &&
+                           (!isThere || ::fchmod(file, old.st_mode & 0777U) == 0) &&
+                           std::fputs(text.c_str(), stream) >= 0 && std::fflush(stream) == 0 &&
+                           setTimeAfter(stampOf(old), file) && ::fsync(file) == 0 &&
+                           ::fstat(file, &made) == 0;
+    const int error = isWritten ? 0 : errno;
     stamp = stampOf(made);
-    return good ? 0 : errno;
+    return std::fclose(stream) != 0 && isWritten ? errno : error;
 }
 
 /** The folder's entry for the new file is flushed too, so that a power cut does not bring the old
@@ -148,9 +138,7 @@ Stamp writeBenchFile(const std::string& path, const Bench& bench) {
     if (file < 0)
         fail(path, "cannot be saved", errno);
     Stamp stamp{};
-    int error = writeBeside(file, path, text, stamp);
-    if (::close(file) != 0 && error == 0)
-        error = errno;
+    int error = writeBeside(::fdopen(file, "wb"), path, text, stamp);
     if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0)
         error = errno;
     if (error != 0) {

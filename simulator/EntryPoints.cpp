@@ -60,7 +60,7 @@ KVA_RESULT readInto(Function function, Record* target, const kvasim::Record& rec
         });
         if (result != KVA_SUCCESS || effects.answerIsLost())
             return result;
-        kvasim::corrupt(effects, function, &answer, sizeof answer);
+        kvasim::corrupt(effects, function, &answer);
         *target = answer;
         return result;
     };

@@ -48,23 +48,17 @@ Json callToJson(const FaultRule& rule) {
     return std::to_string(rule.firstCall) + '-' + std::to_string(rule.lastCall);
 }
 
-Json readNumber(const Json& value, const std::string& path) {
-    return readUint32(value, path);
-}
-
-Json readSerialNumber(const Json& value, const std::string& path) {
-    return readInt32(value, path);
-}
-
-Json readTimes(const Json& value, const std::string& path) {
-    return readInteger(value, path, 1, UINT32_MAX);
-}
-
 Json readProbability(const Json& value, const std::string& path) {
     const double probability = value.is_number() ? value.get<double>() : 0;
     if (!(probability > 0 && probability <= 1))
         refuse(path, "must be a number above 0, to 1");
     return value;
+}
+
+/** A number of the type. */
+template <typename Number>
+Json number(const Json& value, const std::string& path) {
+    return readNumber<Number>(value, path);
 }
 
 /** What a rule may have beside its function, its calls and its kind. */
@@ -73,12 +67,12 @@ struct Limit {
     Json (*read)(const Json& value, const std::string& path);
     const char* needs; /**< another field, without which it is refused; null: none */
 };
-constexpr std::array<Limit, 6> limits = {{{"serialNumber", readSerialNumber, nullptr},
-                                          {"times", readTimes, nullptr},
+constexpr std::array<Limit, 6> limits = {{{"serialNumber", number<std::int32_t>, nullptr},
+                                          {"times", number<std::uint32_t>, nullptr},
                                           {"probability", readProbability, nullptr},
-                                          {"seed", readNumber, "probability"},
-                                          {"instrument", readSerialNumber, "unplug"},
-                                          {"id", readNumber, nullptr}}};
+                                          {"seed", number<std::uint32_t>, "probability"},
+                                          {"instrument", number<std::int32_t>, "unplug"},
+                                          {"id", number<std::uint32_t>, nullptr}}};
 
 void readKind(JsonFields& fields, FaultRule& rule) {
     for (const FaultKind& kind : faultKinds()) {
@@ -137,6 +131,8 @@ FaultRule makeFaultRule(const Json& json, const std::string& path) {
         if (limit.needs != nullptr && !json.contains(limit.needs))
             refuse(fields.pathOf(limit.key), std::string("needs the field ") + limit.needs);
     }
+    if (rule.json.value("times", 1) == 0)
+        refuse(fields.pathOf("times"), "must be 1 or more");
     readKind(fields, rule);
     fields.finish();
     return rule;

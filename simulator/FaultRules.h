@@ -21,14 +21,6 @@
 
 namespace kvasim {
 
-/** Bytes of an answer that differ. */
-struct Corruption {
-    std::string field;                 /**< empty: one byte, at the offset */
-    std::size_t offset = 0;            /**< in the record, when there is no field */
-    std::optional<std::uint8_t> value; /**< of each byte; nothing: flipped as in `flipped` */
-    std::uint8_t flipped = 0xFF;       /**< the bits that differ */
-};
-
 enum class Moment { Before, During, After };
 
 /** An instrument is detached at some moment of the call. */
@@ -43,7 +35,7 @@ struct CallEffects {
     std::chrono::milliseconds delay{0};
     bool dropped = false;
     bool stale = false;
-    std::vector<Corruption> corruptions;
+    std::vector<Json> corruptions; /**< values of "corrupted" */
     std::optional<std::uint32_t> longestList;
     std::optional<Unplugging> unplug; /**< of the first rule that detaches */
 
@@ -53,9 +45,8 @@ struct CallEffects {
     bool answerIsLost() const { return unplugs(Moment::During); }
 };
 
-/** Applies the corruptions that are meant for an answer of @p function.
-    @param record of @p size bytes; bytes beyond are not touched */
-void corrupt(const CallEffects& effects, Function function, void* record, std::size_t size);
+/** Applies the corruptions that are meant for an answer of @p function. */
+void corrupt(const CallEffects& effects, Function function, void* record);
 
 struct FaultRule;
 

@@ -107,9 +107,9 @@ void readBytes(const Json& value, const std::string& path, std::uint8_t* bytes, 
             refuse(fields.pathOf("hex"),
                    "must be exactly " + std::to_string(size) + " bytes of hexadecimal");
     } else if (const Json* fill = fields.find("fill")) {
-        std::fill_n(bytes, size, readUint8(*fill, fields.pathOf("fill")));
+        std::fill_n(bytes, size, readNumber<std::uint8_t>(*fill, fields.pathOf("fill")));
     } else if (const Json* seed = fields.find("seed")) {
-        fillFromSeed(readUint32(*seed, fields.pathOf("seed")), bytes, size);
+        fillFromSeed(readNumber<std::uint32_t>(*seed, fields.pathOf("seed")), bytes, size);
     }
     fields.finish();
 }
@@ -222,14 +222,14 @@ void Field::read(const Json& value, const std::string& path, std::uint8_t* recor
     case Kind::Module:
         if (!value.is_boolean() && !value.is_number())
             refuse(path, "must be true, false or a whole number from 0 to 255");
-        return store(bytes,
-                     value.is_boolean() ? std::uint8_t{value.get<bool>()} : readUint8(value, path));
+        return store(bytes, value.is_boolean() ? std::uint8_t{value.get<bool>()}
+                                               : readNumber<std::uint8_t>(value, path));
     case Kind::Byte:
-        return store(bytes, readUint8(value, path));
+        return store(bytes, readNumber<std::uint8_t>(value, path));
     case Kind::Int32:
-        return store(bytes, readInt32(value, path));
+        return store(bytes, readNumber<std::int32_t>(value, path));
     case Kind::Uint32:
-        return store(bytes, readUint32(value, path));
+        return store(bytes, readNumber<std::uint32_t>(value, path));
     case Kind::Duration:
         return store(bytes, static_cast<std::uint32_t>(readInteger(value, path, 0, maxDurationMs)));
     case Kind::Time:

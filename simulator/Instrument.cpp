@@ -139,7 +139,7 @@ Json makeInstrument(const Json& json, const std::string& path) {
     const std::string serialPath = joined(path, "serialNumber");
     if (!json.contains("serialNumber"))
         refuse(serialPath, "is missing");
-    Json instrument = defaultsFor(readInt32(json["serialNumber"], serialPath));
+    Json instrument = defaultsFor(readNumber<std::int32_t>(json["serialNumber"], serialPath));
     overlay(instrument, json, path);
     for (const Optional& optional : optionals) {
         Json& given = instrument[pointerTo(optional.place)];

@@ -141,34 +141,12 @@ void JsonFields::finish() const {
 
 std::int64_t readInteger(const Json& value, const std::string& path, std::int64_t lowest,
                          std::int64_t highest) {
-    bool fits = false;
-    std::int64_t number = 0;
-    if (value.is_number_unsigned()) {
-        const auto large = value.get<std::uint64_t>();
-        fits = large <= static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max());
-        number = fits ? static_cast<std::int64_t>(large) : 0;
-    } else if (value.is_number_integer()) {
-        fits = true;
-        number = value.get<std::int64_t>();
-    }
-    if (!fits || number < lowest || number > highest)
+    const bool isLarge = value.is_number_unsigned() && value.get<std::uint64_t>() > INT64_MAX;
+    const std::int64_t number = value.is_number_integer() ? value.get<std::int64_t>() : 0;
+    if (!value.is_number_integer() || isLarge || number < lowest || number > highest)
         refuse(path, "must be a whole number from " + std::to_string(lowest) + " to " +
                          std::to_string(highest));
     return number;
-}
-
-std::int32_t readInt32(const Json& value, const std::string& path) {
-    using Limits = std::numeric_limits<std::int32_t>;
-    return static_cast<std::int32_t>(readInteger(value, path, Limits::min(), Limits::max()));
-}
-
-std::uint32_t readUint32(const Json& value, const std::string& path) {
-    using Limits = std::numeric_limits<std::uint32_t>;
-    return static_cast<std::uint32_t>(readInteger(value, path, 0, Limits::max()));
-}
-
-std::uint8_t readUint8(const Json& value, const std::string& path) {
-    return static_cast<std::uint8_t>(readInteger(value, path, 0, 255));
 }
 
 bool readBool(const Json& value, const std::string& path) {

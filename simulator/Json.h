@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -75,10 +76,12 @@ private:
 std::int64_t readInteger(const Json& value, const std::string& path, std::int64_t lowest,
                          std::int64_t highest);
 
-/** An integer that fits the type. */
-std::int32_t readInt32(const Json& value, const std::string& path);
-std::uint32_t readUint32(const Json& value, const std::string& path);
-std::uint8_t readUint8(const Json& value, const std::string& path);
+/** An integer that fits the type, of 32 bits at most. */
+template <typename Number>
+Number readNumber(const Json& value, const std::string& path) {
+    using Limits = std::numeric_limits<Number>;
+    return static_cast<Number>(readInteger(value, path, Limits::min(), Limits::max()));
+}
 
 bool readBool(const Json& value, const std::string& path);
 std::string readString(const Json& value, const std::string& path);

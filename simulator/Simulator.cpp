@@ -145,7 +145,7 @@ KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
     if (list != nullptr)
         length = std::min(length, static_cast<std::size_t>(capacity));
     for (std::size_t index = 0; list != nullptr && index < length; ++index) {
-        corrupt(effects, Function::GetDevicePortList, &answer[index], sizeof answer[index]);
+        corrupt(effects, Function::GetDevicePortList, &answer[index]);
         list[index] = answer[index];
     }
     count = static_cast<std::int32_t>(length);

@@ -6,6 +6,7 @@
 
 #include "simulator/Json.h"
 
+#include <functional>
 #include <string>
 
 namespace kvasim {
@@ -22,6 +23,13 @@ std::string faultsAsText(const Json& faults);
 
 /** One call of the log in a line. */
 std::string callAsText(const Json& call);
+
+/** Hands over the calls of a log file, oldest first, and then those that are added to it, also when
+    the file has been moved away and a new one begun.
+    @param path the file; no calls where there is none
+    @param goOn asked each time the end is reached; the log is read once more after it said no */
+void followLog(const std::string& path, const std::function<void(const Json&)>& take,
+               const std::function<bool()>& goOn);
 
 } // namespace kvasim
 

@@ -2,7 +2,6 @@
 
 #include "simulator/BenchStore.h"
 #include "simulator/CallLog.h"
-#include "simulator/kvasim/Follow.h"
 #include "simulator/kvasim/Show.h"
 
 #include <CLI/CLI.hpp>
@@ -44,8 +43,8 @@ void print(const std::string& text) {
 }
 
 std::unique_ptr<BenchStore> open(const Options& options) {
-    auto store = options.bench.empty() ? BenchStore::openOfEnvironment()
-                                       : BenchStore::open(options.bench);
+    auto store =
+        options.bench.empty() ? BenchStore::openOfEnvironment() : BenchStore::open(options.bench);
     if (store->path().empty())
         throw InputError("there is no bench file, name one with --bench");
     return store;

@@ -6,7 +6,7 @@
 #define TESTS_UNIT_KVASIM_KVASIMTEST_H
 
 #include "instrument/KvaSdk.h"
-#include "simulator/KvaSimHelpers.h"
+#include "tests/support/KvaSimHelpers.h"
 
 #include <QDir>
 #include <QFile>

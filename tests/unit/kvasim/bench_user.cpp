@@ -5,7 +5,7 @@
 //     bench_user OWN_SERIAL SHARED_SERIAL SEED
 
 #include "instrument/KvaSdk.h"
-#include "simulator/KvaSimHelpers.h"
+#include "tests/support/KvaSimHelpers.h"
 
 #include <atomic>
 #include <chrono>

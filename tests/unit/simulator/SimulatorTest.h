@@ -6,7 +6,7 @@
 #define TESTS_UNIT_SIMULATOR_SIMULATORTEST_H
 
 #include "instrument/KvaSdk.h"
-#include "simulator/KvaSimHelpers.h"
+#include "tests/support/KvaSimHelpers.h"
 
 #include <QByteArray>
 #include <QDateTime>

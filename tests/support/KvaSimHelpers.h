@@ -1,8 +1,8 @@
 /**
  * KvaSim.h for C++: texts as std::string and JSON, owned by the caller.
  */
-#ifndef SIMULATOR_KVASIMHELPERS_H
-#define SIMULATOR_KVASIMHELPERS_H
+#ifndef TESTS_SUPPORT_KVASIMHELPERS_H
+#define TESTS_SUPPORT_KVASIMHELPERS_H
 
 #include "simulator/KvaSim.h"
 
