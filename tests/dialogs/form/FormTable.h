@@ -2,9 +2,7 @@
 #define TESTS_DIALOGS_FORM_FORMTABLE_H
 
 #include <QDialog>
-#include <QRect>
-#include <QSizePolicy>
-#include <QString>
+#include <QImage>
 #include <QVariant>
 #include <QVector>
 
@@ -22,32 +20,38 @@ using Settings = QVector<Setting>;
 struct WidgetRow {
     const char* name;
     const char* className;
-    const char* parent; ///< object name; of a tab page: of the tab widget
-    QRect geometry;     ///< relative to the parent; null for a tab page
-    /** Label, title or, of a tab page, the text of its tab. Empty: the widget shows none. Null: the
-        form sets none. */
-    const char* text;
+    QRect geometry;   ///< relative to the parent; null for a tab page
+    const char* text; ///< label, title or, of a tab page, the text of its tab
     Settings settings;
+    const char* parent = nullptr; ///< object name; of a tab page: of the tab widget
 };
 
 /** A form: the widgets in the order of their creation. */
 struct FormTable {
     const char* name; ///< class and object name of the dialog
     const char* title;
+    const char* japaneseTitle;
     QSize size;
     QSizePolicy::Policy sizePolicy; ///< of the dialog, both ways
     std::function<std::unique_ptr<QDialog>()> create;
-    QVector<WidgetRow> rows;
+    QVector<WidgetRow> widgets;
 };
+Q_DECLARE_METATYPE(FormTable)
 
-QVector<WidgetRow> settingFormRows();
 FormTable settingForm();
 FormTable langSelectForm();
 FormTable connectSelectForm();
+QVector<FormTable> allForms();
 
-inline QVector<FormTable> allForms() {
-    return {settingForm(), langSelectForm(), connectSelectForm()};
-}
+/** A test row: one widget of one form. */
+struct FormWidget {
+    QByteArray name; ///< of form and widget
+    FormTable form;
+    WidgetRow widget;
+};
+Q_DECLARE_METATYPE(FormWidget)
+
+QVector<FormWidget> allWidgets();
 
 /** The window itself or its widget of that name; null when there is none, or more than one. */
 QWidget* findWidget(QDialog& dialog, const char* name);
@@ -55,14 +59,13 @@ QWidget* findWidget(QDialog& dialog, const char* name);
 /** What a widget shows for text: label, title, content or, of a tab page, the text of its tab. */
 QString shownText(QDialog& dialog, const WidgetRow& row);
 
-/** What flags read back as once they are set for a window without parent: Qt adds what belongs to
-    them, such as Qt::Window. */
-Qt::WindowFlags onceSet(Qt::WindowFlags flags);
+/** The icon that a window shows, and the one that the program's windows have to show. */
+QImage iconOf(const QWidget& window);
+QImage programIcon();
 
-/** Adds a test row for each form: "form" (its index in allForms). */
-void addFormRows();
-
-/** Adds a test row for each widget of each form: "form" (its index in allForms), "row". */
-void addWidgetRows();
+/** The flags of a window without close button and of one with it, as they read back: Qt adds what
+    belongs to them, such as Qt::Window. */
+Qt::WindowFlags titledFlags();
+Qt::WindowFlags closableFlags();
 
 #endif

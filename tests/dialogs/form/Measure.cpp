@@ -42,18 +42,15 @@ QRect drawnRect(const QWidget& widget, const QString& text, Qt::Alignment alignm
             ink.height()};
 }
 
-QRect wrappedRect(const QLabel& label, const QRect& space) {
-    return label.fontMetrics().boundingRect(
-        QRect(space.topLeft(), QSize(space.width(), QWIDGETSIZE_MAX)), Qt::TextWordWrap,
-        label.text());
-}
-
 ShownText textOf(const QLabel& label) {
     const int margin = label.margin();
     const QRect space = label.contentsRect().adjusted(margin, margin, -margin, -margin);
-    const QRect rect = label.wordWrap() ? wrappedRect(label, space)
-                                        : drawnRect(label, label.text(), label.alignment(), space);
-    return {&label, label.text(), rect, space};
+    if (!label.wordWrap())
+        return {&label, label.text(), drawnRect(label, label.text(), label.alignment(), space),
+                space};
+    const QRect endless(space.topLeft(), QSize(space.width(), QWIDGETSIZE_MAX));
+    return {&label, label.text(),
+            label.fontMetrics().boundingRect(endless, Qt::TextWordWrap, label.text()), space};
 }
 
 ShownText textOf(const QAbstractButton& button, QStyle::SubElement contents,
@@ -139,17 +136,23 @@ const QWidget* coverOf(const ShownText& shown) {
 }
 
 QString describe(const QRect& rect) {
-    return QStringLiteral("%1,%2 %3x%4")
-        .arg(rect.x())
-        .arg(rect.y())
-        .arg(rect.width())
-        .arg(rect.height());
+    const QPoint at = rect.topLeft();
+    return QString::asprintf("%d,%d %dx%d", at.x(), at.y(), rect.width(), rect.height());
 }
 
 } // namespace
 
-bool Measure::usesProgramFont() {
-    QApplication::setFont(QFont(QStringLiteral("San Francisco"), 13, QFont::Normal, false));
+Measure::ProgramFont::ProgramFont() : m_before(QApplication::font()) {
+    QApplication::setAttribute(Qt::AA_Use96Dpi, false);
+    QApplication::setFont(QFont("San Francisco", 13, QFont::Normal, false));
+}
+
+Measure::ProgramFont::~ProgramFont() {
+    QApplication::setAttribute(Qt::AA_Use96Dpi, true);
+    QApplication::setFont(m_before);
+}
+
+bool Measure::ProgramFont::isInUse() const {
     return qRound(QGuiApplication::primaryScreen()->logicalDotsPerInchY()) == 72 &&
            QFontInfo(QApplication::font()).pixelSize() == 13;
 }
@@ -176,10 +179,10 @@ QStringList Measure::misfits(const QWidget& window) {
             QStringLiteral("%1 \"%2\"").arg(shown.widget->objectName(), shown.text);
         const QRect space = shown.space & visiblePart(*shown.widget);
         if (!space.contains(shown.rect))
-            found.append(QStringLiteral("%1 takes %2 of %3")
-                             .arg(name, describe(shown.rect), describe(space)));
+            found.append(
+                QString("%1 takes %2 of %3").arg(name, describe(shown.rect), describe(space)));
         if (const QWidget* cover = coverOf(shown))
-            found.append(QStringLiteral("%1 lies under %2").arg(name, cover->objectName()));
+            found.append(QString("%1 lies under %2").arg(name, cover->objectName()));
     }
     return found;
 }

@@ -7,9 +7,20 @@
 /** Whether the texts of windows are shown whole. All sizes in pixels. */
 namespace Measure {
 
-/** Gives the application the font of the program, and says whether a point is a pixel, as the
-    windows are designed for. */
-bool usesProgramFont();
+/** Gives the application the font of the program, and the points the size of a pixel that the
+    windows are designed for, while it exists. */
+class ProgramFont {
+public:
+    ProgramFont();
+    ~ProgramFont();
+    ProgramFont(const ProgramFont&) = delete;
+    ProgramFont& operator=(const ProgramFont&) = delete;
+
+    bool isInUse() const;
+
+private:
+    const QFont m_before;
+};
 
 /** The characters of a text that no installed font can draw. */
 QString missingGlyphs(const QString& text);

@@ -2,28 +2,32 @@
 #define TESTS_DIALOGS_FORM_SETTINGWINDOW_H
 
 #include "dialogs/InitSettingDialog.h"
+#include "instrument/CKvaSdk_Ctrl.h"
+#include "tests/support/TestBench.h"
 
 #include <memory>
-
-class CKvaSdk_Ctrl;
 
 /** The settings dialog with a controller of its own, on a bench of one simulated instrument. */
 class SettingWindow {
 public:
-    SettingWindow();
-    ~SettingWindow();
-    SettingWindow(const SettingWindow&) = delete;
-    SettingWindow& operator=(const SettingWindow&) = delete;
+    SettingWindow() {
+        TestBench::load();
+        ctrl = std::make_shared<CKvaSdk_Ctrl>();
+        dialog->setSdkCtrl(ctrl);
+    }
 
     /** Connects to the instrument, as the start-up sequence does, and shows the window. False when
         it could not connect. */
-    bool connectAndShow();
-
-    /** How often the simulated library was asked for this function. */
-    static int callsOf(const char* function);
+    bool connectAndShow() {
+        if (!ctrl->GetDevicePortList())
+            return false;
+        dialog->connectDevice(0, true);
+        dialog->show();
+        return ctrl->m_connected;
+    }
 
     std::shared_ptr<CKvaSdk_Ctrl> ctrl;
-    std::unique_ptr<InitSettingDialog> dialog;
+    std::unique_ptr<InitSettingDialog> dialog = std::make_unique<InitSettingDialog>();
 };
 
 #endif

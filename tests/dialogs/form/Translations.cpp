@@ -1,28 +1,22 @@
 #include "tests/dialogs/form/Translations.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QXmlStreamReader>
+#include <QtTest>
 
 namespace {
-
-QString compiledTranslationPath(const QString& language) {
-    QDir base(QCoreApplication::applicationDirPath());
-    base.cdUp();
-    return base.absoluteFilePath(QStringLiteral("Resources/%1.qm").arg(language));
-}
 
 TranslationEntry readEntry(QXmlStreamReader& xml, const QString& context) {
     TranslationEntry entry;
     entry.context = context;
     while (xml.readNextStartElement()) {
-        if (xml.name() == QLatin1String("source")) {
+        if (xml.name() == "source") {
             entry.source = xml.readElementText();
-        } else if (xml.name() == QLatin1String("comment")) {
+        } else if (xml.name() == "comment") {
             entry.comment = xml.readElementText();
-        } else if (xml.name() == QLatin1String("translation")) {
-            entry.type = xml.attributes().value(QLatin1String("type")).toString();
+        } else if (xml.name() == "translation") {
+            entry.type = xml.attributes().value("type").toString();
             entry.translation = xml.readElementText(QXmlStreamReader::IncludeChildElements);
         } else {
             xml.skipCurrentElement();
@@ -34,7 +28,7 @@ TranslationEntry readEntry(QXmlStreamReader& xml, const QString& context) {
 } // namespace
 
 QString translationSourcePath(const QString& language) {
-    return QStringLiteral(TRANSLATION_SOURCES "/%1.ts").arg(language);
+    return TRANSLATION_SOURCES "/" + language + ".ts";
 }
 
 QVector<TranslationEntry> readTranslationSource(const QString& path) {
@@ -47,30 +41,37 @@ QVector<TranslationEntry> readTranslationSource(const QString& path) {
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
-        if (xml.name() == QLatin1String("name"))
+        if (xml.name() == "name")
             context = xml.readElementText();
-        else if (xml.name() == QLatin1String("message"))
+        else if (xml.name() == "message")
             entries.append(readEntry(xml, context));
     }
     return xml.hasError() ? QVector<TranslationEntry>() : entries;
 }
 
+QVector<TranslationEntry> entriesOf(const QString& language) {
+    const auto entries = readTranslationSource(translationSourcePath(language));
+    if (entries.isEmpty())
+        QTest::qFail(qPrintable("no translations: " + language), __FILE__, __LINE__);
+    return entries;
+}
+
 QString translationOf(const QString& language, const QString& context, const QString& source) {
-    for (const TranslationEntry& entry : readTranslationSource(translationSourcePath(language))) {
+    for (const TranslationEntry& entry : entriesOf(language)) {
         if (entry.context == context && entry.source == source)
             return entry.translation;
     }
     return {};
 }
 
-InstalledTranslation::InstalledTranslation(const QString& language)
-    : m_isLoaded(
-          m_translator.load(compiledTranslationPath(language), QString(), QString(), QString())) {
-    QCoreApplication::installTranslator(&m_translator);
+InstalledTranslation::InstalledTranslation(const QString& language) {
+    const QString folder = QCoreApplication::applicationDirPath() + "/../Resources/";
+    QVERIFY2(load(folder + language + ".qm"), qPrintable(language));
+    QCoreApplication::installTranslator(this);
 }
 
 InstalledTranslation::~InstalledTranslation() {
-    QCoreApplication::removeTranslator(&m_translator);
+    QCoreApplication::removeTranslator(this);
 }
 
 MarkingTranslator::MarkingTranslator() {
@@ -87,5 +88,5 @@ QString MarkingTranslator::translate(const char* context, const char* sourceText
 }
 
 QString MarkingTranslator::marked(const char* context, const char* source) {
-    return QStringLiteral("[%1|%2]").arg(QString::fromUtf8(context), QString::fromUtf8(source));
+    return QString("[%1|%2]").arg(context, source);
 }

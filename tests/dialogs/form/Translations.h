@@ -1,7 +1,6 @@
 #ifndef TESTS_DIALOGS_FORM_TRANSLATIONS_H
 #define TESTS_DIALOGS_FORM_TRANSLATIONS_H
 
-#include <QString>
 #include <QTranslator>
 #include <QVector>
 
@@ -14,8 +13,13 @@ struct TranslationEntry {
     QString type; ///< of the translation: "unfinished", "vanished", "obsolete"; empty: finished
 };
 
-/** The languages of the tool, by the base names of their files. */
-inline const char* const languages[] = {"en", "jp"};
+/** A test row: a language of the tool, by the base name of its files. */
+struct LanguageRow {
+    const char* name;
+};
+Q_DECLARE_METATYPE(LanguageRow)
+
+inline const QVector<LanguageRow> languages = {{"en"}, {"jp"}};
 
 /** The path of the source file of a language. */
 QString translationSourcePath(const QString& language);
@@ -23,22 +27,18 @@ QString translationSourcePath(const QString& language);
 /** The entries of a translation source file; empty when it cannot be read or parsed. */
 QVector<TranslationEntry> readTranslationSource(const QString& path);
 
+/** The entries of a language's source file. The test fails when there are none. */
+QVector<TranslationEntry> entriesOf(const QString& language);
+
 /** The translation that a language's source file gives; null when there is none. */
 QString translationOf(const QString& language, const QString& context, const QString& source);
 
-/** Installs a language's compiled file from the Resources folder, while it exists. */
-class InstalledTranslation {
+/** Installs a language's compiled file from the Resources folder, while it exists. The test
+    fails when the file cannot be loaded. */
+class InstalledTranslation : public QTranslator {
 public:
     explicit InstalledTranslation(const QString& language);
-    ~InstalledTranslation();
-    InstalledTranslation(const InstalledTranslation&) = delete;
-    InstalledTranslation& operator=(const InstalledTranslation&) = delete;
-
-    bool isLoaded() const { return m_isLoaded; }
-
-private:
-    QTranslator m_translator;
-    bool m_isLoaded;
+    ~InstalledTranslation() override;
 };
 
 /** Marks each text that is looked up, so that what was looked up, and in which context, can be

@@ -1,15 +1,97 @@
-#include "tests/dialogs/form/InstrumentList.h"
+#include "dialogs/ConnectSelectDialog.h"
 
+#include "dialogs/DialogSupport.h"
 #include "instrument/CKvaSdk_Ctrl.h"
-#include "simulator/KvaSim.h"
 #include "tests/dialogs/form/FormTable.h"
 #include "tests/dialogs/form/Translations.h"
 #include "tests/support/DebugLog.h"
+#include "tests/support/TestBench.h"
+#include "tests/support/TestMain.h"
 
-#include <QIcon>
-#include <QtTest>
+#include <QElapsedTimer>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTimer>
 
-using namespace InstrumentList;
+#include <algorithm>
+
+namespace {
+
+const QStringList three = {"VARNE-1(USB,Serial#1000001)", "VARNE-1(192.168.0.20,Serial#1000002)",
+                           "VARNE-1(192.168.0.21,Serial#1000003)"};
+const QStringList two = {"VARNE-1(USB,Serial#1000007)", "VARNE-1(USB,Serial#1000008)"};
+
+/** The dialog as a user sees and handles it. */
+class Dialog : public ConnectSelectDialog {
+public:
+    QListWidget& list() const { return *findChild<QListWidget*>("connectlistWidget"); }
+    QPushButton& okButton() const { return *findChild<QPushButton*>("pushButton"); }
+
+    /** Lists the devices, shows the window and clicks the row. @param row negative: none */
+    void open(const QStringList& devices, int row = -1) {
+        setDeviceList(devices);
+        show();
+        clickRow(row);
+    }
+
+    void clickOk() const { QTest::mouseClick(&okButton(), Qt::LeftButton); }
+
+    /** @param row  negative: none */
+    void clickRow(int row) const {
+        if (row >= 0)
+            QTest::mouseClick(list().viewport(), Qt::LeftButton, Qt::NoModifier,
+                              list().visualItemRect(list().item(row)).center());
+    }
+
+    QStringList rows() const {
+        QStringList texts;
+        for (int i = 0; i < list().count(); ++i)
+            texts.append(list().item(i)->text());
+        return texts;
+    }
+};
+
+QString selectedLine(int row) {
+    return QString("select portNum[ConnectSelectDialog]:%1").arg(row);
+}
+
+QString chosenLine(int row) {
+    return QString("select portNum[main]:%1").arg(row);
+}
+
+struct ListedRow {
+    const char* name;
+    QStringList devices;
+};
+
+/** What is done to a dialog while it waits for the choice: a step each time that it is visible. */
+class User {
+public:
+    User(const QWidget& window, QVector<std::function<void()>> steps)
+        : m_window(window), m_steps(std::move(steps)) {
+        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
+            if (!isDone() && m_window.isVisible())
+                m_steps[m_next++]();
+        });
+        m_timer.start(1);
+        m_elapsed.start();
+    }
+
+    /** The window that the user was waiting for has not come in time. */
+    bool hasGivenUp() const { return m_elapsed.hasExpired(10000); }
+    bool isDone() const { return m_next == m_steps.size(); }
+
+private:
+    const QWidget& m_window;
+    QVector<std::function<void()>> m_steps;
+    int m_next = 0;
+    QTimer m_timer;
+    QElapsedTimer m_elapsed;
+};
+
+} // namespace
+
+Q_DECLARE_METATYPE(ListedRow)
 
 /** The instrument selection dialog. */
 class TestConnectSelectDialog : public QObject {
@@ -22,254 +104,279 @@ private Q_SLOTS:
     void listed();
     void preparedWindow();
     void titleIsTranslatedWhenPrepared();
-    void okAtOnce();
-    void thirdRow();
     void selectionIsLogged();
     void returnPressesOk();
-    void noCloseButton();
     void escapeIsNoChoice();
-    void closedIsNoChoice();
-    void reusedWithFewer();
-    void reusedIsNotReset();
+    void reused_data();
+    void reused();
     void emptyOnFirstUse();
-    void emptyOnReuse();
+    void chosen();
+    void chosenOnceMore();
+    void chooseShowsTheWindowAgain();
+    void chooseIsAbandoned();
+    void chooseIsAbandonedAtOnce();
+    void waitingSleeps();
 };
 
 void TestConnectSelectDialog::afterConstruction() {
-    const ConnectSelectDialog dialog;
+    const Dialog dialog;
     QVERIFY(!dialog.isFinished);
     QCOMPARE(dialog.portNum, 0);
-    QCOMPARE(list(dialog).count(), 0);
-    QVERIFY(okButton(dialog).styleSheet().isEmpty());
-    QVERIFY(dialog.windowIcon().isNull());
-    QCOMPARE(dialog.minimumSize(), QSize(0, 0));
+    QCOMPARE(dialog.rows(), QStringList());
+    QVERIFY(dialog.okButton().styleSheet().isEmpty());
 }
 
 void TestConnectSelectDialog::controllerIsShared() {
-    KvaSim_LoadJson(R"({"version": 1, "instruments": []})");
+    TestBench::load({});
     const auto first = std::make_shared<CKvaSdk_Ctrl>();
     const auto second = std::make_shared<CKvaSdk_Ctrl>();
-    KvaSim_ClearCallLog();
+    TestBench::clearCalls();
     {
-        ConnectSelectDialog dialog;
+        Dialog dialog;
         dialog.setSdkCtrl(first);
         QCOMPARE(first.use_count(), 2L);
         dialog.setSdkCtrl(second);
         QCOMPARE(first.use_count(), 1L);
         QCOMPARE(second.use_count(), 2L);
-        dialog.setDeviceList(three);
-        dialog.show();
-        clickOk(dialog);
+        dialog.open(three);
+        dialog.clickOk();
         QCOMPARE(second.use_count(), 2L);
     }
     QCOMPARE(second.use_count(), 1L);
-    char* log = KvaSim_CallLog();
-    const QByteArray calls(log);
-    KvaSim_Free(log);
-    QCOMPARE(calls, QByteArray("[]"));
+    QCOMPARE(TestBench::calls(), QStringList());
 }
 
 void TestConnectSelectDialog::listed_data() {
-    QTest::addColumn<QStringList>("devices");
     QStringList many;
     for (int i = 0; i < 150; ++i)
-        many.append(QStringLiteral("VARNE-1(USB,Serial#%1)").arg(i));
-    QTest::newRow("one") << QStringList{three[0]};
-    QTest::newRow("three") << three;
-    QTest::newRow("150") << many;
-    QTest::newRow("same twice") << QStringList{three[0], three[0]};
-    QTest::newRow("not sorted") << QStringList{three[2], three[0], three[1]};
-    QTest::newRow("placeholders") << QStringList{QStringLiteral("VARNE-1(%1,Serial#%2)"),
-                                                 QStringLiteral("100%"), QStringLiteral("%s%n")};
-    QTest::newRow("markup") << QStringList{QStringLiteral("<b>VARNE-1</b>"), QStringLiteral("&a")};
-    QTest::newRow("empty text") << QStringList{QString(), three[0]};
-    QTest::newRow("Japanese") << QStringList{QStringLiteral("測定器"), three[0]};
+        many.append(QString("VARNE-1(USB,Serial#%1)").arg(i));
+    addRows(QVector<ListedRow>{
+        {"one", {three[0]}},
+        {"three", three},
+        {"150", many},
+        {"same twice", {three[0], three[0]}},
+        {"not sorted", {three[2], three[0], three[1]}},
+        {"placeholders", {"VARNE-1(%1,Serial#%2)", "100%", "%s%n"}},
+        {"markup", {"<b>VARNE-1</b>", "&a"}},
+        {"empty text", {"", three[0]}},
+        {"Japanese", {"測定器", three[0]}},
+    });
 }
 
 void TestConnectSelectDialog::listed() {
-    QFETCH(QStringList, devices);
-    ConnectSelectDialog dialog;
+    QFETCH(const ListedRow, row);
+    Dialog dialog;
     const DebugLog log;
-    dialog.setDeviceList(devices);
-    QCOMPARE(rows(dialog), devices);
-    QCOMPARE(list(dialog).currentRow(), 0);
-    QCOMPARE(list(dialog).selectedItems().size(), 1);
-    QVERIFY(list(dialog).item(0)->isSelected());
+    dialog.setDeviceList(row.devices);
+    QCOMPARE(dialog.rows(), row.devices);
+    QCOMPARE(dialog.list().currentRow(), 0);
+    QCOMPARE(dialog.list().selectedItems(), {dialog.list().item(0)});
     QCOMPARE(dialog.portNum, 0);
     QVERIFY(!dialog.isFinished);
     QCOMPARE(log.lines(), QStringList(selectedLine(0)));
-    QCOMPARE(log.others(), QStringList());
 }
 
 void TestConnectSelectDialog::preparedWindow() {
-    ConnectSelectDialog dialog;
-    const QString iconPath = QDir::cleanPath(QCoreApplication::applicationDirPath() +
-                                             QStringLiteral("/../Resources/VQ_TL4.ico"));
-    const QImage image = QIcon(iconPath).pixmap(32).toImage();
-    QVERIFY(!image.isNull());
+    Dialog dialog;
     // The same each time.
     for (const QStringList& devices : {three, two}) {
         dialog.setDeviceList(devices);
-        QCOMPARE(dialog.windowIcon().pixmap(32).toImage(), image);
-        QCOMPARE(dialog.windowFlags(),
-                 onceSet(Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                         Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint));
-        QCOMPARE(okButton(dialog).styleSheet(),
-                 QStringLiteral("QPushButton:default{background-color:gainsboro;}"));
+        QCOMPARE(iconOf(dialog), programIcon());
+        QCOMPARE(dialog.windowFlags(), titledFlags());
+        QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
+        QCOMPARE(dialog.okButton().styleSheet(),
+                 QString("QPushButton:default{background-color:gainsboro;}"));
         QCOMPARE(dialog.minimumSize(), QSize(520, 213));
         QCOMPARE(dialog.maximumSize(), QSize(520, 213));
         QCOMPARE(dialog.size(), QSize(520, 213));
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Select Device"));
+        QCOMPARE(dialog.windowTitle(), QString("Select Device"));
         QVERIFY(!dialog.isVisible());
     }
 }
 
 void TestConnectSelectDialog::titleIsTranslatedWhenPrepared() {
-    ConnectSelectDialog dialog;
-    const InstalledTranslation japanese(QStringLiteral("jp"));
-    QVERIFY(japanese.isLoaded());
-    QCOMPARE(dialog.windowTitle(), QStringLiteral("Select Device"));
+    Dialog dialog;
+    const InstalledTranslation japanese("jp");
+    QCOMPARE(dialog.windowTitle(), QString("Select Device"));
     dialog.setDeviceList(three);
-    QCOMPARE(dialog.windowTitle(), QStringLiteral("測定器の選択"));
-    QCOMPARE(rows(dialog), three);
+    QCOMPARE(dialog.windowTitle(), QString("測定器の選択"));
+    QCOMPARE(dialog.rows(), three);
     const MarkingTranslator marking;
     dialog.setDeviceList(three);
     QCOMPARE(dialog.windowTitle(),
              MarkingTranslator::marked("ConnectSelectDialog", "Select Device"));
-    QCOMPARE(rows(dialog), three);
-}
-
-void TestConnectSelectDialog::okAtOnce() {
-    ConnectSelectDialog dialog;
-    const DebugLog log;
-    dialog.setDeviceList(three);
-    dialog.show();
-    clickOk(dialog);
-    QVERIFY(dialog.isFinished);
-    QVERIFY(!dialog.isVisible());
-    QCOMPARE(dialog.portNum, 0);
-    QCOMPARE(log.lines(), QStringList(selectedLine(0)));
-}
-
-void TestConnectSelectDialog::thirdRow() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
-    clickRow(dialog, 2);
-    QCOMPARE(dialog.portNum, 2);
-    QVERIFY(!dialog.isFinished);
-    clickOk(dialog);
-    QVERIFY(dialog.isFinished);
-    QCOMPARE(dialog.portNum, 2);
+    QCOMPARE(dialog.rows(), three);
 }
 
 void TestConnectSelectDialog::selectionIsLogged() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
+    Dialog dialog;
+    dialog.open(three);
     const DebugLog log;
-    clickRow(dialog, 2);
-    clickRow(dialog, 1);
-    QTest::keyClick(&list(dialog), Qt::Key_Up);
+    dialog.clickRow(2);
+    QCOMPARE(dialog.portNum, 2);
+    QVERIFY(!dialog.isFinished);
+    dialog.clickRow(1);
+    QTest::keyClick(&dialog.list(), Qt::Key_Up);
     QCOMPARE(log.lines(), QStringList({selectedLine(2), selectedLine(1), selectedLine(0)}));
     QCOMPARE(dialog.portNum, 0);
 }
 
 void TestConnectSelectDialog::returnPressesOk() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
+    Dialog dialog;
+    dialog.open(three);
     QVERIFY(QTest::qWaitForWindowActive(&dialog));
     QTest::keyClick(&dialog, Qt::Key_Return);
     QVERIFY(dialog.isFinished);
     QVERIFY(!dialog.isVisible());
 }
 
-void TestConnectSelectDialog::noCloseButton() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
-}
-
+/** Nor is it one when the window is closed. */
 void TestConnectSelectDialog::escapeIsNoChoice() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
+    Dialog dialog;
+    dialog.open(three);
     QTest::keyClick(&dialog, Qt::Key_Escape);
-    QTest::keyClick(&list(dialog), Qt::Key_Escape);
+    QTest::keyClick(&dialog.list(), Qt::Key_Escape);
     QVERIFY(dialog.isVisible());
     QVERIFY(!dialog.isFinished);
-}
-
-void TestConnectSelectDialog::closedIsNoChoice() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
     dialog.close();
     QVERIFY(!dialog.isFinished);
 }
 
-void TestConnectSelectDialog::reusedWithFewer() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
-    clickRow(dialog, 2);
-    clickOk(dialog);
-    QCOMPARE(dialog.portNum, 2);
-
-    dialog.isFinished = false;
-    const DebugLog log;
-    dialog.setDeviceList(two);
-    QCOMPARE(rows(dialog), two);
-    QCOMPARE(list(dialog).currentRow(), 0);
-    QVERIFY(list(dialog).item(0)->isSelected());
-    QCOMPARE(dialog.portNum, 0);
-    QVERIFY(!log.lines().isEmpty());
-    QCOMPARE(log.lines().last(), selectedLine(0));
-    dialog.show();
-    clickOk(dialog);
-    QVERIFY(dialog.isFinished);
-    QCOMPARE(dialog.portNum, 0);
+void TestConnectSelectDialog::reused_data() {
+    addRows(QVector<ListedRow>{{"with fewer", two}, {"empty", {}}});
 }
 
-void TestConnectSelectDialog::reusedIsNotReset() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
-    clickOk(dialog);
-    dialog.setDeviceList(two);
+void TestConnectSelectDialog::reused() {
+    QFETCH(const ListedRow, row);
+    const bool isEmpty = row.devices.isEmpty();
+    Dialog dialog;
+    dialog.open(three, 2);
+    dialog.clickOk();
     QVERIFY(dialog.isFinished);
+    QCOMPARE(dialog.portNum, 2);
+    const DebugLog log;
+    dialog.setDeviceList(row.devices);
+    QVERIFY(dialog.isFinished); // its owner clears it
+    dialog.isFinished = false;
+    const int portNum = isEmpty ? dialog.portNum : 0;
+    QCOMPARE(dialog.rows(), row.devices);
+    QCOMPARE(dialog.list().currentRow(), isEmpty ? -1 : 0);
+    QCOMPARE(dialog.list().selectedItems().size(), isEmpty ? 0 : 1);
+    QCOMPARE(dialog.portNum, portNum);
+    QVERIFY(isEmpty || log.lines().endsWith(selectedLine(0)));
+    dialog.show();
+    dialog.clickOk();
+    QVERIFY(dialog.isFinished);
+    QCOMPARE(dialog.portNum, portNum);
 }
 
 void TestConnectSelectDialog::emptyOnFirstUse() {
-    ConnectSelectDialog dialog;
+    Dialog dialog;
     const DebugLog log;
-    dialog.setDeviceList({});
-    dialog.show();
-    QCOMPARE(list(dialog).count(), 0);
-    QCOMPARE(list(dialog).currentRow(), -1);
-    clickOk(dialog);
+    dialog.open({});
+    QCOMPARE(dialog.list().count(), 0);
+    QCOMPARE(dialog.list().currentRow(), -1);
+    dialog.clickOk();
     QVERIFY(dialog.isFinished);
     QCOMPARE(dialog.portNum, 0);
     QCOMPARE(log.lines(), QStringList());
 }
 
-void TestConnectSelectDialog::emptyOnReuse() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList(three);
-    dialog.show();
-    clickRow(dialog, 2);
-    clickOk(dialog);
-    dialog.isFinished = false;
-    dialog.setDeviceList({});
-    const int before = dialog.portNum;
-    dialog.show();
-    QCOMPARE(list(dialog).count(), 0);
-    clickOk(dialog);
-    QVERIFY(dialog.isFinished);
-    QCOMPARE(dialog.portNum, before);
+/** Each row, and none, which is OK at once. */
+void TestConnectSelectDialog::chosen() {
+    for (const int row : {-1, 0, 1, 2}) {
+        Dialog dialog;
+        const User user(dialog, {[&] {
+                            dialog.clickRow(row);
+                            dialog.clickOk();
+                        }});
+        const DebugLog log;
+        QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
+        QVERIFY(user.isDone());
+        QVERIFY(dialog.isFinished);
+        QVERIFY(!dialog.isVisible());
+        QVERIFY(!dialog.isModal());
+        QCOMPARE(dialog.portNum, std::max(row, 0));
+        QStringList lines = {selectedLine(0)};
+        if (row > 0)
+            lines.append(selectedLine(row));
+        QCOMPARE(log.lines(), lines + QStringList(chosenLine(dialog.portNum)));
+    }
 }
 
-QTEST_MAIN(TestConnectSelectDialog)
+void TestConnectSelectDialog::chosenOnceMore() {
+    Dialog dialog;
+    for (const QStringList& devices : {three, two}) {
+        const User user(dialog, {[&] {
+                            QCOMPARE(dialog.rows(), devices);
+                            QCOMPARE(dialog.portNum, 0);
+                            dialog.clickRow(devices.size() - 1);
+                            dialog.clickOk();
+                        }});
+        QVERIFY(dialog.choose(devices, [&] { return user.hasGivenUp(); }));
+        QCOMPARE(dialog.portNum, devices.size() - 1);
+        dialog.isFinished = false; // as its owner does
+    }
+}
 
+/** A window manager may close a window that has no close button. */
+void TestConnectSelectDialog::chooseShowsTheWindowAgain() {
+    Dialog dialog;
+    const User user(dialog, {[&] { dialog.close(); }, [&] { dialog.hide(); },
+                             [&] {
+                                 dialog.clickRow(1);
+                                 dialog.clickOk();
+                             }});
+    QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
+    QVERIFY(user.isDone());
+    QCOMPARE(dialog.portNum, 1);
+    QVERIFY(!dialog.isVisible());
+}
+
+/** Also in the moment in which it was made. */
+void TestConnectSelectDialog::chooseIsAbandoned() {
+    for (const bool pressesOk : {false, true}) {
+        Dialog dialog;
+        bool isAbandoned = false;
+        const User user(dialog, {[&] {
+                            dialog.clickRow(2);
+                            if (pressesOk)
+                                dialog.clickOk();
+                            isAbandoned = true;
+                        }});
+        const DebugLog log;
+        QVERIFY(!dialog.choose(three, [&] { return isAbandoned || user.hasGivenUp(); }));
+        QVERIFY(user.isDone());
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.isFinished, pressesOk);
+        QVERIFY(!log.lines().contains(chosenLine(2)));
+    }
+}
+
+/** The flag, of an earlier choice perhaps, is left to its owner. */
+void TestConnectSelectDialog::chooseIsAbandonedAtOnce() {
+    for (const bool isFinished : {false, true}) {
+        Dialog dialog;
+        dialog.isFinished = isFinished;
+        QVERIFY(!dialog.choose(three, [] { return true; }));
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.isFinished, isFinished);
+    }
+}
+
+/** A wait without sleep keeps a processor core busy. However busy the machine is, a pass takes no
+    less than its 10 ms. */
+void TestConnectSelectDialog::waitingSleeps() {
+    constexpr int duration = 300; // ms
+    int asked = 0;
+    QElapsedTimer elapsed;
+    elapsed.start();
+    DialogSupport::waitUntil([&] {
+        ++asked;
+        return elapsed.hasExpired(duration);
+    });
+    QVERIFY2(asked <= duration / 10 + 2, qPrintable(QString::number(asked)));
+}
+
+TEST_CLASS(TestConnectSelectDialog)
 #include "tst_connect_select_dialog.moc"

@@ -1,28 +1,38 @@
 #include "tests/dialogs/form/FormTable.h"
 #include "tests/dialogs/form/SettingWindow.h"
-
-#include "instrument/CKvaSdk_Ctrl.h"
-#include "simulator/KvaSim.h"
 #include "tests/support/DebugLog.h"
 #include "tests/support/ModalAnswerer.h"
+#include "tests/support/TestMain.h"
 
-#include <QDir>
 #include <QElapsedTimer>
-#include <QIcon>
 #include <QKeyEvent>
 #include <QPushButton>
-#include <QTabWidget>
-#include <QtTest>
 
 namespace {
 
-const QString watchLine = QStringLiteral("eEventCode_DisConnect check \n");
+const QString watchLine = "eEventCode_DisConnect check \n";
 
-QPushButton* button(QDialog& dialog, const char* name) {
-    return qobject_cast<QPushButton*>(findWidget(dialog, name));
-}
+struct KeyRow {
+    QByteArray name;
+    FormTable form;
+    int key;
+    Qt::KeyboardModifiers modifiers;
+    bool isSwallowed;
+};
+
+struct CloseRow {
+    const char* name;
+    bool isConnected;
+    bool isFinished; ///< before it is closed
+    bool byButton;
+    int times;
+    int disconnects;
+};
 
 } // namespace
+
+Q_DECLARE_METATYPE(KeyRow)
+Q_DECLARE_METATYPE(CloseRow)
 
 /** In place of Qt's own: here every platform's key for "Cancel" is one, macOS' Command and full
    stop as well. */
@@ -40,101 +50,65 @@ class TestFormEvents : public QObject {
 private Q_SLOTS:
     void escapeIsSwallowed_data();
     void escapeIsSwallowed();
-    void escapeInAWidgetIsSwallowed_data();
+    void escapeInAWidgetIsSwallowed_data() { addRows(allForms()); }
     void escapeInAWidgetIsSwallowed();
-    void otherKeysArePassedOn_data();
-    void otherKeysArePassedOn();
     void returnPressesNothingInTheSettings();
-    void notFinishedAtFirst();
-    void closedWhileNotConnected();
-    void closeButtonWhileNotConnected();
-    void closedWhileConnected();
-    void closedOnceFinished();
-    void closedTwice();
+    void closed_data();
+    void closed();
     void destroyedWhileConnected();
     void preparedOnFirstConnecting();
-    void notPreparedOnReconnecting();
     void watchRunsEverySecond();
     void watchDoesNotRunBeforeConnecting();
     void lostConnectionIsReportedWithinTwoSeconds();
 };
 
 void TestFormEvents::escapeIsSwallowed_data() {
-    QTest::addColumn<int>("form");
-    QTest::addColumn<int>("key");
-    QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-    const auto addRow = [](int form, const char* what, Qt::Key key, Qt::KeyboardModifiers held) {
-        QTest::addRow("%s%s", allForms()[form].name, what) << form << int(key) << held;
-    };
-    for (int form = 0; form < allForms().size(); ++form) {
-        addRow(form, "", Qt::Key_Escape, Qt::NoModifier);
-        addRow(form, " shift", Qt::Key_Escape, Qt::ShiftModifier);
-        addRow(form, " keypad", Qt::Key_Escape, Qt::KeypadModifier);
-        addRow(form, " the platform's cancel", Qt::Key_Period, Qt::ControlModifier);
+    QVector<KeyRow> rows;
+    for (const FormTable& form : allForms()) {
+        const QByteArray name = form.name;
+        rows += {
+            {name, form, Qt::Key_Escape, Qt::NoModifier, true},
+            {name + " shift", form, Qt::Key_Escape, Qt::ShiftModifier, true},
+            {name + " keypad", form, Qt::Key_Escape, Qt::KeypadModifier, true},
+            {name + " the platform's cancel", form, Qt::Key_Period, Qt::ControlModifier, true},
+            {name + " A", form, Qt::Key_A, Qt::NoModifier, false},
+            {name + " F5", form, Qt::Key_F5, Qt::NoModifier, false},
+            {name + " Back", form, Qt::Key_Back, Qt::NoModifier, false},
+        };
     }
+    addRows(rows);
 }
 
+/** QDialog leaves other keys to others; who swallows one leaves the event accepted. */
 void TestFormEvents::escapeIsSwallowed() {
-    QFETCH(int, form);
-    QFETCH(int, key);
-    QFETCH(Qt::KeyboardModifiers, modifiers);
-    const auto dialog = allForms()[form].create();
+    QFETCH(const KeyRow, row);
+    const auto dialog = row.form.create();
     dialog->show();
-    QKeyEvent press(QEvent::KeyPress, key, modifiers);
+    QKeyEvent press(QEvent::KeyPress, row.key, row.modifiers);
     QCoreApplication::sendEvent(dialog.get(), &press);
-    QVERIFY(press.isAccepted());
+    QCOMPARE(press.isAccepted(), row.isSwallowed);
     QVERIFY(dialog->isVisible());
 }
 
-void TestFormEvents::escapeInAWidgetIsSwallowed_data() {
-    QTest::addColumn<int>("form");
-    QTest::addColumn<QByteArray>("widget");
-    QTest::newRow("edit") << 0 << QByteArray("SSIDlineEdit");
-    QTest::newRow("radio button") << 0 << QByteArray("dhcpOnRadioBtn");
-    QTest::newRow("tabs") << 0 << QByteArray("setBasetabWidget");
-    QTest::newRow("close button") << 0 << QByteArray("ClosePushBtn");
-    QTest::newRow("language") << 1 << QByteArray("engRadioBtn");
-    QTest::newRow("language OK") << 1 << QByteArray("pushButton");
-    QTest::newRow("list") << 2 << QByteArray("connectlistWidget");
-    QTest::newRow("list OK") << 2 << QByteArray("pushButton");
-}
-
+/** In each one that can have the focus at first. */
 void TestFormEvents::escapeInAWidgetIsSwallowed() {
-    QFETCH(int, form);
-    QFETCH(QByteArray, widget);
-    const auto dialog = allForms()[form].create();
+    QFETCH(const FormTable, row);
+    const auto dialog = row.create();
     dialog->show();
     QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
-    QWidget* target = findWidget(*dialog, widget.constData());
-    QVERIFY(target);
-    target->setFocus();
-    QTRY_VERIFY(target->hasFocus());
-    QTest::keyClick(target, Qt::Key_Escape);
-    QVERIFY(dialog->isVisible());
-    QCOMPARE(dialog->result(), 0);
-}
-
-void TestFormEvents::otherKeysArePassedOn_data() {
-    QTest::addColumn<int>("form");
-    QTest::addColumn<int>("key");
-    const QVector<FormTable> forms = allForms();
-    for (int form = 0; form < forms.size(); ++form) {
-        QTest::addRow("%s A", forms[form].name) << form << int(Qt::Key_A);
-        QTest::addRow("%s F5", forms[form].name) << form << int(Qt::Key_F5);
-        QTest::addRow("%s Back", forms[form].name) << form << int(Qt::Key_Back);
+    int pressed = 0;
+    for (const WidgetRow& each : row.widgets) {
+        QWidget* widget = findWidget(*dialog, each.name);
+        if (!widget->isVisible() || !widget->isEnabled() || widget->focusPolicy() == Qt::NoFocus)
+            continue;
+        widget->setFocus();
+        QTRY_VERIFY2(widget->hasFocus(), each.name);
+        QTest::keyClick(widget, Qt::Key_Escape);
+        QVERIFY2(dialog->isVisible(), each.name);
+        QCOMPARE(dialog->result(), 0);
+        ++pressed;
     }
-}
-
-/** QDialog leaves such a key to others; who swallows it leaves the event accepted. */
-void TestFormEvents::otherKeysArePassedOn() {
-    QFETCH(int, form);
-    QFETCH(int, key);
-    const auto dialog = allForms()[form].create();
-    dialog->show();
-    QKeyEvent press(QEvent::KeyPress, key, Qt::NoModifier);
-    QCoreApplication::sendEvent(dialog.get(), &press);
-    QVERIFY(!press.isAccepted());
-    QVERIFY(dialog->isVisible());
+    QVERIFY(pressed >= 2);
 }
 
 void TestFormEvents::returnPressesNothingInTheSettings() {
@@ -142,8 +116,8 @@ void TestFormEvents::returnPressesNothingInTheSettings() {
     QVERIFY(window.connectAndShow());
     QVERIFY(QTest::qWaitForWindowActive(window.dialog.get()));
     ModalAnswerer answerer;
-    KvaSim_ClearCallLog();
-    for (const WidgetRow& row : settingFormRows()) {
+    TestBench::clearCalls();
+    for (const WidgetRow& row : settingForm().widgets) {
         QWidget* widget = findWidget(*window.dialog, row.name);
         if (!widget->isVisible() || !(widget->focusPolicy() & Qt::TabFocus))
             continue;
@@ -154,96 +128,62 @@ void TestFormEvents::returnPressesNothingInTheSettings() {
     QVERIFY(answerer.boxes.isEmpty());
     QVERIFY(answerer.fileDialogs.isEmpty());
     QVERIFY(window.dialog->isVisible());
-    char* log = KvaSim_CallLog();
-    const QByteArray calls(log);
-    KvaSim_Free(log);
-    QCOMPARE(calls, QByteArray("[]"));
+    QCOMPARE(TestBench::calls(), QStringList());
 }
 
-void TestFormEvents::notFinishedAtFirst() {
-    InitSettingDialog dialog;
-    QVERIFY(!dialog.isFinished);
+void TestFormEvents::closed_data() {
+    addRows(QVector<CloseRow>{
+        {"while not connected", false, false, false, 1, 0},
+        {"by its button, while not connected", false, false, true, 1, 0},
+        {"while connected", true, false, false, 1, 1},
+        {"once finished", true, true, false, 1, 0},
+        {"twice", true, false, false, 2, 1},
+    });
 }
 
-void TestFormEvents::closedWhileNotConnected() {
+void TestFormEvents::closed() {
+    QFETCH(const CloseRow, row);
     SettingWindow window;
-    window.dialog->show();
-    QVERIFY(window.dialog->close());
-    QVERIFY(window.dialog->isFinished);
-    QVERIFY(!window.dialog->isVisible());
-    QCOMPARE(SettingWindow::callsOf("KVA_Disconnect"), 0);
-}
-
-void TestFormEvents::closeButtonWhileNotConnected() {
-    SettingWindow window;
-    window.dialog->show();
-    QTest::mouseClick(button(*window.dialog, "ClosePushBtn"), Qt::LeftButton);
-    QVERIFY(window.dialog->isFinished);
-    QVERIFY(!window.dialog->isVisible());
-    QCOMPARE(SettingWindow::callsOf("KVA_Disconnect"), 0);
-}
-
-void TestFormEvents::closedWhileConnected() {
-    SettingWindow window;
-    QVERIFY(window.connectAndShow());
-    QVERIFY(window.dialog->close());
-    QVERIFY(window.dialog->isFinished);
-    QVERIFY(!window.dialog->isVisible());
-    QVERIFY(!window.ctrl->m_connected);
-    QCOMPARE(SettingWindow::callsOf("KVA_Disconnect"), 1);
-}
-
-void TestFormEvents::closedOnceFinished() {
-    SettingWindow window;
-    QVERIFY(window.connectAndShow());
-    window.dialog->isFinished = true;
-    QVERIFY(window.dialog->close());
-    QVERIFY(!window.dialog->isVisible());
-    QCOMPARE(SettingWindow::callsOf("KVA_Disconnect"), 0);
-    QVERIFY(window.ctrl->Disconnect());
-}
-
-void TestFormEvents::closedTwice() {
-    SettingWindow window;
-    QVERIFY(window.connectAndShow());
-    QVERIFY(window.dialog->close());
-    window.dialog->show();
-    QVERIFY(window.dialog->close());
-    QCOMPARE(SettingWindow::callsOf("KVA_Disconnect"), 1);
+    QVERIFY(!row.isConnected || window.connectAndShow());
+    QVERIFY(!window.dialog->isFinished);
+    window.dialog->isFinished = row.isFinished;
+    for (int time = 0; time < row.times; ++time) {
+        window.dialog->show();
+        if (row.byButton)
+            QTest::mouseClick(findWidget(*window.dialog, "ClosePushBtn"), Qt::LeftButton);
+        else
+            QVERIFY(window.dialog->close());
+        QVERIFY(window.dialog->isFinished);
+        QVERIFY(!window.dialog->isVisible());
+    }
+    QCOMPARE(TestBench::calls().count("KVA_Disconnect"), row.disconnects);
+    QCOMPARE(window.ctrl->m_connected, row.isFinished);
+    QVERIFY(!row.isFinished || window.ctrl->Disconnect());
 }
 
 void TestFormEvents::destroyedWhileConnected() {
     SettingWindow window;
     QVERIFY(window.connectAndShow());
     window.dialog.reset();
-    QCOMPARE(SettingWindow::callsOf("KVA_Disconnect"), 0);
+    QCOMPARE(TestBench::calls().count("KVA_Disconnect"), 0);
     QVERIFY(window.ctrl->m_connected);
     QCOMPARE(window.ctrl.use_count(), 1L);
     QVERIFY(window.ctrl->Disconnect());
 }
 
+/** And not when it connects again. */
 void TestFormEvents::preparedOnFirstConnecting() {
-    const QString iconPath = QDir::cleanPath(QCoreApplication::applicationDirPath() +
-                                             QStringLiteral("/../Resources/VQ_TL4.ico"));
-    const QImage image = QIcon(iconPath).pixmap(32).toImage();
-    QVERIFY(!image.isNull());
-    InitSettingDialog dialog;
-    dialog.connectDevice(-1, true);
-    QCOMPARE(dialog.windowIcon().pixmap(32).toImage(), image);
-    QCOMPARE(dialog.windowFlags(), onceSet(Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
-                                           Qt::WindowMaximizeButtonHint | Qt::CustomizeWindowHint |
-                                           Qt::WindowCloseButtonHint));
-    QCOMPARE(dialog.minimumSize(), QSize(1171, 720));
-    QCOMPARE(dialog.maximumSize(), QSize(1171, 720));
-}
-
-void TestFormEvents::notPreparedOnReconnecting() {
     InitSettingDialog dialog;
     const Qt::WindowFlags flags = dialog.windowFlags();
     dialog.connectDevice(-1, false);
     QVERIFY(dialog.windowIcon().isNull());
     QCOMPARE(dialog.windowFlags(), flags);
     QCOMPARE(dialog.maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+    dialog.connectDevice(-1, true);
+    QCOMPARE(iconOf(dialog), programIcon());
+    QCOMPARE(dialog.windowFlags(), closableFlags());
+    QCOMPARE(dialog.minimumSize(), QSize(1171, 720));
+    QCOMPARE(dialog.maximumSize(), QSize(1171, 720));
 }
 
 void TestFormEvents::watchRunsEverySecond() {
@@ -254,10 +194,10 @@ void TestFormEvents::watchRunsEverySecond() {
     sinceConnected.start();
     QVERIFY(window.connectAndShow());
     QVERIFY(!log.lines().contains(watchLine));
-    QTRY_COMPARE_WITH_TIMEOUT(log.lines().count(watchLine), 1, 2000);
-    QVERIFY(sinceConnected.elapsed() >= earliest);
-    QTRY_COMPARE_WITH_TIMEOUT(log.lines().count(watchLine), 2, 2000);
-    QVERIFY(sinceConnected.elapsed() >= 2 * earliest);
+    for (const int times : {1, 2}) {
+        QTRY_COMPARE_WITH_TIMEOUT(log.lines().count(watchLine), times, 2000);
+        QVERIFY(sinceConnected.elapsed() >= times * earliest);
+    }
 }
 
 void TestFormEvents::watchDoesNotRunBeforeConnecting() {
@@ -274,14 +214,12 @@ void TestFormEvents::lostConnectionIsReportedWithinTwoSeconds() {
     SettingWindow window;
     ModalAnswerer answerer;
     QVERIFY(window.connectAndShow());
-    KvaSim_EmitEvent(eEventCode_DisConnect, 0, 0);
-    KvaSim_WaitForEvents();
+    TestBench::emitEvent(eEventCode_DisConnect);
     QTRY_COMPARE_WITH_TIMEOUT(answerer.boxes.size(), 1, 2000);
-    QCOMPARE(answerer.boxes[0].text,
-             QStringLiteral("The connection with the measuring instrument was disconnected."));
-    QTRY_VERIFY(button(*window.dialog, "ConnectPushBtn")->isEnabled());
+    QCOMPARE(answerer.texts(),
+             QStringList("The connection with the measuring instrument was disconnected."));
+    QTRY_VERIFY(findWidget(*window.dialog, "ConnectPushBtn")->isEnabled());
 }
 
-QTEST_MAIN(TestFormEvents)
-
+TEST_CLASS(TestFormEvents)
 #include "tst_form_events.moc"

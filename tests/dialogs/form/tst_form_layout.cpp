@@ -1,4 +1,5 @@
 #include "tests/dialogs/form/FormTable.h"
+#include "tests/support/TestMain.h"
 
 #include <QGroupBox>
 #include <QLabel>
@@ -8,52 +9,29 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTabWidget>
-#include <QtTest>
 
 namespace {
 
 /** Properties that hold what a row states elsewhere, or that follow from it. */
-const QSet<QByteArray> otherwiseTested = {"accessibleDescription",
-                                          "accessibleName",
-                                          "childrenRect",
-                                          "childrenRegion",
-                                          "frameRect",
-                                          "count",
-                                          "currentIndex",
-                                          "displayText",
-                                          "frameGeometry",
-                                          "frameSize",
-                                          "geometry",
-                                          "height",
-                                          "minimumSizeHint",
-                                          "normalGeometry",
-                                          "objectName",
-                                          "pos",
-                                          "rect",
-                                          "size",
-                                          "sizeHint",
-                                          "text",
-                                          "title",
-                                          "width",
-                                          "x",
-                                          "y"};
+const QStringList otherwiseTested =
+    QString("accessibleDescription accessibleName childrenRect childrenRegion frameRect count "
+            "currentIndex displayText frameGeometry frameSize geometry height minimumSizeHint "
+            "normalGeometry objectName pos rect size sizeHint text title width x y")
+        .split(' ');
 
+/** A widget of that class; null for another class than those of the forms. */
 QWidget* newWidget(const QByteArray& className, QWidget* parent) {
-    if (className == "QGroupBox")
-        return new QGroupBox(parent);
-    if (className == "QLabel")
-        return new QLabel(parent);
-    if (className == "QLineEdit")
-        return new QLineEdit(parent);
-    if (className == "QListWidget")
-        return new QListWidget(parent);
-    if (className == "QPushButton")
-        return new QPushButton(parent);
-    if (className == "QRadioButton")
-        return new QRadioButton(parent);
-    if (className == "QTabWidget")
-        return new QTabWidget(parent);
-    return className == "QWidget" ? new QWidget(parent) : nullptr;
+    const QHash<QByteArray, std::function<QWidget*()>> classes = {
+        {"QGroupBox", [&] { return new QGroupBox(parent); }},
+        {"QLabel", [&] { return new QLabel(parent); }},
+        {"QLineEdit", [&] { return new QLineEdit(parent); }},
+        {"QListWidget", [&] { return new QListWidget(parent); }},
+        {"QPushButton", [&] { return new QPushButton(parent); }},
+        {"QRadioButton", [&] { return new QRadioButton(parent); }},
+        {"QTabWidget", [&] { return new QTabWidget(parent); }},
+        {"QWidget", [&] { return new QWidget(parent); }},
+    };
+    return classes.contains(className) ? classes[className]() : nullptr;
 }
 
 /** A property's value so that it compares with a row's: enumerations and flags as their number, of
@@ -71,7 +49,7 @@ QVariant comparable(const QVariant& value, bool isEnumeration) {
 QVariant valueOf(const QWidget& widget, const char* property) {
     const int index = widget.metaObject()->indexOfProperty(property);
     if (index < 0)
-        return QStringLiteral("no such property");
+        return "no such property";
     const QMetaProperty meta = widget.metaObject()->property(index);
     return comparable(meta.read(&widget), meta.isEnumType());
 }
@@ -109,39 +87,29 @@ class TestFormLayout : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void form_data() { addFormRows(); }
+    void form_data() { addRows(allForms()); }
     void form();
-    void widget_data() { addWidgetRows(); }
+    void widget_data() { addRows(allWidgets()); }
     void widget();
-    void settings_data() { addWidgetRows(); }
-    void settings();
-    void everythingElseIsDefault_data() { addWidgetRows(); }
-    void everythingElseIsDefault();
-    void order_data() { addFormRows(); }
-    void order();
-    void tabOrder_data() { addFormRows(); }
+    void tabOrder_data() { addRows(allForms()); }
     void tabOrder();
     void tabPages();
-    void leftToRightIsKept();
-    void localeIsKept();
-    void nothingIsChecked();
+    void leftToRightAndLocaleAreKept();
     void powerOffTimesExclude();
     void networkSwitchesAreIndependent();
-    void editsHaveNoMaskOrValidator();
-    void noButtonIsDefault();
+    void buttonsAndEdits();
 };
 
 void TestFormLayout::form() {
-    QFETCH(int, form);
-    const FormTable table = allForms()[form];
-    const auto dialog = table.create();
-    QCOMPARE(dialog->metaObject()->className(), table.name);
+    QFETCH(const FormTable, row);
+    const auto dialog = row.create();
+    QCOMPARE(dialog->metaObject()->className(), row.name);
     QCOMPARE(dialog->metaObject()->superClass(), &QDialog::staticMetaObject);
-    QCOMPARE(dialog->objectName(), QString::fromLatin1(table.name));
-    QCOMPARE(dialog->windowTitle(), QString::fromLatin1(table.title));
-    QCOMPARE(dialog->size(), table.size);
+    QCOMPARE(dialog->objectName(), QString(row.name));
+    QCOMPARE(dialog->windowTitle(), QString(row.title));
+    QCOMPARE(dialog->size(), row.size);
     QCOMPARE(comparable(dialog->sizePolicy(), false),
-             comparable(QSizePolicy(table.sizePolicy, table.sizePolicy), false));
+             comparable(QSizePolicy(row.sizePolicy, row.sizePolicy), false));
     QVERIFY(!dialog->parentWidget());
     QVERIFY(!dialog->layout());
     QVERIFY(!dialog->isVisible());
@@ -150,98 +118,64 @@ void TestFormLayout::form() {
     QVERIFY(dialog->windowIcon().isNull());
     QVERIFY(dialog->styleSheet().isEmpty());
     // Until it is prepared for its use, a window can still be resized.
+    QCOMPARE(dialog->minimumSize(), QSize(0, 0));
     QCOMPARE(dialog->maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+    QStringList names;
+    for (const WidgetRow& widget : row.widgets)
+        names.append(widget.name);
+    QCOMPARE(namesBelow(*dialog), names);
 }
 
 void TestFormLayout::widget() {
-    QFETCH(int, form);
-    QFETCH(int, row);
-    const FormTable table = allForms()[form];
-    const WidgetRow expected = table.rows[row];
-    const auto dialog = table.create();
-    QWidget* widget = findWidget(*dialog, expected.name);
+    QFETCH(const FormWidget, row);
+    const auto dialog = row.form.create();
+    QWidget* widget = findWidget(*dialog, row.widget.name);
     QVERIFY(widget);
-    QCOMPARE(widget->metaObject()->className(), expected.className);
+    QCOMPARE(widget->metaObject()->className(), row.widget.className);
     QVERIFY(!widget->layout());
-    QWidget* parent = findWidget(*dialog, expected.parent);
+    QWidget* parent = findWidget(*dialog, row.widget.parent);
     QVERIFY(parent);
-    if (expected.geometry.isNull()) {
-        auto* tabs = qobject_cast<QTabWidget*>(parent);
-        QVERIFY(tabs);
+    if (const auto* tabs = qobject_cast<QTabWidget*>(parent)) {
         QVERIFY(tabs->indexOf(widget) >= 0);
     } else {
         QCOMPARE(widget->parentWidget(), parent);
-        QCOMPARE(widget->geometry(), expected.geometry);
+        QCOMPARE(widget->geometry(), row.widget.geometry);
     }
-}
-
-void TestFormLayout::settings() {
-    QFETCH(int, form);
-    QFETCH(int, row);
-    const FormTable table = allForms()[form];
-    const auto dialog = table.create();
-    const QWidget* widget = findWidget(*dialog, table.rows[row].name);
-    QVERIFY(widget);
-    for (const Setting& setting : table.rows[row].settings) {
-        const QVariant expected = comparable(setting.value, false);
-        const QVariant actual = valueOf(*widget, setting.property);
-        QVERIFY2(actual == expected, setting.property);
-    }
-}
-
-void TestFormLayout::everythingElseIsDefault() {
-    QFETCH(int, form);
-    QFETCH(int, row);
-    const FormTable table = allForms()[form];
-    const auto dialog = table.create();
-    const QWidget* widget = findWidget(*dialog, table.rows[row].name);
-    QVERIFY(widget);
-    // With the row's settings, whatever follows from them is the same as well.
+    for (const Setting& setting : row.widget.settings)
+        QVERIFY2(valueOf(*widget, setting.property) == comparable(setting.value, false),
+                 setting.property);
+    // Everything else is as in a plain widget with the row's settings, what follows from them
+    // included.
     QDialog plainDialog;
-    QWidget* plain = newWidget(table.rows[row].className, &plainDialog);
+    QWidget* plain = newWidget(row.widget.className, &plainDialog);
     QVERIFY(plain);
-    for (const Setting& setting : table.rows[row].settings)
+    for (const Setting& setting : row.widget.settings)
         QVERIFY2(plain->setProperty(setting.property, setting.value), setting.property);
     int compared = 0;
     for (int i = 0; i < plain->metaObject()->propertyCount(); ++i) {
         const char* property = plain->metaObject()->property(i).name();
         if (otherwiseTested.contains(property))
             continue;
-        const QVariant actual = valueOf(*widget, property);
-        const QVariant usual = valueOf(*plain, property);
-        QVERIFY2(actual == usual, property);
+        QVERIFY2(valueOf(*widget, property) == valueOf(*plain, property), property);
         ++compared;
     }
     QVERIFY(compared > 30);
 }
 
-void TestFormLayout::order() {
-    QFETCH(int, form);
-    const FormTable table = allForms()[form];
-    QStringList names;
-    for (const WidgetRow& row : table.rows)
-        names.append(QString::fromLatin1(row.name));
-    QCOMPARE(namesBelow(*table.create()), names);
-}
-
 void TestFormLayout::tabOrder() {
-    QFETCH(int, form);
-    const FormTable table = allForms()[form];
-    const auto dialog = table.create();
+    QFETCH(const FormTable, row);
+    const auto dialog = row.create();
     QStringList names;
-    QSet<QString> focusable;
-    for (const WidgetRow& row : table.rows) {
-        const QWidget* widget = findWidget(*dialog, row.name);
+    for (const WidgetRow& each : row.widgets) {
+        const QWidget* widget = findWidget(*dialog, each.name);
         QVERIFY(widget);
-        if (widget->focusPolicy() & Qt::TabFocus) {
+        if (widget->focusPolicy() & Qt::TabFocus)
             names.append(widget->objectName());
-            focusable.insert(widget->objectName());
-        }
     }
     QVERIFY(!names.isEmpty());
     QStringList chain;
     for (QWidget* w = dialog->nextInFocusChain(); w != dialog.get(); w = w->nextInFocusChain()) {
-        if (focusable.contains(w->objectName()))
+        if (names.contains(w->objectName()))
             chain.append(w->objectName());
     }
     QCOMPARE(chain, names);
@@ -249,72 +183,49 @@ void TestFormLayout::tabOrder() {
 
 void TestFormLayout::tabPages() {
     const auto dialog = settingForm().create();
-    const auto* tabs = dialog->findChild<QTabWidget*>(QStringLiteral("setBasetabWidget"));
+    const auto* tabs = dialog->findChild<QTabWidget*>("setBasetabWidget");
     QVERIFY(tabs);
     QStringList pages;
     for (int i = 0; i < tabs->count(); ++i)
         pages.append(tabs->widget(i)->objectName());
     QCOMPARE(pages,
-             QStringList({QStringLiteral("networkSetTab"), QStringLiteral("autoPowerOfftab"),
-                          QStringLiteral("wCalibPlateTab"), QStringLiteral("ambLightAdpTab")}));
+             QStringList({"networkSetTab", "autoPowerOfftab", "wCalibPlateTab", "ambLightAdpTab"}));
     QCOMPARE(tabs->currentIndex(), 0);
 }
 
-void TestFormLayout::leftToRightIsKept() {
+/** What the form sets itself does not follow the dialog. */
+void TestFormLayout::leftToRightAndLocaleAreKept() {
     const auto dialog = settingForm().create();
     dialog->setLayoutDirection(Qt::RightToLeft);
+    dialog->setLocale(QLocale(QLocale::German));
     QStringList leftToRight;
-    for (const WidgetRow& row : settingFormRows()) {
+    QStringList japanese;
+    for (const WidgetRow& row : settingForm().widgets) {
         const QWidget* widget = findWidget(*dialog, row.name);
         QVERIFY(widget);
         if (widget->layoutDirection() == Qt::LeftToRight)
-            leftToRight.append(widget->objectName());
+            leftToRight.append(row.name);
+        if (widget->locale() == QLocale(QLocale::Japanese, QLocale::Japan))
+            japanese.append(row.name);
     }
-    QCOMPARE(leftToRight, QStringList({QStringLiteral("curWCalibPlateSerialNoTlabel"),
-                                       QStringLiteral("selFileSerialNoTlabel")}));
-}
-
-void TestFormLayout::localeIsKept() {
-    const auto dialog = settingForm().create();
-    dialog->setLocale(QLocale(QLocale::German));
-    const QLocale japanese(QLocale::Japanese, QLocale::Japan);
-    for (const WidgetRow& row : settingFormRows()) {
-        const QWidget* widget = findWidget(*dialog, row.name);
-        QVERIFY(widget);
-        const bool isOwn = qstrcmp(row.name, "ConnectPushBtn") == 0;
-        QVERIFY2((widget->locale() == japanese) == isOwn, row.name);
-    }
-}
-
-void TestFormLayout::nothingIsChecked() {
-    const auto dialog = settingForm().create();
-    const auto buttons = dialog->findChildren<QRadioButton*>();
-    QCOMPARE(buttons.size(), 8);
-    for (const QRadioButton* button : buttons) {
-        QVERIFY2(!button->isChecked(), qPrintable(button->objectName()));
-        QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
-    }
+    QCOMPARE(leftToRight, QStringList({"curWCalibPlateSerialNoTlabel", "selFileSerialNoTlabel"}));
+    QCOMPARE(japanese, QStringList("ConnectPushBtn"));
 }
 
 void TestFormLayout::powerOffTimesExclude() {
     const auto dialog = settingForm().create();
-    const char* const names[] = {"invalidradioBtn", "fifteenRadioBtn", "thirtyRadioBtn",
-                                 "sixtyRadioBtn"};
-    for (const char* chosen : names) {
-        qobject_cast<QRadioButton*>(findWidget(*dialog, chosen))->setChecked(true);
-        for (const char* name : names) {
-            const bool checked =
-                qobject_cast<QRadioButton*>(findWidget(*dialog, name))->isChecked();
-            QVERIFY2(checked == (name == chosen), name);
-        }
+    const QStringList names = {"invalidradioBtn", "fifteenRadioBtn", "thirtyRadioBtn",
+                               "sixtyRadioBtn"};
+    for (const QString& chosen : names) {
+        dialog->findChild<QRadioButton*>(chosen)->setChecked(true);
+        for (const QString& name : names)
+            QCOMPARE(dialog->findChild<QRadioButton*>(name)->isChecked(), name == chosen);
     }
 }
 
 void TestFormLayout::networkSwitchesAreIndependent() {
     const auto dialog = settingForm().create();
-    const auto radio = [&](const char* name) {
-        return qobject_cast<QRadioButton*>(findWidget(*dialog, name));
-    };
+    const auto radio = [&](const char* name) { return dialog->findChild<QRadioButton*>(name); };
     radio("enableRadioBtn")->setChecked(true);
     radio("dhcpOnRadioBtn")->setChecked(true);
     radio("sixtyRadioBtn")->setChecked(true);
@@ -329,33 +240,31 @@ void TestFormLayout::networkSwitchesAreIndependent() {
     QVERIFY(radio("sixtyRadioBtn")->isChecked());
 }
 
-void TestFormLayout::editsHaveNoMaskOrValidator() {
+/** No radio button is checked and no push button is a default one, shown or not. No edit has a
+    mask, a validator or a completer. */
+void TestFormLayout::buttonsAndEdits() {
     const auto dialog = settingForm().create();
-    int edits = 0;
-    for (const WidgetRow& row : settingFormRows()) {
-        if (qstrcmp(row.className, "QLineEdit") != 0)
-            continue;
-        const auto* edit = qobject_cast<QLineEdit*>(findWidget(*dialog, row.name));
-        QVERIFY2(edit, row.name);
-        QVERIFY2(edit->inputMask().isEmpty(), row.name);
-        QVERIFY2(!edit->validator(), row.name);
-        QVERIFY2(!edit->completer(), row.name);
-        ++edits;
+    const auto radioButtons = dialog->findChildren<QRadioButton*>();
+    QCOMPARE(radioButtons.size(), 8);
+    for (const QRadioButton* button : radioButtons) {
+        QVERIFY2(!button->isChecked(), qPrintable(button->objectName()));
+        QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
     }
-    QCOMPARE(edits, 18);
-}
-
-void TestFormLayout::noButtonIsDefault() {
-    const auto dialog = settingForm().create();
     dialog->show();
-    const auto buttons = dialog->findChildren<QPushButton*>();
-    QCOMPARE(buttons.size(), 13);
-    for (const QPushButton* button : buttons) {
+    const auto pushButtons = dialog->findChildren<QPushButton*>();
+    QCOMPARE(pushButtons.size(), 13);
+    for (const QPushButton* button : pushButtons) {
         QVERIFY2(!button->autoDefault(), qPrintable(button->objectName()));
         QVERIFY2(!button->isDefault(), qPrintable(button->objectName()));
     }
+    const auto edits = dialog->findChildren<QLineEdit*>();
+    QCOMPARE(edits.size(), 18);
+    for (const QLineEdit* edit : edits) {
+        QVERIFY2(edit->inputMask().isEmpty(), qPrintable(edit->objectName()));
+        QVERIFY2(!edit->validator(), qPrintable(edit->objectName()));
+        QVERIFY2(!edit->completer(), qPrintable(edit->objectName()));
+    }
 }
 
-QTEST_MAIN(TestFormLayout)
-
+TEST_CLASS(TestFormLayout)
 #include "tst_form_layout.moc"

@@ -1,15 +1,15 @@
 #include "tests/dialogs/form/FormTable.h"
+#include "tests/support/TestMain.h"
 
 #include <QMetaMethod>
-#include <QtTest>
 
 namespace {
 
 /** The slots of a form's dialog, in the order of the meta-object. */
-QVector<QByteArray> slotsOf(int form) {
-    if (form == 1)
+QVector<QByteArray> slotsOf(const FormTable& form) {
+    if (qstrcmp(form.name, "LangSelectDialog") == 0)
         return {"on_pushButton_clicked()", "on_jpnRadioBtn_clicked()", "on_engRadioBtn_clicked()"};
-    if (form == 2)
+    if (qstrcmp(form.name, "ConnectSelectDialog") == 0)
         return {"on_pushButton_clicked()", "on_connectlistWidget_itemSelectionChanged()"};
     return {"on_ClosePushBtn_clicked()",
             "on_selWCPFilePushBtn_clicked()",
@@ -30,113 +30,36 @@ QVector<QByteArray> slotsOf(int form) {
             "on_setBasetabWidget_currentChanged(int)"};
 }
 
-/** The signal in the name of a slot, without arguments: the part after the last underscore. */
-QByteArray signalOf(const QByteArray& slot) {
-    const int start = slot.lastIndexOf('_') + 1;
-    return slot.mid(start, slot.indexOf('(') - start);
-}
-
-/** The object name in the name of a slot: between "on_" and the signal. */
-QByteArray senderOf(const QByteArray& slot) {
-    const int start = int(qstrlen("on_"));
-    return slot.mid(start, slot.lastIndexOf('_') - start);
-}
-
-/** The index of the signal of that name that a slot of that signature takes, every argument of the
-    signal that the slot leaves out being ignored. -1 when there is none. */
-int matchingSignal(const QMetaObject& sender, const QByteArray& name, const QByteArray& slot) {
-    for (int i = 0; i < sender.methodCount(); ++i) {
-        const QMetaMethod method = sender.method(i);
-        if (method.methodType() == QMetaMethod::Signal && method.name() == name &&
-            !(method.attributes() & QMetaMethod::Cloned) &&
-            QMetaObject::checkConnectArgs(method.methodSignature().constData(), slot.constData()))
-            return i;
-    }
-    return -1;
-}
+struct SlotRow {
+    QByteArray name;
+    FormTable form;
+    int index; ///< among the slots of the dialog
+};
 
 } // namespace
+
+Q_DECLARE_METATYPE(SlotRow)
 
 /** The slots of the dialogs and what reaches them. */
 class TestFormSlots : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void table_data() { addFormRows(); }
+    void table_data() { addRows(allForms()); }
     void table();
     void slot_data();
     void slot();
-    void connectedByName_data();
-    void connectedByName();
-    void nothingElseOfTheirOwn_data() { addFormRows(); }
-    void nothingElseOfTheirOwn();
-    void tabIndexIsNamed();
 };
 
+/** The slots in their order, and nothing else. */
 void TestFormSlots::table() {
-    QFETCH(int, form);
-    const auto dialog = allForms()[form].create();
+    QFETCH(const FormTable, row);
+    const auto dialog = row.create();
     const QMetaObject* meta = dialog->metaObject();
     QVector<QByteArray> signatures;
     for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
         signatures.append(meta->method(i).methodSignature());
-    QCOMPARE(signatures, slotsOf(form));
-}
-
-void TestFormSlots::slot_data() {
-    QTest::addColumn<int>("form");
-    QTest::addColumn<int>("index");
-    const QVector<FormTable> forms = allForms();
-    for (int form = 0; form < forms.size(); ++form) {
-        const QVector<QByteArray> slotNames = slotsOf(form);
-        for (int i = 0; i < slotNames.size(); ++i)
-            QTest::addRow("%s.%s", forms[form].name, slotNames[i].constData()) << form << i;
-    }
-}
-
-void TestFormSlots::slot() {
-    QFETCH(int, form);
-    QFETCH(int, index);
-    const auto dialog = allForms()[form].create();
-    const QMetaMethod method =
-        dialog->metaObject()->method(dialog->metaObject()->methodOffset() + index);
-    QCOMPARE(method.methodSignature(), slotsOf(form)[index]);
-    QCOMPARE(method.methodType(), QMetaMethod::Slot);
-    QCOMPARE(method.access(), QMetaMethod::Private);
-    QCOMPARE(method.returnType(), int(QMetaType::Void));
-}
-
-void TestFormSlots::connectedByName_data() {
-    QTest::addColumn<int>("form");
-    QTest::addColumn<QByteArray>("slot");
-    const QVector<FormTable> forms = allForms();
-    for (int form = 0; form < forms.size(); ++form) {
-        const QVector<QByteArray> slotNames = slotsOf(form);
-        for (const QByteArray& slot : slotNames) {
-            if (slot.startsWith("on_"))
-                QTest::addRow("%s.%s", forms[form].name, slot.constData()) << form << slot;
-        }
-    }
-}
-
-/** What can be disconnected was connected; what can be disconnected twice was connected twice. */
-void TestFormSlots::connectedByName() {
-    QFETCH(int, form);
-    QFETCH(QByteArray, slot);
-    const auto dialog = allForms()[form].create();
-    const QWidget* sender = findWidget(*dialog, senderOf(slot).constData());
-    QVERIFY(sender);
-    const int signal = matchingSignal(*sender->metaObject(), signalOf(slot), slot);
-    QVERIFY(signal >= 0);
-    const int method = dialog->metaObject()->indexOfSlot(slot.constData());
-    QVERIFY(QMetaObject::disconnectOne(sender, signal, dialog.get(), method));
-    QVERIFY(!QMetaObject::disconnectOne(sender, signal, dialog.get(), method));
-}
-
-void TestFormSlots::nothingElseOfTheirOwn() {
-    QFETCH(int, form);
-    const auto dialog = allForms()[form].create();
-    const QMetaObject* meta = dialog->metaObject();
+    QCOMPARE(signatures, slotsOf(row));
     QCOMPARE(meta->propertyCount(), meta->propertyOffset());
     QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
     QCOMPARE(meta->classInfoCount(), meta->classInfoOffset());
@@ -144,14 +67,41 @@ void TestFormSlots::nothingElseOfTheirOwn() {
     QVERIFY(dialog->dynamicPropertyNames().isEmpty());
 }
 
-void TestFormSlots::tabIndexIsNamed() {
-    const auto dialog = settingForm().create();
-    const QMetaObject* meta = dialog->metaObject();
-    const int slot = meta->indexOfSlot("on_setBasetabWidget_currentChanged(int)");
-    QVERIFY(slot >= 0);
-    QCOMPARE(meta->method(slot).parameterNames(), QList<QByteArray>({"index"}));
+void TestFormSlots::slot_data() {
+    QVector<SlotRow> rows;
+    for (const FormTable& form : allForms()) {
+        for (const QByteArray& slot : slotsOf(form))
+            rows.append({QByteArray(form.name) + '.' + slot, form, slotsOf(form).indexOf(slot)});
+    }
+    addRows(rows);
 }
 
-QTEST_MAIN(TestFormSlots)
+/** What can be disconnected was connected; what can be disconnected twice was connected twice. */
+void TestFormSlots::slot() {
+    QFETCH(const SlotRow, row);
+    const QByteArray signature = slotsOf(row.form)[row.index];
+    const auto dialog = row.form.create();
+    const int index = dialog->metaObject()->methodOffset() + row.index;
+    const QMetaMethod method = dialog->metaObject()->method(index);
+    QCOMPARE(method.methodSignature(), signature);
+    QCOMPARE(method.methodType(), QMetaMethod::Slot);
+    QCOMPARE(method.access(), QMetaMethod::Private);
+    QCOMPARE(method.returnType(), int(QMetaType::Void));
+    QCOMPARE(method.parameterNames(),
+             signature.endsWith("(int)") ? QList<QByteArray>{"index"} : QList<QByteArray>());
+    if (!signature.startsWith("on_"))
+        return; // not connected by its name
+    // on_<object>_<signal>; the slots leave out what "clicked" brings.
+    QByteArray signal = signature.mid(signature.lastIndexOf('_') + 1);
+    signal.replace("clicked()", "clicked(bool)");
+    const QByteArray object = signature.mid(3, signature.lastIndexOf('_') - 3);
+    const QWidget* sender = findWidget(*dialog, object.constData());
+    QVERIFY(sender);
+    const int sent = sender->metaObject()->indexOfSignal(signal.constData());
+    QVERIFY(sent >= 0);
+    QVERIFY(QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
+    QVERIFY(!QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
+}
 
+TEST_CLASS(TestFormSlots)
 #include "tst_form_slots.moc"

@@ -1,49 +1,100 @@
-#include "tests/dialogs/form/Measure.h"
-
 #include "dialogs/ConnectSelectDialog.h"
 #include "dialogs/InitSettingDialog.h"
 #include "dialogs/LangSelectDialog.h"
 #include "tests/dialogs/form/FormTable.h"
+#include "tests/dialogs/form/Measure.h"
 #include "tests/dialogs/form/Translations.h"
 #include "tests/support/ModalAnswerer.h"
+#include "tests/support/TestMain.h"
 
-#include <QApplication>
+#include <QAbstractButton>
 #include <QDialogButtonBox>
-#include <QGroupBox>
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QPushButton>
-#include <QRadioButton>
+#include <QScreen>
 #include <QScrollBar>
 #include <QStyleOptionFrame>
-#include <QTabBar>
 #include <QTabWidget>
-#include <QtTest>
+#include <QTextDocument>
 
 namespace {
 
-/** The settings dialog as its owner shows it, without an instrument. */
-std::unique_ptr<InitSettingDialog> shownSettings() {
+/** What the program says in message boxes, in the settings dialog and, last, at its start. */
+const QStringList messages = {
+    "Failed to connect device.",
+    "Failed to read device data.",
+    "Wireless LAN is invalid.",
+    "Failed to device WhiteCalibPlateSerialNo.",
+    "Failed to device AmbientLightAdapterSerialNo.",
+    "Failed to read automatic shutdown time.",
+    "The measuring instruments is not connected.",
+    "Failed to device disconnect.",
+    "Failed to disconnect device.",
+    "The connection with the measuring instrument was disconnected.",
+    "The input value is invalid.",
+    "Failed to read Network Infomation data.",
+    "Successful read body data.",
+    "Failed to read Network Infomation file data.",
+    "Successful read file data.",
+    "Successful file writing.",
+    "Failed to write Network Infomation file data.",
+    "Write successful. To reflect, after [Disconnect], turn the power supply of the measuring "
+    "instrument OFF -> ON.",
+    "Failed to write Network Infomation data.",
+    "Failed to read file data.",
+    "Failed to write WhiteCalibPlate file.",
+    "Failed to write WhiteCalibPlate data.",
+    "Failed to write AmbientLightAdapter file.",
+    "Failed to write AmbientLightAdapter data.",
+    "Successful device writing.",
+    "Failed to write automatic shutdown time.",
+    "Failed to set default language.",
+    "Failed to set select(japanese) language.",
+    "Failed to set select(English) language.",
+};
+
+struct MessageRow {
+    QByteArray name;
+    QString language;
+    QString text;
+};
+
+/** A text in a widget of the settings dialog. */
+struct ValueRow {
+    const char* name;
+    const char* widget;
+    const char* value;
+};
+
+struct FileDialogRow {
+    const char* name;
+    const char* language;
+    const char* slot;
+    QStringList buttons;
+    const char* fileName;
+};
+
+QTabWidget& tabsOf(const QWidget& dialog) {
+    return *dialog.findChild<QTabWidget*>("setBasetabWidget");
+}
+
+/** The settings dialog as its owner shows it, without an instrument, with the tab of that widget
+    on top. */
+std::unique_ptr<InitSettingDialog> shownSettings(const char* widget = "setBasetabWidget") {
     auto dialog = std::make_unique<InitSettingDialog>();
     dialog->connectDevice(-1, true);
     dialog->show();
+    for (int tab = 0; tab < 4 && !findWidget(*dialog, widget)->isVisible(); ++tab)
+        tabsOf(*dialog).setCurrentIndex(tab);
     return dialog;
 }
 
-QTabWidget& tabsOf(const InitSettingDialog& dialog) {
-    return *dialog.findChild<QTabWidget*>(QStringLiteral("setBasetabWidget"));
+QString misfits(const QWidget& window) {
+    return Measure::misfits(window).join('\n');
 }
 
-void addLanguages() {
-    QTest::addColumn<QString>("language");
-    QTest::newRow("untranslated") << QString();
-    for (const char* language : languages)
-        QTest::newRow(language) << QString::fromLatin1(language);
-}
-
-/** The texts of the buttons at the edge of one of Qt's own windows, in the order of their making.
- */
+/** The texts of the buttons at the edge of one of Qt's own windows. */
 QStringList buttonTexts(const QDialog& window) {
     QStringList texts;
     const auto boxes = window.findChildren<QDialogButtonBox*>();
@@ -55,269 +106,249 @@ QStringList buttonTexts(const QDialog& window) {
     return texts;
 }
 
-/** A language's translation; of the empty one: none. */
-std::unique_ptr<InstalledTranslation> install(const QString& language) {
-    return language.isEmpty() ? nullptr : std::make_unique<InstalledTranslation>(language);
+/** A language's translation; none for "untranslated". */
+std::unique_ptr<InstalledTranslation> install(const LanguageRow& row) {
+    return qstrcmp(row.name, "untranslated") == 0
+               ? nullptr
+               : std::make_unique<InstalledTranslation>(row.name);
 }
 
 } // namespace
 
-/** Every text of every window is in its language and shown whole, in both languages. */
+Q_DECLARE_METATYPE(MessageRow)
+Q_DECLARE_METATYPE(ValueRow)
+Q_DECLARE_METATYPE(FileDialogRow)
+
+/** Every text of every window, messages included, is in its language and shown whole. */
 class TestTextFit : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void glyphs_data() { addLanguages(); }
+    void initTestCase() { QVERIFY(m_font.isInUse()); }
+    void glyphs_data() { addRows(languages); }
     void glyphs();
-    void settings_data() { addLanguages(); }
-    void settings();
-    void languageSelection_data() { addLanguages(); }
-    void languageSelection();
-    void instrumentSelection_data() { addLanguages(); }
-    void instrumentSelection();
+    void windows_data() { addRows(QVector<LanguageRow>{{"untranslated"}} + languages); }
+    void windows();
     void values_data();
     void values();
-    void octets_data();
     void octets();
-    void instruments_data();
     void instruments();
+    void allMessagesAreListed();
+    void message_data();
+    void message();
     void qtFileDialog_data();
     void qtFileDialog();
-    void qtMessageBox_data();
     void qtMessageBox();
     void misfitIsSeen_data();
     void misfitIsSeen();
+
+private:
+    const Measure::ProgramFont m_font;
 };
 
-void TestTextFit::initTestCase() {
-    QVERIFY(Measure::usesProgramFont());
-}
-
 void TestTextFit::glyphs() {
-    QFETCH(QString, language);
-    const auto entries = readTranslationSource(
-        translationSourcePath(language.isEmpty() ? QStringLiteral("en") : language));
-    QVERIFY(!entries.isEmpty());
-    for (const TranslationEntry& entry : entries)
+    QFETCH(const LanguageRow, row);
+    for (const TranslationEntry& entry : entriesOf(row.name))
         QCOMPARE(Measure::missingGlyphs(entry.translation), QString());
     // U+FDD0 is no character; no font has it.
-    QCOMPARE(Measure::missingGlyphs(QString(QChar(0xFDD0))), QString(QChar(0xFDD0)));
+    QCOMPARE(Measure::missingGlyphs(QChar(0xFDD0)), QString(QChar(0xFDD0)));
 }
 
-void TestTextFit::settings() {
-    QFETCH(QString, language);
-    const auto translation = install(language);
+void TestTextFit::windows() {
+    QFETCH(const LanguageRow, row);
+    const auto translation = install(row);
     const auto dialog = shownSettings();
-    QStringList misfits;
-    QSet<QString> measured;
+    QStringList measured;
     for (int tab = 0; tab < tabsOf(*dialog).count(); ++tab) {
         tabsOf(*dialog).setCurrentIndex(tab);
-        misfits.append(Measure::misfits(*dialog));
-        for (const QString& text : Measure::measuredTexts(*dialog))
-            measured.insert(text);
+        QCOMPARE(misfits(*dialog), QString());
+        measured += Measure::measuredTexts(*dialog);
     }
-    misfits.removeDuplicates();
-    QCOMPARE(misfits.join(QLatin1Char('\n')), QString());
-    for (const WidgetRow& row : settingFormRows())
-        QVERIFY2(measured.contains(shownText(*dialog, row)) || shownText(*dialog, row).isEmpty(),
-                 row.name);
-}
+    for (const WidgetRow& widget : settingForm().widgets) {
+        const QString text = shownText(*dialog, widget);
+        QVERIFY2(measured.contains(text) || text.isEmpty(), widget.name);
+    }
 
-void TestTextFit::languageSelection() {
-    QFETCH(QString, language);
-    const auto translation = install(language);
-    LangSelectDialog dialog;
-    dialog.setLanguage(Language::english);
-    dialog.show();
-    QCOMPARE(Measure::misfits(dialog).join(QLatin1Char('\n')), QString());
-    QCOMPARE(Measure::measuredTexts(dialog).size(), 4);
-}
+    LangSelectDialog language;
+    language.setLanguage(Language::english);
+    language.show();
+    QCOMPARE(misfits(language), QString());
+    QCOMPARE(Measure::measuredTexts(language).size(), 4);
 
-void TestTextFit::instrumentSelection() {
-    QFETCH(QString, language);
-    const auto translation = install(language);
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList({QStringLiteral("VARNE-1(USB,Serial#1000001)")});
-    dialog.show();
-    QCOMPARE(Measure::misfits(dialog).join(QLatin1Char('\n')), QString());
-    QCOMPARE(Measure::measuredTexts(dialog).size(), 1);
+    ConnectSelectDialog selection;
+    selection.setDeviceList({"VARNE-1(USB,Serial#1000001)"});
+    selection.show();
+    QCOMPARE(misfits(selection), QString());
+    QCOMPARE(Measure::measuredTexts(selection).size(), 1);
 }
 
 void TestTextFit::values_data() {
-    QTest::addColumn<int>("tab");
-    QTest::addColumn<QByteArray>("label");
-    QTest::addColumn<QString>("value");
-    const QString eightDigits = QStringLiteral("88888888");
-    QTest::newRow("serial number")
-        << 0 << QByteArray("serialNolabel") << QStringLiteral("4294967295");
-    QTest::newRow("firmware version") << 0 << QByteArray("firmVersionlabel")
-                                      << QStringLiteral("4294967295.-2147483648.-2147483648");
-    QTest::newRow("MAC address") << 0 << QByteArray("MACAddresslabel")
-                                 << QStringLiteral("DD:DD:DD:DD:DD:DD");
-    QTest::newRow("plate") << 2 << QByteArray("curWCalibPlateSerialNolabel") << eightDigits;
-    QTest::newRow("plate of file") << 2 << QByteArray("selFileSerialNolabel") << eightDigits;
-    QTest::newRow("adapter") << 3 << QByteArray("curAmbAdpSerialNolabel") << eightDigits;
-    QTest::newRow("adapter of file") << 3 << QByteArray("selAmbAdpFSerialNolabel") << eightDigits;
+    addRows(QVector<ValueRow>{
+        {"serial number", "serialNolabel", "4294967295"},
+        {"firmware version", "firmVersionlabel", "4294967295.-2147483648.-2147483648"},
+        {"MAC address", "MACAddresslabel", "DD:DD:DD:DD:DD:DD"},
+        {"plate", "curWCalibPlateSerialNolabel", "88888888"},
+        {"plate of file", "selFileSerialNolabel", "88888888"},
+        {"adapter", "curAmbAdpSerialNolabel", "88888888"},
+        {"adapter of file", "selAmbAdpFSerialNolabel", "88888888"},
+    });
 }
 
 void TestTextFit::values() {
-    QFETCH(int, tab);
-    QFETCH(QByteArray, label);
-    QFETCH(QString, value);
-    const auto dialog = shownSettings();
-    tabsOf(*dialog).setCurrentIndex(tab);
-    auto* widget = qobject_cast<QLabel*>(findWidget(*dialog, label.constData()));
-    QVERIFY(widget && widget->isVisible());
-    widget->setText(value);
-    QVERIFY(Measure::measuredTexts(*dialog).contains(value));
-    QCOMPARE(Measure::misfits(*dialog).join(QLatin1Char('\n')), QString());
-}
-
-void TestTextFit::octets_data() {
-    QTest::addColumn<QByteArray>("name");
-    for (const WidgetRow& row : settingFormRows()) {
-        if (qstrcmp(row.className, "QLineEdit") == 0 && qstrcmp(row.parent, "tcpIPGroupBox") == 0)
-            QTest::newRow(row.name) << QByteArray(row.name);
-    }
+    QFETCH(const ValueRow, row);
+    const auto dialog = shownSettings(row.widget);
+    auto* label = dialog->findChild<QLabel*>(row.widget);
+    QVERIFY(label && label->isVisible());
+    label->setText(row.value);
+    QVERIFY(Measure::measuredTexts(*dialog).contains(row.value));
+    QCOMPARE(misfits(*dialog), QString());
 }
 
 void TestTextFit::octets() {
-    QFETCH(QByteArray, name);
     constexpr int marginBesideText = 2; // QLineEdit's own, on either side
     const auto dialog = shownSettings();
-    const auto* edit = qobject_cast<QLineEdit*>(findWidget(*dialog, name.constData()));
-    QVERIFY(edit);
-    QStyleOptionFrame option;
-    option.initFrom(edit);
-    option.lineWidth = edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, edit);
-    const QRect space = edit->style()->subElementRect(QStyle::SE_LineEditContents, &option, edit);
-    QVERIFY(edit->fontMetrics().horizontalAdvance(QStringLiteral("255")) + 2 * marginBesideText <=
-            space.width());
-    QVERIFY(edit->fontMetrics().height() <= space.height());
-}
-
-void TestTextFit::instruments_data() {
-    QTest::addColumn<QString>("device");
-    QTest::newRow("USB") << QStringLiteral("VARNE-1(USB,Serial#2147483647)");
-    QTest::newRow("network") << QStringLiteral("VARNE-1(255.255.255.255,Serial#2147483647)");
+    const auto edits = dialog->findChild<QWidget*>("tcpIPGroupBox")->findChildren<QLineEdit*>();
+    QCOMPARE(edits.size(), 16);
+    for (const QLineEdit* edit : edits) {
+        QStyleOptionFrame option;
+        option.initFrom(edit);
+        option.lineWidth = edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, edit);
+        const QRect space =
+            edit->style()->subElementRect(QStyle::SE_LineEditContents, &option, edit);
+        const QFontMetrics metrics = edit->fontMetrics();
+        QVERIFY2(metrics.horizontalAdvance("255") + 2 * marginBesideText <= space.width(),
+                 qPrintable(edit->objectName()));
+        QVERIFY2(metrics.height() <= space.height(), qPrintable(edit->objectName()));
+    }
 }
 
 void TestTextFit::instruments() {
-    QFETCH(QString, device);
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList({device});
-    dialog.show();
-    const auto* list = dialog.findChild<QListWidget*>(QStringLiteral("connectlistWidget"));
-    QVERIFY(list->sizeHintForColumn(0) <= list->viewport()->width());
-    QVERIFY(!list->horizontalScrollBar()->isVisible());
-    QCOMPARE(list->textElideMode(), Qt::ElideRight);
+    for (const char* device :
+         {"VARNE-1(USB,Serial#2147483647)", "VARNE-1(255.255.255.255,Serial#2147483647)"}) {
+        ConnectSelectDialog dialog;
+        dialog.setDeviceList({device});
+        dialog.show();
+        const auto* list = dialog.findChild<QListWidget*>("connectlistWidget");
+        QVERIFY2(list->sizeHintForColumn(0) <= list->viewport()->width(), device);
+        QVERIFY2(!list->horizontalScrollBar()->isVisible(), device);
+        QCOMPARE(list->textElideMode(), Qt::ElideRight);
+    }
+}
+
+/** All sentences of the translation are messages, and the other way round. */
+void TestTextFit::allMessagesAreListed() {
+    QStringList sentences;
+    for (const TranslationEntry& entry : entriesOf("jp")) {
+        if (entry.translation.endsWith("。"))
+            sentences.append(entry.source);
+    }
+    sentences.removeDuplicates();
+    sentences.sort();
+    QStringList listed = messages;
+    listed.sort();
+    QCOMPARE(sentences, listed);
+}
+
+void TestTextFit::message_data() {
+    QVector<MessageRow> rows;
+    for (const LanguageRow& language : languages) {
+        for (const TranslationEntry& entry : entriesOf(language.name)) {
+            const QString name = QString(language.name) + ' ' + entry.context + ": " + entry.source;
+            if (messages.contains(entry.source))
+                rows.append({name.toUtf8(), language.name, entry.translation});
+        }
+    }
+    addRows(rows);
+}
+
+/** Every message is shown whole, as plain text. */
+void TestTextFit::message() {
+    QFETCH(const MessageRow, row);
+    const InstalledTranslation translation(row.language);
+    QVERIFY(!Qt::mightBeRichText(row.text));
+    QCOMPARE(Measure::missingGlyphs(row.text), QString());
+    InitSettingDialog dialog;
+    ModalAnswerer answerer;
+    answerer.onBox = [&](QMessageBox& box) {
+        QCOMPARE(misfits(box), QString());
+        QVERIFY(Measure::measuredTexts(box).contains(row.text));
+        QVERIFY(box.screen()->availableGeometry().contains(box.geometry()));
+        QVERIFY(box.fontMetrics().horizontalAdvance(box.windowTitle()) < box.width());
+    };
+    dialog.showErrorMessage(row.text);
+    QCOMPARE(answerer.boxes.size(), 1);
 }
 
 void TestTextFit::qtFileDialog_data() {
-    QTest::addColumn<QString>("language");
-    QTest::addColumn<QByteArray>("slot");
-    QTest::addColumn<QStringList>("buttons");
-    QTest::addColumn<QString>("fileName");
-    const auto row = [](const char* name, const char* language, const char* slot,
-                        const QStringList& buttons, const char* fileName) {
-        QTest::newRow(name) << QString::fromLatin1(language) << QByteArray(slot) << buttons
-                            << QString::fromUtf8(fileName);
-    };
     const char* open = "on_readToFilePushBtn_clicked";
     const char* save = "on_writeFilePushBtn_clicked";
-    const QString cancel = QStringLiteral("キャンセル");
-    row("open, English", "en", open, {QStringLiteral("&Open"), QStringLiteral("Cancel")},
-        "File &name:");
-    row("save, English", "en", save, {QStringLiteral("&Save"), QStringLiteral("Cancel")},
-        "File &name:");
-    row("open, Japanese", "jp", open, {cancel, QStringLiteral("開く(&O)")}, "ファイル名(&N):");
-    row("save, Japanese", "jp", save, {cancel, QStringLiteral("保存(&S)")}, "ファイル名(&N):");
+    addRows(QVector<FileDialogRow>{
+        {"open, English", "en", open, {"&Open", "Cancel"}, "File &name:"},
+        {"save, English", "en", save, {"&Save", "Cancel"}, "File &name:"},
+        {"open, Japanese", "jp", open, {"キャンセル", "開く(&O)"}, "ファイル名(&N):"},
+        {"save, Japanese", "jp", save, {"キャンセル", "保存(&S)"}, "ファイル名(&N):"},
+    });
 }
 
 /** Qt's own windows speak the language of the tool. */
 void TestTextFit::qtFileDialog() {
-    QFETCH(QString, language);
-    QFETCH(QByteArray, slot);
-    QFETCH(QStringList, buttons);
-    QFETCH(QString, fileName);
-    const InstalledTranslation translation(language);
+    QFETCH(const FileDialogRow, row);
+    const InstalledTranslation translation(row.language);
     InitSettingDialog window;
     ModalAnswerer answerer;
     answerer.willCancel();
-    QStringList shown;
-    QString label;
     answerer.onFileDialog = [&](QFileDialog& dialog) {
-        shown = buttonTexts(dialog);
-        label = dialog.labelText(QFileDialog::FileName);
+        QCOMPARE(buttonTexts(dialog), row.buttons);
+        QCOMPARE(dialog.labelText(QFileDialog::FileName), QString(row.fileName));
     };
-    QVERIFY(QMetaObject::invokeMethod(&window, slot.constData()));
-    QCOMPARE(shown, buttons);
-    QCOMPARE(label, fileName);
-}
-
-void TestTextFit::qtMessageBox_data() {
-    QTest::addColumn<QString>("language");
-    QTest::addColumn<QStringList>("buttons");
-    QTest::newRow("English") << QStringLiteral("en")
-                             << QStringList({QStringLiteral("&No"), QStringLiteral("&Yes"),
-                                             QStringLiteral("OK")});
-    QTest::newRow("Japanese") << QStringLiteral("jp")
-                              << QStringList({QStringLiteral("OK"), QStringLiteral("いいえ(&N)"),
-                                              QStringLiteral("はい(&Y)")});
+    QVERIFY(QMetaObject::invokeMethod(&window, row.slot));
+    QCOMPARE(answerer.fileDialogs.size(), 1);
 }
 
 /** Such as the file dialog's question whether to replace a file. */
 void TestTextFit::qtMessageBox() {
-    QFETCH(QString, language);
-    QFETCH(QStringList, buttons);
-    const InstalledTranslation translation(language);
-    const QMessageBox box(QMessageBox::Question, QString(), QString(),
-                          QMessageBox::Ok | QMessageBox::Yes | QMessageBox::No);
-    QCOMPARE(buttonTexts(box), buttons);
+    const auto shown = [](const char* language) {
+        const InstalledTranslation translation(language);
+        return buttonTexts(QMessageBox(QMessageBox::Question, "", "",
+                                       QMessageBox::Ok | QMessageBox::Yes | QMessageBox::No));
+    };
+    QCOMPARE(shown("en"), QStringList({"&No", "&Yes", "OK"}));
+    QCOMPARE(shown("jp"), QStringList({"OK", "いいえ(&N)", "はい(&Y)"}));
 }
 
 void TestTextFit::misfitIsSeen_data() {
-    QTest::addColumn<QByteArray>("name");
-    QTest::newRow("label") << QByteArray("serialNoTLabel");
-    QTest::newRow("right-aligned label") << QByteArray("curWCalibPlateSerialNoTlabel");
-    QTest::newRow("label out of its box") << QByteArray("selWCPFileTlabel");
-    QTest::newRow("button") << QByteArray("ConnectPushBtn");
-    QTest::newRow("radio button") << QByteArray("enableRadioBtn");
-    QTest::newRow("group") << QByteArray("wLanFileCtrlGroupBox");
-    QTest::newRow("tab") << QByteArray("setBasetabWidget");
+    addRows(QVector<ValueRow>{
+        {"label", "serialNoTLabel", "text"},
+        {"right-aligned label", "curWCalibPlateSerialNoTlabel", "text"},
+        {"label out of its box", "selWCPFileTlabel", "text"},
+        {"button", "ConnectPushBtn", "text"},
+        {"radio button", "enableRadioBtn", "text"},
+        {"group", "wLanFileCtrlGroupBox", "title"},
+        {"tab", "setBasetabWidget", nullptr},
+    });
 }
 
-/** The measure itself: a text that is made longer, sign by sign, is found in the end, and not
-    before it is as wide as its widget may show. */
+/** The measure itself: a text that is made longer, sign by sign, is found in the end. It is not
+    found before it is as wide as its widget may show. */
 void TestTextFit::misfitIsSeen() {
-    QFETCH(QByteArray, name);
-    const auto dialog = shownSettings();
-    QWidget* widget = findWidget(*dialog, name.constData());
-    QVERIFY(widget);
-    for (int tab = 0; tab < tabsOf(*dialog).count() && !widget->isVisible(); ++tab)
-        tabsOf(*dialog).setCurrentIndex(tab);
-    QVERIFY(widget->isVisible());
-    QCOMPARE(Measure::misfits(*dialog).join(QLatin1Char('\n')), QString());
+    QFETCH(const ValueRow, row);
+    const auto dialog = shownSettings(row.widget);
+    QWidget* widget = findWidget(*dialog, row.widget);
+    QVERIFY(widget && widget->isVisible());
+    QCOMPARE(misfits(*dialog), QString());
     QString text;
-    while (Measure::misfits(*dialog).isEmpty() && text.size() < 400) {
-        text.append(QLatin1Char('n'));
-        if (name == "setBasetabWidget")
-            tabsOf(*dialog).setTabText(3, text);
+    while (misfits(*dialog).isEmpty() && text.size() < 400) {
+        text.append('n');
+        if (row.value)
+            widget->setProperty(row.value, text);
         else
-            widget->setProperty(widget->inherits("QGroupBox") ? "title" : "text", text);
+            tabsOf(*dialog).setTabText(3, text);
         tabsOf(*dialog).repaint();
     }
     const int width = widget->fontMetrics().horizontalAdvance(text);
     QVERIFY(width > widget->width() / 4);
-    QVERIFY(width <= widget->width() + widget->fontMetrics().horizontalAdvance(QLatin1Char('n')));
+    QVERIFY(width <= widget->width() + widget->fontMetrics().horizontalAdvance('n'));
 }
 
-// Not QTEST_MAIN: it fixes the resolution at 96 dots per inch.
-int main(int argc, char* argv[]) {
-    const QApplication application(argc, argv);
-    TestTextFit test;
-    return QTest::qExec(&test, argc, argv);
-}
-
+TEST_CLASS(TestTextFit)
 #include "tst_text_fit.moc"
