@@ -1,47 +1,15 @@
 #include "dialogs/LangSelectDialog.h"
+#include "tests/dialogs/form/Translations.h"
 #include "tests/dialogs/settings/SettingsFixture.h"
+#include "tests/support/TestMain.h"
 
 #include <QAbstractButton>
 #include <QAccessible>
-#include <QApplication>
-#include <QCoreApplication>
 #include <QFileDialog>
 #include <QGroupBox>
 #include <QTabBar>
-#include <QTabWidget>
-#include <QTranslator>
-#include <QtTest>
 
 #include <cstdio>
-
-/** Walks the accessibility tree of each window, in both languages, and prints it. */
-class TestAccessibleNames : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void init();
-    void cleanup();
-    void languageDialog_data() { languages(); }
-    void languageDialog();
-    void instrumentDialog_data() { languages(); }
-    void instrumentDialog();
-    void settingsDialog_data() { languages(); }
-    void settingsDialog();
-    void messageBox_data() { languages(); }
-    void messageBox();
-    void fileDialog_data() { languages(); }
-    void fileDialog();
-    void fields_data();
-    void fields();
-    void boxesHaveTheirOwnNames();
-    void radioButtonsSayWhatTheySwitch();
-    void valuesSayWhatTheyAre();
-
-private:
-    static void languages();
-
-    QTranslator m_translator;
-};
 
 namespace {
 
@@ -52,8 +20,9 @@ struct Stop {
     QString description;
     QAccessible::Role role;
 };
+using Stops = QVector<Stop>;
 
-void walk(QAccessibleInterface* node, int depth, QVector<Stop>& stops) {
+void walk(QAccessibleInterface* node, int depth, Stops& stops) {
     if (!node || !node->isValid())
         return;
     const QAccessible::State state = node->state();
@@ -74,8 +43,9 @@ void walk(QAccessibleInterface* node, int depth, QVector<Stop>& stops) {
         walk(node->child(i), depth + 1, stops);
 }
 
-QVector<Stop> stopsOf(QWidget& window) {
-    QVector<Stop> stops;
+/** Prints the tree of a window. */
+Stops stopsOf(QWidget& window) {
+    Stops stops;
     std::printf("\n");
     walk(QAccessible::queryAccessibleInterface(&window), 0, stops);
     std::fflush(stdout);
@@ -83,7 +53,7 @@ QVector<Stop> stopsOf(QWidget& window) {
 }
 
 /** The widgets that take the focus and have no name. */
-QStringList nameless(const QVector<Stop>& stops) {
+QStringList nameless(const Stops& stops) {
     QStringList found;
     for (const Stop& stop : stops) {
         if (stop.name.trimmed().isEmpty())
@@ -92,9 +62,9 @@ QStringList nameless(const QVector<Stop>& stops) {
     return found;
 }
 
-/** Those that do not say what they are for. Tabs have no description in Qt. */
-QStringList undescribed(const QVector<Stop>& stops) {
-    QStringList found;
+/** Those that do not say what they are for, or have no name. Tabs have no description in Qt. */
+QStringList unexplained(const Stops& stops) {
+    QStringList found = nameless(stops);
     for (const Stop& stop : stops) {
         if (stop.role != QAccessible::PageTabList && stop.description.trimmed().isEmpty())
             found.append(stop.object);
@@ -104,54 +74,49 @@ QStringList undescribed(const QVector<Stop>& stops) {
 
 } // namespace
 
-void TestAccessibleNames::languages() {
-    QTest::addColumn<QString>("file");
-    QTest::newRow("English") << QStringLiteral("en.qm");
-    QTest::newRow("Japanese") << QStringLiteral("jp.qm");
-}
+/** Walks the accessibility tree of each window, in both languages, and prints it. */
+class TestAccessibleNames : public QObject {
+    Q_OBJECT
 
-void TestAccessibleNames::init() {
-    if (!QTest::currentDataTag())
-        return;
-    QFETCH(QString, file);
-    QVERIFY(m_translator.load(QCoreApplication::applicationDirPath() +
-                              QStringLiteral("/../Resources/") + file));
-    QVERIFY(QCoreApplication::installTranslator(&m_translator));
-}
+private Q_SLOTS:
+    void choiceDialogs_data() { addRows(languages); }
+    void choiceDialogs();
+    void settingsDialog_data() { addRows(languages); }
+    void settingsDialog();
+    void openedBySettings_data() { addRows(languages); }
+    void openedBySettings();
+    void fields_data() { addRows(languages); }
+    void fields();
+    void boxesHaveTheirOwnNames();
+    void valuesSayWhatTheyAre();
+};
 
-void TestAccessibleNames::cleanup() {
-    QCoreApplication::removeTranslator(&m_translator);
-}
+void TestAccessibleNames::choiceDialogs() {
+    QFETCH(const LanguageRow, row);
+    const InstalledTranslation translation(row.name);
+    LangSelectDialog language;
+    language.setLanguage(Language::english);
+    language.show();
+    QCOMPARE(stopsOf(language).size(), 3);
+    QCOMPARE(unexplained(stopsOf(language)), QStringList());
 
-void TestAccessibleNames::languageDialog() {
-    LangSelectDialog dialog;
-    dialog.setLanguage(Language::english);
-    dialog.show();
-    const QVector<Stop> stops = stopsOf(dialog);
-    QCOMPARE(stops.size(), 3);
-    QCOMPARE(nameless(stops), QStringList());
-    QCOMPARE(undescribed(stops), QStringList());
-}
-
-void TestAccessibleNames::instrumentDialog() {
-    ConnectSelectDialog dialog;
-    dialog.setDeviceList({QStringLiteral("VARNE-1(USB,Serial#01000001)")});
-    dialog.show();
-    const QVector<Stop> stops = stopsOf(dialog);
-    QCOMPARE(stops.size(), 2);
-    QCOMPARE(nameless(stops), QStringList());
-    QCOMPARE(undescribed(stops), QStringList());
+    ConnectSelectDialog selection;
+    selection.setDeviceList({"VARNE-1(USB,Serial#01000001)"});
+    selection.show();
+    QCOMPARE(stopsOf(selection).size(), 2);
+    QCOMPARE(unexplained(stopsOf(selection)), QStringList());
 }
 
 void TestAccessibleNames::settingsDialog() {
+    QFETCH(const LanguageRow, row);
+    const InstalledTranslation translation(row.name);
     SettingsFixture f;
     QVERIFY(f.connectFirst());
     QSet<QString> seen;
     for (int page = 0; page < 4; ++page) {
         f.openPage(SettingsFixture::Page(page));
-        const QVector<Stop> stops = stopsOf(f.dialog);
-        QCOMPARE(nameless(stops), QStringList());
-        QCOMPARE(undescribed(stops), QStringList());
+        const Stops stops = stopsOf(f.dialog);
+        QCOMPARE(unexplained(stops), QStringList());
         for (const Stop& stop : stops)
             seen.insert(stop.object);
     }
@@ -170,76 +135,69 @@ void TestAccessibleNames::settingsDialog() {
     QCOMPARE(inputs, 18 + 8 + 13);
 }
 
-void TestAccessibleNames::messageBox() {
-    SettingsFixture f;
-    QVector<Stop> stops;
-    QString text;
-    f.answers.onBox = [&](QMessageBox& box) {
-        stops = stopsOf(box);
-        text = QAccessible::queryAccessibleInterface(&box)->text(QAccessible::Name);
-    };
-    f.dialog.showErrorMessage(QStringLiteral("Failed to connect device."));
-    QCOMPARE(stops.size(), 2); // text and Ok
-    QCOMPARE(nameless(stops), QStringList());
-    QVERIFY(!text.isEmpty());
-}
-
-/** Qt's own, or the system's; what is to be filled in must have a name here too. */
-void TestAccessibleNames::fileDialog() {
+/** The file dialog is Qt's own, or the system's. What is to be filled in must have a name there
+    too. */
+void TestAccessibleNames::openedBySettings() {
+    QFETCH(const LanguageRow, row);
+    const InstalledTranslation translation(row.name);
     SettingsFixture f;
     QVERIFY(f.connectFirst());
-    QVector<Stop> stops;
-    f.answers.willCancel();
-    f.answers.onFileDialog = [&](QFileDialog& dialog) { stops = stopsOf(dialog); };
-    f.click(QStringLiteral("readToFilePushBtn"));
+    f.answers.onBox = [](QMessageBox& box) {
+        const Stops stops = stopsOf(box);
+        QCOMPARE(stops.size(), 2); // text and Ok
+        QCOMPARE(nameless(stops), QStringList());
+        QVERIFY(!QAccessible::queryAccessibleInterface(&box)->text(QAccessible::Name).isEmpty());
+    };
+    f.dialog.showErrorMessage("Failed to connect device.");
+    QCOMPARE(f.answers.boxes.size(), 1);
+
     QStringList objects;
-    for (const Stop& stop : stops) {
-        if (!stop.name.isEmpty())
-            objects.append(stop.object);
-    }
-    QVERIFY(objects.contains(QStringLiteral("fileNameEdit")));
-    QVERIFY(objects.contains(QStringLiteral("fileTypeCombo")));
+    f.answers.willCancel();
+    f.answers.onFileDialog = [&](QFileDialog& dialog) {
+        for (const Stop& stop : stopsOf(dialog)) {
+            if (!stop.name.isEmpty())
+                objects.append(stop.object);
+        }
+    };
+    f.click("readToFilePushBtn");
+    QVERIFY(objects.contains("fileNameEdit"));
+    QVERIFY(objects.contains("fileTypeCombo"));
 }
 
-void TestAccessibleNames::fields_data() {
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QString>("object");
-    QTest::addColumn<QString>("name");
-    const auto row = [](const char* file, const QString& object, const QString& name) {
-        QTest::addRow("%s %s", file, qUtf8Printable(object))
-            << QString::fromLatin1(file) << object << name;
-    };
+/** "Enable" alone, or "ON", says nothing to someone who does not see the box around it. */
+void TestAccessibleNames::fields() {
     const struct {
         const char* object;
         const char* english;
         const char* japanese;
-    } addresses[] = {
+    } fields[] = {
         {"ipaddr%1lineEdit", "IP Address, octet %1", "IPアドレス、第%1オクテット"},
         {"subnetMask%1lineEdit", "Subnet Mask, octet %1", "サブネットマスク、第%1オクテット"},
         {"defGWaddr%1lineEdit", "Default Gateway, octet %1",
          "デフォルトゲートウェイ、第%1オクテット"},
         {"dnsaddr%1lineEdit", "DNS Server, octet %1", "DNSサーバー、第%1オクテット"},
+        {"SSIDlineEdit", "SSID", "SSID"},
+        {"passwdlineEdit", "Security Key", "セキュリティキー"},
+        {"enableRadioBtn", "Wireless LAN: enable", "無線LAN: 有効"},
+        {"disableRadioBtn", "Wireless LAN: disable", "無線LAN: 無効"},
+        {"dhcpOnRadioBtn", "DHCP: on", "DHCP: オン"},
+        {"dhcpOffRadioBtn", "DHCP: off", "DHCP: オフ"},
     };
-    for (const auto& address : addresses) {
-        for (int octet = 1; octet <= 4; ++octet) {
-            const QString object = QString::fromLatin1(address.object).arg(octet);
-            row("en.qm", object, QString::fromUtf8(address.english).arg(octet));
-            row("jp.qm", object, QString::fromUtf8(address.japanese).arg(octet));
+    QFETCH(const LanguageRow, row);
+    const InstalledTranslation translation(row.name);
+    SettingsFixture f;
+    for (const auto& field : fields) {
+        const QString name = qstrcmp(row.name, "en") == 0 ? field.english : field.japanese;
+        const bool hasOctets = name.contains("%1");
+        for (int octet = 1; octet <= (hasOctets ? 4 : 1); ++octet) {
+            const auto numbered = [&](QString text) {
+                return text.replace("%1", QString::number(octet));
+            };
+            QCOMPARE(f.child(numbered(field.object)).accessibleName(), numbered(name));
         }
     }
-    row("en.qm", QStringLiteral("SSIDlineEdit"), QStringLiteral("SSID"));
-    row("en.qm", QStringLiteral("passwdlineEdit"), QStringLiteral("Security Key"));
-    row("jp.qm", QStringLiteral("passwdlineEdit"), QStringLiteral("セキュリティキー"));
 }
 
-void TestAccessibleNames::fields() {
-    QFETCH(QString, object);
-    QFETCH(QString, name);
-    SettingsFixture f;
-    QCOMPARE(f.child<QLineEdit>(object).accessibleName(), name);
-}
-
-/** "Enable" alone, or "ON", says nothing to someone who does not see the box around it. */
 /** Each box by its own title, also one inside another. */
 void TestAccessibleNames::boxesHaveTheirOwnNames() {
     SettingsFixture f;
@@ -249,18 +207,6 @@ void TestAccessibleNames::boxesHaveTheirOwnNames() {
         QCOMPARE(QAccessible::queryAccessibleInterface(box)->text(QAccessible::Name), box->title());
 }
 
-void TestAccessibleNames::radioButtonsSayWhatTheySwitch() {
-    SettingsFixture f;
-    QCOMPARE(f.child(QStringLiteral("enableRadioBtn")).accessibleName(),
-             QStringLiteral("Wireless LAN: enable"));
-    QCOMPARE(f.child(QStringLiteral("disableRadioBtn")).accessibleName(),
-             QStringLiteral("Wireless LAN: disable"));
-    QCOMPARE(f.child(QStringLiteral("dhcpOnRadioBtn")).accessibleName(),
-             QStringLiteral("DHCP: on"));
-    QCOMPARE(f.child(QStringLiteral("dhcpOffRadioBtn")).accessibleName(),
-             QStringLiteral("DHCP: off"));
-}
-
 void TestAccessibleNames::valuesSayWhatTheyAre() {
     SettingsFixture f;
     QVERIFY(f.connectFirst());
@@ -268,14 +214,12 @@ void TestAccessibleNames::valuesSayWhatTheyAre() {
          {"serialNolabel", "firmVersionlabel", "MACAddresslabel", "curWCalibPlateSerialNolabel",
           "selWCPFileNamelabel", "selFileSerialNolabel", "curAmbAdpSerialNolabel",
           "selAmbAdpFnamelabel", "selAmbAdpFSerialNolabel"}) {
-        QWidget& label = f.child(QString::fromLatin1(name));
-        QAccessibleInterface* node = QAccessible::queryAccessibleInterface(&label);
+        QAccessibleInterface* node = QAccessible::queryAccessibleInterface(&f.child(name));
         QVERIFY2(!node->text(QAccessible::Description).isEmpty(), name);
     }
-    QAccessibleInterface* serial =
-        QAccessible::queryAccessibleInterface(&f.child(QStringLiteral("serialNolabel")));
-    QCOMPARE(serial->text(QAccessible::Name), QStringLiteral("01234567"));
+    QAccessibleInterface* serial = QAccessible::queryAccessibleInterface(&f.child("serialNolabel"));
+    QCOMPARE(serial->text(QAccessible::Name), QString("01234567"));
 }
 
-QTEST_MAIN(TestAccessibleNames)
+TEST_CLASS(TestAccessibleNames)
 #include "tst_accessible_names.moc"
