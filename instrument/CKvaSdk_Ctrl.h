@@ -156,7 +156,8 @@ public:
 private:
     void clearNetworkInfo();
     void rebuildNetworkTexts();
-    bool checkValueFile(const CalibrationAccessory& accessory, const char* path);
+    bool checkValueFile(const CalibrationAccessory& accessory, const char* path,
+                        QString& fileSerialNo);
     bool registerValueFile(const CalibrationAccessory& accessory, const char* path);
 };
 

@@ -1,57 +1,14 @@
 #include "files/CFileIO.h"
 #include "instrument/CKvaSdk_Ctrl.h"
+#include "instrument/CalibrationAccessory.h"
 
 #include <QLatin1Char>
 #include <QtDebug>
 
+#include <cstddef>
 #include <cstring>
-#include <limits>
-
-/** What differs between the white calibration plate and the ambient light adapter. */
-struct CalibrationAccessory {
-    using SerialNo = uint8_t[4];
-
-    bool (CFileIO::*readFile)(const char* path, KVA_JIG_CALREFDATA* record);
-    SerialNo KVA_JIG_CALREFDATA::*serialNo;
-    unsigned int lowestSerialNo;  ///< the lowest that a file may carry
-    unsigned int highestSerialNo; ///< the highest that a file may carry
-    const float* (*values)(const KVA_JIG_CALREFDATA& record);
-    int valueCount;
-    QString CKvaSdk_Ctrl::*fileSerialNo;
-
-    bool isValid(unsigned int serial) const {
-        return serial >= lowestSerialNo && serial <= highestSerialNo;
-    }
-};
 
 namespace {
-
-const CalibrationAccessory whitePlate = {
-    &CFileIO::GetCalRefDataFromFile,
-    &KVA_JIG_CALREFDATA::whiteSerialNo,
-    10000001,
-    std::numeric_limits<unsigned int>::max(),
-    [](const KVA_JIG_CALREFDATA& record) { return record.rfWhite.spcData; },
-    KVA_WHITE_PLATE_VALUES,
-    &CKvaSdk_Ctrl::m_fileWCPSerialNo,
-};
-
-const CalibrationAccessory ambientAdapter = {
-    &CFileIO::GetAmbAdpCalRefDataFromFile,
-    &KVA_JIG_CALREFDATA::ambAdpSerialNo,
-    10001,
-    99999,
-    [](const KVA_JIG_CALREFDATA& record) { return record.ambAdp.spcData; },
-    KVA_AMBIENT_ADAPTER_VALUES,
-    &CKvaSdk_Ctrl::m_fileAmbAdpSerialNo,
-};
-
-unsigned int serialNoValue(const uint8_t (&serialNo)[4]) {
-    unsigned int value = 0;
-    for (const uint8_t byte : serialNo)
-        value = value * 100 + CFileIO::BcdToDec(byte);
-    return value;
-}
 
 QString serialNoText(unsigned int value) {
     return QStringLiteral("%1").arg(value, 8, 10, QLatin1Char('0'));
@@ -91,41 +48,43 @@ bool CKvaSdk_Ctrl::GetCalRefSerialNo() {
     m_lastResult = KVA_JIG_GetFactoryCalib_CALREFDATA(&record);
     if (m_lastResult < 0)
         return false;
-    m_curWCPSerialNo = serialNoText(serialNoValue(record.whiteSerialNo));
-    m_curAmbAdpSerialNo = serialNoText(serialNoValue(record.ambAdpSerialNo));
+    m_curWCPSerialNo = serialNoText(CalibrationAccessory::whitePlate.serialNoIn(record));
+    m_curAmbAdpSerialNo = serialNoText(CalibrationAccessory::ambientAdapter.serialNoIn(record));
     return true;
 }
 
 bool CKvaSdk_Ctrl::ReadWCPFile(const char* path) {
-    return checkValueFile(whitePlate, path);
+    return checkValueFile(CalibrationAccessory::whitePlate, path, m_fileWCPSerialNo);
 }
 
 bool CKvaSdk_Ctrl::ReadAmbAdpFile(const char* path) {
-    return checkValueFile(ambientAdapter, path);
+    return checkValueFile(CalibrationAccessory::ambientAdapter, path, m_fileAmbAdpSerialNo);
 }
 
 bool CKvaSdk_Ctrl::WriteWCPData(const char* path) {
-    return registerValueFile(whitePlate, path);
+    return registerValueFile(CalibrationAccessory::whitePlate, path);
 }
 
 bool CKvaSdk_Ctrl::WriteAmbAdpData(const char* path) {
-    return registerValueFile(ambientAdapter, path);
+    return registerValueFile(CalibrationAccessory::ambientAdapter, path);
 }
 
-bool CKvaSdk_Ctrl::checkValueFile(const CalibrationAccessory& accessory, const char* path) {
+bool CKvaSdk_Ctrl::checkValueFile(const CalibrationAccessory& accessory, const char* path,
+                                  QString& fileSerialNo) {
     KVA_JIG_CALREFDATA record = {};
     CFileIO file;
     if (!(file.*accessory.readFile)(path, &record))
         return false;
 
-    const unsigned int serialNo = serialNoValue(record.*accessory.serialNo);
+    const unsigned int serialNo = accessory.serialNoIn(record);
     const bool valid = accessory.isValid(serialNo);
-    this->*accessory.fileSerialNo = valid ? serialNoText(serialNo) : QString();
+    fileSerialNo = valid ? serialNoText(serialNo) : QString();
 
     qDebug("SerialNo: %d \n", static_cast<int>(serialNo));
     // The adapter's values carry the same name: the text is fixed.
-    for (int k = 0; k < accessory.valueCount; ++k) {
-        qDebug("rfWhite.spcData[%d]: %f \n", k, static_cast<double>(accessory.values(record)[k]));
+    for (std::size_t k = 0; k < accessory.valueCount; ++k) {
+        qDebug("rfWhite.spcData[%d]: %f \n", static_cast<int>(k),
+               static_cast<double>(accessory.values(record)[k]));
     }
     return valid;
 }
@@ -136,13 +95,15 @@ bool CKvaSdk_Ctrl::registerValueFile(const CalibrationAccessory& accessory, cons
     if (!fetchRecord(record, m_lastResult))
         return false;
 
-    CFileIO file;
-    if (!(file.*accessory.readFile)(path, &record)) {
+    switch (accessory.mergeFile(path, record)) {
+    case CalibrationAccessory::FileMerge::Unreadable:
         qDebug("file.GetCalRefDataFromFile() failed.");
         return false;
-    }
-    if (!accessory.isValid(serialNoValue(record.*accessory.serialNo)))
+    case CalibrationAccessory::FileMerge::WrongSerialNo:
         return false;
+    case CalibrationAccessory::FileMerge::Merged:
+        break;
+    }
     if (!storeRecord(record, m_lastResult))
         return false;
 
