@@ -1,0 +1,23 @@
+#ifndef COMMAND_FAULT_H
+#define COMMAND_FAULT_H
+
+#include "command/Text.h"
+
+#include <QString>
+
+#include <vector>
+
+/** What is wrong with an input file, and where. */
+struct Fault {
+    QString file;
+    int line = 0;   ///< from 1; 0 for the file as a whole
+    int column = 0; ///< from 1, in bytes; 0 for the line or the file as a whole
+    Text text;
+
+    /** "FILE:LINE:COLUMN: text" in the user's language, without the places that are 0. */
+    QString toString() const;
+};
+
+using Faults = std::vector<Fault>;
+
+#endif

@@ -1,0 +1,36 @@
+#ifndef COMMAND_TEXT_H
+#define COMMAND_TEXT_H
+
+#include <QString>
+#include <QStringList>
+
+#include <utility>
+
+/**
+ * A message for people: a literal of the source with places for arguments. English goes to
+ * machines (JSON), the translation to the terminal.
+ *
+ *     Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 values instead of %2"), {count, expected})
+ *
+ * A value; any thread, `translated()` while no translator is installed or removed.
+ */
+class Text {
+public:
+    Text() = default;
+    /** @param source     a literal in the context "vq-tl4ctl", marked with `QT_TRANSLATE_NOOP`; it
+                          is kept by its address
+        @param arguments  put in the places %1 to %9 all at once: a place within an argument stays
+                          as it is, and so does a place without an argument */
+    explicit Text(const char* source, QStringList arguments = {})
+        : m_source(source), m_arguments(std::move(arguments)) {}
+
+    bool isEmpty() const { return !m_source; }
+    QString english() const;
+    QString translated() const;
+
+private:
+    const char* m_source = nullptr;
+    QStringList m_arguments;
+};
+
+#endif
