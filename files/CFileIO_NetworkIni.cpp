@@ -1,5 +1,6 @@
 #include "files/BoundedLineReader.h"
 #include "files/CFileIO.h"
+#include "files/IniLine.h"
 #include "files/NumberText.h"
 #include "files/Pieces.h"
 
@@ -13,26 +14,7 @@
 
 namespace {
 
-/** The most bytes of a line that are looked at. */
-constexpr std::size_t maxLine = 64 * 1024;
-
 // ---- Looking up one key
-
-char lowerCase(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-bool equalsIgnoringCase(std::string_view a, std::string_view b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(),
-                      [](char x, char y) { return lowerCase(x) == lowerCase(y); });
-}
-
-std::string_view trimmed(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(" \t");
-    if (first == std::string_view::npos)
-        return {};
-    return text.substr(first, text.find_last_not_of(" \t") - first + 1);
-}
 
 /** Copies the text up to its first NUL, cut so that it fits `CFileIO::profileValueSize` bytes.
     @return the length copied */
@@ -53,23 +35,11 @@ std::string tooLong(std::string_view value) {
     return filled;
 }
 
-/** Whether @p line assigns a value to @p key; that value, unbounded, goes to @p value. */
-bool matchKeyLine(std::string_view line, std::string_view key, std::string_view& value) {
-    const std::size_t equalsSign = line.find('=');
-    if (equalsSign == std::string_view::npos || equalsSign + 1 == line.size())
-        return false;
-    if (!equalsIgnoringCase(trimmed(line.substr(0, equalsSign)), key))
-        return false;
-    value = withoutLineEndCr(trimmed(line.substr(equalsSign + 1)));
-    return true;
-}
-
 enum class Lookup { found, missing, unreadable };
 
 /** Looks up a key from where @p reader stands. The value goes to @p out as `copyValue` puts it
     there, which is untouched but for `Lookup::found`. */
 Lookup lookUp(BoundedLineReader& reader, const char* section, const char* key, char* out) {
-    const std::string header = std::string("[") + section + "]";
     bool inSection = false;
     bool found = false;
     std::string line;
@@ -78,9 +48,9 @@ Lookup lookUp(BoundedLineReader& reader, const char* section, const char* key, c
         if (line.empty())
             continue;
         if (line.front() == '[')
-            inSection = inSection || equalsIgnoringCase(withoutLineEndCr(line), header);
+            inSection = inSection || IniLine::beginsSection(line, section);
         else
-            found = inSection && matchKeyLine(line, key, value);
+            found = inSection && IniLine::assigns(line, key, value);
     }
     if (reader.failed())
         return Lookup::unreadable;
@@ -215,7 +185,7 @@ bool CFileIO::ReadNetworkIni(const char* path, KVA_NETWORKINFO* info) {
     KVA_NETWORKINFO taken = *info;
     struct stat status = {};
     for (const NetworkKey& key : networkKeys) {
-        BoundedLineReader reader(path, maxLine);
+        BoundedLineReader reader(path, IniLine::maxSize);
         // It was changed between two keys: some settings of each would be neither's.
         if (&key != networkKeys && !isSameContent(reader.status(), status))
             return false;
@@ -241,7 +211,7 @@ int CFileIO::ReadProfileString(const char* section, const char* key, const char*
         return static_cast<int>(fallback.size());
     if (!section || !key || !path)
         return copyValue(fallback, out);
-    BoundedLineReader reader(path, maxLine);
+    BoundedLineReader reader(path, IniLine::maxSize);
     switch (lookUp(reader, section, key, out)) {
     case Lookup::unreadable:
         return static_cast<int>(fallback.size());
