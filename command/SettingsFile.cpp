@@ -1,0 +1,174 @@
+#include "command/SettingsFile.h"
+
+#include "command/FileCheck.h"
+#include "files/CFileIO.h"
+#include "files/IniLine.h"
+
+#include <QtGlobal>
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+constexpr std::string_view section = "Network";
+constexpr std::string_view digits = "0123456789";
+
+// ---- Converting one value
+
+/** Puts a value, text without NUL or CR, into its field, or adds what is wrong with it. */
+using StoreValue = void (*)(FileCheck& check, const char* key, std::string_view value,
+                            KVA_NETWORKINFO& info);
+
+/** The number that the value begins with, as the tool reads it: blanks, a sign, digits; what
+    follows them is ignored. But there have to be digits, and no more of them than count. */
+template <std::uint32_t KVA_NETWORKINFO::*Field>
+void storeFlag(FileCheck& check, const char* key, std::string_view value, KVA_NETWORKINFO& info) {
+    std::string_view text = value;
+    text.remove_prefix(std::min(text.find_first_not_of(" \t\n\v\f\r"), text.size()));
+    const bool negative = !text.empty() && text.front() == '-';
+    if (negative || (!text.empty() && text.front() == '+'))
+        text.remove_prefix(1);
+    text = text.substr(0, text.find_first_not_of(digits));
+    const bool number = !text.empty();
+    text.remove_prefix(std::min(text.find_first_not_of('0'), text.size()));
+    if (number && (text.empty() || (text == "1" && !negative)))
+        info.*Field = text.empty() ? 0 : 1;
+    else
+        check.add(value.data(),
+                  Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has to be 0 or 1, not \"%2\""),
+                       {QLatin1String(key), FileCheck::quoted(value)}));
+}
+
+/** The octet that is the whole text, one to three digits; -1 for any other text. */
+int octet(std::string_view text) {
+    if (text.empty() || text.size() > 3 || text.find_first_not_of(digits) != std::string_view::npos)
+        return -1;
+    int number = 0;
+    for (const char digit : text)
+        number = number * 10 + (digit - '0');
+    return number <= 255 ? number : -1;
+}
+
+template <std::uint8_t (KVA_NETWORKINFO::*Field)[4]>
+void storeAddress(FileCheck& check, const char* key, std::string_view value,
+                  KVA_NETWORKINFO& info) {
+    std::string_view rest = value;
+    for (int i = 0; i < 4; ++i) {
+        // The fourth is all that is left: a fifth makes it no number.
+        const std::size_t length = i < 3 ? std::min(rest.find('.'), rest.size()) : rest.size();
+        const int number = octet(rest.substr(0, length));
+        if (number < 0) {
+            check.add(rest.data(),
+                      Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has to be four numbers from 0 to "
+                                                          "255, such as 192.168.0.10, not \"%2\""),
+                           {QLatin1String(key), FileCheck::quoted(value)}));
+            return;
+        }
+        (info.*Field)[i] = static_cast<std::uint8_t>(number);
+        rest.remove_prefix(std::min(length + 1, rest.size()));
+    }
+}
+
+template <std::size_t Size, char (KVA_NETWORKINFO::*Field)[Size]>
+void storeText(FileCheck& check, const char* key, std::string_view value, KVA_NETWORKINFO& info) {
+    if (value.size() < Size)
+        std::memcpy(info.*Field, value.data(), value.size());
+    else // without the text: it may be the security key
+        check.add(
+            value.data(),
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has %2 bytes, at most %3 are allowed"),
+                 {QLatin1String(key), QString::number(value.size()), QString::number(Size - 1)}));
+}
+
+struct NetworkKey {
+    const char* name;
+    StoreValue store;
+};
+
+constexpr NetworkKey networkKeys[] = {
+    {"DHCPUse", storeFlag<&KVA_NETWORKINFO::DHCPUse>},
+    {"IPAddress", storeAddress<&KVA_NETWORKINFO::IPAddress>},
+    {"SubnetMask", storeAddress<&KVA_NETWORKINFO::SubnetMask>},
+    {"DefaultGateway", storeAddress<&KVA_NETWORKINFO::DefaultGateway>},
+    {"SSID", storeText<sizeof(KVA_NETWORKINFO::SSID), &KVA_NETWORKINFO::SSID>},
+    {"EncryptKey", storeText<sizeof(KVA_NETWORKINFO::EncryptKey), &KVA_NETWORKINFO::EncryptKey>},
+    {"DNS", storeAddress<&KVA_NETWORKINFO::DNS>},
+    {"APConnectUse", storeFlag<&KVA_NETWORKINFO::APConnectUse>},
+};
+
+// ---- Finding the values
+
+/** The index of the line that begins the section; the count of lines when there is none. */
+std::size_t sectionLine(const std::vector<std::string_view>& lines) {
+    const auto found = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
+        return IniLine::beginsSection(line, section);
+    });
+    return static_cast<std::size_t>(found - lines.begin());
+}
+
+/** Says where the section should begin. */
+void addMissingSection(FileCheck& check) {
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    const auto& lines = check.lines();
+    if (!lines.empty() && lines[0].substr(0, byteOrderMark.size()) == byteOrderMark &&
+        IniLine::beginsSection(lines[0].substr(byteOrderMark.size()), section)) {
+        check.addAtLine(0, Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "A byte-order mark stands before "
+                                                               "[Network]: save the file without "
+                                                               "it")));
+        return;
+    }
+    check.addAtLine(0, Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The file has no line that is "
+                                                           "[Network] alone, without blanks or "
+                                                           "comments")));
+}
+
+/** The line of @p key, the first with a value, and that value. Nothing when there is none. */
+std::string_view findLine(const FileCheck& check, std::size_t begin, const char* key,
+                          std::string_view& value) {
+    for (std::size_t i = begin; i < check.lines().size(); ++i) {
+        const std::string_view line = check.lines()[i];
+        if ((line.empty() || line.front() != '[') &&
+            IniLine::assigns(line.substr(0, IniLine::maxSize), key, value))
+            return line;
+    }
+    return {};
+}
+
+void checkKey(FileCheck& check, std::size_t begin, const NetworkKey& key, KVA_NETWORKINFO& info) {
+    constexpr std::size_t longest = CFileIO::profileValueSize - 2;
+    std::string_view value;
+    const std::string_view line = findLine(check, begin, key.name, value);
+    if (line.empty()) {
+        check.addAtLine(begin,
+                        Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The section has no %1 with a value"),
+                             {QLatin1String(key.name)}));
+    } else if (value.empty()) {
+        check.add(line.data(), Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has no value"),
+                                    {QLatin1String(key.name)}));
+    } else if (line.size() > IniLine::maxSize || value.size() > longest) {
+        check.add(value.data(), Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The value of %1 is too long"),
+                                     {QLatin1String(key.name)}));
+    } else if (check.isText(value)) {
+        key.store(check, key.name, value, info);
+    }
+}
+
+} // namespace
+
+std::optional<KVA_NETWORKINFO> SettingsFile::check(const InputFile& file, Faults& faults) {
+    FileCheck check(file, faults);
+    if (!check.hasLines())
+        return std::nullopt;
+    const std::size_t begin = sectionLine(check.lines());
+    if (begin == check.lines().size()) {
+        addMissingSection(check);
+        return std::nullopt;
+    }
+    KVA_NETWORKINFO info = {};
+    for (const NetworkKey& key : networkKeys)
+        checkKey(check, begin, key, info);
+    if (!check.finish())
+        return std::nullopt;
+    return info;
+}
