@@ -1,4 +1,5 @@
 #include "instrument/CKvaSdk_Ctrl.h"
+#include "instrument/ResultNames.h"
 
 #include <QLatin1Char>
 #include <QLatin1String>
@@ -10,47 +11,6 @@
 std::atomic<bool> g_deviceDisconnected{false};
 
 namespace {
-
-struct NamedCode {
-    KVA_RESULT code;
-    const char* name;
-};
-
-#define NAMED(code)                                                                                \
-    { code, #code }
-
-constexpr NamedCode resultNames[] = {
-    NAMED(KVA_SUCCESS),
-    NAMED(KVA_ERROR),
-    NAMED(KVA_ERROR_CONNECT),
-    NAMED(KVA_ERROR_DISCONNECT),
-    NAMED(KVA_ERROR_CONNECT_TIMEOUT),
-    NAMED(KVA_ERROR_CONNECT_ALREADY),
-    NAMED(KVA_ERROR_INSTRUMENT_UNAVAILABLE),
-    NAMED(KVA_ERROR_INSTRUMENT_INFORMATION),
-    NAMED(KVA_ERROR_ARGUMENT),
-    NAMED(KVA_ERROR_COMMUNICATION_SEND),
-    NAMED(KVA_ERROR_COMMUNICATION_RECEIVE),
-    NAMED(KVA_ERROR_COMMUNICATION_CHECKSUM),
-    NAMED(KVA_ERROR_COMMUNICATION_PARAM),
-    NAMED(KVA_ERROR_COMMUNICATION_TIMEOUT),
-    NAMED(KVA_ERROR_CANT_USED),
-    NAMED(KVA_ERROR_NO_DATA),
-    NAMED(KVA_ERROR_NAK),
-    NAMED(KVA_ERROR_NAV),
-    NAMED(KVA_ERROR_NSP),
-    NAMED(KVA_ERROR_CNF),
-    NAMED(KVA_ERROR_NDT),
-    NAMED(KVA_ERROR_NEQ),
-};
-
-constexpr NamedCode warningNames[] = {
-    NAMED(KVA_WARNING_WCALIB_TEMP),
-    NAMED(KVA_WARNING_BATTERY_EMPTY),
-    NAMED(KVA_WARNING_INITIALDATE_SETTING),
-};
-
-#undef NAMED
 
 /** The text of a listed instrument, for the selection dialog. */
 QString portText(const KVA_PORTINFO& port) {
@@ -66,17 +26,7 @@ QString portText(const KVA_PORTINFO& port) {
 } // namespace
 
 QString ResultCodeToString(KVA_RESULT code) {
-    if (code <= 0) {
-        const auto* found = std::find_if(std::begin(resultNames), std::end(resultNames),
-                                         [code](const NamedCode& n) { return n.code == code; });
-        return found == std::end(resultNames) ? QString() : QString::fromLatin1(found->name);
-    }
-    QStringList names;
-    for (const NamedCode& warning : warningNames) {
-        if ((code & warning.code) != 0)
-            names.append(QString::fromLatin1(warning.name));
-    }
-    return names.join(QLatin1Char('/'));
+    return QString::fromStdString(resultName(code));
 }
 
 void DeviceEventHandler(uint32_t code, uint32_t rawDataCount, int32_t error) {
