@@ -1,0 +1,106 @@
+#include "command/FieldTexts.h"
+
+#include <QByteArray>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace {
+
+/** Whether reading @p number as a double, as JSON does, and rounding it gives the same bits. */
+bool readsAs(const QByteArray& number, float value) {
+    const auto read = static_cast<float>(number.toDouble());
+    // By bits: -0.0 is not 0.0 here.
+    // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c)
+    return std::memcmp(&read, &value, sizeof value) == 0;
+}
+
+/** Empty where there is none. */
+QByteArray shortestDecimal(float value) {
+    if (!std::isfinite(value))
+        return {};
+    for (int digits = 1; digits <= std::numeric_limits<double>::max_digits10; ++digits) {
+        QByteArray number = QByteArray::number(static_cast<double>(value), 'g', digits);
+        if (readsAs(number, value))
+            return number;
+    }
+    return {};
+}
+
+QString bitPattern(float value) {
+    std::uint32_t bits = 0;
+    std::memcpy(&bits, &value, sizeof bits);
+    return QStringLiteral("0x%1").arg(bits, 8, 16, QLatin1Char('0'));
+}
+
+} // namespace
+
+QString FieldTexts::value(float value) {
+    const QByteArray number = shortestDecimal(value);
+    return number.isEmpty() ? bitPattern(value) : QString::fromLatin1(number);
+}
+
+QJsonValue FieldTexts::jsonValue(float value) {
+    // JSON as Qt writes it has no -0.
+    const bool isNegativeZero = value == 0.0F && std::signbit(value);
+    const QByteArray number = isNegativeZero ? QByteArray() : shortestDecimal(value);
+    return number.isEmpty() ? QJsonValue(bitPattern(value)) : QJsonValue(number.toDouble());
+}
+
+QString FieldTexts::accessorySerial(const std::uint8_t (&serialNo)[4]) {
+    return hex(serialNo, sizeof serialNo);
+}
+
+const QStringList& FieldTexts::powerOffWords() {
+    static const QStringList words = {QStringLiteral("off"), QStringLiteral("15"),
+                                      QStringLiteral("30"), QStringLiteral("60")};
+    return words;
+}
+
+QString FieldTexts::powerOff(std::uint8_t mode) {
+    return mode < powerOffWords().size() ? powerOffWords()[mode]
+                                         : QStringLiteral("mode %1").arg(mode);
+}
+
+QString FieldTexts::onOff(std::uint32_t flag) {
+    if (flag > 1)
+        return QString::number(flag);
+    return flag == 1 ? QStringLiteral("on") : QStringLiteral("off");
+}
+
+QString FieldTexts::address(const std::uint8_t (&octets)[4]) {
+    return QStringLiteral("%1.%2.%3.%4")
+        .arg(octets[0])
+        .arg(octets[1])
+        .arg(octets[2])
+        .arg(octets[3]);
+}
+
+QString FieldTexts::text(const char* field, std::size_t size) {
+    const QByteArray bytes(field, static_cast<int>(::strnlen(field, size)));
+    const QString text = QString::fromUtf8(bytes);
+    const bool isPrintable = std::all_of(text.begin(), text.end(), [](QChar character) {
+        return character.isPrint() || character.isSurrogate();
+    });
+    // A text that looks like bytes is written as bytes, so that both can be told apart.
+    const bool isText = text.toUtf8() == bytes && isPrintable && !bytes.startsWith("0x");
+    return isText ? text : QStringLiteral("0x") + QString::fromLatin1(bytes.toHex());
+}
+
+QString FieldTexts::firmware(const KVA_DEVICEINFO& device) {
+    return QString::asprintf("%u.%02d.%04d", device.firmVersionMajor, device.firmVersionMinor,
+                             device.firmVersionBuild);
+}
+
+QString FieldTexts::macAddress(const KVA_DEVICEINFO& device) {
+    const QByteArray bytes(reinterpret_cast<const char*>(device.macAddress),
+                           sizeof device.macAddress);
+    return QString::fromLatin1(bytes.toHex(':').toUpper());
+}
+
+QString FieldTexts::hex(const void* bytes, std::size_t size) {
+    return QString::fromLatin1(
+        QByteArray(static_cast<const char*>(bytes), static_cast<int>(size)).toHex());
+}
