@@ -1,0 +1,55 @@
+#include "command/CallWatch.h"
+
+#include "command/Interrupt.h"
+#include "command/Report.h"
+#include "command/Text.h"
+
+CallWatch::CallWatch() : m_thread(&CallWatch::watch, this) {}
+
+CallWatch::~CallWatch() {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_isEnding = true;
+    }
+    m_changed.notify_one();
+    m_thread.join();
+}
+
+void CallWatch::callBegins(const char* function) {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_function = function;
+        m_begin = std::chrono::steady_clock::now();
+    }
+    m_changed.notify_one();
+}
+
+void CallWatch::callEnded(const CallResult& result) {
+    {
+        const std::lock_guard<std::mutex> lock(m_mutex);
+        m_function = nullptr;
+    }
+    m_changed.notify_one();
+    if (result.code > 0)
+        m_warnings |= result.code;
+}
+
+void CallWatch::watch() {
+    // This thread makes no calls that a signal could cut short.
+    Interrupt::receiveHere();
+    std::unique_lock<std::mutex> lock(m_mutex);
+    while (!m_isEnding) {
+        if (m_function == nullptr) {
+            m_changed.wait(lock);
+            continue;
+        }
+        const auto begin = m_begin;
+        auto told = patience;
+        const auto isOver = [&] { return m_isEnding || m_function == nullptr || m_begin != begin; };
+        while (!m_changed.wait_until(lock, begin + told, isOver)) {
+            sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has not answered for %2 s."),
+                           {QString::fromLatin1(m_function), QString::number(told.count())}));
+            told += patience;
+        }
+    }
+}

@@ -1,0 +1,43 @@
+#ifndef COMMAND_CALLWATCH_H
+#define COMMAND_CALLWATCH_H
+
+#include "instrument/InstrumentAccess.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <mutex>
+#include <thread>
+
+/** Watches the calls to libKVASDK: tells on standard error, from a thread of its own, of one that
+    does not answer, and keeps the warnings that were seen. */
+class CallWatch : public CallObserver {
+public:
+    /** A call that takes so long is told of, and again each time that it has taken as long more. */
+    static constexpr std::chrono::seconds patience{3};
+
+    CallWatch();
+    ~CallWatch() override;
+    CallWatch(const CallWatch&) = delete;
+    CallWatch& operator=(const CallWatch&) = delete;
+
+    void callBegins(const char* function) override;
+    void callEnded(const CallResult& result) override;
+
+    /** All warning bits of all answers. The thread that makes the calls. */
+    KVA_RESULT warnings() const { return m_warnings; }
+
+private:
+    void watch();
+
+    KVA_RESULT m_warnings = 0;
+
+    std::mutex m_mutex; ///< of what follows
+    std::condition_variable m_changed;
+    const char* m_function = nullptr; ///< of the call that has not answered yet
+    std::chrono::steady_clock::time_point m_begin;
+    bool m_isEnding = false;
+
+    std::thread m_thread;
+};
+
+#endif

@@ -1,0 +1,18 @@
+#include "command/Change.h"
+
+InstrumentState Change::appliedTo(const InstrumentState& held) const {
+    InstrumentState wanted = held;
+    if (network)
+        wanted.network = normalized(*network);
+    wanted.powerOffMode = powerOffMode.value_or(held.powerOffMode);
+    if (calibration)
+        wanted.calibration = *calibration;
+    for (const ValueFile& accessory : accessories)
+        accessory.mergeInto(wanted.calibration);
+    return wanted;
+}
+
+Parts differingParts(const InstrumentState& held, const InstrumentState& wanted) {
+    return {!isSame(held.calibration, wanted.calibration), held.powerOffMode != wanted.powerOffMode,
+            !isSame(held.network, wanted.network)};
+}

@@ -1,0 +1,126 @@
+#include "command/Report.h"
+
+#include "command/InstrumentState.h"
+#include "instrument/ResultNames.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+
+#include <cstdio>
+
+namespace {
+
+/** In one piece, so that two threads' lines do not mix. */
+void writeLine(std::FILE* stream, const QByteArray& line) {
+    const QByteArray whole = line + '\n';
+    std::fwrite(whole.constData(), 1, static_cast<std::size_t>(whole.size()), stream);
+    std::fflush(stream);
+}
+
+/** The sentence that stands for an outcome. */
+Text outcomeSentence(Outcome outcome, const QString& serial) {
+    switch (outcome) {
+    case Outcome::Unchanged:
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unchanged. Nothing was written."),
+                    {serial});
+    case Outcome::Verified:
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "%1: verified. It was written, read back independently, "
+                                      "and is equal in every byte."),
+                    {serial});
+    case Outcome::Refused:
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: refused. Nothing was written."), {serial});
+    case Outcome::RolledBack:
+        return Text(
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: rolled-back. The old state is back, and verified."),
+            {serial});
+    case Outcome::Unknown:
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "%1: unknown. What the instrument holds could not be "
+                                      "verified."),
+                    {serial});
+    case Outcome::Waits:
+        return Text(
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: waits. All but the network settings is verified."),
+            {serial});
+    case Outcome::WouldChange:
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: would-change. Nothing was written."),
+                    {serial});
+    }
+    return {};
+}
+
+} // namespace
+
+void sayToUser(const QString& line) {
+    writeLine(stderr, line.toLocal8Bit());
+}
+
+void sayToUser(const Text& text) {
+    sayToUser(text.translated());
+}
+
+void sayToUser(const Faults& faults) {
+    for (const Fault& fault : faults)
+        sayToUser(fault.toString());
+}
+
+void print(const QString& line) {
+    writeLine(stdout, line.toLocal8Bit());
+}
+
+void print(const QJsonObject& object) {
+    writeLine(stdout, QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+QString changeLine(const FieldChange& change) {
+    return QStringLiteral("  ~ %1: \"%2\" -> \"%3\"")
+        .arg(change.field, change.oldText, change.newText);
+}
+
+Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value) {
+    const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
+    const char* source =
+        isPlate
+            ? QT_TRANSLATE_NOOP("vq-tl4ctl", "White plate, value %1: %2 (%3; expected: %4)")
+            : QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient adapter, value %1: %2 (%3; expected: %4)");
+    return Text(source, {QString::number(value.index), QString::number(double(value.value)),
+                         value.why.translated(), value.expected.translated()});
+}
+
+QJsonObject toJson(const FieldChange& change) {
+    return {{QStringLiteral("field"), change.field},
+            {QStringLiteral("old"), change.oldText},
+            {QStringLiteral("new"), change.newText}};
+}
+
+QJsonObject toJson(const Verdict& verdict) {
+    QStringList reasons;
+    for (const Text& reason : verdict.reasons)
+        reasons.append(reason.english());
+    QJsonArray changes;
+    for (const FieldChange& change : verdict.changes)
+        changes.append(toJson(change));
+    QJsonArray warnings;
+    for (const char* name : warningNames(verdict.warnings))
+        warnings.append(QString::fromLatin1(name));
+    return {{QStringLiteral("serialNumber"), serialText(verdict.serialNumber)},
+            {QStringLiteral("outcome"), QString::fromLatin1(outcomeWord(verdict.outcome))},
+            {QStringLiteral("reason"), reasons.join(QLatin1Char(' '))},
+            {QStringLiteral("changes"), changes},
+            {QStringLiteral("snapshot"), verdict.snapshot.isEmpty() ? QJsonValue(QJsonValue::Null)
+                                                                    : QJsonValue(verdict.snapshot)},
+            {QStringLiteral("warnings"), warnings}};
+}
+
+void sayVerdict(const Verdict& verdict) {
+    for (const char* name : warningNames(verdict.warnings))
+        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The library warned: %1"),
+                       {QString::fromLatin1(name)}));
+    sayToUser(outcomeSentence(verdict.outcome, serialText(verdict.serialNumber)));
+    for (const Text& reason : verdict.reasons)
+        sayToUser(reason);
+    if (!verdict.snapshot.isEmpty())
+        sayToUser(
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The state before is in %1"), {verdict.snapshot}));
+}

@@ -1,0 +1,32 @@
+#ifndef COMMAND_REPORT_H
+#define COMMAND_REPORT_H
+
+#include "command/Fault.h"
+#include "command/Plausibility.h"
+#include "command/Verdict.h"
+
+#include <QJsonObject>
+#include <QString>
+
+/** A line for people, on standard error. Any thread. */
+void sayToUser(const Text& text);
+void sayToUser(const QString& line);
+/** Every fault, a line each. */
+void sayToUser(const Faults& faults);
+
+/** A line of what was asked for, on standard output. */
+void print(const QString& line);
+/** One object, on a line of its own, on standard output. */
+void print(const QJsonObject& object);
+
+/** A field with its old and its new text: `~ network.ssid: "a" -> "b"`. */
+QString changeLine(const FieldChange& change);
+/** An implausible value as a sentence. */
+Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value);
+
+QJsonObject toJson(const FieldChange& change);
+QJsonObject toJson(const Verdict& verdict);
+/** The verdict as people read it, on standard error. */
+void sayVerdict(const Verdict& verdict);
+
+#endif

@@ -1,0 +1,249 @@
+#include "command/Transaction.h"
+
+#include "command/DataFolder.h"
+#include "command/Interrupt.h"
+#include "command/Snapshot.h"
+
+#include <QStringList>
+
+#include <cstring>
+#include <utility>
+
+Transaction::Transaction(const Order& order, CallWatch& watch, TransactionObserver& observer)
+    : m_order(order), m_watch(watch), m_observer(observer), m_mark(order.serialNumber) {
+    m_verdict.serialNumber = order.serialNumber;
+}
+
+Verdict Transaction::run() {
+    Text problem = make({{"lock", &Transaction::lock},
+                         {"refuse-unfinished", &Transaction::refuseUnfinished},
+                         {"connect", &Transaction::connect},
+                         {"read-everything-twice", &Transaction::readEverythingTwice},
+                         {"refuse-unfit", &Transaction::refuseUnfit},
+                         {"judge-plausibility", &Transaction::judgePlausibility},
+                         {"find-difference", &Transaction::findDifference}},
+                        Until::Interrupted);
+    if (!problem.isEmpty())
+        return end(Outcome::Refused, {problem});
+    if (!m_parts.any())
+        return end(Outcome::Unchanged, {});
+    if (m_order.isDryRun)
+        return end(Outcome::WouldChange, {});
+
+    problem = make({{"ask", &Transaction::ask},
+                    {"keep-snapshot", &Transaction::keepSnapshot},
+                    {"fetch-once-more", &Transaction::fetchOnceMore},
+                    {"mark-unfinished", &Transaction::markUnfinished}},
+                   Until::Interrupted);
+    if (problem.isEmpty()) {
+        m_target = &m_wanted;
+        problem = make({{"write-calibration", &Transaction::writeCalibration},
+                        {"write-power-off", &Transaction::writePowerOff},
+                        {"write-network", &Transaction::writeNetwork}},
+                       Until::Interrupted);
+    }
+    if (!problem.isEmpty() && !m_mayBeWritten.any())
+        return end(Outcome::Refused, {problem});
+
+    Interrupt::setPhase(Interrupt::Phase::TakingBack);
+    if (problem.isEmpty())
+        problem = make({{"verify", &Transaction::verifyWanted}}, Until::Done);
+    if (!problem.isEmpty())
+        return takeBack(problem);
+    if (!m_networkWaits)
+        return end(Outcome::Verified, {});
+    return end(Outcome::Waits,
+               {Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                       "The network settings are stored, and the instrument still "
+                                       "answers the old ones, as it may until it has been switched "
+                                       "off and on."))});
+}
+
+Verdict Transaction::takeBack(const Text& failure) {
+    if (m_wasUnfinished)
+        return end(Outcome::Unknown, {failure, nextStep()});
+    if (!m_order.rollsBack)
+        return end(Outcome::Unknown,
+                   {failure,
+                    Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "It was left as it is, as was asked.")),
+                    nextStep()});
+    m_target = &m_held;
+    m_parts = m_mayBeWritten;
+    Text problem = make({{"reconnect", &Transaction::reconnect},
+                         {"put-back-calibration", &Transaction::writeCalibration},
+                         {"put-back-power-off", &Transaction::writePowerOff},
+                         {"put-back-network", &Transaction::writeNetwork},
+                         {"verify-put-back", &Transaction::verifyHeld}},
+                        Until::Done);
+    if (problem.isEmpty())
+        return end(Outcome::RolledBack, {failure});
+    return end(Outcome::Unknown,
+               {failure,
+                Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The old state could not be put back.")),
+                problem, nextStep()});
+}
+
+Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
+    // A loss from here on changes nothing of what was read.
+    m_access.reset();
+    const bool hasEnded = outcome == Outcome::Verified || outcome == Outcome::Waits;
+    if (outcome != Outcome::Unknown && (m_isMarked || (m_wasUnfinished && hasEnded))) {
+        Text problem = m_mark.remove();
+        if (!problem.isEmpty())
+            reasons.push_back(problem);
+    }
+    m_verdict.outcome = outcome;
+    m_verdict.reasons.insert(m_verdict.reasons.end(), reasons.begin(), reasons.end());
+    m_verdict.warnings = m_watch.warnings();
+    return m_verdict;
+}
+
+Text Transaction::nextStep() const {
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "To put the state before back, run: %1"),
+                {m_mark.restoreCommand()});
+}
+
+/** Makes the steps until one fails. Between two of them the connection may have been lost, and an
+    interrupt is honoured where it may be. */
+Text Transaction::make(std::initializer_list<Step> steps, Until until) {
+    for (const Step& step : steps) {
+        if (until == Until::Interrupted && Interrupt::isRequested())
+            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "It was interrupted."));
+        // "reconnect" is the one step that a lost connection is no hindrance to.
+        if (step.make != &Transaction::reconnect && m_access &&
+            InstrumentAccess::isConnectionLost())
+            return Text(
+                QT_TRANSLATE_NOOP("vq-tl4ctl", "The connection to the instrument was lost."));
+        m_observer.stepBegins(step.name);
+        Text problem = (this->*step.make)();
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return {};
+}
+
+Text Transaction::lock() {
+    return m_order.isDryRun ? Text() : m_lock.take();
+}
+
+Text Transaction::refuseUnfinished() {
+    m_wasUnfinished = m_mark.exists();
+    if (!m_wasUnfinished || m_order.restoresAll)
+        return {};
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                  "An earlier write to this instrument did not end: what it "
+                                  "answers may not be in its memory. To end it, run: %1"),
+                {m_mark.restoreCommand()});
+}
+
+Text Transaction::connect() {
+    m_access.emplace(m_watch);
+    if (m_access->registration().failed())
+        return callFailure(m_access->registration());
+    return openInstrument(*m_access, m_order.serialNumber);
+}
+
+Text Transaction::readEverythingTwice() {
+    return readTwice(*m_access, m_held);
+}
+
+Text Transaction::refuseUnfit() {
+    if (isBlank(m_held.calibration))
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "All bytes of the instrument's calibration record are 0x00 "
+                                      "or 0xFF: that is no record."));
+    m_wanted = m_order.change.appliedTo(m_held);
+    if (isBlank(m_wanted.calibration))
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "All bytes of the calibration record to be written are 0x00 "
+                                      "or 0xFF: that is no record."));
+    const bool wantsNetwork =
+        m_order.change.namesNetwork || !isSame(m_held.network, m_wanted.network);
+    if (wantsNetwork && m_held.wirelessModule == 0)
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "The instrument has no wireless module and takes no network "
+                                      "settings."));
+    return refuseLowBattery();
+}
+
+Text Transaction::refuseLowBattery() const {
+    const bool isLow = (m_watch.warnings() & KVA_WARNING_BATTERY_EMPTY) != 0;
+    if (!isLow || m_order.allowsLowBattery)
+        return {};
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                  "The instrument's battery is empty (KVA_WARNING_BATTERY_EMPTY). "
+                                  "Charge it, or allow it with --allow-low-battery."));
+}
+
+Text Transaction::judgePlausibility() {
+    QStringList fields;
+    for (const ValueFile& file : m_order.change.accessories) {
+        if (m_order.isRestore)
+            break;
+        const CalibrationAccessory& accessory = *file.accessory;
+        const float* held = accessory.values(m_held.calibration);
+        const std::size_t size = accessory.valueCount * sizeof(float);
+        // What the instrument holds already is no change that could be wrong.
+        if (std::memcmp(held, file.values.data(), size) == 0)
+            continue;
+        for (const Implausible& value : findImplausible(accessory, file.values.data(), held)) {
+            m_observer.foundImplausible(accessory, value);
+            const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
+            fields.append(
+                QStringLiteral("%1.values[%2]")
+                    .arg(isPlate ? QStringLiteral("whitePlate") : QStringLiteral("ambientAdapter"))
+                    .arg(value.index));
+        }
+    }
+    if (fields.isEmpty())
+        return {};
+    const QStringList list = {fields.join(QStringLiteral(", "))};
+    if (!m_order.acceptsImplausible)
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "Implausible values: %1. If they are right, accept them "
+                                      "with --accept-implausible."),
+                    list);
+    m_verdict.reasons.emplace_back(
+        QT_TRANSLATE_NOOP("vq-tl4ctl", "Implausible values were accepted: %1."), list);
+    return {};
+}
+
+Text Transaction::findDifference() {
+    m_verdict.changes = difference(m_held, m_wanted);
+    m_parts = differingParts(m_held, m_wanted);
+    // What reads equal after an unfinished write may be staged, or wait for a power cycle.
+    if (m_wasUnfinished)
+        m_parts = {true, true, m_wanted.network.has_value()};
+    if (m_parts.any())
+        m_observer.foundDifference(m_verdict.changes);
+    return {};
+}
+
+Text Transaction::ask() {
+    return m_observer.confirms()
+               ? Text()
+               : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The change was not confirmed."));
+}
+
+Text Transaction::keepSnapshot() {
+    QString path;
+    Text problem = Snapshot::of(m_held).writeTo(DataFolder::snapshots(), path);
+    if (problem.isEmpty())
+        m_verdict.snapshot = path;
+    return problem;
+}
+
+Text Transaction::fetchOnceMore() {
+    if (!m_parts.calibration)
+        return {};
+    Text problem = requireCalibration(*m_access, m_held.calibration);
+    return problem.isEmpty() ? refuseLowBattery() : problem;
+}
+
+Text Transaction::markUnfinished() {
+    if (m_wasUnfinished)
+        return {};
+    Text problem = m_mark.set(m_verdict.snapshot, m_wanted);
+    m_isMarked = problem.isEmpty();
+    return problem;
+}

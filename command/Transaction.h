@@ -1,0 +1,113 @@
+#ifndef COMMAND_TRANSACTION_H
+#define COMMAND_TRANSACTION_H
+
+#include "command/CallWatch.h"
+#include "command/Change.h"
+#include "command/Plausibility.h"
+#include "command/UnfinishedMark.h"
+#include "command/Verdict.h"
+#include "command/WriteLock.h"
+
+#include <initializer_list>
+#include <optional>
+#include <vector>
+
+/** What is to be done with one instrument. Its input has been checked. */
+struct Order {
+    std::int32_t serialNumber = 0;
+    Change change;
+    bool isRestore = false; ///< the values were an instrument's before: they are not judged
+    /** Whether a whole snapshot is put back: alone that ends an unfinished write. */
+    bool restoresAll = false;
+    bool isDryRun = false;
+    bool rollsBack = true; ///< false: a failure is left as it is
+    bool acceptsImplausible = false;
+    bool allowsLowBattery = false;
+};
+
+/** The person before the terminal, and whoever else wants to know of the steps. */
+class TransactionObserver {
+public:
+    virtual ~TransactionObserver() = default;
+    /** A step begins. @param name  a word of this source's, not for people */
+    virtual void stepBegins(const char* /*name*/) {}
+    virtual void foundImplausible(const CalibrationAccessory& accessory,
+                                  const Implausible& value) = 0;
+    virtual void foundDifference(const FieldChanges& changes) = 0;
+    /** Whether the difference may be written. */
+    virtual bool confirms() = 0;
+};
+
+/**
+ * Changes one instrument, or leaves it as it was, and says which.
+ *
+ * Each step is a function that is empty when it succeeded, and says what is wrong otherwise. They
+ * are made one after the other, and the first that fails decides: before the first call that
+ * writes the order is refused, afterwards the way back is gone.
+ */
+class Transaction {
+public:
+    /** All of them outlive the object. */
+    Transaction(const Order& order, CallWatch& watch, TransactionObserver& observer);
+
+    /** Once. Makes all steps; the instrument is disconnected afterwards. */
+    Verdict run();
+
+private:
+    struct Step {
+        const char* name;
+        Text (Transaction::*make)();
+    };
+    enum class Until { Interrupted, Done };
+    Text make(std::initializer_list<Step> steps, Until until);
+
+    // Nothing is written.
+    Text lock();
+    Text refuseUnfinished();
+    Text connect();
+    Text readEverythingTwice();
+    Text refuseUnfit();
+    Text judgePlausibility();
+    Text findDifference();
+    Text ask();
+    Text keepSnapshot();
+    Text fetchOnceMore();
+    Text markUnfinished();
+
+    // Writes `m_target`.
+    Text writeCalibration();
+    Text commitProvably();
+    Text writePowerOff();
+    Text writeNetwork();
+
+    Text verifyWanted();
+    Text reconnect();
+    Text verifyHeld();
+    Text readBackIndependently();
+    Text compare(const InstrumentState& expected) const;
+
+    Text refuseLowBattery() const;
+    Verdict takeBack(const Text& failure);
+    Verdict end(Outcome outcome, std::vector<Text> reasons);
+    Text nextStep() const;
+
+    const Order& m_order;
+    CallWatch& m_watch;
+    TransactionObserver& m_observer;
+    WriteLock m_lock;
+    std::optional<InstrumentAccess> m_access;
+    UnfinishedMark m_mark;
+
+    bool m_wasUnfinished = false; ///< an earlier write of this instrument has no verdict
+    bool m_isMarked = false;      ///< by this transaction
+    InstrumentState m_held;       ///< what the instrument held before
+    InstrumentState m_wanted;
+    InstrumentState m_readBack;
+    const InstrumentState* m_target = nullptr;
+    Parts m_parts;        ///< to be written
+    Parts m_mayBeWritten; ///< a call that writes them was made
+    bool m_networkWaits = false;
+    Verdict m_verdict;
+};
+
+#endif

@@ -1,0 +1,121 @@
+// The steps that write to the instrument, and those that find out what came of them.
+
+#include "command/Interrupt.h"
+#include "command/Transaction.h"
+
+namespace {
+
+/** Holds interrupts back from the stage to the commit. */
+class CommitPhase {
+public:
+    explicit CommitPhase(Interrupt::Phase after) : m_after(after) {
+        Interrupt::setPhase(Interrupt::Phase::Committing);
+    }
+    ~CommitPhase() { Interrupt::setPhase(m_after); }
+    CommitPhase(const CommitPhase&) = delete;
+    CommitPhase& operator=(const CommitPhase&) = delete;
+
+private:
+    Interrupt::Phase m_after;
+};
+
+Text problemOf(const CallResult& result) {
+    return result.failed() ? callFailure(result) : Text();
+}
+
+} // namespace
+
+Text Transaction::writeCalibration() {
+    if (!m_parts.calibration)
+        return {};
+    const bool isWayBack = m_target == &m_held;
+    const CommitPhase phase(isWayBack ? Interrupt::Phase::TakingBack
+                                      : Interrupt::Phase::BetweenSteps);
+    m_mayBeWritten.calibration = true;
+    Text problem = problemOf(m_access->stage(m_target->calibration));
+    if (problem.isEmpty())
+        problem = requireCalibration(*m_access, m_target->calibration);
+    return problem.isEmpty() ? commitProvably() : problem;
+}
+
+/**
+ * The library may go on answering the stage where a commit did nothing, so what reads equal proves
+ * nothing. What proves it: a further commit answers that nothing is staged any more. Each of them
+ * writes what was handed over last, so one too many does no harm.
+ */
+Text Transaction::commitProvably() {
+    Text problem = problemOf(m_access->commit());
+    if (!problem.isEmpty())
+        return problem;
+    constexpr int furtherCommits = 3;
+    for (int i = 0; i < furtherCommits; ++i) {
+        if (m_access->commit().code == KVA_ERROR_NO_DATA)
+            return {};
+    }
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                  "The library reports a commit, and does not confirm that "
+                                  "nothing is staged any more: the record may not be in the "
+                                  "instrument's memory."));
+}
+
+Text Transaction::writePowerOff() {
+    if (!m_parts.powerOff)
+        return {};
+    m_mayBeWritten.powerOff = true;
+    return problemOf(m_access->writePowerOffMode(m_target->powerOffMode));
+}
+
+Text Transaction::writeNetwork() {
+    if (!m_parts.network)
+        return {};
+    m_mayBeWritten.network = true;
+    return problemOf(m_access->write(*m_target->network));
+}
+
+Text Transaction::readBackIndependently() {
+    const CallResult closed = m_access->disconnect();
+    if (closed.failed())
+        return callFailure(closed);
+    Text problem = openInstrument(*m_access, m_order.serialNumber);
+    return problem.isEmpty() ? readTwice(*m_access, m_readBack) : problem;
+}
+
+/** Whatever became of the connection before. */
+Text Transaction::reconnect() {
+    m_access->disconnect();
+    return openInstrument(*m_access, m_order.serialNumber);
+}
+
+Text Transaction::verifyWanted() {
+    Text problem = readBackIndependently();
+    if (!problem.isEmpty())
+        return problem;
+    InstrumentState expected = m_wanted;
+    // Settings come into use with a power cycle, and an instrument may answer the old ones till
+    // then. After an unfinished write, nobody knows which ones are the old ones.
+    m_networkWaits = m_mayBeWritten.network && !isSame(m_readBack.network, m_wanted.network) &&
+                     isSame(m_readBack.network, m_held.network);
+    if (m_networkWaits)
+        expected.network = m_held.network;
+    return compare(expected);
+}
+
+Text Transaction::verifyHeld() {
+    Text problem = readBackIndependently();
+    return problem.isEmpty() ? compare(m_held) : problem;
+}
+
+Text Transaction::compare(const InstrumentState& expected) const {
+    if (!isSameIdentity(m_readBack, expected) ||
+        m_readBack.wirelessModule != expected.wirelessModule)
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "The instrument that was read back is not the one that was "
+                                      "written."));
+    QStringList fields;
+    for (const FieldChange& change : difference(expected, m_readBack))
+        fields.append(change.field);
+    if (differingParts(expected, m_readBack).any())
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "What was read back differs: %1."),
+                    {fields.join(QStringLiteral(", "))});
+    return {};
+}

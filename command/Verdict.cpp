@@ -1,0 +1,40 @@
+#include "command/Verdict.h"
+
+const char* outcomeWord(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::Unchanged:
+        return "unchanged";
+    case Outcome::Verified:
+        return "verified";
+    case Outcome::Refused:
+        return "refused";
+    case Outcome::RolledBack:
+        return "rolled-back";
+    case Outcome::Unknown:
+        return "unknown";
+    case Outcome::Waits:
+        return "waits";
+    case Outcome::WouldChange:
+        return "would-change";
+    }
+    return "unknown";
+}
+
+ExitStatus exitStatus(Outcome outcome) {
+    switch (outcome) {
+    case Outcome::Unchanged:
+    case Outcome::Verified:
+        return Done;
+    case Outcome::Refused:
+        return RefusedStatus;
+    case Outcome::RolledBack:
+        return RolledBackStatus;
+    case Outcome::Unknown:
+        return UnknownStatus;
+    case Outcome::Waits:
+        return WaitsStatus;
+    case Outcome::WouldChange:
+        return DifferentStatus;
+    }
+    return UnknownStatus;
+}

@@ -1,0 +1,49 @@
+#ifndef COMMAND_VERDICT_H
+#define COMMAND_VERDICT_H
+
+#include "command/Difference.h"
+#include "command/Text.h"
+
+#include <QString>
+
+#include <cstdint>
+#include <vector>
+
+/** What became of an instrument. */
+enum class Outcome {
+    Unchanged,   ///< it held all that already; nothing was written
+    Verified,    ///< written, read back independently, equal in every byte
+    Refused,     ///< nothing was written
+    RolledBack,  ///< failed or different; the old state is back, and verified
+    Unknown,     ///< the state could not be verified or not be restored
+    Waits,       ///< network settings are stored and not answered yet; all else is verified
+    WouldChange, ///< a dry run found something to change; nothing was written
+};
+
+/** The word for it, as JSON has it. */
+const char* outcomeWord(Outcome outcome);
+
+/** What the program ends with. */
+enum ExitStatus {
+    Done = 0,
+    Usage = 2, ///< also input that is refused before anything is connected
+    RefusedStatus = 3,
+    RolledBackStatus = 4,
+    UnknownStatus = 5,
+    WaitsStatus = 6,
+    DifferentStatus = 7, ///< of `--dry-run` and of `diff`
+};
+
+ExitStatus exitStatus(Outcome outcome);
+
+/** The whole of what is said about one instrument at the end. */
+struct Verdict {
+    std::int32_t serialNumber = 0;
+    Outcome outcome = Outcome::Refused;
+    std::vector<Text> reasons; ///< sentences, in their order
+    FieldChanges changes;
+    QString snapshot;          ///< path; empty where none was made
+    std::int32_t warnings = 0; ///< bits of all answers
+};
+
+#endif
