@@ -1,0 +1,236 @@
+#include "command/CommandLine.h"
+
+#include "command/FieldTexts.h"
+#include "command/Report.h"
+#include "command/Verbs.h"
+
+#include <CLI/CLI.hpp>
+#include <QCoreApplication>
+
+#include <functional>
+#include <iostream>
+#include <string>
+
+namespace {
+
+std::string translated(const char* source) {
+    return Text(source).translated().toStdString();
+}
+
+std::vector<std::string> words(const QStringList& list) {
+    std::vector<std::string> result;
+    for (const QString& word : list)
+        result.push_back(word.toStdString());
+    return result;
+}
+
+/** The command line's options, each put into its place as it is read. */
+class CommandLine {
+public:
+    CommandLine();
+    int run(int argc, char** argv);
+
+private:
+    CLI::App* addVerb(const char* name, const char* description, std::function<ExitStatus()> verb);
+    static void addText(CLI::App* verb, const std::string& name, QString& target,
+                        const char* description, bool isRequired = false);
+    static void addTexts(CLI::App* verb, const std::string& name, QStringList& target,
+                         const char* description, bool isRequired);
+    static void addWriteOptions(CLI::App* verb, WriteOptions& options);
+    void addReadingVerbs();
+    void addFileVerbs();
+    void addApply();
+    void addRestore();
+
+    CLI::App m_app;
+    std::function<ExitStatus()> m_verb;
+    std::string m_language; ///< taken by `main` already
+    ListOptions m_list;
+    ShowOptions m_show;
+    BackupOptions m_backup;
+    CheckOptions m_check;
+    DiffOptions m_diff;
+    ApplyOptions m_apply;
+    RestoreOptions m_restore;
+};
+
+const char jsonHelp[] = QT_TRANSLATE_NOOP("vq-tl4ctl", "one JSON object a line");
+const char serialHelp[] =
+    QT_TRANSLATE_NOOP("vq-tl4ctl", "serial number, with leading zeros or without");
+
+CommandLine::CommandLine()
+    : m_app(translated(QT_TRANSLATE_NOOP(
+                "vq-tl4ctl", "Reads and changes the settings of instruments, and proves what it "
+                             "changed.")),
+            "vq-tl4ctl") {
+    m_app.require_subcommand(1);
+    m_app.fallthrough();
+    m_app.set_version_flag("--version", VQTL4_VERSION,
+                           translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show the version")));
+    m_app
+        .add_option(
+            "--lang", m_language,
+            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "language of the messages, in place of the "
+                                                      "system's")))
+        ->check(CLI::IsMember({"en", "ja"}));
+    addReadingVerbs();
+    addFileVerbs();
+    addApply();
+    addRestore();
+}
+
+CLI::App* CommandLine::addVerb(const char* name, const char* description,
+                               std::function<ExitStatus()> verb) {
+    CLI::App* sub = m_app.add_subcommand(name, translated(description));
+    sub->callback([this, verb = std::move(verb)] { m_verb = verb; });
+    return sub;
+}
+
+void CommandLine::addText(CLI::App* verb, const std::string& name, QString& target,
+                          const char* description, bool isRequired) {
+    verb->add_option_function<std::string>(
+            name,
+            [&target](const std::string& text) { target = QString::fromLocal8Bit(text.c_str()); },
+            translated(description))
+        ->required(isRequired);
+}
+
+void CommandLine::addTexts(CLI::App* verb, const std::string& name, QStringList& target,
+                           const char* description, bool isRequired) {
+    verb->add_option_function<std::vector<std::string>>(
+            name,
+            [&target](const std::vector<std::string>& texts) {
+                for (const std::string& text : texts)
+                    target.append(QString::fromLocal8Bit(text.c_str()));
+            },
+            translated(description))
+        ->required(isRequired);
+}
+
+void CommandLine::addReadingVerbs() {
+    CLI::App* verb =
+        addVerb("list", QT_TRANSLATE_NOOP("vq-tl4ctl", "list the attached instruments"),
+                [this] { return list(m_list); });
+    verb->add_flag("--json", m_list.asJson, translated(jsonHelp));
+
+    verb = addVerb("show", QT_TRANSLATE_NOOP("vq-tl4ctl", "show what an instrument holds"),
+                   [this] { return show(m_show); });
+    addText(verb, "SERIAL", m_show.serial, serialHelp, true);
+    verb->add_flag("--json", m_show.asJson, translated(jsonHelp));
+    verb->add_flag("--reveal-key", m_show.revealsKey,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                                "show the security key, not only that it is set")));
+
+    verb = addVerb(
+        "backup", QT_TRANSLATE_NOOP("vq-tl4ctl", "write a snapshot of each instrument to a folder"),
+        [this] { return backup(m_backup); });
+    addTexts(verb, "SERIAL", m_backup.serials, serialHelp, false);
+    verb->add_flag("--all", m_backup.all,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments")))
+        ->excludes(verb->get_option("SERIAL"));
+    addText(verb, "--to", m_backup.folder,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "the folder; it is made where it is missing"), true);
+    verb->add_flag("--without-key", m_backup.withoutKey,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "leave the security key out")));
+    verb->parse_complete_callback([this] {
+        if (!m_backup.all && m_backup.serials.isEmpty())
+            throw CLI::RequiredError("SERIAL | --all");
+    });
+}
+
+void CommandLine::addFileVerbs() {
+    CLI::App* verb =
+        addVerb("check", QT_TRANSLATE_NOOP("vq-tl4ctl", "check files without an instrument"),
+                [this] { return check(m_check); });
+    addTexts(verb, "FILE", m_check.files,
+             QT_TRANSLATE_NOOP("vq-tl4ctl", "settings (.ini), values (.csv) or snapshots (.json)"),
+             true);
+
+    verb = addVerb(
+        "diff",
+        QT_TRANSLATE_NOOP("vq-tl4ctl", "compare two: a serial number, a snapshot, settings (.ini)"),
+        [this] { return diff(m_diff); });
+    addText(verb, "A", m_diff.left, QT_TRANSLATE_NOOP("vq-tl4ctl", "the one"), true);
+    addText(verb, "B", m_diff.right, QT_TRANSLATE_NOOP("vq-tl4ctl", "the other"), true);
+    verb->add_flag("--json", m_diff.asJson, translated(jsonHelp));
+}
+
+void CommandLine::addWriteOptions(CLI::App* verb, WriteOptions& options) {
+    addText(verb, "SERIAL", options.serial, serialHelp, true);
+    verb->add_flag(
+        "--dry-run", options.isDryRun,
+        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "only show what would change: exit status 7")));
+    verb->add_flag("--yes", options.isSure,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write without asking")));
+    verb->add_flag("--json", options.asJson, translated(jsonHelp));
+    verb->add_flag("--allow-low-battery", options.allowsLowBattery,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write with an empty battery")));
+    verb->add_option_function<std::string>(
+            "--on-failure",
+            [&options](const std::string& what) { options.leavesFailure = what == "leave"; },
+            translated(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                         "put the old state back (the default), or leave it")))
+        ->check(CLI::IsMember({"rollback", "leave"}));
+}
+
+void CommandLine::addApply() {
+    CLI::App* verb =
+        addVerb("apply", QT_TRANSLATE_NOOP("vq-tl4ctl", "change an instrument, and prove it"),
+                [this] { return apply(m_apply); });
+    addWriteOptions(verb, m_apply);
+    addText(verb, "--network", m_apply.network,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "network settings file (.ini)"));
+    verb->add_option_function<std::string>(
+            "--power-off",
+            [this](const std::string& word) { m_apply.powerOff = QString::fromStdString(word); },
+            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "automatic power-off, in minutes")))
+        ->check(CLI::IsMember(words(FieldTexts::powerOffWords())));
+    addText(verb, "--white-plate", m_apply.whitePlate,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "values of the white calibration plate (.csv)"));
+    addText(verb, "--ambient-adapter", m_apply.ambientAdapter,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "values of the ambient light adapter (.csv)"));
+    verb->add_flag("--accept-implausible", m_apply.acceptsImplausible,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write values that look wrong")));
+    verb->parse_complete_callback([verb] {
+        for (const char* name :
+             {"--network", "--power-off", "--white-plate", "--ambient-adapter"}) {
+            if (verb->count(name) > 0)
+                return;
+        }
+        throw CLI::RequiredError("--network | --power-off | --white-plate | --ambient-adapter");
+    });
+}
+
+void CommandLine::addRestore() {
+    CLI::App* verb =
+        addVerb("restore", QT_TRANSLATE_NOOP("vq-tl4ctl", "put a snapshot back, and prove it"),
+                [this] { return restore(m_restore); });
+    addWriteOptions(verb, m_restore);
+    addText(verb, "SNAPSHOT", m_restore.snapshot,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "a snapshot of this instrument"), true);
+    verb->add_option_function<std::vector<std::string>>(
+            "--only",
+            [this](const std::vector<std::string>& parts) {
+                for (const std::string& part : parts)
+                    m_restore.only.append(QString::fromStdString(part));
+            },
+            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "these parts alone, with commas between")))
+        ->delimiter(',')
+        ->check(CLI::IsMember(words(restorableParts())));
+}
+
+int CommandLine::run(int argc, char** argv) {
+    try {
+        m_app.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        // The message goes to standard error, and help and version to standard output.
+        return m_app.exit(error, std::cout, std::cerr) == 0 ? Done : Usage;
+    }
+    return m_verb();
+}
+
+} // namespace
+
+int runCommandLine(int argc, char** argv) {
+    return CommandLine().run(argc, argv);
+}

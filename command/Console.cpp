@@ -1,0 +1,55 @@
+#include "command/Console.h"
+
+#include "command/Interrupt.h"
+#include "command/Report.h"
+
+#include <QByteArray>
+
+#include <poll.h>
+#include <unistd.h>
+
+namespace {
+
+/** The first line that is typed; nothing after an interrupt or at the end of the input. */
+QByteArray readAnswer() {
+    QByteArray answer;
+    while (!answer.endsWith('\n') && !Interrupt::isRequested()) {
+        // Looked at again and again: the signal may have come to another thread.
+        struct pollfd input = {STDIN_FILENO, POLLIN, 0};
+        constexpr int millisecondsBetweenLooks = 100;
+        if (::poll(&input, 1, millisecondsBetweenLooks) <= 0)
+            continue;
+        char character = 0;
+        if (::read(STDIN_FILENO, &character, 1) != 1)
+            return {};
+        answer += character;
+    }
+    return answer.endsWith('\n') ? answer.trimmed().toLower() : QByteArray();
+}
+
+} // namespace
+
+bool Console::hasTerminal() {
+    return ::isatty(STDIN_FILENO) == 1 && ::isatty(STDERR_FILENO) == 1;
+}
+
+void Console::foundImplausible(const CalibrationAccessory& accessory, const Implausible& value) {
+    sayToUser(implausibleText(accessory, value));
+}
+
+void Console::foundDifference(const FieldChanges& changes) {
+    const QString serial = serialText(m_serialNumber);
+    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, %2 changes:"),
+                   {serial, QString::number(changes.size())}));
+    for (const FieldChange& change : changes)
+        sayToUser(changeLine(change));
+}
+
+bool Console::confirms() {
+    if (m_isSure)
+        return true;
+    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Write this to instrument %1? [y/N]"),
+                   {serialText(m_serialNumber)}));
+    const QByteArray answer = readAnswer();
+    return answer == "y" || answer == "yes";
+}

@@ -1,0 +1,49 @@
+#include "command/Report.h"
+#include "command/SettingsFile.h"
+#include "command/Snapshot.h"
+#include "command/VerbSupport.h"
+
+namespace {
+
+/** What the file is good for; empty where it has faults. */
+Text checkFile(const QString& path, Faults& faults) {
+    const QStringList name = {path};
+    const auto file = InputFile::read(path, faults);
+    if (!file)
+        return {};
+    switch (kindOf(*file)) {
+    case FileKind::Settings:
+        if (SettingsFile::check(*file, faults))
+            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: network settings, no fault"), name);
+        break;
+    case FileKind::Snapshot:
+        if (Snapshot::check(*file, faults))
+            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a snapshot, no fault"), name);
+        break;
+    case FileKind::Values:
+        const CalibrationAccessory& accessory = ValueFile::likelyAccessory(*file);
+        const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
+        if (ValueFile::check(*file, accessory, faults))
+            return isPlate ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                                    "%1: values of a white plate, no fault"),
+                                  name)
+                           : Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                                    "%1: values of an ambient adapter, no fault"),
+                                  name);
+        break;
+    }
+    return {};
+}
+
+} // namespace
+
+ExitStatus check(const CheckOptions& options) {
+    Faults faults;
+    for (const QString& path : options.files) {
+        const Text good = checkFile(path, faults);
+        if (!good.isEmpty())
+            print(good.translated());
+    }
+    sayToUser(faults);
+    return faults.empty() ? Done : Usage;
+}

@@ -1,0 +1,91 @@
+#include "command/Report.h"
+#include "command/Snapshot.h"
+#include "command/VerbSupport.h"
+
+#include <algorithm>
+
+namespace {
+
+/** The accessory's part of a record, as a value file would bring it. */
+ValueFile partOf(const KVA_JIG_CALREFDATA& record, const CalibrationAccessory& accessory) {
+    ValueFile part;
+    part.accessory = &accessory;
+    std::copy(std::begin(record.*accessory.serialNo), std::end(record.*accessory.serialNo),
+              std::begin(part.serialNo));
+    const float* values = accessory.values(record);
+    part.values.assign(values, values + accessory.valueCount);
+    return part;
+}
+
+/** What of the snapshot is to be put back. */
+Change changeFor(const Snapshot& snapshot, const QStringList& only) {
+    const InstrumentState& state = snapshot.state;
+    Change change;
+    if (only.isEmpty()) {
+        change.network = state.network;
+        change.powerOffMode = state.powerOffMode;
+        change.calibration = state.calibration;
+        return change;
+    }
+    if (only.contains(QLatin1String("network"))) {
+        change.network = state.network;
+        change.namesNetwork = true;
+    }
+    if (only.contains(QLatin1String("power-off")))
+        change.powerOffMode = state.powerOffMode;
+    if (only.contains(QLatin1String("white-plate")))
+        change.accessories.push_back(partOf(state.calibration, CalibrationAccessory::whitePlate));
+    if (only.contains(QLatin1String("ambient-adapter")))
+        change.accessories.push_back(
+            partOf(state.calibration, CalibrationAccessory::ambientAdapter));
+    return change;
+}
+
+/** Why the snapshot cannot be put back into the instrument; empty where it can. */
+Text problemOf(const Snapshot& snapshot, const Order& order, const RestoreOptions& options) {
+    const auto owner = static_cast<std::int32_t>(snapshot.state.device.serialNumber);
+    if (owner != order.serialNumber)
+        return Text(
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "The snapshot is one of instrument %1, not of %2."),
+            {serialText(owner), serialText(order.serialNumber)});
+    if (order.change.network && !snapshot.hasKey)
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                      "The snapshot has no security key, so its network settings "
+                                      "cannot be put back: name the other parts with --only."));
+    if (options.only.contains(QLatin1String("network")) && !order.change.network)
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The snapshot has no network settings."));
+    return {};
+}
+
+} // namespace
+
+const QStringList& restorableParts() {
+    static const QStringList parts = {QStringLiteral("network"), QStringLiteral("power-off"),
+                                      QStringLiteral("white-plate"),
+                                      QStringLiteral("ambient-adapter")};
+    return parts;
+}
+
+ExitStatus restore(const RestoreOptions& options) {
+    const auto serial = requireSerial(options.serial);
+    if (!serial)
+        return Usage;
+    Faults faults;
+    const auto file = InputFile::read(options.snapshot, faults);
+    const auto snapshot = file ? Snapshot::check(*file, faults) : std::nullopt;
+    if (!snapshot) {
+        sayToUser(faults);
+        return Usage;
+    }
+    Order order;
+    order.serialNumber = *serial;
+    order.isRestore = true;
+    order.restoresAll = options.only.isEmpty();
+    order.change = changeFor(*snapshot, options.only);
+    const Text problem = problemOf(*snapshot, order, options);
+    if (!problem.isEmpty()) {
+        sayToUser(Fault{options.snapshot, 0, 0, problem}.toString());
+        return Usage;
+    }
+    return canBeConfirmed(options) ? carryOut(order, options) : Usage;
+}

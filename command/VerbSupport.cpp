@@ -1,0 +1,60 @@
+#include "command/VerbSupport.h"
+
+#include "command/Console.h"
+#include "command/Interrupt.h"
+#include "command/Report.h"
+
+#include <algorithm>
+
+std::optional<std::int32_t> parseSerial(const QString& text) {
+    const bool hasDigitsAlone = std::all_of(text.begin(), text.end(), [](QChar character) {
+        return character >= QLatin1Char('0') && character <= QLatin1Char('9');
+    });
+    bool isNumber = false;
+    const int number = text.toInt(&isNumber);
+    if (!hasDigitsAlone || !isNumber)
+        return std::nullopt;
+    return number;
+}
+
+std::optional<std::int32_t> requireSerial(const QString& text) {
+    const auto serial = parseSerial(text);
+    if (!serial)
+        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "\"%1\" is not a serial number."), {text}));
+    return serial;
+}
+
+FileKind kindOf(const InputFile& file) {
+    if (file.path.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
+        return FileKind::Settings;
+    return file.content.trimmed().startsWith('{') ? FileKind::Snapshot : FileKind::Values;
+}
+
+Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state) {
+    InstrumentAccess access(watch);
+    const Text problem = openInstrument(access, serialNumber);
+    return problem.isEmpty() ? readTwice(access, state) : problem;
+}
+
+bool canBeConfirmed(const WriteOptions& options) {
+    if (options.isSure || options.isDryRun || Console::hasTerminal())
+        return true;
+    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                     "Without a terminal nobody can be asked: confirm the change "
+                                     "with --yes, or look at it with --dry-run.")));
+    return false;
+}
+
+ExitStatus carryOut(Order& order, const WriteOptions& options) {
+    order.isDryRun = options.isDryRun;
+    order.rollsBack = !options.leavesFailure;
+    order.allowsLowBattery = options.allowsLowBattery;
+    Interrupt::install();
+    CallWatch watch;
+    Console console(order.serialNumber, options.isSure);
+    const Verdict verdict = Transaction(order, watch, console).run();
+    sayVerdict(verdict);
+    if (options.asJson)
+        print(toJson(verdict));
+    return exitStatus(verdict.outcome);
+}

@@ -1,0 +1,34 @@
+#ifndef COMMAND_VERBSUPPORT_H
+#define COMMAND_VERBSUPPORT_H
+
+#include "command/CallWatch.h"
+#include "command/InputFile.h"
+#include "command/InstrumentState.h"
+#include "command/Transaction.h"
+#include "command/Verbs.h"
+
+#include <QString>
+
+#include <optional>
+
+/** What several verbs need. */
+
+/** A serial number as it is typed: digits alone, with leading zeros or without. */
+std::optional<std::int32_t> parseSerial(const QString& text);
+/** The same, and a word on standard error where it is none. */
+std::optional<std::int32_t> requireSerial(const QString& text);
+
+enum class FileKind { Settings, Snapshot, Values };
+/** By the ending `.ini`, and by what the content begins with. */
+FileKind kindOf(const InputFile& file);
+
+/** Connects, reads everything twice, disconnects. Empty, or why it could not be read. */
+Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state);
+
+/** Refuses a question that nobody could answer, before anything is done. */
+bool canBeConfirmed(const WriteOptions& options);
+
+/** Makes the transaction and reports its verdict. */
+ExitStatus carryOut(Order& order, const WriteOptions& options);
+
+#endif

@@ -1,0 +1,71 @@
+#ifndef COMMAND_VERBS_H
+#define COMMAND_VERBS_H
+
+#include "command/Verdict.h"
+
+#include <QStringList>
+
+#include <cstdint>
+#include <optional>
+
+/** The verbs of the command line, one source each. Each returns what the program ends with. */
+
+struct ListOptions {
+    bool asJson = false;
+};
+ExitStatus list(const ListOptions& options);
+
+struct ShowOptions {
+    QString serial;
+    bool asJson = false;
+    bool revealsKey = false;
+};
+ExitStatus show(const ShowOptions& options);
+
+struct BackupOptions {
+    QStringList serials;
+    bool all = false;
+    QString folder;
+    bool withoutKey = false;
+};
+ExitStatus backup(const BackupOptions& options);
+
+struct CheckOptions {
+    QStringList files;
+};
+ExitStatus check(const CheckOptions& options);
+
+struct DiffOptions {
+    QString left; ///< a serial number, a snapshot or a settings file
+    QString right;
+    bool asJson = false;
+};
+ExitStatus diff(const DiffOptions& options);
+
+/** What `apply` and `restore` have in common. */
+struct WriteOptions {
+    QString serial;
+    bool isDryRun = false;
+    bool isSure = false;
+    bool asJson = false;
+    bool leavesFailure = false;
+    bool allowsLowBattery = false;
+};
+
+struct ApplyOptions : WriteOptions {
+    QString network; ///< paths; empty where nothing is to be written
+    QString whitePlate;
+    QString ambientAdapter;
+    QString powerOff; ///< a word of `FieldTexts::powerOffWords`
+    bool acceptsImplausible = false;
+};
+ExitStatus apply(const ApplyOptions& options);
+
+struct RestoreOptions : WriteOptions {
+    QString snapshot;
+    QStringList only; ///< words of `restorableParts`; empty for all of them
+};
+ExitStatus restore(const RestoreOptions& options);
+const QStringList& restorableParts();
+
+#endif
