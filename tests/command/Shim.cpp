@@ -36,9 +36,10 @@ void killIfDue(const char* moment, int call) {
         std::raise(SIGKILL);
 }
 
+int calls = 0; ///< of all functions
+
 template <typename Call>
 KVA_RESULT between(const Call& call) {
-    static int calls = 0;
     const int number = ++calls;
     killIfDue("before", number);
     const KVA_RESULT result = call();
