@@ -9,6 +9,7 @@
 
 #include <functional>
 #include <iostream>
+#include <memory>
 #include <string>
 
 namespace {
@@ -63,6 +64,15 @@ CommandLine::CommandLine()
                 "vq-tl4ctl", "Reads and changes the settings of instruments, and proves what it "
                              "changed.")),
             "vq-tl4ctl") {
+    // Before the verbs, which take them over.
+    m_app.set_help_flag("-h,--help", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show this help")));
+    const auto formatter = std::make_shared<CLI::Formatter>();
+    formatter->label("Usage", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Usage")));
+    formatter->label("Positionals", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Arguments")));
+    formatter->label("Options", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Options")));
+    formatter->label("Subcommands", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Verbs")));
+    formatter->label("REQUIRED", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "(required)")));
+    m_app.formatter(formatter);
     m_app.require_subcommand(1);
     m_app.fallthrough();
     m_app.set_version_flag("--version", VQTL4_VERSION,

@@ -1,0 +1,599 @@
+<?xml version="1.0" encoding="utf-8"?>
+<!DOCTYPE TS>
+<TS version="2.1" language="ja_JP" sourcelanguage="en">
+<context>
+    <name>vq-tl4ctl</name>
+    <message>
+        <source>%1 has not answered for %2 s.</source>
+        <translation>%1 は %2 秒間応答していません。</translation>
+    </message>
+    <message>
+        <source>one JSON object a line</source>
+        <translation>1行に1つのJSONオブジェクトを出力する</translation>
+    </message>
+    <message>
+        <source>serial number, with leading zeros or without</source>
+        <translation>シリアル番号(先頭の0は省略可)</translation>
+    </message>
+    <message>
+        <source>Reads and changes the settings of instruments, and proves what it changed.</source>
+        <translation>測定器の設定を読み込み、変更し、変更した内容を検証します。</translation>
+    </message>
+    <message>
+        <source>show the version</source>
+        <translation>バージョンを表示する</translation>
+    </message>
+    <message>
+        <source>language of the messages, in place of the system&apos;s</source>
+        <translation>メッセージの言語(省略時はシステムの言語)</translation>
+    </message>
+    <message>
+        <source>list the attached instruments</source>
+        <translation>接続されている測定器を一覧表示する</translation>
+    </message>
+    <message>
+        <source>show what an instrument holds</source>
+        <translation>測定器が保持している内容を表示する</translation>
+    </message>
+    <message>
+        <source>show the security key, not only that it is set</source>
+        <translation>セキュリティキーを伏せずに表示する</translation>
+    </message>
+    <message>
+        <source>write a snapshot of each instrument to a folder</source>
+        <translation>各測定器のスナップショットをフォルダーに保存する</translation>
+    </message>
+    <message>
+        <source>all attached instruments</source>
+        <translation>接続されているすべての測定器</translation>
+    </message>
+    <message>
+        <source>the folder; it is made where it is missing</source>
+        <translation>保存先のフォルダー(ないときは作成する)</translation>
+    </message>
+    <message>
+        <source>leave the security key out</source>
+        <translation>セキュリティキーを含めない</translation>
+    </message>
+    <message>
+        <source>check files without an instrument</source>
+        <translation>測定器を使わずにファイルを検査する</translation>
+    </message>
+    <message>
+        <source>settings (.ini), values (.csv) or snapshots (.json)</source>
+        <translation>設定ファイル(.ini)、値ファイル(.csv)、スナップショット(.json)</translation>
+    </message>
+    <message>
+        <source>compare two: a serial number, a snapshot, settings (.ini)</source>
+        <translation>2つを比較する(シリアル番号、スナップショット、設定ファイル(.ini))</translation>
+    </message>
+    <message>
+        <source>the one</source>
+        <translation>一方</translation>
+    </message>
+    <message>
+        <source>the other</source>
+        <translation>もう一方</translation>
+    </message>
+    <message>
+        <source>only show what would change: exit status 7</source>
+        <translation>変更される内容の表示だけを行う(変更があれば終了ステータス7)</translation>
+    </message>
+    <message>
+        <source>write without asking</source>
+        <translation>確認せずに書き込む</translation>
+    </message>
+    <message>
+        <source>write with an empty battery</source>
+        <translation>電池が空でも書き込む</translation>
+    </message>
+    <message>
+        <source>put the old state back (the default), or leave it</source>
+        <translation>失敗したときに元に戻す(rollback、省略時)か、そのままにする(leave)</translation>
+    </message>
+    <message>
+        <source>change an instrument, and prove it</source>
+        <translation>測定器を変更し、検証する</translation>
+    </message>
+    <message>
+        <source>network settings file (.ini)</source>
+        <translation>ネットワークの設定ファイル(.ini)</translation>
+    </message>
+    <message>
+        <source>automatic power-off, in minutes</source>
+        <translation>オートパワーオフ時間(分)</translation>
+    </message>
+    <message>
+        <source>values of the white calibration plate (.csv)</source>
+        <translation>白色校正板の値ファイル(.csv)</translation>
+    </message>
+    <message>
+        <source>values of the ambient light adapter (.csv)</source>
+        <translation>環境光アダプターの値ファイル(.csv)</translation>
+    </message>
+    <message>
+        <source>write values that look wrong</source>
+        <translation>誤りと思われる値も書き込む</translation>
+    </message>
+    <message>
+        <source>put a snapshot back, and prove it</source>
+        <translation>スナップショットの状態に戻し、検証する</translation>
+    </message>
+    <message>
+        <source>a snapshot of this instrument</source>
+        <translation>この測定器のスナップショット</translation>
+    </message>
+    <message>
+        <source>these parts alone, with commas between</source>
+        <translation>戻す部分(コンマ区切り)</translation>
+    </message>
+    <message>
+        <source>Instrument %1, %2 changes:</source>
+        <translation>測定器 %1、変更 %2 件:</translation>
+    </message>
+    <message>
+        <source>Write this to instrument %1? [y/N]</source>
+        <translation>測定器 %1 に書き込みますか? [y/N]</translation>
+    </message>
+    <message>
+        <source>%1 cannot be written: %2</source>
+        <translation>%1 に書き込めません: %2</translation>
+    </message>
+    <message>
+        <source>The file is UTF-16 text: save it as plain text or UTF-8</source>
+        <translation>ファイルがUTF-16です。通常のテキストまたはUTF-8で保存してください</translation>
+    </message>
+    <message>
+        <source>The lines end in CR alone: save the file with LF or CR LF</source>
+        <translation>行末がCRだけです。LFまたはCR LFで保存してください</translation>
+    </message>
+    <message>
+        <source>There is a NUL byte in the line</source>
+        <translation>行にNULバイトがあります</translation>
+    </message>
+    <message>
+        <source>There is a CR in the line, not at its end</source>
+        <translation>行の途中にCRがあります</translation>
+    </message>
+    <message>
+        <source>The file cannot be opened: %1</source>
+        <translation>ファイルを開けません: %1</translation>
+    </message>
+    <message>
+        <source>This is not a file: only regular files are read</source>
+        <translation>ファイルではありません。読み込めるのは通常のファイルだけです</translation>
+    </message>
+    <message>
+        <source>The file cannot be read: %1</source>
+        <translation>ファイルを読み込めません: %1</translation>
+    </message>
+    <message>
+        <source>The file has more than %1 bytes</source>
+        <translation>ファイルが %1 バイトを超えています</translation>
+    </message>
+    <message>
+        <source>Two answers of %1 differ, or it left bytes unwritten.</source>
+        <translation>%1 の2回の応答が一致しないか、書き込まれていないバイトがあります。</translation>
+    </message>
+    <message>
+        <source>%1 answered %2.</source>
+        <translation>%1 の応答は %2 でした。</translation>
+    </message>
+    <message>
+        <source>Instrument %1 is not attached.</source>
+        <translation>測定器 %1 は接続されていません。</translation>
+    </message>
+    <message>
+        <source>Instrument %1 is listed more than once.</source>
+        <translation>測定器 %1 が2回以上一覧にあります。</translation>
+    </message>
+    <message>
+        <source>The instrument that is listed as %1 says that it has another serial number.</source>
+        <translation>%1 として一覧にある測定器が、別のシリアル番号を応答しました。</translation>
+    </message>
+    <message>
+        <source>The calibration record that the instrument answers is not the expected one.</source>
+        <translation>測定器が応答した校正データが、期待したものと一致しません。</translation>
+    </message>
+    <message>
+        <source>Interrupted: it stops after the present step.</source>
+        <translation>中断を受け付けました。現在の手順が終わると停止します。</translation>
+    </message>
+    <message>
+        <source>Interrupted: it stops when the calibration record has been committed, and not before.</source>
+        <translation>中断を受け付けました。校正データの保存が終わるまで停止しません。</translation>
+    </message>
+    <message>
+        <source>Interrupted: it stops when the instrument&apos;s state is known, and not before.</source>
+        <translation>中断を受け付けました。測定器の状態が確認できるまで停止しません。</translation>
+    </message>
+    <message>
+        <source>All values are equal</source>
+        <translation>すべての値が同じです</translation>
+    </message>
+    <message>
+        <source>values that differ</source>
+        <translation>互いに異なる値</translation>
+    </message>
+    <message>
+        <source>Most values are negative</source>
+        <translation>ほとんどの値が負です</translation>
+    </message>
+    <message>
+        <source>positive values</source>
+        <translation>正の値</translation>
+    </message>
+    <message>
+        <source>The values are as a whole %1 times those that the instrument holds: percentages in place of ratios, or the reverse?</source>
+        <translation>値が全体として、測定器が保持する値の %1 倍です。比率の代わりに百分率が、またはその逆になっていませんか?</translation>
+    </message>
+    <message>
+        <source>values near those of the instrument, which holds %1 here</source>
+        <translation>測定器の値(ここでは %1)に近い値</translation>
+    </message>
+    <message>
+        <source>Its sign is not that of its neighbours</source>
+        <translation>前後の値と符号が異なります</translation>
+    </message>
+    <message>
+        <source>It is %1 times what its neighbours suggest: is the decimal point missing or misplaced, or is it a percentage among ratios?</source>
+        <translation>前後の値から予想される値の %1 倍です。小数点の抜けや位置の誤り、または比率の中の百分率ではありませんか?</translation>
+    </message>
+    <message>
+        <source>It does not go with its neighbours: are digits exchanged, doubled or lost?</source>
+        <translation>前後の値と合いません。数字の入れ替わり、重複、抜けはありませんか?</translation>
+    </message>
+    <message>
+        <source>about %1</source>
+        <translation>約 %1</translation>
+    </message>
+    <message>
+        <source>about %1; the instrument holds %2</source>
+        <translation>約 %1。測定器の値は %2</translation>
+    </message>
+    <message>
+        <source>%1: unchanged. Nothing was written.</source>
+        <translation>%1: unchanged(変更なし)。何も書き込んでいません。</translation>
+    </message>
+    <message>
+        <source>%1: verified. It was written, read back independently, and is equal in every byte.</source>
+        <translation>%1: verified(検証済み)。書き込み、接続し直して読み出し、全バイトが一致しました。</translation>
+    </message>
+    <message>
+        <source>%1: refused. Nothing was written.</source>
+        <translation>%1: refused(拒否)。何も書き込んでいません。</translation>
+    </message>
+    <message>
+        <source>%1: rolled-back. The old state is back, and verified.</source>
+        <translation>%1: rolled-back(復元済み)。元の状態に戻し、検証しました。</translation>
+    </message>
+    <message>
+        <source>%1: unknown. What the instrument holds could not be verified.</source>
+        <translation>%1: unknown(不明)。測定器が保持している内容を検証できませんでした。</translation>
+    </message>
+    <message>
+        <source>%1: waits. All but the network settings is verified.</source>
+        <translation>%1: waits(待機)。ネットワークの設定以外は検証済みです。</translation>
+    </message>
+    <message>
+        <source>%1: would-change. Nothing was written.</source>
+        <translation>%1: would-change(変更あり)。何も書き込んでいません。</translation>
+    </message>
+    <message>
+        <source>White plate, value %1: %2 (%3; expected: %4)</source>
+        <translation>白色校正板、%1 番目の値: %2(%3。予想: %4)</translation>
+    </message>
+    <message>
+        <source>Ambient adapter, value %1: %2 (%3; expected: %4)</source>
+        <translation>環境光アダプター、%1 番目の値: %2(%3。予想: %4)</translation>
+    </message>
+    <message>
+        <source>The library warned: %1</source>
+        <translation>ライブラリーの警告: %1</translation>
+    </message>
+    <message>
+        <source>The state before is in %1</source>
+        <translation>変更前の状態は次のファイルにあります: %1</translation>
+    </message>
+    <message>
+        <source>%1 has to be 0 or 1, not &quot;%2&quot;</source>
+        <translation>%1 は0か1でなければなりません(&quot;%2&quot; になっています)</translation>
+    </message>
+    <message>
+        <source>%1 has to be four numbers from 0 to 255, such as 192.168.0.10, not &quot;%2&quot;</source>
+        <translation>%1 は192.168.0.10のように0から255までの4つの数でなければなりません(&quot;%2&quot; になっています)</translation>
+    </message>
+    <message>
+        <source>%1 has %2 bytes, at most %3 are allowed</source>
+        <translation>%1 が %2 バイトあります(最大 %3 バイト)</translation>
+    </message>
+    <message>
+        <source>A byte-order mark stands before [Network]: save the file without it</source>
+        <translation>[Network]の前にBOMがあります。BOMなしで保存してください</translation>
+    </message>
+    <message>
+        <source>The file has no line that is [Network] alone, without blanks or comments</source>
+        <translation>[Network]だけの行(空白やコメントのない行)がありません</translation>
+    </message>
+    <message>
+        <source>The section has no %1 with a value</source>
+        <translation>値のある %1 がセクションにありません</translation>
+    </message>
+    <message>
+        <source>%1 has no value</source>
+        <translation>%1 に値がありません</translation>
+    </message>
+    <message>
+        <source>The value of %1 is too long</source>
+        <translation>%1 の値が長すぎます</translation>
+    </message>
+    <message>
+        <source>This is not a snapshot: it is not JSON (%1).</source>
+        <translation>スナップショットではありません。JSONとして読めません(%1)。</translation>
+    </message>
+    <message>
+        <source>This is not a snapshot of an instrument.</source>
+        <translation>測定器のスナップショットではありません。</translation>
+    </message>
+    <message>
+        <source>The snapshot has version %1, and this program knows versions up to %2: it was made by a newer one.</source>
+        <translation>スナップショットのバージョンは %1 ですが、このプログラムが対応するのは %2 までです。新しいプログラムで作成されたものです。</translation>
+    </message>
+    <message>
+        <source>The snapshot is damaged or was edited: its content does not match its SHA-256.</source>
+        <translation>スナップショットが壊れているか、編集されています。内容がSHA-256と一致しません。</translation>
+    </message>
+    <message>
+        <source>The snapshot is damaged: its fields and its records do not say the same.</source>
+        <translation>スナップショットが壊れています。項目とデータの内容が一致しません。</translation>
+    </message>
+    <message>
+        <source>The network settings are stored, and the instrument still answers the old ones, as it may until it has been switched off and on.</source>
+        <translation>ネットワークの設定は保存されましたが、測定器はまだ以前の設定を応答しています。電源を入れ直すまでは、この状態でも異常ではありません。</translation>
+    </message>
+    <message>
+        <source>It was left as it is, as was asked.</source>
+        <translation>指定に従い、そのままの状態にしました。</translation>
+    </message>
+    <message>
+        <source>The old state could not be put back.</source>
+        <translation>元の状態に戻せませんでした。</translation>
+    </message>
+    <message>
+        <source>To put the state before back, run: %1</source>
+        <translation>変更前の状態に戻すには、次を実行してください: %1</translation>
+    </message>
+    <message>
+        <source>It was interrupted.</source>
+        <translation>中断されました。</translation>
+    </message>
+    <message>
+        <source>The connection to the instrument was lost.</source>
+        <translation>測定器との接続が失われました。</translation>
+    </message>
+    <message>
+        <source>An earlier write to this instrument did not end: what it answers may not be in its memory. To end it, run: %1</source>
+        <translation>この測定器への以前の書き込みが完了していません。応答した内容が測定器のメモリーに保存されていない可能性があります。完了させるには、次を実行してください: %1</translation>
+    </message>
+    <message>
+        <source>All bytes of the instrument&apos;s calibration record are 0x00 or 0xFF: that is no record.</source>
+        <translation>測定器の校正データがすべて0x00または0xFFです。校正データではありません。</translation>
+    </message>
+    <message>
+        <source>All bytes of the calibration record to be written are 0x00 or 0xFF: that is no record.</source>
+        <translation>書き込む校正データがすべて0x00または0xFFです。校正データではありません。</translation>
+    </message>
+    <message>
+        <source>The instrument has no wireless module and takes no network settings.</source>
+        <translation>この測定器には無線LANモジュールがないため、ネットワークの設定は書き込めません。</translation>
+    </message>
+    <message>
+        <source>The instrument&apos;s battery is empty (KVA_WARNING_BATTERY_EMPTY). Charge it, or allow it with --allow-low-battery.</source>
+        <translation>測定器の電池が空です(KVA_WARNING_BATTERY_EMPTY)。充電するか、--allow-low-battery を指定してください。</translation>
+    </message>
+    <message>
+        <source>Implausible values: %1. If they are right, accept them with --accept-implausible.</source>
+        <translation>誤りと思われる値があります: %1。正しい場合は、--accept-implausible を指定してください。</translation>
+    </message>
+    <message>
+        <source>Implausible values were accepted: %1.</source>
+        <translation>誤りと思われる値を受け入れました: %1。</translation>
+    </message>
+    <message>
+        <source>The change was not confirmed.</source>
+        <translation>変更が確認されませんでした。</translation>
+    </message>
+    <message>
+        <source>The library reports a commit, and does not confirm that nothing is staged any more: the record may not be in the instrument&apos;s memory.</source>
+        <translation>ライブラリーは保存の成功を応答しましたが、未保存のデータが残っていないことを確認できません。校正データが測定器のメモリーに保存されていない可能性があります。</translation>
+    </message>
+    <message>
+        <source>The instrument that was read back is not the one that was written.</source>
+        <translation>読み出した測定器が、書き込んだ測定器ではありません。</translation>
+    </message>
+    <message>
+        <source>What was read back differs: %1.</source>
+        <translation>読み出した内容が異なります: %1。</translation>
+    </message>
+    <message>
+        <source>The serial number has to be eight digits, from %1 to %2, not &quot;%3&quot;</source>
+        <translation>シリアル番号は %1 から %2 までの8桁の数字でなければなりません(&quot;%3&quot; になっています)</translation>
+    </message>
+    <message>
+        <source>There is no value here</source>
+        <translation>ここに値がありません</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a decimal number such as 92.465</source>
+        <translation>&quot;%1&quot; は92.465のような10進数ではありません</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is too large for single precision</source>
+        <translation>&quot;%1&quot; は単精度で表せる範囲より大きい値です</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is too small for single precision</source>
+        <translation>&quot;%1&quot; は単精度で表せる範囲より小さい値です</translation>
+    </message>
+    <message>
+        <source>The line has %1 values instead of %2</source>
+        <translation>値が %2 個必要ですが、%1 個あります</translation>
+    </message>
+    <message>
+        <source>The file ends before its fourth line: two headings, the serial number and the values have to be there</source>
+        <translation>ファイルが4行に足りません。見出し2行、シリアル番号、値の行が必要です</translation>
+    </message>
+    <message>
+        <source>The line of the values has no line end: the file may have been cut off here</source>
+        <translation>値の行に行末がありません。ファイルがここで途切れている可能性があります</translation>
+    </message>
+    <message>
+        <source>No instrument is attached.</source>
+        <translation>測定器が接続されていません。</translation>
+    </message>
+    <message>
+        <source>%1: an earlier write did not end, so what the instrument answers may not be in its memory: it is not backed up.</source>
+        <translation>%1: 以前の書き込みが完了していないため、応答した内容がメモリーに保存されていない可能性があります。スナップショットは保存しません。</translation>
+    </message>
+    <message>
+        <source>%1: network settings, no fault</source>
+        <translation>%1: ネットワークの設定、誤りなし</translation>
+    </message>
+    <message>
+        <source>%1: a snapshot, no fault</source>
+        <translation>%1: スナップショット、誤りなし</translation>
+    </message>
+    <message>
+        <source>%1: values of a white plate, no fault</source>
+        <translation>%1: 白色校正板の値、誤りなし</translation>
+    </message>
+    <message>
+        <source>%1: values of an ambient adapter, no fault</source>
+        <translation>%1: 環境光アダプターの値、誤りなし</translation>
+    </message>
+    <message>
+        <source>Only an instrument, a snapshot and network settings can be compared.</source>
+        <translation>比較できるのは、測定器、スナップショット、ネットワークの設定だけです。</translation>
+    </message>
+    <message>
+        <source>There are no network settings to compare with: the instrument has no wireless module.</source>
+        <translation>比較するネットワークの設定がありません。測定器に無線LANモジュールがありません。</translation>
+    </message>
+    <message>
+        <source>%1  %2  (an unfinished write)</source>
+        <translation>%1  %2  (書き込み未完了)</translation>
+    </message>
+    <message>
+        <source>%1  %2</source>
+        <translation>%1  %2</translation>
+    </message>
+    <message>
+        <source>The snapshot is one of instrument %1, not of %2.</source>
+        <translation>このスナップショットは測定器 %1 のもので、%2 のものではありません。</translation>
+    </message>
+    <message>
+        <source>The snapshot has no security key, so its network settings cannot be put back: name the other parts with --only.</source>
+        <translation>スナップショットにセキュリティキーが含まれていないため、ネットワークの設定は戻せません。--only でほかの部分を指定してください。</translation>
+    </message>
+    <message>
+        <source>The snapshot has no network settings.</source>
+        <translation>スナップショットにネットワークの設定がありません。</translation>
+    </message>
+    <message>
+        <source>Wireless LAN:     %1</source>
+        <translation>無線LAN:               %1</translation>
+    </message>
+    <message>
+        <source>DHCP:             %1</source>
+        <translation>DHCP:                  %1</translation>
+    </message>
+    <message>
+        <source>IP address:       %1</source>
+        <translation>IPアドレス:            %1</translation>
+    </message>
+    <message>
+        <source>Subnet mask:      %1</source>
+        <translation>サブネットマスク:      %1</translation>
+    </message>
+    <message>
+        <source>Default gateway:  %1</source>
+        <translation>デフォルトゲートウェイ:%1</translation>
+    </message>
+    <message>
+        <source>DNS server:       %1</source>
+        <translation>DNSサーバー:           %1</translation>
+    </message>
+    <message>
+        <source>SSID:             %1</source>
+        <translation>SSID:                  %1</translation>
+    </message>
+    <message>
+        <source>Security key:     %1</source>
+        <translation>セキュリティキー:      %1</translation>
+    </message>
+    <message>
+        <source>Serial number:    %1</source>
+        <translation>シリアル番号:          %1</translation>
+    </message>
+    <message>
+        <source>Firmware:         %1</source>
+        <translation>ファームウェア:        %1</translation>
+    </message>
+    <message>
+        <source>MAC address:      %1</source>
+        <translation>MACアドレス:           %1</translation>
+    </message>
+    <message>
+        <source>Wireless module:  none</source>
+        <translation>無線LANモジュール:     なし</translation>
+    </message>
+    <message>
+        <source>Power-off time:   %1</source>
+        <translation>オートパワーオフ時間:  %1</translation>
+    </message>
+    <message>
+        <source>White plate:      %1</source>
+        <translation>白色校正板:            %1</translation>
+    </message>
+    <message>
+        <source>Ambient adapter:  %1</source>
+        <translation>環境光アダプター:      %1</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is not a serial number.</source>
+        <translation>&quot;%1&quot; はシリアル番号ではありません。</translation>
+    </message>
+    <message>
+        <source>Without a terminal nobody can be asked: confirm the change with --yes, or look at it with --dry-run.</source>
+        <translation>端末がないため確認できません。--yes で変更を確定するか、--dry-run で変更内容を表示してください。</translation>
+    </message>
+    <message>
+        <source>Another vq-tl4ctl is writing to an instrument: process %1.</source>
+        <translation>別のvq-tl4ctlが測定器に書き込み中です(プロセス %1)。</translation>
+    </message>
+    <message>
+        <source>show this help</source>
+        <translation>このヘルプを表示する</translation>
+    </message>
+    <message>
+        <source>Usage</source>
+        <translation>使い方</translation>
+    </message>
+    <message>
+        <source>Arguments</source>
+        <translation>引数</translation>
+    </message>
+    <message>
+        <source>Options</source>
+        <translation>オプション</translation>
+    </message>
+    <message>
+        <source>Verbs</source>
+        <translation>コマンド</translation>
+    </message>
+    <message>
+        <source>(required)</source>
+        <translation>(必須)</translation>
+    </message>
+</context>
+</TS>
