@@ -108,7 +108,7 @@ void TestFormEvents::escapeInAWidgetIsSwallowed() {
         QCOMPARE(dialog->result(), 0);
         ++pressed;
     }
-    QVERIFY(pressed >= 2);
+    QVERIFY(pressed > row.widgets.size() / 4);
 }
 
 void TestFormEvents::returnPressesNothingInTheSettings() {
