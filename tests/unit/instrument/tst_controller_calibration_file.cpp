@@ -154,77 +154,73 @@ class TestControllerCalibrationFile : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init() { TestBench::load(); }
-    void startsEmpty();
+
+    void startsEmpty() {
+        const CKvaSdk_Ctrl controller;
+        QCOMPARE(controller.m_curWCPSerialNo, "");
+        QCOMPARE(controller.m_curAmbAdpSerialNo, "");
+        QCOMPARE(controller.m_fileWCPSerialNo, "");
+        QCOMPARE(controller.m_fileAmbAdpSerialNo, "");
+    }
+
     void readsTheInstrumentsSerialNumbers_data() { addRows(serialNumbers); }
-    void readsTheInstrumentsSerialNumbers();
-    void failedReadEmptiesTheInstrumentsSerialNumbers();
-    void checksFile_data();
-    void checksFile();
+    void readsTheInstrumentsSerialNumbers() {
+        QFETCH(const SerialNumbersRow, row);
+        const QByteArray name = row.name;
+        ConnectedController controller;
+        TestBench::set(R"({"calibration": {"committed": {"white": {"serialNumber": {"hex": ")" +
+                       name.left(8) + R"("}}, "ambientAdapter": {"serialNumber": {"hex": ")" +
+                       name.right(8) + R"("}}}}})");
+        QVERIFY(controller.GetCalRefSerialNo());
+        QCOMPARE(controller.m_curWCPSerialNo, row.white);
+        QCOMPARE(controller.m_curAmbAdpSerialNo, row.adapter);
+        QCOMPARE(controller.m_fileWCPSerialNo, "");
+        QCOMPARE(controller.m_fileAmbAdpSerialNo, "");
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(TestBench::detailedCalls(),
+                 QStringList("KVA_JIG_GetFactoryCalib_CALREFDATA {} 0"));
+    }
+
+    void failedReadEmptiesTheInstrumentsSerialNumbers() {
+        ConnectedController controller;
+        QVERIFY(controller.GetCalRefSerialNo());
+        QCOMPARE(controller.m_curWCPSerialNo, "12345678");
+        TestBench::answer("KVA_JIG_GetFactoryCalib_CALREFDATA", -9985);
+        QVERIFY(!controller.GetCalRefSerialNo());
+        QCOMPARE(controller.m_curWCPSerialNo, "");
+        QCOMPARE(controller.m_curAmbAdpSerialNo, "");
+        QCOMPARE(controller.m_lastResult, -9985);
+        QCOMPARE(controller.log.lines(), QStringList());
+    }
+
+    void checksFile_data() {
+        addRows(serialRows() + unreadableRows() + shortRows() + QVector<FileRow>{notationsRow()});
+    }
+
+    void checksFile() {
+        QFETCH(const FileRow, row);
+        const QByteArray path = localFile(m_folder, row.content);
+        CKvaSdk_Ctrl controller;
+        controller.m_lastResult = 4;
+        controller.m_fileWCPSerialNo = controller.m_fileAmbAdpSerialNo = textBefore;
+        TestBench::clearCalls();
+        const DebugLog log;
+        StandardOutput output;
+        const bool isValid = (controller.*row.accessory.read)(path);
+        QCOMPARE(output.take(), row.output);
+        QCOMPARE(isValid, row.isValid);
+        QCOMPARE(controller.*row.accessory.fileSerialNo, row.text);
+        const Accessory& other = row.accessory.valueCount == 38 ? adapter : whitePlate;
+        QCOMPARE(controller.*other.fileSerialNo, textBefore);
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(log.lines(), row.lines);
+        QCOMPARE(TestBench::calls(), QStringList());
+    }
 
 private:
     TestFolder m_folder;
 };
-
-void TestControllerCalibrationFile::startsEmpty() {
-    const CKvaSdk_Ctrl controller;
-    QCOMPARE(controller.m_curWCPSerialNo, "");
-    QCOMPARE(controller.m_curAmbAdpSerialNo, "");
-    QCOMPARE(controller.m_fileWCPSerialNo, "");
-    QCOMPARE(controller.m_fileAmbAdpSerialNo, "");
-}
-
-void TestControllerCalibrationFile::readsTheInstrumentsSerialNumbers() {
-    QFETCH(const SerialNumbersRow, row);
-    const QByteArray name = row.name;
-    ConnectedController controller;
-    TestBench::set(R"({"calibration": {"committed": {"white": {"serialNumber": {"hex": ")" +
-                   name.left(8) + R"("}}, "ambientAdapter": {"serialNumber": {"hex": ")" +
-                   name.right(8) + R"("}}}}})");
-    QVERIFY(controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, row.white);
-    QCOMPARE(controller.m_curAmbAdpSerialNo, row.adapter);
-    QCOMPARE(controller.m_fileWCPSerialNo, "");
-    QCOMPARE(controller.m_fileAmbAdpSerialNo, "");
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_JIG_GetFactoryCalib_CALREFDATA {} 0"));
-}
-
-void TestControllerCalibrationFile::failedReadEmptiesTheInstrumentsSerialNumbers() {
-    ConnectedController controller;
-    QVERIFY(controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, "12345678");
-    TestBench::answer("KVA_JIG_GetFactoryCalib_CALREFDATA", -9985);
-    QVERIFY(!controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, "");
-    QCOMPARE(controller.m_curAmbAdpSerialNo, "");
-    QCOMPARE(controller.m_lastResult, -9985);
-    QCOMPARE(controller.log.lines(), QStringList());
-}
-
-void TestControllerCalibrationFile::checksFile_data() {
-    addRows(serialRows() + unreadableRows() + shortRows() + QVector<FileRow>{notationsRow()});
-}
-
-void TestControllerCalibrationFile::checksFile() {
-    QFETCH(const FileRow, row);
-    const QByteArray path = localFile(m_folder, row.content);
-    CKvaSdk_Ctrl controller;
-    controller.m_lastResult = 4;
-    controller.m_fileWCPSerialNo = controller.m_fileAmbAdpSerialNo = textBefore;
-    TestBench::clearCalls();
-    const DebugLog log;
-    StandardOutput output;
-    const bool isValid = (controller.*row.accessory.read)(path);
-    QCOMPARE(output.take(), row.output);
-    QCOMPARE(isValid, row.isValid);
-    QCOMPARE(controller.*row.accessory.fileSerialNo, row.text);
-    const Accessory& other = row.accessory.valueCount == 38 ? adapter : whitePlate;
-    QCOMPARE(controller.*other.fileSerialNo, textBefore);
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), row.lines);
-    QCOMPARE(TestBench::calls(), QStringList());
-}
 
 TEST_CLASS(TestControllerCalibrationFile)
 #include "tst_controller_calibration_file.moc"

@@ -9,7 +9,7 @@ const QString diconectError = "diconect error \n";
 const QString diconectAlready = "diconect already \n";
 
 /** What there was before a connection is asked for. */
-enum Before { NothingListed, Listed, ListLost, Connected, Unplugged };
+enum Before { NothingListed, Listed, ListLost, Connected, Refused, Unplugged };
 
 /** A connection asked for. */
 struct ConnectRow {
@@ -40,6 +40,7 @@ const ConnectRow connections[] = {
     {"one entry, lowest", Listed, INT_MIN, 10, false, 4, ""},
     {"entry of an earlier list", ListLost, 0, 10, false, 4, ""},
     {"unplugged", Unplugged, 0, 10, false, -9994, connectCall(10, -9994)},
+    {"refused while connected", Refused, 0, 10, true, -9996, connectCall(10, -9996)},
     {"connected", Connected, 0, 10, true, -9995, connectCall(10, -9995)},
 };
 
@@ -85,168 +86,143 @@ class TestControllerConnection : public QObject {
 private Q_SLOTS:
     void init() { TestBench::load(); }
     void connects_data() { addRows(connections); }
-    void connects();
-    void connectsToTheChosenEntry();
-    void failedConnectKeepsConnected();
-    void disconnects();
-    void disconnectWithoutConnection();
-    void failedDisconnectCanBeRepeated();
-    void lostConnectionKeepsConnected();
-    void connectsAfterALoss();
-    void formatsIdentity_data() { addRows(identities); }
-    void formatsIdentity();
-    void readsTheIdentityRecord();
-    void failureEmptiesIdentity_data() { addRows(failures); }
-    void failureEmptiesIdentity();
-    void readsNoIdentityWithoutConnection();
-};
 
-/** Fails without a call to the library when there is no such entry. */
-void TestControllerConnection::connects() {
-    QFETCH(const ConnectRow, row);
-    CKvaSdk_Ctrl controller;
-    if (row.before != NothingListed)
-        QVERIFY(controller.GetDevicePortList());
-    if (row.before == ListLost) {
-        TestBench::answer("KVA_GetDevicePortList");
-        QVERIFY(!controller.GetDevicePortList());
+    /** Fails without a call to the library when there is no such entry. */
+    void connects() {
+        QFETCH(const ConnectRow, row);
+        CKvaSdk_Ctrl controller;
+        if (row.before != NothingListed)
+            QVERIFY(controller.GetDevicePortList());
+        if (row.before == ListLost) {
+            TestBench::answer("KVA_GetDevicePortList");
+            QVERIFY(!controller.GetDevicePortList());
+        }
+        if (row.before == Connected || row.before == Refused)
+            QVERIFY(controller.Connect(0, 10));
+        if (row.before == Refused)
+            TestBench::answer("KVA_Connect", -9996);
+        if (row.before == Unplugged)
+            TestBench::unplug();
+        TestBench::clearCalls();
+        controller.m_lastResult = 4;
+        const DebugLog log;
+        QCOMPARE(controller.Connect(row.index, row.wait), row.lastResult == 0);
+        QCOMPARE(controller.m_connected, row.isConnected);
+        QCOMPARE(controller.m_lastResult, row.lastResult);
+        QCOMPARE(log.lines(), row.lastResult == 0 ? QStringList() : QStringList(conectError));
+        QCOMPARE(TestBench::detailedCalls().join('\n'), row.call);
     }
-    if (row.before == Connected)
+
+    void connectsToTheChosenEntry() {
+        QJsonObject second = TestBench::instrument(2);
+        // The library compares every byte of the entry, those behind the name too.
+        const QString name = "6100ff" + QString(62, '0') + "2501";
+        second["port"] = QJsonObject{{"type", 9}, {"name", QJsonObject{{"hex", name}}}};
+        TestBench::load({TestBench::instrument(1), second, TestBench::instrument(3)});
+        CKvaSdk_Ctrl controller;
+        QVERIFY(controller.GetDevicePortList());
+        QVERIFY(controller.Connect(1, 10));
+        QVERIFY(controller.GetDeviceInfo());
+        QCOMPARE(controller.m_serialNo, "00000002");
+    }
+
+    void disconnects() {
+        ConnectedController controller;
+        QVERIFY(controller.Disconnect());
+        QVERIFY(!controller.m_connected);
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_Disconnect {} 0"));
+    }
+
+    void disconnectWithoutConnection() {
+        CKvaSdk_Ctrl controller;
+        QVERIFY(controller.GetDevicePortList());
+        TestBench::clearCalls();
+        controller.m_lastResult = 4;
+        const DebugLog log;
+        QVERIFY(!controller.Disconnect());
+        QCOMPARE(controller.m_lastResult, 4);
         QVERIFY(controller.Connect(0, 10));
-    if (row.before == Unplugged)
+        QVERIFY(controller.Disconnect());
+        QVERIFY(!controller.Disconnect());
+        QCOMPARE(log.lines(), QStringList({diconectAlready, diconectAlready}));
+        QCOMPARE(TestBench::calls(), QStringList({"KVA_Connect", "KVA_Disconnect"}));
+    }
+
+    void failedDisconnectCanBeRepeated() {
+        ConnectedController controller;
+        TestBench::answer("KVA_Disconnect", -9997, 1);
+        QVERIFY(!controller.Disconnect());
+        QVERIFY(controller.m_connected);
+        QCOMPARE(controller.m_lastResult, -9997);
+        QVERIFY(controller.Disconnect());
+        QVERIFY(!controller.m_connected);
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList(diconectError));
+        QCOMPARE(TestBench::detailedCalls(),
+                 QStringList({"KVA_Disconnect {} -9997", "KVA_Disconnect {} 0"}));
+    }
+
+    void lostConnectionKeepsConnected() {
+        ConnectedController controller;
         TestBench::unplug();
-    TestBench::clearCalls();
-    controller.m_lastResult = 4;
-    const DebugLog log;
-    QCOMPARE(controller.Connect(row.index, row.wait), row.lastResult == 0);
-    QCOMPARE(controller.m_connected, row.isConnected);
-    QCOMPARE(controller.m_lastResult, row.lastResult);
-    QCOMPARE(log.lines(), row.lastResult == 0 ? QStringList() : QStringList(conectError));
-    QCOMPARE(TestBench::detailedCalls().join('\n'), row.call);
-}
+        QVERIFY(controller.m_connected);
+        QVERIFY(!controller.GetDeviceInfo());
+        QCOMPARE(controller.m_lastResult, -9994);
+        TestBench::plug();
+        QVERIFY(controller.m_connected);
+        QVERIFY(controller.Connect(0, 10));
+        QVERIFY(controller.m_connected);
+        QVERIFY(controller.GetDeviceInfo());
+    }
 
-void TestControllerConnection::connectsToTheChosenEntry() {
-    QJsonObject second = TestBench::instrument(2);
-    // The library compares every byte of the entry, those behind the name too.
-    const QString name = "6100ff" + QString(62, '0') + "2501";
-    second["port"] = QJsonObject{{"type", 9}, {"name", QJsonObject{{"hex", name}}}};
-    TestBench::load({TestBench::instrument(1), second, TestBench::instrument(3)});
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    QVERIFY(controller.Connect(1, 10));
-    QVERIFY(controller.GetDeviceInfo());
-    QCOMPARE(controller.m_serialNo, "00000002");
-}
+    void formatsIdentity_data() { addRows(identities); }
+    void formatsIdentity() {
+        QFETCH(const IdentityRow, row);
+        TestBench::set(R"({"device":)" + row.device + '}');
+        ConnectedController controller;
+        QVERIFY(controller.GetDeviceInfo());
+        QCOMPARE(controller.m_serialNo, row.serialNo);
+        QCOMPARE(controller.m_firmVersion, row.firmVersion);
+        QCOMPARE(controller.m_macAddress, row.macAddress);
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetDeviceInfo {} 0"));
+    }
 
-void TestControllerConnection::failedConnectKeepsConnected() {
-    ConnectedController controller;
-    TestBench::answer("KVA_Connect", -9996);
-    QVERIFY(!controller.Connect(0, 10));
-    QVERIFY(controller.m_connected);
-    QCOMPARE(controller.m_lastResult, -9996);
-    QCOMPARE(controller.log.lines(), QStringList(conectError));
-}
-
-void TestControllerConnection::disconnects() {
-    ConnectedController controller;
-    QVERIFY(controller.Disconnect());
-    QVERIFY(!controller.m_connected);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_Disconnect {} 0"));
-}
-
-void TestControllerConnection::disconnectWithoutConnection() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    TestBench::clearCalls();
-    controller.m_lastResult = 4;
-    const DebugLog log;
-    QVERIFY(!controller.Disconnect());
-    QCOMPARE(controller.m_lastResult, 4);
-    QVERIFY(controller.Connect(0, 10));
-    QVERIFY(controller.Disconnect());
-    QVERIFY(!controller.Disconnect());
-    QCOMPARE(log.lines(), QStringList({diconectAlready, diconectAlready}));
-    QCOMPARE(TestBench::calls(), QStringList({"KVA_Connect", "KVA_Disconnect"}));
-}
-
-void TestControllerConnection::failedDisconnectCanBeRepeated() {
-    ConnectedController controller;
-    TestBench::answer("KVA_Disconnect", -9997, 1);
-    QVERIFY(!controller.Disconnect());
-    QVERIFY(controller.m_connected);
-    QCOMPARE(controller.m_lastResult, -9997);
-    QVERIFY(controller.Disconnect());
-    QVERIFY(!controller.m_connected);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList(diconectError));
-    QCOMPARE(TestBench::detailedCalls(),
-             QStringList({"KVA_Disconnect {} -9997", "KVA_Disconnect {} 0"}));
-}
-
-void TestControllerConnection::lostConnectionKeepsConnected() {
-    ConnectedController controller;
-    TestBench::unplug();
-    QVERIFY(controller.m_connected);
-    QVERIFY(!controller.GetDeviceInfo());
-    QCOMPARE(controller.m_lastResult, -9994);
-    QVERIFY(controller.m_connected);
-}
-
-void TestControllerConnection::connectsAfterALoss() {
-    ConnectedController controller;
-    TestBench::unplug();
-    TestBench::plug();
-    QVERIFY(controller.m_connected);
-    QVERIFY(controller.Connect(0, 10));
-    QVERIFY(controller.m_connected);
-    QVERIFY(controller.GetDeviceInfo());
-}
-
-void TestControllerConnection::formatsIdentity() {
-    QFETCH(const IdentityRow, row);
-    TestBench::set(R"({"device":)" + row.device + '}');
-    ConnectedController controller;
-    QVERIFY(controller.GetDeviceInfo());
-    QCOMPARE(controller.m_serialNo, row.serialNo);
-    QCOMPARE(controller.m_firmVersion, row.firmVersion);
-    QCOMPARE(controller.m_macAddress, row.macAddress);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetDeviceInfo {} 0"));
-}
-
-void TestControllerConnection::readsTheIdentityRecord() {
-    TestBench::set(R"({"device": {"serialNumber": 16909060, "firmware": [1, 2, 3],
+    void readsTheIdentityRecord() {
+        TestBench::set(R"({"device": {"serialNumber": 16909060, "firmware": [1, 2, 3],
         "macAddress": "a1:a2:a3:a4:a5:a6", "reserved1": {"fill": 17}, "reserved2": {"fill": 34}}})");
-    ConnectedController controller;
-    QVERIFY(controller.GetDeviceInfo());
-    QCOMPARE(TestBench::bytesOf(controller.m_deviceInfo).toHex(),
-             "04030201010000000200000003000000" + QByteArray("11").repeated(8) + "a1a2a3a4a5a6" +
-                 QByteArray("22").repeated(10));
-}
+        ConnectedController controller;
+        QVERIFY(controller.GetDeviceInfo());
+        QCOMPARE(TestBench::bytesOf(controller.m_deviceInfo).toHex(),
+                 "04030201010000000200000003000000" + QByteArray("11").repeated(8) +
+                     "a1a2a3a4a5a6" + QByteArray("22").repeated(10));
+    }
 
-void TestControllerConnection::failureEmptiesIdentity() {
-    QFETCH(const NumberRow, row);
-    const int result = static_cast<int>(row.value);
-    ConnectedController controller;
-    QVERIFY(controller.GetDeviceInfo());
-    QVERIFY(!controller.m_serialNo.isEmpty());
-    TestBench::answer("KVA_GetDeviceInfo", result);
-    QVERIFY(!controller.GetDeviceInfo());
-    QCOMPARE(controller.m_serialNo, "");
-    QCOMPARE(controller.m_firmVersion, "");
-    QCOMPARE(controller.m_macAddress, "");
-    QCOMPARE(controller.m_lastResult, result);
-    QCOMPARE(controller.log.lines(), QStringList("Failed to read Firm data. \n"));
-}
+    void failureEmptiesIdentity_data() { addRows(failures); }
+    void failureEmptiesIdentity() {
+        QFETCH(const NumberRow, row);
+        const int result = static_cast<int>(row.value);
+        ConnectedController controller;
+        QVERIFY(controller.GetDeviceInfo());
+        QVERIFY(!controller.m_serialNo.isEmpty());
+        TestBench::answer("KVA_GetDeviceInfo", result);
+        QVERIFY(!controller.GetDeviceInfo());
+        QCOMPARE(controller.m_serialNo, "");
+        QCOMPARE(controller.m_firmVersion, "");
+        QCOMPARE(controller.m_macAddress, "");
+        QCOMPARE(controller.m_lastResult, result);
+        QCOMPARE(controller.log.lines(), QStringList("Failed to read Firm data. \n"));
+    }
 
-void TestControllerConnection::readsNoIdentityWithoutConnection() {
-    CKvaSdk_Ctrl controller;
-    QVERIFY(!controller.GetDeviceInfo());
-    QCOMPARE(controller.m_lastResult, -9998);
-}
+    void readsNoIdentityWithoutConnection() {
+        CKvaSdk_Ctrl controller;
+        QVERIFY(!controller.GetDeviceInfo());
+        QCOMPARE(controller.m_lastResult, -9998);
+    }
+};
 
 TEST_CLASS(TestControllerConnection)
 #include "tst_controller_connection.moc"

@@ -121,176 +121,149 @@ class TestControllerDishonestAnswers : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init() { TestBench::load(); }
-    void cleanup();
+
+    void cleanup() {
+        alterations = {};
+        unfilled = 0;
+    }
+
     void boundsTheCount_data() { addRows(counts); }
-    void boundsTheCount();
-    void negativeCountBeforeFailure();
-    void identityFilledByFailedCall();
-    void recordsAreZeroBeforeTheCall();
-    void networkFilledByFailedCall();
-    void powerOffFilledByFailedCall();
-    void serialNumbersFilledByFailedCall();
-    void wifiModuleFilledByFailedCall();
+    void boundsTheCount() {
+        QFETCH(const CountRow, row);
+        alterations.portList = [&](KVA_RESULT result, const KVA_PORTINFO* list, int32_t* count) {
+            *count = list ? row.filled : row.queried;
+            return result;
+        };
+        CKvaSdk_Ctrl controller;
+        const DebugLog log;
+        QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(controller.m_portCount, row.filled);
+        QCOMPARE(controller.m_deviceCount, row.listed);
+        QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(row.listed));
+        QCOMPARE(controller.m_deviceNameList.size(), row.listed);
+        QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.queried)));
+        if (row.listed > 0)
+            QCOMPARE(controller.m_deviceNameList.first(), "VARNE-1(USB,Serial#01234567)");
+        if (row.listed > 1)
+            QCOMPARE(controller.m_deviceNameList.last(), "VARNE-1(,Serial#00000000)");
+        QVERIFY(!controller.Connect(row.listed, 10));
+        QCOMPARE(log.lines().last(), "conect error \n");
+    }
+
+    void negativeCountBeforeFailure() {
+        alterations.portList = [](KVA_RESULT, const KVA_PORTINFO*, int32_t* count) {
+            *count = -7;
+            return KVA_ERROR;
+        };
+        CKvaSdk_Ctrl controller;
+        const DebugLog log;
+        QVERIFY(!controller.GetDevicePortList());
+        QCOMPARE(controller.m_deviceCount, 0);
+        QVERIFY(controller.m_deviceNameList.isEmpty());
+        QCOMPARE(log.lines(), QStringList("port count[-7] \n"));
+    }
+
+    /** Each call fills its record and fails: the texts stay empty. */
+    void filledByFailedCall() {
+        alterations.deviceInfo = [](KVA_RESULT, KVA_DEVICEINFO*) { return KVA_ERROR; };
+        alterations.networkInfo = [](KVA_RESULT, KVA_NETWORKINFO*) { return KVA_ERROR_NAV; };
+        alterations.calibration = [](KVA_RESULT, KVA_JIG_CALREFDATA*) { return KVA_ERROR_CNF; };
+        alterations.shutdownTime = [](KVA_RESULT, uint8_t* mode) {
+            *mode = 200;
+            return KVA_ERROR_NDT;
+        };
+        alterations.factoryOptions = [](KVA_RESULT, KVA_JIG_ACTIONOPTIONFACTORYDATA* data) {
+            data->wifiModuleEnable = 1;
+            return KVA_ERROR;
+        };
+        ConnectedController controller;
+        QVERIFY(!controller.IsWifiModuleEnabled());
+        QCOMPARE(controller.m_lastResult, 0);
+        QVERIFY(!controller.GetDeviceInfo());
+        QCOMPARE(controller.m_lastResult, -9999);
+        QCOMPARE(controller.m_serialNo + controller.m_firmVersion + controller.m_macAddress, "");
+        QVERIFY(!controller.GetNetworkInfo());
+        QCOMPARE(controller.m_lastResult, -9798);
+        QVERIFY(hasNoNetworkTexts(controller));
+        // The record holds what the library left.
+        QCOMPARE(controller.m_networkInfo.SSID, "press-hall");
+        QVERIFY(!controller.GetCalRefSerialNo());
+        QCOMPARE(controller.m_lastResult, -9796);
+        QCOMPARE(controller.m_curWCPSerialNo + controller.m_curAmbAdpSerialNo, "");
+        uint8_t mode = 255;
+        QVERIFY(!controller.GetShutdownTime(mode));
+        QCOMPARE(controller.m_lastResult, -9795);
+        QCOMPARE(int{mode}, 200);
+        QCOMPARE(controller.log.lines(),
+                 QStringList({"Failed to read Firm data. \n", "Failed to KVA_GetNetworkInfo(). \n",
+                              "KVA_GetShutdownTime() failed[mode:200].\n"}));
+    }
+
+    /** A call that fills nothing leaves nothing of an earlier one. */
+    void recordsAreZeroBeforeTheCall() {
+        ConnectedController controller;
+        QVERIFY(controller.GetDeviceInfo());
+        QVERIFY(controller.GetNetworkInfo());
+        unfilled = 4;
+        QVERIFY(controller.GetDeviceInfo());
+        QVERIFY(controller.GetNetworkInfo());
+        QVERIFY(controller.GetCalRefSerialNo());
+        QVERIFY(!controller.IsWifiModuleEnabled());
+        QCOMPARE(TestBench::bytesOf(controller.m_deviceInfo), QByteArray(40, '\0'));
+        QCOMPARE(controller.m_serialNo, "00000000");
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+        QCOMPARE(controller.m_ipAddress.join('.'), "0.0.0.0");
+        QCOMPARE(controller.m_curWCPSerialNo, "00000000");
+        QCOMPARE(controller.m_curAmbAdpSerialNo, "00000000");
+    }
+
     void readBackDiffers_data() { addRows(readBacks()); }
-    void readBackDiffers();
+    void readBackDiffers() {
+        QFETCH(const ReadBackRow, row);
+        const QByteArray path = localFile(m_folder, row.content);
+        ConnectedController controller;
+        int reads = 0;
+        alterations.calibration = [&](KVA_RESULT result, KVA_JIG_CALREFDATA* data) {
+            if (++reads == 2)
+                reinterpret_cast<unsigned char*>(data)[row.offset] ^= row.bits;
+            return result;
+        };
+        QVERIFY(!(controller.*row.accessory.write)(path));
+        QCOMPARE(reads, 2);
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList("CALREFDATA is incorrect.\n"));
+        // The same without the difference goes well.
+        QVERIFY((controller.*row.accessory.write)(path));
+    }
+
     void fetchFillsNothing_data() { addRows(accessories); }
-    void fetchFillsNothing();
+
+    /** What the fetch leaves out is registered as zero, never as what was on the stack. The
+        registration succeeds, since that is what is read back. */
+    void fetchFillsNothing() {
+        QFETCH(const Accessory, row);
+        ConnectedController controller;
+        unfilled = 1;
+        QVERIFY((controller.*row.write)(localFile(m_folder, row.file())));
+        QCOMPARE(unfilled, 0);
+        QCOMPARE(controller.log.lines(), QStringList());
+        controller.powerCycle();
+        QCOMPARE(calibrationRecord(), row.registeredIn(QByteArray(2508, '\0')));
+    }
+
     void noFetchFillsAnything_data() { addRows(accessories); }
-    void noFetchFillsAnything();
+    void noFetchFillsAnything() {
+        QFETCH(const Accessory, row);
+        ConnectedController controller;
+        unfilled = 2;
+        QVERIFY(!(controller.*row.write)(localFile(m_folder, row.file())));
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList("CALREFDATA is incorrect.\n"));
+    }
 
 private:
     TestFolder m_folder;
 };
-
-void TestControllerDishonestAnswers::cleanup() {
-    alterations = {};
-    unfilled = 0;
-}
-
-void TestControllerDishonestAnswers::boundsTheCount() {
-    QFETCH(const CountRow, row);
-    alterations.portList = [&](KVA_RESULT result, const KVA_PORTINFO* list, int32_t* count) {
-        *count = list ? row.filled : row.queried;
-        return result;
-    };
-    CKvaSdk_Ctrl controller;
-    const DebugLog log;
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_portCount, row.filled);
-    QCOMPARE(controller.m_deviceCount, row.listed);
-    QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(row.listed));
-    QCOMPARE(controller.m_deviceNameList.size(), row.listed);
-    QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.queried)));
-    if (row.listed > 0)
-        QCOMPARE(controller.m_deviceNameList.first(), "VARNE-1(USB,Serial#01234567)");
-    if (row.listed > 1)
-        QCOMPARE(controller.m_deviceNameList.last(), "VARNE-1(,Serial#00000000)");
-    QVERIFY(!controller.Connect(row.listed, 10));
-    QCOMPARE(log.lines().last(), "conect error \n");
-}
-
-void TestControllerDishonestAnswers::negativeCountBeforeFailure() {
-    alterations.portList = [](KVA_RESULT, const KVA_PORTINFO*, int32_t* count) {
-        *count = -7;
-        return KVA_ERROR;
-    };
-    CKvaSdk_Ctrl controller;
-    const DebugLog log;
-    QVERIFY(!controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceCount, 0);
-    QVERIFY(controller.m_deviceNameList.isEmpty());
-    QCOMPARE(log.lines(), QStringList("port count[-7] \n"));
-}
-
-void TestControllerDishonestAnswers::identityFilledByFailedCall() {
-    alterations.deviceInfo = [](KVA_RESULT, KVA_DEVICEINFO*) { return KVA_ERROR; };
-    ConnectedController controller;
-    QVERIFY(!controller.GetDeviceInfo());
-    QCOMPARE(controller.m_serialNo, "");
-    QCOMPARE(controller.m_firmVersion, "");
-    QCOMPARE(controller.m_macAddress, "");
-}
-
-/** A call that fills nothing leaves nothing of an earlier one. */
-void TestControllerDishonestAnswers::recordsAreZeroBeforeTheCall() {
-    ConnectedController controller;
-    QVERIFY(controller.GetDeviceInfo());
-    QVERIFY(controller.GetNetworkInfo());
-    unfilled = 4;
-    QVERIFY(controller.GetDeviceInfo());
-    QVERIFY(controller.GetNetworkInfo());
-    QVERIFY(controller.GetCalRefSerialNo());
-    QVERIFY(!controller.IsWifiModuleEnabled());
-    QCOMPARE(TestBench::bytesOf(controller.m_deviceInfo), QByteArray(40, '\0'));
-    QCOMPARE(controller.m_serialNo, "00000000");
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-    QCOMPARE(controller.m_ipAddress.join('.'), "0.0.0.0");
-    QCOMPARE(controller.m_curWCPSerialNo, "00000000");
-    QCOMPARE(controller.m_curAmbAdpSerialNo, "00000000");
-}
-
-void TestControllerDishonestAnswers::networkFilledByFailedCall() {
-    alterations.networkInfo = [](KVA_RESULT, KVA_NETWORKINFO*) { return KVA_ERROR_NAV; };
-    ConnectedController controller;
-    QVERIFY(!controller.GetNetworkInfo());
-    QVERIFY(hasNoNetworkTexts(controller));
-    // The record holds what the library left.
-    QCOMPARE(controller.m_networkInfo.SSID, "press-hall");
-    QCOMPARE(controller.m_lastResult, -9798);
-    QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_GetNetworkInfo(). \n"));
-}
-
-void TestControllerDishonestAnswers::powerOffFilledByFailedCall() {
-    alterations.shutdownTime = [](KVA_RESULT, uint8_t* mode) {
-        *mode = 200;
-        return KVA_ERROR_NDT;
-    };
-    ConnectedController controller;
-    uint8_t mode = 255;
-    QVERIFY(!controller.GetShutdownTime(mode));
-    QCOMPARE(int{mode}, 200);
-    QCOMPARE(controller.m_lastResult, -9795);
-    QCOMPARE(controller.log.lines(), QStringList("KVA_GetShutdownTime() failed[mode:200].\n"));
-}
-
-void TestControllerDishonestAnswers::serialNumbersFilledByFailedCall() {
-    alterations.calibration = [](KVA_RESULT, KVA_JIG_CALREFDATA*) { return KVA_ERROR; };
-    ConnectedController controller;
-    QVERIFY(!controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, "");
-    QCOMPARE(controller.m_curAmbAdpSerialNo, "");
-}
-
-void TestControllerDishonestAnswers::wifiModuleFilledByFailedCall() {
-    alterations.factoryOptions = [](KVA_RESULT, KVA_JIG_ACTIONOPTIONFACTORYDATA* data) {
-        data->wifiModuleEnable = 1;
-        return KVA_ERROR;
-    };
-    ConnectedController controller;
-    QVERIFY(!controller.IsWifiModuleEnabled());
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(controller.m_lastResult, 0);
-}
-
-void TestControllerDishonestAnswers::readBackDiffers() {
-    QFETCH(const ReadBackRow, row);
-    const QByteArray path = localFile(m_folder, row.content);
-    ConnectedController controller;
-    int reads = 0;
-    alterations.calibration = [&](KVA_RESULT result, KVA_JIG_CALREFDATA* data) {
-        if (++reads == 2)
-            reinterpret_cast<unsigned char*>(data)[row.offset] ^= row.bits;
-        return result;
-    };
-    QVERIFY(!(controller.*row.accessory.write)(path));
-    QCOMPARE(reads, 2);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList("CALREFDATA is incorrect.\n"));
-    // The same without the difference goes well.
-    QVERIFY((controller.*row.accessory.write)(path));
-}
-
-/** What the fetch leaves out is registered as zero, never as what was on the stack. The
-    registration succeeds, since that is what is read back. */
-void TestControllerDishonestAnswers::fetchFillsNothing() {
-    QFETCH(const Accessory, row);
-    ConnectedController controller;
-    unfilled = 1;
-    QVERIFY((controller.*row.write)(localFile(m_folder, row.file())));
-    QCOMPARE(unfilled, 0);
-    QCOMPARE(controller.log.lines(), QStringList());
-    controller.powerCycle();
-    QCOMPARE(calibrationRecord(), row.registeredIn(QByteArray(2508, '\0')));
-}
-
-void TestControllerDishonestAnswers::noFetchFillsAnything() {
-    QFETCH(const Accessory, row);
-    ConnectedController controller;
-    unfilled = 2;
-    QVERIFY(!(controller.*row.write)(localFile(m_folder, row.file())));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList("CALREFDATA is incorrect.\n"));
-}
 
 TEST_CLASS(TestControllerDishonestAnswers)
 #include "tst_controller_dishonest_answers.moc"

@@ -92,120 +92,114 @@ class TestControllerEnumeration : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init() { TestBench::load(); }
-    void startsEmpty();
-    void listsText_data() { addRows(texts); }
-    void listsText();
-    void keepsEntriesByteForByte();
-    void listsUpToHundred_data() { addRows(counts); }
-    void listsUpToHundred();
-    void failureLeavesNoList_data() { addRows(failures); }
-    void failureLeavesNoList();
-    void warningStillLists_data() { addRows(warnings); }
-    void warningStillLists();
-    void followsPlugging();
-};
 
-void TestControllerEnumeration::startsEmpty() {
-    const DebugLog log;
-    const CKvaSdk_Ctrl controller;
-    QCOMPARE(controller.m_portCount, 0);
-    QCOMPARE(std::size(controller.m_portList), std::size_t{100});
-    QVERIFY(hasNoList(controller));
-    QVERIFY(!controller.m_connected);
-    QCOMPARE(log.lines(), QStringList());
-}
-
-void TestControllerEnumeration::listsText() {
-    QFETCH(const TextRow, row);
-    TestBench::load({instrumentAt(row.serialNumber, row.portType, row.portName)});
-    CKvaSdk_Ctrl controller;
-    TestBench::clearCalls();
-    const DebugLog log;
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceNameList, QStringList(row.text));
-    QCOMPARE(controller.m_deviceCount, 1);
-    QCOMPARE(controller.m_portCount, 1);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(log.lines(), QStringList("port count[1] \n"));
-    QCOMPARE(TestBench::detailedCalls(),
-             QStringList({R"(KVA_GetDevicePortList {"list":false,"maxEntries":0} 0)",
-                          R"(KVA_GetDevicePortList {"list":true,"maxEntries":100} 0)"}));
-}
-
-void TestControllerEnumeration::keepsEntriesByteForByte() {
-    const QByteArray name = "61626300" + QByteArray("ff80257f").repeated(8);
-    TestBench::load(
-        {instrumentAt(1, 1, "USB"), instrumentAt(2, 7, QJsonObject{{"hex", QString(name)}})});
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_ports.size(), std::size_t{2});
-    QCOMPARE(TestBench::bytesOf(controller.m_ports[0]).toHex(),
-             "01000000555342" + QByteArray(66, '0') + "01000000");
-    QCOMPARE(TestBench::bytesOf(controller.m_ports[1]).toHex(), "07000000" + name + "02000000");
-    QCOMPARE(TestBench::bytesOf(controller.m_portList[1]),
-             TestBench::bytesOf(controller.m_ports[1]));
-}
-
-void TestControllerEnumeration::listsUpToHundred() {
-    QFETCH(const NumberRow, row);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    TestBench::load(usbInstruments(static_cast<int>(row.value)));
-    const int listed = static_cast<int>(std::min<qint64>(row.value, 100));
-    const DebugLog log;
-    QVERIFY(controller.GetDevicePortList());
-    // The line shows the count of the first call, the list that of the second.
-    QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.value)));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.m_portCount, listed);
-    QCOMPARE(controller.m_deviceCount, listed);
-    QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(listed));
-    QCOMPARE(controller.m_deviceNameList.size(), listed);
-    for (int i = 0; i < listed; ++i) {
-        const QString number = QString::number(i + 1).rightJustified(8, '0');
-        QCOMPARE(controller.m_deviceNameList.at(i), "VARNE-1(USB,Serial#" + number + ')');
-        QCOMPARE(controller.m_ports[static_cast<std::size_t>(i)].serialNumber, i + 1);
+    void startsEmpty() {
+        const DebugLog log;
+        const CKvaSdk_Ctrl controller;
+        QCOMPARE(controller.m_portCount, 0);
+        QCOMPARE(std::size(controller.m_portList), std::size_t{100});
+        QVERIFY(hasNoList(controller));
+        QVERIFY(!controller.m_connected);
+        QCOMPARE(log.lines(), QStringList());
     }
-    QVERIFY(hasOnlyZeros(controller.m_portList + listed, 100 - listed));
-    QCOMPARE(TestBench::calls().size(), 2);
-}
 
-void TestControllerEnumeration::failureLeavesNoList() {
-    QFETCH(const CallRow, row);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceCount, 1);
-    TestBench::clearCalls();
-    TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
-    const DebugLog log;
-    QVERIFY(!controller.GetDevicePortList());
-    QVERIFY(hasNoList(controller));
-    QCOMPARE(controller.m_lastResult, row.result);
-    // What the library stored last: a refused count query leaves the earlier count.
-    QCOMPARE(log.lines(), QStringList("port count[1] \n"));
-    QCOMPARE(TestBench::calls().size(), row.call);
-}
+    void listsText_data() { addRows(texts); }
+    void listsText() {
+        QFETCH(const TextRow, row);
+        TestBench::load({instrumentAt(row.serialNumber, row.portType, row.portName)});
+        CKvaSdk_Ctrl controller;
+        TestBench::clearCalls();
+        const DebugLog log;
+        QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(controller.m_deviceNameList, QStringList(row.text));
+        QCOMPARE(controller.m_deviceCount, 1);
+        QCOMPARE(controller.m_portCount, 1);
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(log.lines(), QStringList("port count[1] \n"));
+        QCOMPARE(TestBench::detailedCalls(),
+                 QStringList({R"(KVA_GetDevicePortList {"list":false,"maxEntries":0} 0)",
+                              R"(KVA_GetDevicePortList {"list":true,"maxEntries":100} 0)"}));
+    }
 
-void TestControllerEnumeration::warningStillLists() {
-    QFETCH(const CallRow, row);
-    CKvaSdk_Ctrl controller;
-    TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceNameList, QStringList("VARNE-1(USB,Serial#01234567)"));
-    // Kept is the result of the second call.
-    QCOMPARE(controller.m_lastResult, row.call == 1 ? 0 : row.result);
-}
+    void keepsEntriesByteForByte() {
+        const QByteArray name = "61626300" + QByteArray("ff80257f").repeated(8);
+        TestBench::load(
+            {instrumentAt(1, 1, "USB"), instrumentAt(2, 7, QJsonObject{{"hex", QString(name)}})});
+        CKvaSdk_Ctrl controller;
+        QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(controller.m_ports.size(), std::size_t{2});
+        QCOMPARE(TestBench::bytesOf(controller.m_ports[0]).toHex(),
+                 "01000000555342" + QByteArray(66, '0') + "01000000");
+        QCOMPARE(TestBench::bytesOf(controller.m_ports[1]).toHex(), "07000000" + name + "02000000");
+        QCOMPARE(TestBench::bytesOf(controller.m_portList[1]),
+                 TestBench::bytesOf(controller.m_ports[1]));
+    }
 
-void TestControllerEnumeration::followsPlugging() {
-    TestBench::load({instrumentAt(1, 1, "USB"), instrumentAt(2, 2, "b"), instrumentAt(3, 3, "c")});
-    CKvaSdk_Ctrl controller;
-    QVERIFY(controller.GetDevicePortList());
-    TestBench::unplug(1);
-    QVERIFY(controller.GetDevicePortList());
-    QCOMPARE(controller.m_deviceNameList,
-             QStringList({"VARNE-1(b,Serial#00000002)", "VARNE-1(c,Serial#00000003)"}));
-    QVERIFY(hasOnlyZeros(controller.m_portList + 2, 98));
-}
+    void listsUpToHundred_data() { addRows(counts); }
+    void listsUpToHundred() {
+        QFETCH(const NumberRow, row);
+        CKvaSdk_Ctrl controller;
+        QVERIFY(controller.GetDevicePortList());
+        TestBench::load(usbInstruments(static_cast<int>(row.value)));
+        const int listed = static_cast<int>(std::min<qint64>(row.value, 100));
+        const DebugLog log;
+        QVERIFY(controller.GetDevicePortList());
+        // The line shows the count of the first call, the list that of the second.
+        QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.value)));
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.m_portCount, listed);
+        QCOMPARE(controller.m_deviceCount, listed);
+        QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(listed));
+        QCOMPARE(controller.m_deviceNameList.size(), listed);
+        for (int i = 0; i < listed; ++i) {
+            const QString number = QString::number(i + 1).rightJustified(8, '0');
+            QCOMPARE(controller.m_deviceNameList.at(i), "VARNE-1(USB,Serial#" + number + ')');
+            QCOMPARE(controller.m_ports[static_cast<std::size_t>(i)].serialNumber, i + 1);
+        }
+        QVERIFY(hasOnlyZeros(controller.m_portList + listed, 100 - listed));
+        QCOMPARE(TestBench::calls().size(), 2);
+    }
+
+    void failureLeavesNoList_data() { addRows(failures); }
+    void failureLeavesNoList() {
+        QFETCH(const CallRow, row);
+        CKvaSdk_Ctrl controller;
+        QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(controller.m_deviceCount, 1);
+        TestBench::clearCalls();
+        TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
+        const DebugLog log;
+        QVERIFY(!controller.GetDevicePortList());
+        QVERIFY(hasNoList(controller));
+        QCOMPARE(controller.m_lastResult, row.result);
+        // What the library stored last: a refused count query leaves the earlier count.
+        QCOMPARE(log.lines(), QStringList("port count[1] \n"));
+        QCOMPARE(TestBench::calls().size(), row.call);
+    }
+
+    void warningStillLists_data() { addRows(warnings); }
+    void warningStillLists() {
+        QFETCH(const CallRow, row);
+        CKvaSdk_Ctrl controller;
+        TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
+        QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(controller.m_deviceNameList, QStringList("VARNE-1(USB,Serial#01234567)"));
+        // Kept is the result of the second call.
+        QCOMPARE(controller.m_lastResult, row.call == 1 ? 0 : row.result);
+    }
+
+    void followsPlugging() {
+        TestBench::load(
+            {instrumentAt(1, 1, "USB"), instrumentAt(2, 2, "b"), instrumentAt(3, 3, "c")});
+        CKvaSdk_Ctrl controller;
+        QVERIFY(controller.GetDevicePortList());
+        TestBench::unplug(1);
+        QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(controller.m_deviceNameList,
+                 QStringList({"VARNE-1(b,Serial#00000002)", "VARNE-1(c,Serial#00000003)"}));
+        QVERIFY(hasOnlyZeros(controller.m_portList + 2, 98));
+    }
+};
 
 TEST_CLASS(TestControllerEnumeration)
 #include "tst_controller_enumeration.moc"

@@ -70,110 +70,100 @@ private Q_SLOTS:
     void initTestCase() { QVERIFY(!isSetAtTheStart); }
     void init() { TestBench::load(); }
     void handlesEvent_data() { addRows(events()); }
-    void handlesEvent();
-    void standbyAfterDisconnect();
-    void registersForItsLifetime();
-    void failedRegistrationIsKept();
-    void handlesNothingAfterItsLifetime();
-    void doesNotDisconnectAtItsEnd();
-    void comesFromTheLibrarysThread();
-    void unplugSetsTheFlag();
-    void powerCycleClearsTheFlagAgain();
-};
-
-void TestControllerEvents::handlesEvent() {
-    QFETCH(const EventRow, row);
-    g_deviceDisconnected = row.before;
-    const DebugLog log;
-    DeviceEventHandler(row.code, row.rawDataCount, row.error);
-    QCOMPARE(g_deviceDisconnected.load(), row.after);
-    QCOMPARE(log.lines(), row.lines);
-}
-
-void TestControllerEvents::standbyAfterDisconnect() {
-    const DebugLog log;
-    DeviceEventHandler(6, 0, 0);
-    QVERIFY(g_deviceDisconnected);
-    DeviceEventHandler(0, 0, 0);
-    QVERIFY(!g_deviceDisconnected);
-    DeviceEventHandler(12, 0, 0);
-    QVERIFY(!g_deviceDisconnected);
-    QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect, eventLine(0), standby,
-                                       eventLine(12), "eEventCode Unknown[12] \n"}));
-}
-
-void TestControllerEvents::registersForItsLifetime() {
-    const QString with = R"(KVA_RegisterDeviceEventHandler {"handler":true} 0)";
-    const QString without = R"(KVA_RegisterDeviceEventHandler {"handler":false} 0)";
-    const DebugLog log;
-    {
-        const CKvaSdk_Ctrl controller;
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(TestBench::detailedCalls(), QStringList(with));
+    void handlesEvent() {
+        QFETCH(const EventRow, row);
+        g_deviceDisconnected = row.before;
+        const DebugLog log;
+        DeviceEventHandler(row.code, row.rawDataCount, row.error);
+        QCOMPARE(g_deviceDisconnected.load(), row.after);
+        QCOMPARE(log.lines(), row.lines);
     }
-    QCOMPARE(TestBench::detailedCalls(), QStringList({with, without}));
-    QCOMPARE(log.lines(), QStringList());
-}
 
-void TestControllerEvents::failedRegistrationIsKept() {
-    TestBench::answer("KVA_RegisterDeviceEventHandler", -9986);
-    CKvaSdk_Ctrl controller;
-    QCOMPARE(controller.m_lastResult, -9986);
-    QVERIFY(controller.GetDevicePortList());
-    QVERIFY(controller.Connect(0, 10));
-}
+    void standbyAfterDisconnect() {
+        const DebugLog log;
+        DeviceEventHandler(6, 0, 0);
+        QVERIFY(g_deviceDisconnected);
+        DeviceEventHandler(0, 0, 0);
+        QVERIFY(!g_deviceDisconnected);
+        DeviceEventHandler(12, 0, 0);
+        QVERIFY(!g_deviceDisconnected);
+        QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect, eventLine(0), standby,
+                                           eventLine(12), "eEventCode Unknown[12] \n"}));
+    }
 
-void TestControllerEvents::handlesNothingAfterItsLifetime() {
-    const DebugLog log;
-    {
-        const CKvaSdk_Ctrl controller;
+    void registersForItsLifetime() {
+        const QString with = R"(KVA_RegisterDeviceEventHandler {"handler":true} 0)";
+        const QString without = R"(KVA_RegisterDeviceEventHandler {"handler":false} 0)";
+        const DebugLog log;
+        {
+            const CKvaSdk_Ctrl controller;
+            QCOMPARE(controller.m_lastResult, 0);
+            QCOMPARE(TestBench::detailedCalls(), QStringList(with));
+        }
+        QCOMPARE(TestBench::detailedCalls(), QStringList({with, without}));
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void failedRegistrationIsKept() {
+        TestBench::answer("KVA_RegisterDeviceEventHandler", -9986);
+        CKvaSdk_Ctrl controller;
+        QCOMPARE(controller.m_lastResult, -9986);
+        QVERIFY(controller.GetDevicePortList());
+        QVERIFY(controller.Connect(0, 10));
+    }
+
+    void handlesNothingAfterItsLifetime() {
+        const DebugLog log;
+        {
+            const CKvaSdk_Ctrl controller;
+            TestBench::emitEvent(6);
+            QVERIFY(g_deviceDisconnected);
+        }
+        g_deviceDisconnected = false;
         TestBench::emitEvent(6);
+        QVERIFY(!g_deviceDisconnected);
+        QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect}));
+    }
+
+    void doesNotDisconnectAtItsEnd() {
+        { const ConnectedController controller; }
+        QCOMPARE(TestBench::calls(), QStringList("KVA_RegisterDeviceEventHandler"));
+        KVA_DEVICEINFO info = {};
+        QCOMPARE(KVA_GetDeviceInfo(&info), 0);
+    }
+
+    void comesFromTheLibrarysThread() {
+        const CKvaSdk_Ctrl controller;
+        loggingThread = nullptr;
+        const QtMessageHandler previous = qInstallMessageHandler(noteThread);
+        TestBench::emitEvent(6);
+        qInstallMessageHandler(previous);
+        QVERIFY(loggingThread != nullptr);
+        QVERIFY(loggingThread != QThread::currentThreadId());
         QVERIFY(g_deviceDisconnected);
     }
-    g_deviceDisconnected = false;
-    TestBench::emitEvent(6);
-    QVERIFY(!g_deviceDisconnected);
-    QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect}));
-}
 
-void TestControllerEvents::doesNotDisconnectAtItsEnd() {
-    { const ConnectedController controller; }
-    QCOMPARE(TestBench::calls(), QStringList("KVA_RegisterDeviceEventHandler"));
-    KVA_DEVICEINFO info = {};
-    QCOMPARE(KVA_GetDeviceInfo(&info), 0);
-}
+    void unplugSetsTheFlag() {
+        ConnectedController controller;
+        TestBench::unplug();
+        QVERIFY(g_deviceDisconnected);
+        QVERIFY(controller.m_connected);
+        QCOMPARE(controller.log.lines(), QStringList({eventLine(6), disConnect}));
+        TestBench::plug();
+        QVERIFY(!g_deviceDisconnected);
+        QCOMPARE(controller.log.lines(),
+                 QStringList({eventLine(6), disConnect, eventLine(0), standby}));
+    }
 
-void TestControllerEvents::comesFromTheLibrarysThread() {
-    const CKvaSdk_Ctrl controller;
-    loggingThread = nullptr;
-    const QtMessageHandler previous = qInstallMessageHandler(noteThread);
-    TestBench::emitEvent(6);
-    qInstallMessageHandler(previous);
-    QVERIFY(loggingThread != nullptr);
-    QVERIFY(loggingThread != QThread::currentThreadId());
-    QVERIFY(g_deviceDisconnected);
-}
-
-void TestControllerEvents::unplugSetsTheFlag() {
-    ConnectedController controller;
-    TestBench::unplug();
-    QVERIFY(g_deviceDisconnected);
-    QVERIFY(controller.m_connected);
-    QCOMPARE(controller.log.lines(), QStringList({eventLine(6), disConnect}));
-    TestBench::plug();
-    QVERIFY(!g_deviceDisconnected);
-    QCOMPARE(controller.log.lines(),
-             QStringList({eventLine(6), disConnect, eventLine(0), standby}));
-}
-
-void TestControllerEvents::powerCycleClearsTheFlagAgain() {
-    ConnectedController controller;
-    TestBench::powerCycle();
-    QVERIFY(!g_deviceDisconnected);
-    QVERIFY(controller.m_connected);
-    QCOMPARE(controller.log.lines(),
-             QStringList({eventLine(6), disConnect, eventLine(0), standby}));
-}
+    void powerCycleClearsTheFlagAgain() {
+        ConnectedController controller;
+        TestBench::powerCycle();
+        QVERIFY(!g_deviceDisconnected);
+        QVERIFY(controller.m_connected);
+        QCOMPARE(controller.log.lines(),
+                 QStringList({eventLine(6), disConnect, eventLine(0), standby}));
+    }
+};
 
 TEST_CLASS(TestControllerEvents)
 #include "tst_controller_events.moc"

@@ -97,232 +97,219 @@ class TestControllerNetwork : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init() { TestBench::load(); }
-    void startsEmpty();
-    void readsSettings();
-    void readsOctets();
-    void readsFlags_data() { addRows(flags); }
-    void readsFlags();
-    void readsTexts_data() { addRows(texts); }
-    void readsTexts();
-    void readsAgainWithoutGrowing();
-    void failedReadEmptiesTexts_data() { addRows(failures); }
-    void failedReadEmptiesTexts();
-    void sendsTheRecord();
-    void sendsNothingOnFailure();
-    void setsAddresses_data() { addRows(addressSetters); }
-    void setsAddresses();
-    void setsText_data() { addRows(setTexts()); }
-    void setsText();
-    void settersTouchNothingElse();
-    void queriesWifiModule_data() { addRows(bytes); }
-    void queriesWifiModule();
-    void failedWifiQueryReadsAsNone();
-};
 
-void TestControllerNetwork::startsEmpty() {
-    const CKvaSdk_Ctrl controller;
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-    QVERIFY(!controller.m_apConnectUse);
-    QVERIFY(!controller.m_dhcpUse);
-    QVERIFY(hasNoNetworkTexts(controller));
-}
+    void startsEmpty() {
+        const CKvaSdk_Ctrl controller;
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+        QVERIFY(!controller.m_apConnectUse);
+        QVERIFY(!controller.m_dhcpUse);
+        QVERIFY(hasNoNetworkTexts(controller));
+    }
 
-void TestControllerNetwork::readsSettings() {
-    ConnectedController controller;
-    QVERIFY(controller.GetNetworkInfo());
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
-             QByteArray::fromHex("0100000000000000c0a8000affffff00c0a8000108080400") +
-                 QByteArray("press-hall").leftJustified(33, '\0') +
-                 QByteArray("spectral-key").leftJustified(67, '\0'));
-    QVERIFY(controller.m_apConnectUse);
-    QVERIFY(!controller.m_dhcpUse);
-    QCOMPARE(controller.m_ssid, "press-hall");
-    QCOMPARE(controller.m_encryptKey, "spectral-key");
-    QCOMPARE(addresses(controller),
-             QStringList({"192|168|0|10", "255|255|255|0", "192|168|0|1", "8|8|4|0"}));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetNetworkInfo {} 0"));
-}
-
-/** Each value of an octet, in each of the four lists. */
-void TestControllerNetwork::readsOctets() {
-    ConnectedController controller;
-    for (int first = 0; first < 256; first += 4) {
-        QStringList octets;
-        for (int i = 0; i < 4; ++i)
-            octets.append(QString::number(first + i));
-        const QByteArray address = quoted(octets.join('.').toLatin1());
-        setNetwork(R"("IPAddress": )" + address + R"(, "SubnetMask": )" + address +
-                   R"(, "DefaultGateway": )" + address + R"(, "DNS": )" + address);
+    void readsSettings() {
+        ConnectedController controller;
         QVERIFY(controller.GetNetworkInfo());
-        const QString text = octets.join('|');
-        QCOMPARE(addresses(controller), QStringList({text, text, text, text}));
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
+                 QByteArray::fromHex("0100000000000000c0a8000affffff00c0a8000108080400") +
+                     QByteArray("press-hall").leftJustified(33, '\0') +
+                     QByteArray("spectral-key").leftJustified(67, '\0'));
+        QVERIFY(controller.m_apConnectUse);
+        QVERIFY(!controller.m_dhcpUse);
+        QCOMPARE(controller.m_ssid, "press-hall");
+        QCOMPARE(controller.m_encryptKey, "spectral-key");
+        QCOMPARE(addresses(controller),
+                 QStringList({"192|168|0|10", "255|255|255|0", "192|168|0|1", "8|8|4|0"}));
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetNetworkInfo {} 0"));
     }
-}
 
-void TestControllerNetwork::readsFlags() {
-    QFETCH(const NumberRow, row);
-    const QByteArray value = QByteArray::number(row.value);
-    const bool isOn = row.value != 0;
-    ConnectedController controller;
-    setNetwork(R"("DHCPUse": 0, "APConnectUse": )" + value);
-    QVERIFY(controller.GetNetworkInfo());
-    QCOMPARE(controller.m_apConnectUse, isOn);
-    QCOMPARE(controller.m_dhcpUse, false);
-    QCOMPARE(controller.m_networkInfo.APConnectUse, value.toUInt());
-    setNetwork(R"("APConnectUse": 0, "DHCPUse": )" + value);
-    QVERIFY(controller.GetNetworkInfo());
-    QCOMPARE(controller.m_apConnectUse, false);
-    QCOMPARE(controller.m_dhcpUse, isOn);
-    QCOMPARE(controller.m_networkInfo.DHCPUse, value.toUInt());
-}
-
-void TestControllerNetwork::readsTexts() {
-    QFETCH(const TextsRow, row);
-    ConnectedController controller;
-    setNetwork(R"("SSID": )" + row.ssidJson + R"(, "EncryptKey": )" + row.keyJson);
-    QVERIFY(controller.GetNetworkInfo());
-    QCOMPARE(controller.m_ssid, row.ssid);
-    QCOMPARE(controller.m_encryptKey, row.key);
-}
-
-void TestControllerNetwork::readsAgainWithoutGrowing() {
-    ConnectedController controller;
-    QVERIFY(controller.GetNetworkInfo());
-    const QStringList before = addresses(controller);
-    QVERIFY(controller.GetNetworkInfo());
-    QCOMPARE(addresses(controller), before);
-    QCOMPARE(controller.m_ssid, "press-hall");
-}
-
-void TestControllerNetwork::failedReadEmptiesTexts() {
-    QFETCH(const NumberRow, row);
-    ConnectedController controller;
-    QVERIFY(controller.GetNetworkInfo());
-    TestBench::answer("KVA_GetNetworkInfo", static_cast<int>(row.value));
-    QVERIFY(!controller.GetNetworkInfo());
-    QVERIFY(hasNoNetworkTexts(controller));
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-    QCOMPARE(qint64{controller.m_lastResult}, row.value);
-    QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_GetNetworkInfo(). \n"));
-}
-
-void TestControllerNetwork::sendsTheRecord() {
-    ConnectedController controller;
-    const uint8_t ip[] = {10, 20, 30, 40};
-    const uint8_t mask[] = {255, 0, 0, 0};
-    const uint8_t gateway[] = {10, 0, 0, 1};
-    const uint8_t dns[] = {9, 8, 7, 6};
-    controller.m_networkInfo.APConnectUse = 1;
-    controller.m_networkInfo.DHCPUse = 1;
-    controller.SetIPAddress(ip);
-    controller.SetSubnetMask(mask);
-    controller.SetDefaultGateway(gateway);
-    controller.SetDNS(dns);
-    controller.SetSSID("measuring-room");
-    controller.SetEncryptKey("a key");
-    const QByteArray sent = TestBench::bytesOf(controller.m_networkInfo);
-    QVERIFY(controller.SetNetworkInfo());
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::detailedCalls(),
-             QStringList(R"(KVA_SetNetworkInfo {"network":{"APConnectUse":1,"DHCPUse":1,)"
-                         R"("DNS":"9.8.7.6","DefaultGateway":"10.0.0.1","EncryptKey":{"length":5},)"
-                         R"("IPAddress":"10.20.30.40","SSID":"measuring-room",)"
-                         R"("SubnetMask":"255.0.0.0"}} 0)"));
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
-    QCOMPARE(TestBench::bytesOf(heldNetwork()), sent);
-    controller.powerCycle();
-    QVERIFY(controller.GetNetworkInfo());
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
-    QCOMPARE(addresses(controller).first(), "10|20|30|40");
-    QCOMPARE(controller.m_encryptKey, "a key");
-}
-
-void TestControllerNetwork::sendsNothingOnFailure() {
-    ConnectedController controller;
-    QVERIFY(controller.GetNetworkInfo());
-    const QByteArray before = TestBench::bytesOf(controller.m_networkInfo);
-    controller.SetSSID("other");
-    const QByteArray changed = TestBench::bytesOf(controller.m_networkInfo);
-    TestBench::answer("KVA_SetNetworkInfo", -9991);
-    QVERIFY(!controller.SetNetworkInfo());
-    QCOMPARE(controller.m_lastResult, -9991);
-    QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_SetNetworkInfo(). \n"));
-    // Nothing in the controller changes: neither the record nor the texts of the last read.
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), changed);
-    QCOMPARE(controller.m_ssid, "press-hall");
-    QCOMPARE(controller.m_ipAddress.size(), 4);
-    QCOMPARE(TestBench::bytesOf(heldNetwork()), before);
-}
-
-void TestControllerNetwork::setsAddresses() {
-    QFETCH(const AddressRow, row);
-    CKvaSdk_Ctrl controller;
-    const uint8_t octets[] = {1, 0, 254, 255};
-    (controller.*row.set)(octets);
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
-             QByteArray(124, '\0').replace(row.offset, 4, QByteArray::fromHex("0100feff")));
-}
-
-void TestControllerNetwork::setsText() {
-    QFETCH(const SetTextRow, row);
-    CKvaSdk_Ctrl controller;
-    KVA_NETWORKINFO& info = controller.m_networkInfo;
-    std::memset(info.SSID, '#', sizeof info.SSID);
-    std::memset(info.EncryptKey, '#', sizeof info.EncryptKey);
-    const char* const text = row.text.isNull() ? nullptr : row.text.constData();
-    if (row.isKey) {
-        controller.SetEncryptKey(text);
-        QCOMPARE(TestBench::bytesOf(info.EncryptKey), row.kept.leftJustified(65, '\0'));
-        QCOMPARE(TestBench::bytesOf(info.SSID), QByteArray(33, '#'));
-    } else {
-        controller.SetSSID(text);
-        QCOMPARE(TestBench::bytesOf(info.SSID), row.kept.leftJustified(33, '\0'));
-        QCOMPARE(TestBench::bytesOf(info.EncryptKey), QByteArray(65, '#'));
+    /** Each value of an octet, in each of the four lists. */
+    void readsOctets() {
+        ConnectedController controller;
+        for (int first = 0; first < 256; first += 4) {
+            QStringList octets;
+            for (int i = 0; i < 4; ++i)
+                octets.append(QString::number(first + i));
+            const QByteArray address = quoted(octets.join('.').toLatin1());
+            setNetwork(R"("IPAddress": )" + address + R"(, "SubnetMask": )" + address +
+                       R"(, "DefaultGateway": )" + address + R"(, "DNS": )" + address);
+            QVERIFY(controller.GetNetworkInfo());
+            const QString text = octets.join('|');
+            QCOMPARE(addresses(controller), QStringList({text, text, text, text}));
+        }
     }
-}
 
-void TestControllerNetwork::settersTouchNothingElse() {
-    CKvaSdk_Ctrl controller;
-    controller.m_lastResult = 4;
-    TestBench::clearCalls();
-    const DebugLog log;
-    controller.SetSSID(QByteArray(40, 's'));
-    controller.SetEncryptKey(QByteArray(80, 'k'));
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
-             QByteArray(24, '\0') + QByteArray(32, 's') + '\0' + QByteArray(64, 'k') +
-                 QByteArray(3, '\0'));
-    QCOMPARE(controller.m_ssid, "");
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(TestBench::calls(), QStringList());
-    QCOMPARE(log.lines(), QStringList());
-}
+    void readsFlags_data() { addRows(flags); }
+    void readsFlags() {
+        QFETCH(const NumberRow, row);
+        const QByteArray value = QByteArray::number(row.value);
+        const bool isOn = row.value != 0;
+        ConnectedController controller;
+        setNetwork(R"("DHCPUse": 0, "APConnectUse": )" + value);
+        QVERIFY(controller.GetNetworkInfo());
+        QCOMPARE(controller.m_apConnectUse, isOn);
+        QCOMPARE(controller.m_dhcpUse, false);
+        QCOMPARE(controller.m_networkInfo.APConnectUse, value.toUInt());
+        setNetwork(R"("APConnectUse": 0, "DHCPUse": )" + value);
+        QVERIFY(controller.GetNetworkInfo());
+        QCOMPARE(controller.m_apConnectUse, false);
+        QCOMPARE(controller.m_dhcpUse, isOn);
+        QCOMPARE(controller.m_networkInfo.DHCPUse, value.toUInt());
+    }
 
-void TestControllerNetwork::queriesWifiModule() {
-    QFETCH(const NumberRow, row);
-    ConnectedController controller;
-    // The other bytes of the record count for nothing.
-    TestBench::set(R"({"factoryOptionsReserved": {"fill": 255}, "wirelessModule": )" +
-                   QByteArray(row.name) + '}');
-    controller.m_lastResult = 4;
-    QCOMPARE(controller.IsWifiModuleEnabled(), row.value != 0);
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(controller.log.lines(),
-             QStringList(QString("  wifiModuleEnable :      %1\n").arg(row.value)));
-    QCOMPARE(TestBench::detailedCalls(),
-             QStringList("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} 0"));
-}
+    void readsTexts_data() { addRows(texts); }
+    void readsTexts() {
+        QFETCH(const TextsRow, row);
+        ConnectedController controller;
+        setNetwork(R"("SSID": )" + row.ssidJson + R"(, "EncryptKey": )" + row.keyJson);
+        QVERIFY(controller.GetNetworkInfo());
+        QCOMPARE(controller.m_ssid, row.ssid);
+        QCOMPARE(controller.m_encryptKey, row.key);
+    }
 
-void TestControllerNetwork::failedWifiQueryReadsAsNone() {
-    ConnectedController controller;
-    TestBench::answer("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", -9797);
-    controller.m_lastResult = 4;
-    QVERIFY(!controller.IsWifiModuleEnabled());
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(controller.log.lines(), QStringList());
-}
+    void readsAgainWithoutGrowing() {
+        ConnectedController controller;
+        QVERIFY(controller.GetNetworkInfo());
+        const QStringList before = addresses(controller);
+        QVERIFY(controller.GetNetworkInfo());
+        QCOMPARE(addresses(controller), before);
+        QCOMPARE(controller.m_ssid, "press-hall");
+    }
+
+    void failedReadEmptiesTexts_data() { addRows(failures); }
+    void failedReadEmptiesTexts() {
+        QFETCH(const NumberRow, row);
+        ConnectedController controller;
+        QVERIFY(controller.GetNetworkInfo());
+        TestBench::answer("KVA_GetNetworkInfo", static_cast<int>(row.value));
+        QVERIFY(!controller.GetNetworkInfo());
+        QVERIFY(hasNoNetworkTexts(controller));
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+        QCOMPARE(qint64{controller.m_lastResult}, row.value);
+        QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_GetNetworkInfo(). \n"));
+    }
+
+    void sendsTheRecord() {
+        ConnectedController controller;
+        const uint8_t ip[] = {10, 20, 30, 40};
+        const uint8_t mask[] = {255, 0, 0, 0};
+        const uint8_t gateway[] = {10, 0, 0, 1};
+        const uint8_t dns[] = {9, 8, 7, 6};
+        controller.m_networkInfo.APConnectUse = 1;
+        controller.m_networkInfo.DHCPUse = 1;
+        controller.SetIPAddress(ip);
+        controller.SetSubnetMask(mask);
+        controller.SetDefaultGateway(gateway);
+        controller.SetDNS(dns);
+        controller.SetSSID("measuring-room");
+        controller.SetEncryptKey("a key");
+        const QByteArray sent = TestBench::bytesOf(controller.m_networkInfo);
+        QVERIFY(controller.SetNetworkInfo());
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(
+            TestBench::detailedCalls(),
+            QStringList(R"(KVA_SetNetworkInfo {"network":{"APConnectUse":1,"DHCPUse":1,)"
+                        R"("DNS":"9.8.7.6","DefaultGateway":"10.0.0.1","EncryptKey":{"length":5},)"
+                        R"("IPAddress":"10.20.30.40","SSID":"measuring-room",)"
+                        R"("SubnetMask":"255.0.0.0"}} 0)"));
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
+        QCOMPARE(TestBench::bytesOf(heldNetwork()), sent);
+        controller.powerCycle();
+        QVERIFY(controller.GetNetworkInfo());
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
+        QCOMPARE(addresses(controller).first(), "10|20|30|40");
+        QCOMPARE(controller.m_encryptKey, "a key");
+    }
+
+    void sendsNothingOnFailure() {
+        ConnectedController controller;
+        QVERIFY(controller.GetNetworkInfo());
+        const QByteArray before = TestBench::bytesOf(controller.m_networkInfo);
+        controller.SetSSID("other");
+        const QByteArray changed = TestBench::bytesOf(controller.m_networkInfo);
+        TestBench::answer("KVA_SetNetworkInfo", -9991);
+        QVERIFY(!controller.SetNetworkInfo());
+        QCOMPARE(controller.m_lastResult, -9991);
+        QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_SetNetworkInfo(). \n"));
+        // Nothing in the controller changes: neither the record nor the texts of the last read.
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), changed);
+        QCOMPARE(controller.m_ssid, "press-hall");
+        QCOMPARE(controller.m_ipAddress.size(), 4);
+        QCOMPARE(TestBench::bytesOf(heldNetwork()), before);
+    }
+
+    void setsAddresses_data() { addRows(addressSetters); }
+    void setsAddresses() {
+        QFETCH(const AddressRow, row);
+        CKvaSdk_Ctrl controller;
+        const uint8_t octets[] = {1, 0, 254, 255};
+        (controller.*row.set)(octets);
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
+                 QByteArray(124, '\0').replace(row.offset, 4, QByteArray::fromHex("0100feff")));
+    }
+
+    void setsText_data() { addRows(setTexts()); }
+    void setsText() {
+        QFETCH(const SetTextRow, row);
+        CKvaSdk_Ctrl controller;
+        KVA_NETWORKINFO& info = controller.m_networkInfo;
+        std::memset(info.SSID, '#', sizeof info.SSID);
+        std::memset(info.EncryptKey, '#', sizeof info.EncryptKey);
+        const char* const text = row.text.isNull() ? nullptr : row.text.constData();
+        if (row.isKey) {
+            controller.SetEncryptKey(text);
+            QCOMPARE(TestBench::bytesOf(info.EncryptKey), row.kept.leftJustified(65, '\0'));
+            QCOMPARE(TestBench::bytesOf(info.SSID), QByteArray(33, '#'));
+        } else {
+            controller.SetSSID(text);
+            QCOMPARE(TestBench::bytesOf(info.SSID), row.kept.leftJustified(33, '\0'));
+            QCOMPARE(TestBench::bytesOf(info.EncryptKey), QByteArray(65, '#'));
+        }
+    }
+
+    void settersTouchNothingElse() {
+        CKvaSdk_Ctrl controller;
+        controller.m_lastResult = 4;
+        TestBench::clearCalls();
+        const DebugLog log;
+        controller.SetSSID(QByteArray(40, 's'));
+        controller.SetEncryptKey(QByteArray(80, 'k'));
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
+                 QByteArray(24, '\0') + QByteArray(32, 's') + '\0' + QByteArray(64, 'k') +
+                     QByteArray(3, '\0'));
+        QCOMPARE(controller.m_ssid, "");
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void queriesWifiModule_data() { addRows(bytes); }
+    void queriesWifiModule() {
+        QFETCH(const NumberRow, row);
+        ConnectedController controller;
+        // The other bytes of the record count for nothing.
+        TestBench::set(R"({"factoryOptionsReserved": {"fill": 255}, "wirelessModule": )" +
+                       QByteArray(row.name) + '}');
+        controller.m_lastResult = 4;
+        QCOMPARE(controller.IsWifiModuleEnabled(), row.value != 0);
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(controller.log.lines(),
+                 QStringList(QString("  wifiModuleEnable :      %1\n").arg(row.value)));
+        QCOMPARE(TestBench::detailedCalls(),
+                 QStringList("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} 0"));
+    }
+
+    void failedWifiQueryReadsAsNone() {
+        ConnectedController controller;
+        TestBench::answer("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", -9797);
+        controller.m_lastResult = 4;
+        QVERIFY(!controller.IsWifiModuleEnabled());
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(controller.log.lines(), QStringList());
+    }
+};
 
 TEST_CLASS(TestControllerNetwork)
 #include "tst_controller_network.moc"

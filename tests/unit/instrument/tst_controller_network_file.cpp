@@ -53,119 +53,113 @@ class TestControllerNetworkFile : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init() { TestBench::load(); }
-    void readsFile();
+
+    void readsFile() {
+        const QByteArray path = localFile(m_folder, settings);
+        CKvaSdk_Ctrl controller;
+        controller.m_lastResult = 4;
+        TestBench::clearCalls();
+        const DebugLog log;
+        QVERIFY(controller.ReadNetworkInfoFile(path));
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
+                 QByteArray::fromHex("00000000010000000a0064ffffff00000a00000101020304") +
+                     QByteArray("hall 2").leftJustified(33, '\0') +
+                     QByteArray("secret").leftJustified(67, '\0'));
+        QVERIFY(!controller.m_apConnectUse);
+        QVERIFY(controller.m_dhcpUse);
+        QCOMPARE(controller.m_ssid, "hall 2");
+        QCOMPARE(controller.m_encryptKey, "secret");
+        QCOMPARE(addresses(controller),
+                 QStringList({"10|0|100|255", "255|255|0|0", "10|0|0|1", "1|2|3|4"}));
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(log.lines(), QStringList());
+        QCOMPARE(TestBench::calls(), QStringList());
+    }
+
     void refusesFile_data() { addRows(refusedFiles); }
-    void refusesFile();
-    void failedReadReplacesTheInstrumentsSettings();
-    void writesFile();
-    void failsToWrite();
-    void readsWhatItWrote();
+    void refusesFile() {
+        QFETCH(const RefusedRow, row);
+        const QByteArray path = localFile(m_folder, row.content);
+        CKvaSdk_Ctrl controller;
+        controller.m_lastResult = 4;
+        const DebugLog log;
+        QVERIFY(!controller.ReadNetworkInfoFile(path));
+        QVERIFY(hasNoNetworkTexts(controller));
+        if (row.lines.isEmpty()) {
+            QCOMPARE(controller.m_networkInfo.APConnectUse, row.apConnectUse);
+            QCOMPARE(controller.m_networkInfo.DHCPUse, row.dhcpUse);
+            QCOMPARE(controller.m_networkInfo.SSID, "hall 2");
+        }
+        if (row.content.isNull())
+            QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(log.lines(), row.lines);
+    }
+
+    void failedReadReplacesTheInstrumentsSettings() {
+        ConnectedController controller;
+        QVERIFY(controller.GetNetworkInfo());
+        QVERIFY(!controller.ReadNetworkInfoFile(localFile(m_folder, {})));
+        QVERIFY(hasNoNetworkTexts(controller));
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
+    }
+
+    void writesFile() {
+        ConnectedController controller;
+        QVERIFY(controller.GetNetworkInfo());
+        const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
+        controller.m_lastResult = 4;
+        TestBench::clearCalls();
+        QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
+        QCOMPARE(m_folder.read("out.ini"), "[Network]\n"
+                                           "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
+                                           "DHCPUse=0\n"
+                                           "IPAddress=192.168.0.10\n"
+                                           "SubnetMask=255.255.255.0\n"
+                                           "DefaultGateway=192.168.0.1\n"
+                                           "SSID=press-hall\n"
+                                           "EncryptKey=spectral-key\n"
+                                           "DNS=8.8.4.0\n"
+                                           "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
+                                           "APConnectUse=1\n");
+        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), record);
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(TestBench::calls(), QStringList());
+    }
+
+    void failsToWrite() {
+        CKvaSdk_Ctrl controller;
+        controller.SetSSID("kept");
+        controller.m_lastResult = 4;
+        const DebugLog log;
+        QVERIFY(!controller.WriteNetworkInfoFile(m_folder.localPath("none/out.ini")));
+        QCOMPARE(controller.m_networkInfo.SSID, "kept");
+        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(log.lines(), QStringList("Failed to write network setting file. \n"));
+    }
+
+    void readsWhatItWrote() {
+        CKvaSdk_Ctrl controller;
+        const uint8_t octets[] = {0, 9, 99, 255};
+        controller.m_networkInfo.APConnectUse = 1;
+        controller.m_networkInfo.DHCPUse = 1;
+        controller.SetIPAddress(octets);
+        controller.SetDNS(octets);
+        controller.SetSSID(QByteArray(32, 's'));
+        controller.SetEncryptKey(QByteArray(64, 'k'));
+        const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
+        QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
+        CKvaSdk_Ctrl other;
+        QVERIFY(other.ReadNetworkInfoFile(m_folder.localPath("out.ini")));
+        QCOMPARE(TestBench::bytesOf(other.m_networkInfo), record);
+        QCOMPARE(other.m_ssid, QString(32, 's'));
+        QCOMPARE(other.m_encryptKey, QString(64, 'k'));
+    }
 
 private:
     TestFolder m_folder;
 };
-
-void TestControllerNetworkFile::readsFile() {
-    const QByteArray path = localFile(m_folder, settings);
-    CKvaSdk_Ctrl controller;
-    controller.m_lastResult = 4;
-    TestBench::clearCalls();
-    const DebugLog log;
-    QVERIFY(controller.ReadNetworkInfoFile(path));
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
-             QByteArray::fromHex("00000000010000000a0064ffffff00000a00000101020304") +
-                 QByteArray("hall 2").leftJustified(33, '\0') +
-                 QByteArray("secret").leftJustified(67, '\0'));
-    QVERIFY(!controller.m_apConnectUse);
-    QVERIFY(controller.m_dhcpUse);
-    QCOMPARE(controller.m_ssid, "hall 2");
-    QCOMPARE(controller.m_encryptKey, "secret");
-    QCOMPARE(addresses(controller),
-             QStringList({"10|0|100|255", "255|255|0|0", "10|0|0|1", "1|2|3|4"}));
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), QStringList());
-    QCOMPARE(TestBench::calls(), QStringList());
-}
-
-void TestControllerNetworkFile::refusesFile() {
-    QFETCH(const RefusedRow, row);
-    const QByteArray path = localFile(m_folder, row.content);
-    CKvaSdk_Ctrl controller;
-    controller.m_lastResult = 4;
-    const DebugLog log;
-    QVERIFY(!controller.ReadNetworkInfoFile(path));
-    QVERIFY(hasNoNetworkTexts(controller));
-    if (row.lines.isEmpty()) {
-        QCOMPARE(controller.m_networkInfo.APConnectUse, row.apConnectUse);
-        QCOMPARE(controller.m_networkInfo.DHCPUse, row.dhcpUse);
-        QCOMPARE(controller.m_networkInfo.SSID, "hall 2");
-    }
-    if (row.content.isNull())
-        QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), row.lines);
-}
-
-void TestControllerNetworkFile::failedReadReplacesTheInstrumentsSettings() {
-    ConnectedController controller;
-    QVERIFY(controller.GetNetworkInfo());
-    QVERIFY(!controller.ReadNetworkInfoFile(localFile(m_folder, {})));
-    QVERIFY(hasNoNetworkTexts(controller));
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-}
-
-void TestControllerNetworkFile::writesFile() {
-    ConnectedController controller;
-    QVERIFY(controller.GetNetworkInfo());
-    const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
-    controller.m_lastResult = 4;
-    TestBench::clearCalls();
-    QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
-    QCOMPARE(m_folder.read("out.ini"), "[Network]\n"
-                                       "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
-                                       "DHCPUse=0\n"
-                                       "IPAddress=192.168.0.10\n"
-                                       "SubnetMask=255.255.255.0\n"
-                                       "DefaultGateway=192.168.0.1\n"
-                                       "SSID=press-hall\n"
-                                       "EncryptKey=spectral-key\n"
-                                       "DNS=8.8.4.0\n"
-                                       "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
-                                       "APConnectUse=1\n");
-    QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), record);
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::calls(), QStringList());
-}
-
-void TestControllerNetworkFile::failsToWrite() {
-    CKvaSdk_Ctrl controller;
-    controller.SetSSID("kept");
-    controller.m_lastResult = 4;
-    const DebugLog log;
-    QVERIFY(!controller.WriteNetworkInfoFile(m_folder.localPath("none/out.ini")));
-    QCOMPARE(controller.m_networkInfo.SSID, "kept");
-    QCOMPARE(controller.m_lastResult, 4);
-    QCOMPARE(log.lines(), QStringList("Failed to write network setting file. \n"));
-}
-
-void TestControllerNetworkFile::readsWhatItWrote() {
-    CKvaSdk_Ctrl controller;
-    const uint8_t octets[] = {0, 9, 99, 255};
-    controller.m_networkInfo.APConnectUse = 1;
-    controller.m_networkInfo.DHCPUse = 1;
-    controller.SetIPAddress(octets);
-    controller.SetDNS(octets);
-    controller.SetSSID(QByteArray(32, 's'));
-    controller.SetEncryptKey(QByteArray(64, 'k'));
-    const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
-    QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
-    CKvaSdk_Ctrl other;
-    QVERIFY(other.ReadNetworkInfoFile(m_folder.localPath("out.ini")));
-    QCOMPARE(TestBench::bytesOf(other.m_networkInfo), record);
-    QCOMPARE(other.m_ssid, QString(32, 's'));
-    QCOMPARE(other.m_encryptKey, QString(64, 'k'));
-}
 
 TEST_CLASS(TestControllerNetworkFile)
 #include "tst_controller_network_file.moc"

@@ -19,60 +19,55 @@ class TestControllerPowerOff : public QObject {
 private Q_SLOTS:
     void init() { TestBench::load(); }
     void readsMode_data() { addRows(modes); }
-    void readsMode();
-    void failsToRead();
+    void readsMode() {
+        QFETCH(const NumberRow, row);
+        ConnectedController controller;
+        TestBench::set(R"({"powerOffMode": )" + QByteArray(row.name) + '}');
+        uint8_t mode = 77;
+        QVERIFY(controller.GetShutdownTime(mode));
+        QCOMPARE(qint64{mode}, row.value);
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(),
+                 QStringList(QString("KVA_GetShutdownTime() success[mode:%1].\n").arg(row.value)));
+        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetShutdownTime {} 0"));
+    }
+
+    void failsToRead() {
+        ConnectedController controller;
+        TestBench::answer("KVA_GetShutdownTime", -9796);
+        uint8_t mode = 255;
+        QVERIFY(!controller.GetShutdownTime(mode));
+        QCOMPARE(int{mode}, 255);
+        mode = 1;
+        QVERIFY(!controller.GetShutdownTime(mode));
+        QCOMPARE(int{mode}, 1);
+        QCOMPARE(controller.m_lastResult, -9796);
+        QCOMPARE(controller.log.lines(), QStringList({"KVA_GetShutdownTime() failed[mode:255].\n",
+                                                      "KVA_GetShutdownTime() failed[mode:1].\n"}));
+    }
+
     void writesMode_data() { addRows(modes); }
-    void writesMode();
-    void failsToWrite();
+    void writesMode() {
+        QFETCH(const NumberRow, row);
+        ConnectedController controller;
+        QVERIFY(controller.SetShutdownTime(static_cast<uint8_t>(row.value)));
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(),
+                 QStringList(QString("KVA_SetShutdownTime() success[mode:%1].\n").arg(row.value)));
+        QCOMPARE(TestBench::detailedCalls(),
+                 QStringList(QString(R"(KVA_SetShutdownTime {"mode":%1} 0)").arg(row.value)));
+        QCOMPARE(qint64{heldMode()}, row.value);
+    }
+
+    void failsToWrite() {
+        ConnectedController controller;
+        TestBench::answer("KVA_SetShutdownTime", -9799);
+        QVERIFY(!controller.SetShutdownTime(3));
+        QCOMPARE(controller.m_lastResult, -9799);
+        QCOMPARE(controller.log.lines(), QStringList("KVA_SetShutdownTime() failed[mode:3].\n"));
+        QCOMPARE(heldMode(), 2);
+    }
 };
-
-void TestControllerPowerOff::readsMode() {
-    QFETCH(const NumberRow, row);
-    ConnectedController controller;
-    TestBench::set(R"({"powerOffMode": )" + QByteArray(row.name) + '}');
-    uint8_t mode = 77;
-    QVERIFY(controller.GetShutdownTime(mode));
-    QCOMPARE(qint64{mode}, row.value);
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(),
-             QStringList(QString("KVA_GetShutdownTime() success[mode:%1].\n").arg(row.value)));
-    QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetShutdownTime {} 0"));
-}
-
-void TestControllerPowerOff::failsToRead() {
-    ConnectedController controller;
-    TestBench::answer("KVA_GetShutdownTime", -9796);
-    uint8_t mode = 255;
-    QVERIFY(!controller.GetShutdownTime(mode));
-    QCOMPARE(int{mode}, 255);
-    mode = 1;
-    QVERIFY(!controller.GetShutdownTime(mode));
-    QCOMPARE(int{mode}, 1);
-    QCOMPARE(controller.m_lastResult, -9796);
-    QCOMPARE(controller.log.lines(), QStringList({"KVA_GetShutdownTime() failed[mode:255].\n",
-                                                  "KVA_GetShutdownTime() failed[mode:1].\n"}));
-}
-
-void TestControllerPowerOff::writesMode() {
-    QFETCH(const NumberRow, row);
-    ConnectedController controller;
-    QVERIFY(controller.SetShutdownTime(static_cast<uint8_t>(row.value)));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(),
-             QStringList(QString("KVA_SetShutdownTime() success[mode:%1].\n").arg(row.value)));
-    QCOMPARE(TestBench::detailedCalls(),
-             QStringList(QString(R"(KVA_SetShutdownTime {"mode":%1} 0)").arg(row.value)));
-    QCOMPARE(qint64{heldMode()}, row.value);
-}
-
-void TestControllerPowerOff::failsToWrite() {
-    ConnectedController controller;
-    TestBench::answer("KVA_SetShutdownTime", -9799);
-    QVERIFY(!controller.SetShutdownTime(3));
-    QCOMPARE(controller.m_lastResult, -9799);
-    QCOMPARE(controller.log.lines(), QStringList("KVA_SetShutdownTime() failed[mode:3].\n"));
-    QCOMPARE(heldMode(), 2);
-}
 
 TEST_CLASS(TestControllerPowerOff)
 #include "tst_controller_power_off.moc"

@@ -88,17 +88,125 @@ class TestControllerRegistration : public QObject {
 private Q_SLOTS:
     void init() { TestBench::load(); }
     void registers_data() { addRows(registrations()); }
-    void registers();
-    void registersOneAfterTheOther();
+    void registers() {
+        QFETCH(const RegistrationRow, row);
+        ConnectedController controller;
+        const QByteArray before = calibrationRecord();
+        QCOMPARE(before.size(), 2508);
+        QByteArray expected = before;
+        if (row.held != Nothing)
+            expected = row.accessory.numberedIn(expected, row.serialNo);
+        if (row.held == SerialNoAndValues)
+            expected = row.accessory.valuesIn(expected);
+        TestBench::clearCalls();
+        if (!row.function.isEmpty())
+            TestBench::answer(row.function, row.answer, row.call);
+        QCOMPARE(write(controller, row.accessory, row.content), row.succeeds());
+        QCOMPARE(controller.m_lastResult, row.answer);
+        QCOMPARE(controller.log.lines(), row.lines);
+        QCOMPARE(TestBench::calls(), row.calls);
+        // The texts are those of other operations.
+        QCOMPARE(controller.m_curWCPSerialNo + controller.m_curAmbAdpSerialNo, "");
+        QCOMPARE(controller.m_fileWCPSerialNo + controller.m_fileAmbAdpSerialNo, "");
+        KvaSim_ClearFaults();
+        // A set or commit that failed may have changed the instrument's working copy.
+        if (row.succeeds() || !row.calls.contains(setCall))
+            QCOMPARE(calibrationRecord(), expected);
+        // Nothing is taken back: what was handed over without a commit goes with the power.
+        controller.powerCycle();
+        QCOMPARE(calibrationRecord(), expected);
+    }
+
+    void registersOneAfterTheOther() {
+        ConnectedController controller;
+        const QByteArray before = calibrationRecord();
+        QVERIFY(write(controller, whitePlate, whitePlate.file()));
+        QVERIFY(write(controller, adapter, adapter.file()));
+        QCOMPARE(calibrationRecord(), adapter.registeredIn(whitePlate.registeredIn(before)));
+        QVERIFY(controller.GetCalRefSerialNo());
+        QCOMPARE(controller.m_curWCPSerialNo, "23456789");
+        QCOMPARE(controller.m_curAmbAdpSerialNo, "00054321");
+    }
+
     void readsTheFileAgain_data() { addRows(accessories); }
-    void readsTheFileAgain();
-    void keepsTheInstrumentsSerialNumber();
-    void carriesValuesThatAreNoNumbers();
+    void readsTheFileAgain() {
+        QFETCH(const Accessory, row);
+        ConnectedController controller;
+        const QByteArray before = calibrationRecord();
+        const QByteArray other = row.valueCount == 38 ? "87654321" : "00098765";
+        const QByteArray otherFile = TestBench::valueFile(other, row.valueCount);
+        QVERIFY((controller.*row.read)(localFile(m_folder, otherFile)));
+        QVERIFY(write(controller, row, row.file()));
+        QCOMPARE(calibrationRecord(), row.registeredIn(before));
+        QCOMPARE(controller.*row.fileSerialNo, QString(other));
+    }
+
+    /** The reader skips such a serial line. The values are registered under the number held. */
+    void keepsTheInstrumentsSerialNumber() {
+        ConnectedController controller;
+        const QByteArray before = calibrationRecord();
+        StandardOutput output;
+        QVERIFY(write(controller, whitePlate, TestBench::valueFile("", 38)));
+        QVERIFY(write(controller, adapter, TestBench::valueFile("1234", 75)));
+        QCOMPARE(output.take(), "incorrect data. 1234\n");
+        QCOMPARE(calibrationRecord(), adapter.valuesIn(whitePlate.valuesIn(before)));
+        QCOMPARE(before.left(4).toHex() + before.mid(156, 4).toHex(), "1234567800012345");
+    }
+
+    void carriesValuesThatAreNoNumbers() {
+        const QByteArray odd = R"("0x7fc00001", "0xffa00002", "0x80000000", "0x00000001")";
+        ConnectedController controller;
+        TestBench::set(R"({"calibration": {"committed": {"ambientAdapter": {"values": [)" + odd +
+                       QByteArray(", 1").repeated(71) + "]}}}}");
+        const QByteArray before = calibrationRecord();
+        QCOMPARE(before.mid(160, 16).toHex(), "0100c07f0200a0ff0000008001000000");
+        QVERIFY(write(controller, whitePlate, whitePlate.file()));
+        QCOMPARE(calibrationRecord(), whitePlate.registeredIn(before));
+    }
+
     void commitsWhatAFailedCommitLeft_data() { addRows(accessories); }
-    void commitsWhatAFailedCommitLeft();
-    void refusesTheInstrumentsInvalidSerialNumber();
+
+    /** The record of the failed registration stays in the instrument's working copy. The next
+        registration fetches, completes and commits it. The row "commit" has a power cycle instead,
+        which drops it. */
+    void commitsWhatAFailedCommitLeft() {
+        QFETCH(const Accessory, row);
+        const Accessory& next = row.valueCount == 38 ? adapter : whitePlate;
+        ConnectedController controller;
+        const QByteArray before = calibrationRecord();
+        TestBench::answer(commitCall, -9989, 1);
+        QVERIFY(!write(controller, row, row.file()));
+        TestBench::clearCalls();
+        QVERIFY(write(controller, next, next.file()));
+        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.log.lines(), QStringList(commitFailed));
+        QCOMPARE(TestBench::calls(), allCalls);
+        controller.powerCycle();
+        QCOMPARE(calibrationRecord(), next.registeredIn(row.registeredIn(before)));
+    }
+
+    /** The file leaves the number as it is. So it is the instrument's that is checked. */
+    void refusesTheInstrumentsInvalidSerialNumber() {
+        ConnectedController controller;
+        TestBench::set(R"({"calibration": {"committed": {
+        "white": {"serialNumber": "10000000"}, "ambientAdapter": {"serialNumber": "00100000"}}}})");
+        StandardOutput output;
+        QVERIFY(!write(controller, whitePlate, TestBench::valueFile("", 38)));
+        QVERIFY(!write(controller, adapter, TestBench::valueFile("1234", 75)));
+        QCOMPARE(output.take(), "incorrect data. 1234\n");
+        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(TestBench::calls(), QStringList({getCall, getCall}));
+    }
+
     void failsWithoutConnection_data() { addRows(accessories); }
-    void failsWithoutConnection();
+    void failsWithoutConnection() {
+        QFETCH(const Accessory, row);
+        CKvaSdk_Ctrl controller;
+        const DebugLog log;
+        QVERIFY(!write(controller, row, row.file()));
+        QCOMPARE(controller.m_lastResult, -9998);
+        QCOMPARE(log.lines(), QStringList(getFailed));
+    }
 
 private:
     bool write(CKvaSdk_Ctrl& controller, const Accessory& accessory,
@@ -108,122 +216,6 @@ private:
 
     TestFolder m_folder;
 };
-
-void TestControllerRegistration::registers() {
-    QFETCH(const RegistrationRow, row);
-    ConnectedController controller;
-    const QByteArray before = calibrationRecord();
-    QCOMPARE(before.size(), 2508);
-    QByteArray expected = before;
-    if (row.held != Nothing)
-        expected = row.accessory.numberedIn(expected, row.serialNo);
-    if (row.held == SerialNoAndValues)
-        expected = row.accessory.valuesIn(expected);
-    TestBench::clearCalls();
-    if (!row.function.isEmpty())
-        TestBench::answer(row.function, row.answer, row.call);
-    QCOMPARE(write(controller, row.accessory, row.content), row.succeeds());
-    QCOMPARE(controller.m_lastResult, row.answer);
-    QCOMPARE(controller.log.lines(), row.lines);
-    QCOMPARE(TestBench::calls(), row.calls);
-    // The texts are those of other operations.
-    QCOMPARE(controller.m_curWCPSerialNo + controller.m_curAmbAdpSerialNo, "");
-    QCOMPARE(controller.m_fileWCPSerialNo + controller.m_fileAmbAdpSerialNo, "");
-    KvaSim_ClearFaults();
-    // A set or commit that failed may have changed the instrument's working copy.
-    if (row.succeeds() || !row.calls.contains(setCall))
-        QCOMPARE(calibrationRecord(), expected);
-    // Nothing is taken back: what was handed over without a commit goes with the power.
-    controller.powerCycle();
-    QCOMPARE(calibrationRecord(), expected);
-}
-
-void TestControllerRegistration::registersOneAfterTheOther() {
-    ConnectedController controller;
-    const QByteArray before = calibrationRecord();
-    QVERIFY(write(controller, whitePlate, whitePlate.file()));
-    QVERIFY(write(controller, adapter, adapter.file()));
-    QCOMPARE(calibrationRecord(), adapter.registeredIn(whitePlate.registeredIn(before)));
-    QVERIFY(controller.GetCalRefSerialNo());
-    QCOMPARE(controller.m_curWCPSerialNo, "23456789");
-    QCOMPARE(controller.m_curAmbAdpSerialNo, "00054321");
-}
-
-void TestControllerRegistration::readsTheFileAgain() {
-    QFETCH(const Accessory, row);
-    ConnectedController controller;
-    const QByteArray before = calibrationRecord();
-    const QByteArray other = row.valueCount == 38 ? "87654321" : "00098765";
-    const QByteArray otherFile = TestBench::valueFile(other, row.valueCount);
-    QVERIFY((controller.*row.read)(localFile(m_folder, otherFile)));
-    QVERIFY(write(controller, row, row.file()));
-    QCOMPARE(calibrationRecord(), row.registeredIn(before));
-    QCOMPARE(controller.*row.fileSerialNo, QString(other));
-}
-
-/** The reader skips such a serial line. The values are registered under the number held. */
-void TestControllerRegistration::keepsTheInstrumentsSerialNumber() {
-    ConnectedController controller;
-    const QByteArray before = calibrationRecord();
-    StandardOutput output;
-    QVERIFY(write(controller, whitePlate, TestBench::valueFile("", 38)));
-    QVERIFY(write(controller, adapter, TestBench::valueFile("1234", 75)));
-    QCOMPARE(output.take(), "incorrect data. 1234\n");
-    QCOMPARE(calibrationRecord(), adapter.valuesIn(whitePlate.valuesIn(before)));
-    QCOMPARE(before.left(4).toHex() + before.mid(156, 4).toHex(), "1234567800012345");
-}
-
-void TestControllerRegistration::carriesValuesThatAreNoNumbers() {
-    const QByteArray odd = R"("0x7fc00001", "0xffa00002", "0x80000000", "0x00000001")";
-    ConnectedController controller;
-    TestBench::set(R"({"calibration": {"committed": {"ambientAdapter": {"values": [)" + odd +
-                   QByteArray(", 1").repeated(71) + "]}}}}");
-    const QByteArray before = calibrationRecord();
-    QCOMPARE(before.mid(160, 16).toHex(), "0100c07f0200a0ff0000008001000000");
-    QVERIFY(write(controller, whitePlate, whitePlate.file()));
-    QCOMPARE(calibrationRecord(), whitePlate.registeredIn(before));
-}
-
-/** The record of the failed registration stays in the instrument's working copy. The next
-    registration fetches, completes and commits it. The row "commit" has a power cycle instead,
-    which drops it. */
-void TestControllerRegistration::commitsWhatAFailedCommitLeft() {
-    QFETCH(const Accessory, row);
-    const Accessory& next = row.valueCount == 38 ? adapter : whitePlate;
-    ConnectedController controller;
-    const QByteArray before = calibrationRecord();
-    TestBench::answer(commitCall, -9989, 1);
-    QVERIFY(!write(controller, row, row.file()));
-    TestBench::clearCalls();
-    QVERIFY(write(controller, next, next.file()));
-    QCOMPARE(controller.m_lastResult, 0);
-    QCOMPARE(controller.log.lines(), QStringList(commitFailed));
-    QCOMPARE(TestBench::calls(), allCalls);
-    controller.powerCycle();
-    QCOMPARE(calibrationRecord(), next.registeredIn(row.registeredIn(before)));
-}
-
-/** The file leaves the number as it is. So it is the instrument's that is checked. */
-void TestControllerRegistration::refusesTheInstrumentsInvalidSerialNumber() {
-    ConnectedController controller;
-    TestBench::set(R"({"calibration": {"committed": {
-        "white": {"serialNumber": "10000000"}, "ambientAdapter": {"serialNumber": "00100000"}}}})");
-    StandardOutput output;
-    QVERIFY(!write(controller, whitePlate, TestBench::valueFile("", 38)));
-    QVERIFY(!write(controller, adapter, TestBench::valueFile("1234", 75)));
-    QCOMPARE(output.take(), "incorrect data. 1234\n");
-    QCOMPARE(controller.log.lines(), QStringList());
-    QCOMPARE(TestBench::calls(), QStringList({getCall, getCall}));
-}
-
-void TestControllerRegistration::failsWithoutConnection() {
-    QFETCH(const Accessory, row);
-    CKvaSdk_Ctrl controller;
-    const DebugLog log;
-    QVERIFY(!write(controller, row, row.file()));
-    QCOMPARE(controller.m_lastResult, -9998);
-    QCOMPARE(log.lines(), QStringList(getFailed));
-}
 
 TEST_CLASS(TestControllerRegistration)
 #include "tst_controller_registration.moc"

@@ -90,6 +90,12 @@ QVector<ResultRow> withALostConnection() {
     return rows;
 }
 
+/** Enumerates, and connects where the operation needs it. */
+bool prepare(CKvaSdk_Ctrl& controller, const Operation& operation) {
+    controller.m_lastResult = 77;
+    return controller.GetDevicePortList() && (!operation.isConnected || connects(controller));
+}
+
 struct NameRow {
     QByteArray name;
     int code;
@@ -151,87 +157,74 @@ Q_DECLARE_METATYPE(NameRow)
 class TestControllerResults : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void initTestCase();
+    void initTestCase() {
+        for (const Accessory& accessory : accessories)
+            m_folder.write(accessory.name, accessory.file());
+    }
+
     void init() { TestBench::load(); }
     void warningIsSuccess_data() { addRows(withResults({1, 2, 3, 4, 5, 6, 7, 8, INT_MAX})); }
-    void warningIsSuccess();
-    void negativeIsFailure_data();
-    void negativeIsFailure();
+    void warningIsSuccess() {
+        QFETCH(const ResultRow, row);
+        CKvaSdk_Ctrl controller;
+        QVERIFY(prepare(controller, row.operation));
+        TestBench::answer("*", row.result);
+        const DebugLog log;
+        QVERIFY(row.operation.run(controller));
+        QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
+        QCOMPARE(log.lines().join('|'), row.operation.successLine);
+    }
+
+    void negativeIsFailure_data() {
+        addRows(withResults({-9999, -9995, -9985, -9900, -9799, -9794, -1, INT_MIN}));
+    }
+
+    void negativeIsFailure() {
+        QFETCH(const ResultRow, row);
+        CKvaSdk_Ctrl controller;
+        QVERIFY(prepare(controller, row.operation));
+        TestBench::clearCalls();
+        TestBench::answer("*", row.result);
+        const DebugLog log;
+        QVERIFY(!row.operation.run(controller));
+        QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
+        QCOMPARE(log.lines().join('|'), row.operation.failureLine);
+        QCOMPARE(TestBench::calls().size(), 1); // ended at once
+    }
+
     void lostConnectionFails_data() { addRows(withALostConnection()); }
-    void lostConnectionFails();
+    void lostConnectionFails() {
+        QFETCH(const ResultRow, row);
+        CKvaSdk_Ctrl controller;
+        QVERIFY(prepare(controller, row.operation));
+        TestBench::unplug();
+        const DebugLog log;
+        QVERIFY(!row.operation.run(controller));
+        QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
+        QCOMPARE(log.lines().join('|'), row.operation.failureLine);
+    }
+
     void namesCode_data() { addRows(resultNames()); }
-    void namesCode();
-    void namesNothingElse();
+    void namesCode() {
+        QFETCH(const NameRow, row);
+        const DebugLog log;
+        QCOMPARE(ResultCodeToString(row.code), row.text);
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    /** Of all other values around the two runs, every one. */
+    void namesNothingElse() {
+        for (int code = -10100; code < 0; ++code) {
+            const bool isNamed =
+                (code >= -9999 && code <= -9985) || (code >= -9799 && code <= -9794);
+            QVERIFY2(ResultCodeToString(code).isEmpty() != isNamed, QByteArray::number(code));
+        }
+        QCOMPARE(ResultCodeToString(INT_MIN), "");
+    }
 
 private:
     TestFolder m_folder;
 };
-
-void TestControllerResults::initTestCase() {
-    for (const Accessory& accessory : accessories)
-        m_folder.write(accessory.name, accessory.file());
-}
-
-/** Enumerates, and connects where the operation needs it. */
-bool prepare(CKvaSdk_Ctrl& controller, const Operation& operation) {
-    controller.m_lastResult = 77;
-    return controller.GetDevicePortList() && (!operation.isConnected || connects(controller));
-}
-
-void TestControllerResults::warningIsSuccess() {
-    QFETCH(const ResultRow, row);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(prepare(controller, row.operation));
-    TestBench::answer("*", row.result);
-    const DebugLog log;
-    QVERIFY(row.operation.run(controller));
-    QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
-    QCOMPARE(log.lines().join('|'), row.operation.successLine);
-}
-
-void TestControllerResults::negativeIsFailure_data() {
-    addRows(withResults({-9999, -9995, -9985, -9900, -9799, -9794, -1, INT_MIN}));
-}
-
-void TestControllerResults::negativeIsFailure() {
-    QFETCH(const ResultRow, row);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(prepare(controller, row.operation));
-    TestBench::clearCalls();
-    TestBench::answer("*", row.result);
-    const DebugLog log;
-    QVERIFY(!row.operation.run(controller));
-    QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
-    QCOMPARE(log.lines().join('|'), row.operation.failureLine);
-    QCOMPARE(TestBench::calls().size(), 1); // ended at once
-}
-
-void TestControllerResults::lostConnectionFails() {
-    QFETCH(const ResultRow, row);
-    CKvaSdk_Ctrl controller;
-    QVERIFY(prepare(controller, row.operation));
-    TestBench::unplug();
-    const DebugLog log;
-    QVERIFY(!row.operation.run(controller));
-    QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
-    QCOMPARE(log.lines().join('|'), row.operation.failureLine);
-}
-
-void TestControllerResults::namesCode() {
-    QFETCH(const NameRow, row);
-    const DebugLog log;
-    QCOMPARE(ResultCodeToString(row.code), row.text);
-    QCOMPARE(log.lines(), QStringList());
-}
-
-/** Of all other values around the two runs, every one. */
-void TestControllerResults::namesNothingElse() {
-    for (int code = -10100; code < 0; ++code) {
-        const bool isNamed = (code >= -9999 && code <= -9985) || (code >= -9799 && code <= -9794);
-        QVERIFY2(ResultCodeToString(code).isEmpty() != isNamed, QByteArray::number(code));
-    }
-    QCOMPARE(ResultCodeToString(INT_MIN), "");
-}
 
 TEST_CLASS(TestControllerResults)
 #include "tst_controller_results.moc"

@@ -53,49 +53,44 @@ QStringList functionSymbols(const char* prefix) {
 class TestSymbols : public QObject {
     Q_OBJECT
 private Q_SLOTS:
-    void importsTheThirteenFunctions();
-    void exportsThemOnMacOs();
-    void needsTheLibraryByName();
-    void looksBesideItsFolder();
-};
-
-void TestSymbols::importsTheThirteenFunctions() {
-    const QString table = outputOf(VQTL4_NM, {"-D", VQTL4_PROGRAM});
-    QVERIFY(!table.isEmpty());
-    QStringList symbols;
-    const QStringList lines = table.split('\n', Qt::SkipEmptyParts);
-    for (const QString& line : lines) {
-        if (line.contains("KVA", Qt::CaseInsensitive))
-            symbols.append(line.simplified());
+    void importsTheThirteenFunctions() {
+        const QString table = outputOf(VQTL4_NM, {"-D", VQTL4_PROGRAM});
+        QVERIFY(!table.isEmpty());
+        QStringList symbols;
+        const QStringList lines = table.split('\n', Qt::SkipEmptyParts);
+        for (const QString& line : lines) {
+            if (line.contains("KVA", Qt::CaseInsensitive))
+                symbols.append(line.simplified());
+        }
+        symbols.sort();
+        QCOMPARE(symbols, functionSymbols("U "));
     }
-    symbols.sort();
-    QCOMPARE(symbols, functionSymbols("U "));
-}
 
-/** By the simulated library, whose list for the linker there is kept by hand. */
-void TestSymbols::exportsThemOnMacOs() {
-    QFile file(VQTL4_MACOS_EXPORTS);
-    QVERIFY(file.open(QIODevice::ReadOnly));
-    const QRegularExpression noComment("^[^#]");
-    QStringList names =
-        QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts).filter(noComment);
-    names.sort();
-    // The linker's names have an underscore before the compiler's.
-    QStringList expected = functionSymbols("_") << "_KvaSim_*";
-    expected.sort();
-    QCOMPARE(names, expected);
-}
+    /** By the simulated library, whose list for the linker there is kept by hand. */
+    void exportsThemOnMacOs() {
+        QFile file(VQTL4_MACOS_EXPORTS);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QRegularExpression noComment("^[^#]");
+        QStringList names =
+            QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts).filter(noComment);
+        names.sort();
+        // The linker's names have an underscore before the compiler's.
+        QStringList expected = functionSymbols("_") << "_KvaSim_*";
+        expected.sort();
+        QCOMPARE(names, expected);
+    }
 
-void TestSymbols::needsTheLibraryByName() {
-    const QStringList libraries = dynamicEntries("NEEDED");
-    QCOMPARE(libraries.filter("KVA", Qt::CaseInsensitive), QStringList("libKVASDK.so"));
-}
+    void needsTheLibraryByName() {
+        const QStringList libraries = dynamicEntries("NEEDED");
+        QCOMPARE(libraries.filter("KVA", Qt::CaseInsensitive), QStringList("libKVASDK.so"));
+    }
 
-void TestSymbols::looksBesideItsFolder() {
-    // RUNPATH, not RPATH: LD_LIBRARY_PATH comes before it.
-    QCOMPARE(dynamicEntries("RUNPATH"), QStringList("$ORIGIN/../lib"));
-    QCOMPARE(dynamicEntries("RPATH"), QStringList());
-}
+    void looksBesideItsFolder() {
+        // RUNPATH, not RPATH: LD_LIBRARY_PATH comes before it.
+        QCOMPARE(dynamicEntries("RUNPATH"), QStringList("$ORIGIN/../lib"));
+        QCOMPARE(dynamicEntries("RPATH"), QStringList());
+    }
+};
 
 TEST_CLASS(TestSymbols)
 #include "tst_symbols.moc"
