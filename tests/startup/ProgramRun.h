@@ -1,28 +1,31 @@
 #ifndef TESTS_STARTUP_PROGRAMRUN_H
 #define TESTS_STARTUP_PROGRAMRUN_H
 
+#include "tests/support/TestFolder.h"
+
 #include <QJsonArray>
 #include <QJsonObject>
 #include <QProcess>
-#include <QProcessEnvironment>
 #include <QStringList>
-#include <QTemporaryDir>
 #include <QVector>
 
-/** An instrument on the bench. USB without a port name. */
-QJsonObject instrument(int serialNumber, const QString& portName = QString());
+inline const QString unitedStates = "en_US.UTF-8";
+inline const QString japan = "ja_JP.UTF-8";
 
 /** A bench of the first so many of: 1000001 by USB, 1000002 at 192.168.0.20, 1000003 by USB. */
 QJsonObject benchOf(int instruments, const QJsonArray& faults = {});
 
 /** A rule: the nth call of a function has this result. 0: every call. */
-QJsonObject fault(const QString& function, int call, const QString& result);
+QJsonObject fault(const QString& function, int call, const QString& result = "KVA_ERROR");
 
 /** The text of a widget in the state of a window. */
-QString textIn(const QJsonObject& state, const char* objectName);
+QString textIn(const QJsonObject& state, const QString& objectName);
 
 /** A list in the state of a window: "checked", "disabled", "rows". */
-QStringList namesIn(const QJsonObject& state, const char* list);
+QStringList namesIn(const QJsonObject& state, const QString& list);
+
+/** A message box as the story names it. */
+QString boxNamed(const QString& text);
 
 /**
  * One run of the program as a child process, on simulated instruments of its own, in a temporary
@@ -30,7 +33,8 @@ QStringList namesIn(const QJsonObject& state, const char* list);
  */
 class ProgramRun {
 public:
-    ProgramRun();
+    /** In English, unless `locale` is changed. */
+    explicit ProgramRun(const QJsonArray& userSteps, const QJsonObject& instruments = benchOf(2));
 
     /** Runs the program until it ends by itself. False: see `problem`. A run is good when it ended
         with the exit status 0, every step was taken, and standard error carries the log. */
@@ -53,23 +57,23 @@ public:
     /** What the windows of a class showed before each step that was taken in them. */
     QVector<QJsonObject> states(const QString& className) const;
     /** The first of them; empty when there was none. */
-    QJsonObject state(const QString& className) const;
+    QJsonObject state(const QString& className) const { return states(className).value(0); }
     /** The texts of the message boxes, in order. */
     QStringList boxTexts() const;
 
+    QJsonArray steps;
+    QJsonObject bench;
     QString program;                 ///< path; the built one unless changed
     QString locale;                  ///< for LC_ALL; none when empty
     QProcessEnvironment environment; ///< what else is set for the program
-    QJsonObject bench;               ///< two instruments unless changed
-    QJsonArray steps;
 
 private:
     QProcessEnvironment childEnvironment() const;
-    void readRecord();
-    QByteArray findProblem(const QProcess& process);
-    QString path(const QString& name) const;
+    QByteArray findProblem(const QProcess& process) const;
+    /** The lines of the story that begin with this word, without it. */
+    QStringList told(const QString& word) const;
 
-    QTemporaryDir m_folder;
+    TestFolder m_folder;
     QVector<QJsonObject> m_events;
     QByteArray m_standardError;
     QByteArray m_problem;

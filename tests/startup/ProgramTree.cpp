@@ -1,73 +1,50 @@
 #include "tests/startup/ProgramTree.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
 #include <QTranslator>
 
 namespace {
 
-const QString programFile = QStringLiteral(VQTL4_PROGRAM);
-const QString libraryFile = QStringLiteral(VQTL4_LIBRARY);
-
-QString builtResource(const QString& name) {
-    return QStringLiteral(VQTL4_RESOURCES) + QLatin1Char('/') + name;
+void copy(const QString& source, const QString& path) {
+    QFile::remove(path);
+    if (!QDir().mkpath(QFileInfo(path).path()) || !QFile::copy(source, path))
+        giveUp(source + " cannot be copied to " + path);
 }
 
-bool replace(const QString& path, const QString& source) {
-    return (!QFile::exists(path) || QFile::remove(path)) && QFile::copy(source, path);
+QString builtResource(const QString& name) {
+    return QString(VQTL4_RESOURCES "/") + name;
 }
 
 } // namespace
 
 ProgramTree::ProgramTree() {
-    const QDir folder(m_folder.path());
-    m_isComplete = folder.mkdir(QStringLiteral("bin")) && folder.mkdir(QStringLiteral("lib")) &&
-                   folder.mkdir(QStringLiteral("Resources")) &&
-                   QFile::copy(programFile, program()) && QFile::copy(libraryFile, library());
-    for (const QString& name :
-         {QStringLiteral("en.qm"), QStringLiteral("jp.qm"), QStringLiteral("VQ_TL4.ico")})
-        m_isComplete = m_isComplete && QFile::copy(builtResource(name), resource(name));
+    copy(VQTL4_PROGRAM, program());
+    replaceLibrary(VQTL4_LIBRARY);
+    for (const QString& name : {english, japanese, QString("VQ_TL4.ico")})
+        copy(builtResource(name), resource(name));
 }
 
 QString ProgramTree::program() const {
-    return m_folder.filePath(QStringLiteral("bin/") + QFileInfo(programFile).fileName());
+    return m_folder.path("bin/" + QFileInfo(VQTL4_PROGRAM).fileName());
 }
 
-QString ProgramTree::library() const {
-    return m_folder.filePath(QStringLiteral("lib/") + QFileInfo(libraryFile).fileName());
+void ProgramTree::removeResource(const QString& name) const {
+    if (!QFile::remove(resource(name)))
+        giveUp(resource(name) + " cannot be removed");
 }
 
-QString ProgramTree::resource(const QString& name) const {
-    return m_folder.filePath(QStringLiteral("Resources/") + name);
+void ProgramTree::writeResource(const QString& name, const QByteArray& content) const {
+    m_folder.write("Resources/" + name, content);
 }
 
-bool ProgramTree::isComplete() const {
-    return m_isComplete;
-}
-
-bool ProgramTree::replaceResource(const QString& name, const QString& source) const {
-    return replace(resource(name), source);
-}
-
-bool ProgramTree::replaceLibrary(const QString& source) const {
-    return replace(library(), source);
-}
-
-bool ProgramTree::removeResource(const QString& name) const {
-    return QFile::remove(resource(name));
-}
-
-bool ProgramTree::damageResource(const QString& name, const QByteArray& content) const {
-    QFile file(resource(name));
-    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-           file.write(content) == content.size();
+void ProgramTree::replaceLibrary(const QString& source) const {
+    copy(source, m_folder.path("lib/" + QFileInfo(VQTL4_LIBRARY).fileName()));
 }
 
 QString translated(const QString& fileName, const char* context, const char* text) {
     QTranslator translator;
     if (!translator.load(builtResource(fileName)))
-        return QStringLiteral("%1 cannot be read").arg(fileName);
+        giveUp(fileName + " cannot be read");
     const QString found = translator.translate(context, text);
-    return found.isNull() ? QString::fromUtf8(text) : found;
+    return found.isNull() ? text : found;
 }

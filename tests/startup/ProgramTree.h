@@ -1,32 +1,29 @@
 #ifndef TESTS_STARTUP_PROGRAMTREE_H
 #define TESTS_STARTUP_PROGRAMTREE_H
 
-#include <QString>
-#include <QTemporaryDir>
+#include "tests/support/TestFolder.h"
 
-/** A copy of the program with its library and its resources, to be changed before a run. */
+inline const QString english = "en.qm";
+inline const QString japanese = "jp.qm";
+
+/** A copy of the program with its library and its resources, to be changed before a run. Gives up
+    when a file cannot be copied, written or removed. */
 class ProgramTree {
 public:
     ProgramTree();
 
     QString program() const;
-    QString library() const;
     /** The path of a file in the folder of the resources. */
-    QString resource(const QString& name) const;
+    QString resource(const QString& name) const { return m_folder.path("Resources/" + name); }
 
-    bool isComplete() const; ///< all was copied
-
-    /** Puts a copy of a file in the place of a resource. */
-    bool replaceResource(const QString& name, const QString& source) const;
-    /** Puts a copy of another library in the place of libKVASDK. */
-    bool replaceLibrary(const QString& source) const;
-    bool removeResource(const QString& name) const;
+    void removeResource(const QString& name) const;
     /** Writes a resource that holds just these bytes. */
-    bool damageResource(const QString& name, const QByteArray& content) const;
+    void writeResource(const QString& name, const QByteArray& content) const;
+    /** Puts a copy of another library in the place of libKVASDK. */
+    void replaceLibrary(const QString& source) const;
 
 private:
-    QTemporaryDir m_folder;
-    bool m_isComplete = false;
+    TestFolder m_folder;
 };
 
 /** A text as a file of translations has it; the text itself where it has none.

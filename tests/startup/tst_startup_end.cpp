@@ -1,291 +1,258 @@
 #include "tests/startup/ProgramRun.h"
 #include "tests/startup/ProgramTree.h"
 #include "tests/startup/Steps.h"
+#include "tests/support/TestMain.h"
 
 #include <QFileInfo>
-#include <QtTest>
 
 using namespace Steps;
 
 namespace {
 
-const QString registration = QStringLiteral("KVA_RegisterDeviceEventHandler");
+const QString registration = "KVA_RegisterDeviceEventHandler";
+const QString notConnected = "The measuring instruments is not connected.";
 
-/** The story of a run in English up to the call that lists the instruments. */
-QStringList storyOfTheLanguage() {
-    return {registration, QStringLiteral("shown LangSelectDialog"),
-            QStringLiteral("hidden LangSelectDialog"), QStringLiteral("log select English:1")};
-}
-
-QStringList storyOfTheList(int count) {
-    return {QStringLiteral("KVA_GetDevicePortList"),
-            QStringLiteral("log port count[%1] \n").arg(count),
-            QStringLiteral("KVA_GetDevicePortList")};
+/** The story of a run in English up to the list of the instruments. */
+QStringList storyOfTheStart(int count) {
+    return {registration,
+            "shown LangSelectDialog",
+            "hidden LangSelectDialog",
+            "log select English:1",
+            "KVA_GetDevicePortList",
+            QString("log port count[%1] \n").arg(count),
+            "KVA_GetDevicePortList"};
 }
 
 /** The settings dialog fills itself from the instrument, then comes up. */
-QStringList storyOfTheConnection() {
-    return {QStringLiteral("KVA_Connect"),
-            QStringLiteral("KVA_GetDeviceInfo"),
-            QStringLiteral("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA"),
-            QStringLiteral("log   wifiModuleEnable :      1\n"),
-            QStringLiteral("KVA_GetNetworkInfo"),
-            QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA"),
-            QStringLiteral("KVA_GetShutdownTime"),
-            QStringLiteral("log KVA_GetShutdownTime() success[mode:2].\n"),
-            QStringLiteral("shown InitSettingDialog")};
-}
+const QStringList storyOfTheConnection = {"KVA_Connect",
+                                          "KVA_GetDeviceInfo",
+                                          "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA",
+                                          "log   wifiModuleEnable :      1\n",
+                                          "KVA_GetNetworkInfo",
+                                          "KVA_JIG_GetFactoryCalib_CALREFDATA",
+                                          "KVA_GetShutdownTime",
+                                          "log KVA_GetShutdownTime() success[mode:2].\n",
+                                          "shown InitSettingDialog"};
 
 /** The settings dialog goes first, the controller last but before the application object. */
-QStringList storyOfTheEnd() {
-    return {QStringLiteral("hidden InitSettingDialog"),
-            QStringLiteral("destroyed InitSettingDialog"),
-            QStringLiteral("destroyed ConnectSelectDialog"),
-            QStringLiteral("destroyed LangSelectDialog"),
-            registration,
-            QStringLiteral("application ends")};
+const QStringList storyOfTheEnd = {"hidden InitSettingDialog",
+                                   "destroyed InitSettingDialog",
+                                   "destroyed ConnectSelectDialog",
+                                   "destroyed LangSelectDialog",
+                                   registration,
+                                   "application ends"};
+
+/** A run that is told to the end. */
+struct StoryRow {
+    const char* name;
+    int instruments;
+    QJsonArray faults;
+    QJsonArray steps;
+    QStringList story; ///< between the start and the end
+};
+
+QVector<StoryRow> stories() {
+    const QStringList choice = {
+        "log select portNum[ConnectSelectDialog]:0",
+        "shown ConnectSelectDialog",
+        "log select portNum[ConnectSelectDialog]:1",
+        "hidden ConnectSelectDialog",
+        "log select portNum[main]:1",
+    };
+    const auto boxStory = [](const QString& text) {
+        return QStringList({"shown " + boxNamed(text), "hidden " + boxNamed(text)});
+    };
+    QVector<StoryRow> rows;
+    rows.append({"one instrument",
+                 1,
+                 {},
+                 {confirmLanguage, disconnectInstrument, pressClose},
+                 storyOfTheConnection + QStringList("KVA_Disconnect")});
+    rows.append(
+        {"two instruments",
+         2,
+         {},
+         {confirmLanguage, selectRow(1), confirmInstrument, disconnectInstrument, pressClose},
+         choice + storyOfTheConnection + QStringList("KVA_Disconnect")});
+    rows.append({"no enumeration",
+                 1,
+                 {fault("KVA_GetDevicePortList", 2)},
+                 {confirmLanguage, dismissBox, pressClose},
+                 boxStory(notConnected) + QStringList("shown InitSettingDialog")});
+    rows.append({"closed, and disconnect fails",
+                 1,
+                 {fault("KVA_Disconnect", 0, "KVA_ERROR_DISCONNECT")},
+                 {confirmLanguage, closeWindow(settingsDialog), dismissBox},
+                 storyOfTheConnection + QStringList({"KVA_Disconnect", "log diconect error \n"}) +
+                     boxStory("Failed to disconnect device.")});
+    return rows;
+}
+
+/** A way to end. */
+struct EndRow {
+    const char* name;
+    QJsonArray steps;
+    QStringList windows;
+    QJsonArray faults = {};
+};
+
+const QStringList bothDialogs = {languageDialog, settingsDialog};
+
+const EndRow ends[] = {
+    {"cancelled", {closeWindow(languageDialog)}, {languageDialog}},
+    {"language rejected", {step(languageDialog, "reject")}, {languageDialog}},
+    {"language hidden", {step(languageDialog, "hide")}, {languageDialog}},
+    {"disconnected", {confirmLanguage, disconnectInstrument, pressClose}, bothDialogs},
+    {"closed", {confirmLanguage, closeWindow(settingsDialog)}, bothDialogs},
+    // Nothing is made of it.
+    {"registration fails",
+     {confirmLanguage, disconnectInstrument, pressClose},
+     bothDialogs,
+     {fault(registration, 0)}},
+};
+
+/** A way to leave the settings dialog. */
+struct LeaveRow {
+    const char* name;
+    QJsonObject step;
+};
+
+const LeaveRow leaves[] = {{"closed", closeWindow(settingsDialog)},
+                           {"rejected", step(settingsDialog, "reject")},
+                           {"hidden", step(settingsDialog, "hide")}};
+
+/** How another libKVASDK comes to be used, and what it shows for. */
+struct LibraryRow {
+    const char* name;
+    QString replacement; ///< of the file in lib; empty: none
+    QString variable;    ///< of the environment; empty: none
+    QString value;
+    QJsonArray steps;
+    QStringList windows;
+    QString serialNumber; ///< shown
+};
+
+QVector<LibraryRow> libraries() {
+    const QString serving = OTHER_SDK_SERVING;
+    const QString folder = QFileInfo(serving).path();
+    const QJsonArray use = {confirmLanguage, disconnectInstrument, pressClose};
+    const QJsonArray dismiss = {confirmLanguage, dismissBox, pressClose};
+    const QStringList withBox = {languageDialog, boxNamed(notConnected), settingsDialog};
+    QVector<LibraryRow> rows;
+    rows.append({"in lib", serving, "", "", use, bothDialogs, "07654321"});
+    rows.append(
+        {"on the library path", "", "LD_LIBRARY_PATH", folder, use, bothDialogs, "07654321"});
+    rows.append({"preloaded", "", "LD_PRELOAD", serving, use, bothDialogs, "07654321"});
+    rows.append({"in lib, failing", OTHER_SDK_FAILING, "", "", dismiss, withBox, ""});
+    return rows;
 }
 
 /** Whether each registration of an event handler named one, in order. */
 QVector<bool> registrations(const ProgramRun& run) {
     QVector<bool> handlers;
     for (const QJsonObject& call : run.calls()) {
-        const QJsonObject arguments = call.value(QLatin1String("arguments")).toObject();
-        if (call.value(QLatin1String("function")).toString() == registration)
-            handlers.append(arguments.value(QLatin1String("handler")).toBool());
+        if (call["function"] == registration)
+            handlers.append(call["arguments"]["handler"].toBool());
     }
     return handlers;
 }
 
 } // namespace
+Q_DECLARE_METATYPE(StoryRow)
+Q_DECLARE_METATYPE(EndRow)
+Q_DECLARE_METATYPE(LeaveRow)
+Q_DECLARE_METATYPE(LibraryRow)
 
 class TestStartupEnd : public QObject {
     Q_OBJECT
-
 private Q_SLOTS:
-    void storyWithOneInstrument();
-    void storyWithTwoInstruments();
-    void storyWithoutEnumeration();
-    void handlerIsRemovedAtTheEnd_data();
-    void handlerIsRemovedAtTheEnd();
-    void leftWhileConnected_data();
-    void leftWhileConnected();
-    void closedWhileConnectedAndDisconnectFails();
-    void registrationFails();
-    void fontAndIconOfTheApplication();
-    void otherLibrary_data();
-    void otherLibrary();
-    void otherLibraryThatFails();
+    void story_data() { addRows(stories()); }
+    void story() {
+        QFETCH(const StoryRow, row);
+        ProgramRun run(row.steps, benchOf(row.instruments, row.faults));
+
+        QVERIFY2(run.run(), run.problem());
+
+        const QStringList expected = storyOfTheStart(row.instruments) + row.story + storyOfTheEnd;
+        QVERIFY2(run.story() == expected, run.problem());
+    }
+
+    void handlerIsRemovedAtTheEnd_data() { addRows(ends); }
+    void handlerIsRemovedAtTheEnd() {
+        QFETCH(const EndRow, row);
+        ProgramRun run(row.steps, benchOf(1, row.faults));
+
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.shownWindows(), row.windows);
+        QCOMPARE(registrations(run), QVector<bool>({true, false}));
+        QCOMPARE(run.calledFunctions().first(), registration);
+        QCOMPARE(run.calledFunctions().last(), registration);
+    }
+
+    /** By the window's close control, or by any other way of making it disappear. */
+    void leftWhileConnected_data() { addRows(leaves); }
+    void leftWhileConnected() {
+        QFETCH(const LeaveRow, row);
+        ProgramRun run({confirmLanguage, row.step}, benchOf(1));
+
+        QVERIFY2(run.run(), run.problem());
+
+        // What is hidden first is closed after that: the same calls, in another order.
+        QStringList expected = storyOfTheStart(1) + storyOfTheConnection +
+                               QStringList("KVA_Disconnect") + storyOfTheEnd;
+        QStringList story = run.story();
+        QCOMPARE(story.mid(story.size() - 5), storyOfTheEnd.mid(1));
+        expected.sort();
+        story.sort();
+        QVERIFY2(story == expected, run.problem());
+        QCOMPARE(run.boxTexts(), QStringList());
+    }
+
+    void fontAndIconOfTheApplication() {
+        ProgramRun run({confirmLanguage, confirmInstrument, dismissBox, pressClose},
+                       benchOf(2, {fault("KVA_Connect", 0, "KVA_ERROR_CONNECT")}));
+
+        QVERIFY2(run.run(), run.problem());
+
+        const QJsonObject font = {
+            {"family", "San Francisco"}, {"pointSize", 13}, {"weight", 50}, {"isItalic", false}};
+        const QJsonArray widths = {16, 32, 48, 64, 128, 256};
+        for (const QString& window :
+             {languageDialog, instrumentDialog, messageBox, settingsDialog}) {
+            const QJsonObject state = run.state(window);
+            QCOMPARE(state["font"].toObject(), font);
+            QCOMPARE(state["windowFontFamily"], font["family"]);
+            QCOMPARE(state["applicationIconWidths"].toArray(), widths);
+            QCOMPARE(state["iconWidths"].toArray(), widths);
+            QCOMPARE(state["ownIcon"], QJsonValue(true));
+            QCOMPARE(state["hasParent"], QJsonValue(false));
+        }
+    }
+
+    /** Another library of the name serves without a rebuild. */
+    void otherLibrary_data() { addRows(libraries()); }
+    void otherLibrary() {
+        QFETCH(const LibraryRow, row);
+        const ProgramTree tree;
+        if (!row.replacement.isEmpty())
+            tree.replaceLibrary(row.replacement);
+        ProgramRun run(row.steps);
+        run.program = tree.program();
+        if (!row.variable.isEmpty())
+            run.environment.insert(row.variable, row.value);
+        // A preloaded library comes before the run-time library of the sanitizer, where there is
+        // one.
+        run.environment.insert("ASAN_OPTIONS",
+                               qEnvironmentVariable("ASAN_OPTIONS") + ":verify_asan_link_order=0");
+
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.shownWindows(), row.windows);
+        QCOMPARE(textIn(run.state(settingsDialog), "serialNolabel"), row.serialNumber);
+        QCOMPARE(run.calledFunctions(), QStringList()); // not the simulator, which would trace
+    }
 };
 
-void TestStartupEnd::storyWithOneInstrument() {
-    ProgramRun run;
-    run.bench = benchOf(1);
-    run.steps = {confirmLanguage(), disconnectInstrument(), pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    const QStringList expected = storyOfTheLanguage() + storyOfTheList(1) + storyOfTheConnection() +
-                                 QStringList(QStringLiteral("KVA_Disconnect")) + storyOfTheEnd();
-    QVERIFY2(run.story() == expected, run.problem());
-}
-
-void TestStartupEnd::storyWithTwoInstruments() {
-    ProgramRun run;
-    run.steps = {confirmLanguage(), selectRow(1), confirmInstrument(), disconnectInstrument(),
-                 pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    const QStringList choice = {
-        QStringLiteral("log select portNum[ConnectSelectDialog]:0"),
-        QStringLiteral("shown ConnectSelectDialog"),
-        QStringLiteral("log select portNum[ConnectSelectDialog]:1"),
-        QStringLiteral("hidden ConnectSelectDialog"),
-        QStringLiteral("log select portNum[main]:1"),
-    };
-    const QStringList expected = storyOfTheLanguage() + storyOfTheList(2) + choice +
-                                 storyOfTheConnection() +
-                                 QStringList(QStringLiteral("KVA_Disconnect")) + storyOfTheEnd();
-    QVERIFY2(run.story() == expected, run.problem());
-}
-
-void TestStartupEnd::storyWithoutEnumeration() {
-    ProgramRun run;
-    run.bench = benchOf(
-        1, {fault(QStringLiteral("KVA_GetDevicePortList"), 2, QStringLiteral("KVA_ERROR"))});
-    run.steps = {confirmLanguage(), dismissBox(), pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    const QString box =
-        QStringLiteral("QMessageBox \"The measuring instruments is not connected.\"");
-    const QStringList expected =
-        storyOfTheLanguage() + storyOfTheList(1) +
-        QStringList({QStringLiteral("shown ") + box, QStringLiteral("hidden ") + box,
-                     QStringLiteral("shown InitSettingDialog")}) +
-        storyOfTheEnd();
-    QVERIFY2(run.story() == expected, run.problem());
-}
-
-void TestStartupEnd::handlerIsRemovedAtTheEnd_data() {
-    QTest::addColumn<QJsonArray>("steps");
-
-    QTest::newRow("cancelled") << QJsonArray{closeWindow(languageDialog)};
-    QTest::newRow("language rejected") << QJsonArray{rejectWindow(languageDialog)};
-    QTest::newRow("language hidden") << QJsonArray{hideWindow(languageDialog)};
-    QTest::newRow("disconnected") << QJsonArray{confirmLanguage(), disconnectInstrument(),
-                                                pressClose()};
-    QTest::newRow("closed") << QJsonArray{confirmLanguage(), closeWindow(settingsDialog)};
-}
-
-void TestStartupEnd::handlerIsRemovedAtTheEnd() {
-    QFETCH(QJsonArray, steps);
-    ProgramRun run;
-    run.bench = benchOf(1);
-    run.steps = steps;
-
-    QVERIFY2(run.run(), run.problem());
-
-    QCOMPARE(registrations(run), QVector<bool>({true, false}));
-    QCOMPARE(run.calledFunctions().first(), registration);
-    QCOMPARE(run.calledFunctions().last(), registration);
-}
-
-void TestStartupEnd::leftWhileConnected_data() {
-    QTest::addColumn<QJsonObject>("leave");
-
-    QTest::newRow("closed") << closeWindow(settingsDialog);
-    QTest::newRow("rejected") << rejectWindow(settingsDialog);
-    QTest::newRow("hidden") << hideWindow(settingsDialog);
-}
-
-/** By the window's close control, or by any other way of making it disappear. */
-void TestStartupEnd::leftWhileConnected() {
-    QFETCH(QJsonObject, leave);
-    ProgramRun run;
-    run.bench = benchOf(1);
-    run.steps = {confirmLanguage(), leave};
-
-    QVERIFY2(run.run(), run.problem());
-
-    // What is hidden first is closed after that: the same calls, in another order.
-    const auto sorted = [](QStringList lines) {
-        lines.sort();
-        return lines;
-    };
-    const QStringList expected = storyOfTheLanguage() + storyOfTheList(1) + storyOfTheConnection() +
-                                 QStringList(QStringLiteral("KVA_Disconnect")) + storyOfTheEnd();
-    QVERIFY2(sorted(run.story()) == sorted(expected), run.problem());
-    QCOMPARE(run.story().mid(run.story().size() - 5), storyOfTheEnd().mid(1));
-    QCOMPARE(run.boxTexts(), QStringList());
-}
-
-void TestStartupEnd::closedWhileConnectedAndDisconnectFails() {
-    ProgramRun run;
-    run.bench = benchOf(
-        1, {fault(QStringLiteral("KVA_Disconnect"), 0, QStringLiteral("KVA_ERROR_DISCONNECT"))});
-    run.steps = {confirmLanguage(), closeWindow(settingsDialog), dismissBox()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    const QString box = QStringLiteral("QMessageBox \"Failed to disconnect device.\"");
-    const QStringList expected =
-        storyOfTheLanguage() + storyOfTheList(1) + storyOfTheConnection() +
-        QStringList({QStringLiteral("KVA_Disconnect"), QStringLiteral("log diconect error \n"),
-                     QStringLiteral("shown ") + box, QStringLiteral("hidden ") + box}) +
-        storyOfTheEnd();
-    QVERIFY2(run.story() == expected, run.problem());
-}
-
-/** Nothing is made of it. */
-void TestStartupEnd::registrationFails() {
-    ProgramRun run;
-    run.bench = benchOf(1, {fault(registration, 0, QStringLiteral("KVA_ERROR"))});
-    run.steps = {confirmLanguage(), disconnectInstrument(), pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    QCOMPARE(run.shownWindows(), QStringList({languageDialog, settingsDialog}));
-    QCOMPARE(registrations(run), QVector<bool>({true, false}));
-}
-
-void TestStartupEnd::fontAndIconOfTheApplication() {
-    ProgramRun run;
-    run.bench =
-        benchOf(2, {fault(QStringLiteral("KVA_Connect"), 0, QStringLiteral("KVA_ERROR_CONNECT"))});
-    run.steps = {confirmLanguage(), confirmInstrument(), dismissBox(), pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    const QJsonObject font = {{QStringLiteral("family"), QStringLiteral("San Francisco")},
-                              {QStringLiteral("pointSize"), 13},
-                              {QStringLiteral("weight"), 50},
-                              {QStringLiteral("isItalic"), false}};
-    const QJsonArray widths = {16, 32, 48, 64, 128, 256};
-    for (const QString& window : {languageDialog, instrumentDialog, messageBox, settingsDialog}) {
-        const QJsonObject state = run.state(window);
-        QCOMPARE(state.value(QLatin1String("font")).toObject(), font);
-        QCOMPARE(state.value(QLatin1String("windowFontFamily")),
-                 font.value(QLatin1String("family")));
-        QCOMPARE(state.value(QLatin1String("applicationIconWidths")).toArray(), widths);
-        QCOMPARE(state.value(QLatin1String("iconWidths")).toArray(), widths);
-        QCOMPARE(state.value(QLatin1String("ownIcon")).toBool(), true);
-        QCOMPARE(state.value(QLatin1String("hasParent")).toBool(true), false);
-    }
-}
-
-void TestStartupEnd::otherLibrary_data() {
-    QTest::addColumn<bool>("isReplaced");
-    QTest::addColumn<QString>("variable");
-    QTest::addColumn<QString>("value");
-
-    const QString library = QStringLiteral(OTHER_SDK_SERVING);
-    QTest::newRow("in lib") << true << QString() << QString();
-    QTest::newRow("on the library path")
-        << false << QStringLiteral("LD_LIBRARY_PATH") << QFileInfo(library).path();
-    QTest::newRow("preloaded") << false << QStringLiteral("LD_PRELOAD") << library;
-}
-
-/** Another library of the name serves without a rebuild. */
-void TestStartupEnd::otherLibrary() {
-    QFETCH(bool, isReplaced);
-    QFETCH(QString, variable);
-    QFETCH(QString, value);
-    ProgramTree tree;
-    QVERIFY(tree.isComplete());
-    QVERIFY(!isReplaced || tree.replaceLibrary(QStringLiteral(OTHER_SDK_SERVING)));
-    ProgramRun run;
-    run.program = tree.program();
-    if (!variable.isEmpty())
-        run.environment.insert(variable, value);
-    // A preloaded library comes before the run-time library of the sanitizer, where there is one.
-    run.environment.insert(QStringLiteral("ASAN_OPTIONS"),
-                           qEnvironmentVariable("ASAN_OPTIONS") +
-                               QStringLiteral(":verify_asan_link_order=0"));
-    run.steps = {confirmLanguage(), disconnectInstrument(), pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    QCOMPARE(run.shownWindows(), QStringList({languageDialog, settingsDialog}));
-    QCOMPARE(textIn(run.state(settingsDialog), "serialNolabel"), QStringLiteral("07654321"));
-    QCOMPARE(run.calledFunctions(), QStringList()); // not the simulator, which would trace
-}
-
-void TestStartupEnd::otherLibraryThatFails() {
-    ProgramTree tree;
-    QVERIFY(tree.isComplete());
-    QVERIFY(tree.replaceLibrary(QStringLiteral(OTHER_SDK_FAILING)));
-    ProgramRun run;
-    run.program = tree.program();
-    run.steps = {confirmLanguage(), dismissBox(), pressClose()};
-
-    QVERIFY2(run.run(), run.problem());
-
-    QCOMPARE(run.boxTexts(),
-             QStringList(QStringLiteral("The measuring instruments is not connected.")));
-    QCOMPARE(run.calledFunctions(), QStringList());
-}
-
-QTEST_GUILESS_MAIN(TestStartupEnd)
+TEST_CLASS(TestStartupEnd)
 #include "tst_startup_end.moc"

@@ -1,164 +1,119 @@
 #include "tests/startup/ProgramRun.h"
 #include "tests/startup/ProgramTree.h"
 #include "tests/startup/Steps.h"
+#include "tests/support/TestMain.h"
 
 #include <QMessageBox>
-#include <QtTest>
 
 using namespace Steps;
 
 namespace {
 
-const QString english = QStringLiteral("en.qm");
-const QString japanese = QStringLiteral("jp.qm");
-const QString us = QStringLiteral("en_US.UTF-8");
-const QString japan = QStringLiteral("ja_JP.UTF-8");
+const QString enumeration = "KVA_GetDevicePortList";
 
-constexpr const char* toolTitle = "Spectrophotometer Configuration Tool VQ-TL4";
 constexpr const char* defaultFailed = "Failed to set default language.";
 constexpr const char* englishFailed = "Failed to set select(English) language.";
 constexpr const char* japaneseFailed = "Failed to set select(japanese) language.";
 constexpr const char* notConnected = "The measuring instruments is not connected.";
 
-// Qt::Window and the system menu are what Qt adds to the flags of a window without parent.
-const Qt::WindowFlags boxFlags = Qt::Window | Qt::WindowSystemMenuHint | Qt::CustomizeWindowHint |
-                                 Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
-                                 Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint;
+/** One of the four messages of the start-up, in a language that it can come in. */
+struct MessageRow {
+    const char* name;
+    const char* text;
+    QString locale;
+    QStringList missing; ///< files of translations
+    QJsonArray steps;
+    int box;      ///< which one it is
+    QString file; ///< that it is translated by; empty: by none
+};
 
-/** A text of the entry point in a language; none: the source text. */
-QString inLanguage(const QString& file, const QByteArray& text) {
-    return file.isEmpty() ? QString::fromUtf8(text) : translated(file, "QObject", text.constData());
+const QStringList noEn = {english};
+const QStringList noJp = {japanese};
+const QStringList both = {english, japanese};
+
+QVector<MessageRow> messages() {
+    const QJsonObject eng = chooseEnglish;
+    const QJsonObject jpn = chooseJapanese;
+    const QJsonObject ok = confirmLanguage;
+    const QJsonObject box = dismissBox;
+    QVector<MessageRow> rows;
+    const auto add = [&](const char* name, const char* text, const QString& locale,
+                         const QStringList& missing, const QJsonArray& steps, int index,
+                         const QString& file) {
+        rows.append({name, text, locale, missing, steps, index, file});
+    };
+    add("default, United States", defaultFailed, unitedStates, noEn, {box, jpn, ok}, 0, "");
+    add("default, Japan", defaultFailed, japan, noJp, {box, eng, ok}, 0, "");
+    add("English, in Japanese", englishFailed, japan, noEn, {eng, ok, box}, 0, japanese);
+    add("English, untranslated", englishFailed, unitedStates, noEn, {box, eng, ok, box}, 1, "");
+    add("Japanese, in English", japaneseFailed, unitedStates, noJp, {jpn, ok, box}, 0, english);
+    add("Japanese, untranslated", japaneseFailed, japan, noJp, {box, jpn, ok, box}, 1, "");
+    add("no enumeration, in English", notConnected, japan, {}, {eng, ok, box}, 0, english);
+    add("no enumeration, in Japanese", notConnected, unitedStates, {}, {jpn, ok, box}, 0, japanese);
+    add("no enumeration, untranslated", notConnected, unitedStates, both, {box, eng, ok, box, box},
+        2, "");
+    return rows;
+}
+
+/** A text of the entry point by a file of translations; none: the source text. */
+QString inLanguage(const QString& file, const char* text) {
+    return file.isEmpty() ? text : translated(file, "QObject", text);
 }
 
 } // namespace
+Q_DECLARE_METATYPE(MessageRow)
 
-/** The four messages of the start-up, each in each language that it can come in. */
 class TestStartupMessages : public QObject {
     Q_OBJECT
-
 private Q_SLOTS:
-    void message_data();
-    void message();
-    void closedByItsCloseControl();
+    void message_data() { addRows(messages()); }
+    void message() {
+        QFETCH(const MessageRow, row);
+        const ProgramTree tree;
+        for (const QString& name : row.missing)
+            tree.removeResource(name);
+        const bool isListed = qstrcmp(row.text, notConnected) != 0;
+        ProgramRun run(row.steps,
+                       benchOf(1, isListed ? QJsonArray() : QJsonArray{fault(enumeration, 0)}));
+        run.program = tree.program();
+        run.locale = row.locale;
+        run.steps.append(closeWindow(settingsDialog));
 
-private:
-    static void addLanguageRows();
-    static void addEnumerationRows();
-    static void compareBox(const QJsonObject& box, const QString& file, const QByteArray& text);
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.states(messageBox).size(), row.box + 1);
+        const QJsonObject box = run.states(messageBox).at(row.box);
+        const char* const title = "Spectrophotometer Configuration Tool VQ-TL4";
+        QCOMPARE(box["title"].toString(), inLanguage(row.file, title));
+        QCOMPARE(box["text"].toString(), inLanguage(row.file, row.text));
+        QCOMPARE(box["icon"].toInt(), int{QMessageBox::Information});
+        QCOMPARE(box["buttons"].toInt(), int{QMessageBox::Ok});
+        // Qt::Window and the system menu are what Qt adds to the flags of a window without parent.
+        const Qt::WindowFlags flags =
+            Qt::Window | Qt::WindowSystemMenuHint | Qt::CustomizeWindowHint | Qt::WindowTitleHint |
+            Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint | Qt::WindowCloseButtonHint;
+        QCOMPARE(box["flags"].toInt(), static_cast<int>(flags));
+        QCOMPARE(box["isModal"], QJsonValue(true));
+        QCOMPARE(box["hasParent"], QJsonValue(false));
+        QCOMPARE(box["ownIcon"], QJsonValue(true));
+        QCOMPARE(box["iconWidths"].toArray(), QJsonArray({16, 32, 48, 64, 128, 256}));
+    }
+
+    /** As good as Ok. */
+    void closedByItsCloseControl() {
+        const ProgramTree tree;
+        tree.removeResource(japanese);
+        ProgramRun run({closeWindow(messageBox), confirmLanguage, closeWindow(messageBox),
+                        closeWindow(messageBox), closeWindow(settingsDialog)},
+                       benchOf(1, {fault(enumeration, 0)}));
+        run.program = tree.program();
+        run.locale = japan;
+
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.boxTexts(), QStringList({defaultFailed, japaneseFailed, notConnected}));
+    }
 };
 
-void TestStartupMessages::message_data() {
-    QTest::addColumn<QString>("locale");
-    QTest::addColumn<QStringList>("missing");
-    QTest::addColumn<QJsonArray>("steps");
-    QTest::addColumn<int>("box");
-    QTest::addColumn<QString>("file");
-    QTest::addColumn<QByteArray>("text");
-
-    addLanguageRows();
-    addEnumerationRows();
-}
-
-void TestStartupMessages::addLanguageRows() {
-    const QStringList noEn = {english};
-    const QStringList noJp = {japanese};
-    const QJsonObject eng = chooseEnglish();
-    const QJsonObject jpn = chooseJapanese();
-    const QJsonObject ok = confirmLanguage();
-    const QJsonObject box = dismissBox();
-    const QString source;
-    QTest::newRow("default, United States")
-        << us << noEn << QJsonArray{box, jpn, ok} << 0 << source << QByteArray(defaultFailed);
-    QTest::newRow("default, Japan")
-        << japan << noJp << QJsonArray{box, eng, ok} << 0 << source << QByteArray(defaultFailed);
-    QTest::newRow("English, in Japanese")
-        << japan << noEn << QJsonArray{eng, ok, box} << 0 << japanese << QByteArray(englishFailed);
-    QTest::newRow("English, untranslated")
-        << us << noEn << QJsonArray{box, eng, ok, box} << 1 << source << QByteArray(englishFailed);
-    QTest::newRow("Japanese, in English")
-        << us << noJp << QJsonArray{jpn, ok, box} << 0 << english << QByteArray(japaneseFailed);
-    QTest::newRow("Japanese, untranslated") << japan << noJp << QJsonArray{box, jpn, ok, box} << 1
-                                            << source << QByteArray(japaneseFailed);
-}
-
-void TestStartupMessages::addEnumerationRows() {
-    const QStringList no;
-    const QStringList both = {english, japanese};
-    const QJsonObject eng = chooseEnglish();
-    const QJsonObject jpn = chooseJapanese();
-    const QJsonObject ok = confirmLanguage();
-    const QJsonObject box = dismissBox();
-    const QByteArray text(notConnected);
-    QTest::newRow("no enumeration, in English")
-        << japan << no << QJsonArray{eng, ok, box} << 0 << english << text;
-    QTest::newRow("no enumeration, in Japanese")
-        << us << no << QJsonArray{jpn, ok, box} << 0 << japanese << text;
-    QTest::newRow("no enumeration, untranslated")
-        << us << both << QJsonArray{box, eng, ok, box, box} << 2 << QString() << text;
-}
-
-void TestStartupMessages::message() {
-    QFETCH(QString, locale);
-    QFETCH(QStringList, missing);
-    QFETCH(QJsonArray, steps);
-    QFETCH(int, box);
-    QFETCH(QString, file);
-    QFETCH(QByteArray, text);
-    ProgramTree tree;
-    QVERIFY(tree.isComplete());
-    for (const QString& name : qAsConst(missing))
-        QVERIFY(tree.removeResource(name));
-    ProgramRun run;
-    run.program = tree.program();
-    run.locale = locale;
-    run.bench = benchOf(1);
-    if (text == notConnected)
-        run.bench = benchOf(
-            1, {fault(QStringLiteral("KVA_GetDevicePortList"), 0, QStringLiteral("KVA_ERROR"))});
-    run.steps = steps;
-    run.steps.append(closeWindow(settingsDialog));
-
-    QVERIFY2(run.run(), run.problem());
-
-    QCOMPARE(run.states(messageBox).size(), box + 1);
-    compareBox(run.states(messageBox).value(box), file, text);
-}
-
-void TestStartupMessages::compareBox(const QJsonObject& box, const QString& file,
-                                     const QByteArray& text) {
-    const auto number = [&](const char* key) { return box.value(QLatin1String(key)).toInt(-1); };
-    const auto isTrue = [&](const char* key) { return box.value(QLatin1String(key)).toBool(); };
-    QCOMPARE(box.value(QLatin1String("title")).toString(), inLanguage(file, toolTitle));
-    QCOMPARE(box.value(QLatin1String("text")).toString(), inLanguage(file, text));
-    QCOMPARE(number("icon"), static_cast<int>(QMessageBox::Information));
-    QCOMPARE(number("buttons"), static_cast<int>(QMessageBox::Ok));
-    QCOMPARE(number("flags"), static_cast<int>(boxFlags));
-    QCOMPARE(isTrue("isModal"), true);
-    QCOMPARE(isTrue("hasParent"), false);
-    QCOMPARE(isTrue("ownIcon"), true);
-    QCOMPARE(box.value(QLatin1String("iconWidths")).toArray(),
-             QJsonArray({16, 32, 48, 64, 128, 256}));
-}
-
-/** As good as Ok. */
-void TestStartupMessages::closedByItsCloseControl() {
-    ProgramTree tree;
-    QVERIFY(tree.isComplete());
-    QVERIFY(tree.removeResource(japanese));
-    ProgramRun run;
-    run.program = tree.program();
-    run.locale = japan;
-    run.bench = benchOf(
-        1, {fault(QStringLiteral("KVA_GetDevicePortList"), 0, QStringLiteral("KVA_ERROR"))});
-    run.steps = {closeWindow(messageBox), confirmLanguage(), closeWindow(messageBox),
-                 closeWindow(messageBox), closeWindow(settingsDialog)};
-
-    QVERIFY2(run.run(), run.problem());
-
-    QCOMPARE(run.boxTexts(),
-             QStringList({QLatin1String(defaultFailed), QLatin1String(japaneseFailed),
-                          QLatin1String(notConnected)}));
-}
-
-QTEST_GUILESS_MAIN(TestStartupMessages)
+TEST_CLASS(TestStartupMessages)
 #include "tst_startup_messages.moc"

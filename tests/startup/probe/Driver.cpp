@@ -4,6 +4,7 @@
 
 #include <QAbstractButton>
 #include <QApplication>
+#include <QJsonDocument>
 #include <QKeyEvent>
 #include <QLineEdit>
 #include <QListWidget>
@@ -31,20 +32,20 @@ bool Driver::eventFilter(QObject* watched, QEvent* event) {
     const auto* window = qobject_cast<QWidget*>(watched);
     if (window && window->isWindow() && !event->spontaneous()) {
         if (event->type() == QEvent::Show) {
-            noteWindow(*window, QStringLiteral("shown"));
+            noteWindow(*window, "shown");
             watchDialogs();
         } else if (event->type() == QEvent::Hide) {
-            noteWindow(*window, QStringLiteral("hidden"));
+            noteWindow(*window, "hidden");
         }
     }
     return QObject::eventFilter(watched, event);
 }
 
 void Driver::noteWindow(const QWidget& window, const QString& event) {
-    QString name = QString::fromLatin1(window.metaObject()->className());
+    QString name = window.metaObject()->className();
     if (const auto* box = qobject_cast<const QMessageBox*>(&window))
-        name += QStringLiteral(" \"%1\"").arg(box->text());
-    m_record.add(event, {{QStringLiteral("window"), name}});
+        name += QString(" \"%1\"").arg(box->text());
+    m_record.add(event, {{"window", name}});
 }
 
 void Driver::watchDialogs() {
@@ -59,10 +60,10 @@ void Driver::watchDialogs() {
 
 void Driver::watch(const QWidget& dialog) {
     m_watched.append(&dialog);
-    const QString name = QString::fromLatin1(dialog.metaObject()->className());
+    const QString name = dialog.metaObject()->className();
     connect(&dialog, &QObject::destroyed, this, [this, name](const QObject* object) {
         m_watched.removeOne(object);
-        m_record.add(QStringLiteral("destroyed"), {{QStringLiteral("window"), name}});
+        m_record.add("destroyed", {{"window", name}});
     });
 }
 
@@ -70,13 +71,13 @@ void Driver::tick() {
     if (m_isActing)
         return;
     const QJsonObject step = m_steps.at(m_next).toObject();
-    const QString className = step.value(QStringLiteral("window")).toString();
+    const QString className = step.value("window").toString();
     QPointer<QWidget> window = usableWindow(className);
     if (!window) {
         if (m_waiting.elapsed() > patience)
             fail(m_next < m_steps.size()
-                     ? QStringLiteral("step %1: no %2 to be used").arg(m_next).arg(className)
-                     : QStringLiteral("the program does not end after the last step"));
+                     ? QString("step %1: no %2 to be used").arg(m_next).arg(className)
+                     : "the program does not end after the last step");
         return;
     }
     m_isActing = true;
@@ -85,8 +86,8 @@ void Driver::tick() {
         this,
         [this, step, window] {
             if (!window)
-                fail(QStringLiteral("step %1: the window is gone").arg(m_next));
-            m_record.add(QStringLiteral("step"), {{QStringLiteral("state"), windowState(*window)}});
+                fail(QString("step %1: the window is gone").arg(m_next));
+            m_record.add("step", {{"state", windowState(*window)}});
             ++m_next;
             m_isActing = false;
             m_waiting.restart();
@@ -99,80 +100,70 @@ QWidget* Driver::usableWindow(const QString& className) const {
     QWidget* modal = QApplication::activeModalWidget();
     const QWidgetList windows = modal ? QWidgetList{modal} : QApplication::topLevelWidgets();
     for (QWidget* window : windows) {
-        if (window->isVisible() && className == QLatin1String(window->metaObject()->className()))
+        if (window->isVisible() && className == window->metaObject()->className())
             return window;
     }
     return nullptr;
 }
 
 void Driver::perform(const QJsonObject& step, QWidget& window) {
-    if (step.contains(QStringLiteral("click")))
-        click(window, step.value(QStringLiteral("click")).toString());
-    if (step.contains(QStringLiteral("press")))
-        press(window);
-    if (step.contains(QStringLiteral("select")))
-        select(window, step.value(QStringLiteral("select")).toInt());
-    if (step.contains(QStringLiteral("page")))
-        turn(window, step.value(QStringLiteral("page")).toInt());
-    if (step.contains(QStringLiteral("fill")))
-        fill(window, step.value(QStringLiteral("fill")).toObject());
-    if (step.contains(QStringLiteral("choose")))
-        choose(window, step.value(QStringLiteral("choose")).toString());
-    if (step.contains(QStringLiteral("key")))
-        strike(window, static_cast<Qt::Key>(step.value(QStringLiteral("key")).toInt()));
-    if (step.contains(QStringLiteral("removeFile")))
-        remove(step.value(QStringLiteral("removeFile")).toString());
-    if (step.contains(QStringLiteral("reject")))
+    const QString action = step["action"].toString();
+    const QJsonValue value = step["value"];
+    if (action == "click")
+        press(window.findChild<QAbstractButton*>(value.toString()));
+    else if (action == "press")
+        press(dynamic_cast<QMessageBox&>(window).button(QMessageBox::Ok));
+    else if (action == "select")
+        select(window, value.toInt());
+    else if (action == "page")
+        turn(window, value.toInt());
+    else if (action == "fill")
+        fill(window, value.toObject());
+    else if (action == "choose")
+        choose(window, value.toString());
+    else if (action == "key")
+        strike(window, static_cast<Qt::Key>(value.toInt()));
+    else if (action == "removeFile")
+        require(QFile::remove(value.toString()));
+    else if (action == "reject")
         dynamic_cast<QDialog&>(window).reject();
-    if (step.contains(QStringLiteral("hide")))
+    else if (action == "hide")
         window.hide();
-    if (step.contains(QStringLiteral("close")))
+    else if (action == "close")
         window.windowHandle()->close(); // as from the window manager
+    else
+        require(false);
 }
 
-void Driver::click(QWidget& window, const QString& button) {
-    auto* found = window.findChild<QAbstractButton*>(button);
-    if (!found || !found->isEnabled() || !found->isVisible())
-        fail(QStringLiteral("no %1 to be clicked").arg(button));
-    found->click();
-}
-
-void Driver::press(QWidget& window) {
-    const auto* box = qobject_cast<QMessageBox*>(&window);
-    QAbstractButton* button = box ? box->button(QMessageBox::Ok) : nullptr;
-    if (!button)
-        fail(QStringLiteral("no Ok to be pressed"));
+void Driver::press(QAbstractButton* button) {
+    require(button && button->isEnabled() && button->isVisible());
     button->click();
 }
 
 void Driver::select(QWidget& window, int row) {
     auto* list = window.findChild<QListWidget*>();
-    if (!list || row >= list->count())
-        fail(QStringLiteral("no row %1 to be selected").arg(row));
+    require(list && row < list->count());
     list->setCurrentRow(row);
 }
 
 void Driver::turn(QWidget& window, int page) {
     auto* tabs = window.findChild<QTabWidget*>();
-    if (!tabs || page >= tabs->count() || !tabs->isTabEnabled(page))
-        fail(QStringLiteral("no page %1 to be turned to").arg(page));
+    require(tabs && page < tabs->count() && tabs->isTabEnabled(page));
     tabs->setCurrentIndex(page);
 }
 
 void Driver::fill(QWidget& window, const QJsonObject& texts) {
     for (auto text = texts.begin(); text != texts.end(); ++text) {
         auto* edit = window.findChild<QLineEdit*>(text.key());
-        if (!edit || !edit->isEnabled() || !edit->isVisible())
-            fail(QStringLiteral("no %1 to be filled").arg(text.key()));
+        require(edit && edit->isEnabled() && edit->isVisible());
         edit->setText(text.value().toString());
     }
 }
 
 void Driver::choose(QWidget& window, const QString& path) {
-    fill(window, {{QStringLiteral("fileNameEdit"), path}});
+    fill(window, {{"fileNameEdit", path}});
     // QFileDialog makes accept() protected; the slot is the same one that its button calls.
-    if (!QMetaObject::invokeMethod(&window, "accept", Qt::DirectConnection))
-        fail(QStringLiteral("no file dialog"));
+    require(QMetaObject::invokeMethod(&window, "accept", Qt::DirectConnection));
 }
 
 void Driver::strike(QWidget& window, Qt::Key key) {
@@ -184,12 +175,13 @@ void Driver::strike(QWidget& window, Qt::Key key) {
     }
 }
 
-void Driver::remove(const QString& path) {
-    if (!QFile::remove(path))
-        fail(QStringLiteral("%1 cannot be removed").arg(path));
+void Driver::require(bool canBeTaken) {
+    const QJsonDocument step(m_steps.at(m_next - 1).toObject());
+    if (!canBeTaken)
+        fail("this step cannot be taken: " + step.toJson(QJsonDocument::Compact));
 }
 
 void Driver::fail(const QString& reason) {
-    m_record.add(QStringLiteral("failure"), {{QStringLiteral("reason"), reason}});
+    m_record.add("failure", {{"reason", reason}});
     std::_Exit(3);
 }

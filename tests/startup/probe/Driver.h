@@ -3,6 +3,7 @@
 
 #include "tests/startup/probe/Record.h"
 
+#include <QAbstractButton>
 #include <QElapsedTimer>
 #include <QJsonArray>
 #include <QObject>
@@ -15,12 +16,12 @@
  * The user inside the program: takes one step after the other as soon as the window of the step is
  * there to be used, and notes each window that comes and goes, and each dialog's destruction.
  *
- * A step is {"window": class} with one of: "click" (the object name of a button), "press": "Ok" (of
- * a message box), "select" (a row of its list), "page" (an index, of its tabs), "fill" (the object
- * names of edits and their texts), "choose" (a path, in a file dialog), "key" (`Qt::Key`), "close":
- * true (the window's close control), "removeFile" (a path), or none to look only. What the window
- * shows is noted before each step. A step that cannot be taken ends the program with the exit
- * status 3.
+ * A step is {"window": class, "action": ..., "value": ...}. Actions and their values: "click" (the
+ * object name of a button), "press" (Ok, of a message box), "select" (a row of its list), "page"
+ * (an index, of its tabs), "fill" (the object names of edits and their texts), "choose" (a path, in
+ * a file dialog), "key" (`Qt::Key`), "close" (the window's close control), "reject", "hide",
+ * "removeFile" (a path). What the window shows is noted before each step. A step that cannot be
+ * taken ends the program with the exit status 3.
  */
 class Driver : public QObject {
     Q_OBJECT
@@ -38,14 +39,13 @@ private:
     void watchDialogs();
     void watch(const QWidget& dialog);
     void perform(const QJsonObject& step, QWidget& window);
-    void click(QWidget& window, const QString& button);
-    void press(QWidget& window);
+    void press(QAbstractButton* button);
     void select(QWidget& window, int row);
     void turn(QWidget& window, int page);
     void fill(QWidget& window, const QJsonObject& texts);
     void choose(QWidget& window, const QString& path);
     void strike(QWidget& window, Qt::Key key);
-    void remove(const QString& path);
+    void require(bool canBeTaken);
     [[noreturn]] void fail(const QString& reason);
 
     Record& m_record;

@@ -24,10 +24,8 @@ void Record::add(const QString& event, QJsonObject fields) {
 }
 
 void Record::handleMessage(QtMsgType type, const QMessageLogContext& context, const QString& text) {
-    s_current->add(QStringLiteral("log"),
-                   {{QStringLiteral("isDebug"), type == QtDebugMsg},
-                    {QStringLiteral("category"), QString::fromUtf8(context.category)},
-                    {QStringLiteral("text"), text}});
+    s_current->add(
+        "log", {{"isDebug", type == QtDebugMsg}, {"category", context.category}, {"text", text}});
     s_current->m_previous(type, context, text);
 }
 
@@ -41,11 +39,11 @@ void Record::addCalls() {
             m_trace.seek(start);
             return;
         }
-        write(QStringLiteral("call"), QJsonDocument::fromJson(line).object());
+        write("call", QJsonDocument::fromJson(line).object());
     }
 }
 
 void Record::write(const QString& event, QJsonObject fields) {
-    fields.insert(QStringLiteral("event"), event);
+    fields.insert("event", event);
     m_file.write(QJsonDocument(fields).toJson(QJsonDocument::Compact) + '\n');
 }

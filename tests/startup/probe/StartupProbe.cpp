@@ -36,7 +36,7 @@ public:
 private:
     static void noteEnd() {
         if (s_current)
-            s_current->m_record.add(QStringLiteral("application ends"), {});
+            s_current->m_record.add("application ends", {});
     }
 
     static Probe* s_current;

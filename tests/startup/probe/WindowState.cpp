@@ -14,10 +14,10 @@ namespace {
 
 QJsonObject applicationFont() {
     const QFont font = QApplication::font();
-    return {{QStringLiteral("family"), font.family()},
-            {QStringLiteral("pointSize"), font.pointSize()},
-            {QStringLiteral("weight"), font.weight()},
-            {QStringLiteral("isItalic"), font.italic()}};
+    return {{"family", font.family()},
+            {"pointSize", font.pointSize()},
+            {"weight", font.weight()},
+            {"isItalic", font.italic()}};
 }
 
 QJsonArray widths(const QIcon& icon) {
@@ -45,7 +45,7 @@ void addWidgets(QJsonObject& state, const QWidget& window) {
     QJsonArray disabled;
     for (const QWidget* widget : window.findChildren<QWidget*>()) {
         const QString name = widget->objectName();
-        if (name.isEmpty() || name.startsWith(QStringLiteral("qt_")))
+        if (name.isEmpty() || name.startsWith("qt_"))
             continue;
         texts.insert(name, textOf(widget));
         const auto* button = qobject_cast<const QAbstractButton*>(widget);
@@ -54,45 +54,45 @@ void addWidgets(QJsonObject& state, const QWidget& window) {
         if (!widget->isEnabled())
             disabled.append(name);
     }
-    state.insert(QStringLiteral("texts"), texts);
-    state.insert(QStringLiteral("checked"), checked);
-    state.insert(QStringLiteral("disabled"), disabled);
+    state.insert("texts", texts);
+    state.insert("checked", checked);
+    state.insert("disabled", disabled);
 }
 
 void addList(QJsonObject& state, const QListWidget& list) {
     QJsonArray rows;
     for (int row = 0; row < list.count(); ++row)
         rows.append(list.item(row)->text());
-    state.insert(QStringLiteral("rows"), rows);
-    state.insert(QStringLiteral("currentRow"), list.currentRow());
+    state.insert("rows", rows);
+    state.insert("currentRow", list.currentRow());
 }
 
 void addBox(QJsonObject& state, const QMessageBox& box) {
-    state.insert(QStringLiteral("text"), box.text());
-    state.insert(QStringLiteral("icon"), box.icon());
-    state.insert(QStringLiteral("buttons"), static_cast<int>(box.standardButtons()));
+    state.insert("text", box.text());
+    state.insert("icon", box.icon());
+    state.insert("buttons", static_cast<int>(box.standardButtons()));
 }
 
 } // namespace
 
 QJsonObject windowState(const QWidget& window) {
     QJsonObject state = {
-        {QStringLiteral("class"), QString::fromLatin1(window.metaObject()->className())},
-        {QStringLiteral("title"), window.windowTitle()},
-        {QStringLiteral("flags"), static_cast<int>(window.windowFlags())},
-        {QStringLiteral("isModal"), window.isModal()},
-        {QStringLiteral("hasParent"), window.parent() != nullptr},
-        {QStringLiteral("ownIcon"), window.testAttribute(Qt::WA_SetWindowIcon)},
-        {QStringLiteral("iconWidths"), widths(window.windowIcon())},
-        {QStringLiteral("applicationIconWidths"), widths(QApplication::windowIcon())},
-        {QStringLiteral("width"), window.width()},
-        {QStringLiteral("height"), window.height()},
-        {QStringLiteral("isFixed"), window.minimumSize() == window.maximumSize()},
-        {QStringLiteral("font"), applicationFont()},
-        {QStringLiteral("windowFontFamily"), window.font().family()},
+        {"class", window.metaObject()->className()},
+        {"title", window.windowTitle()},
+        {"flags", static_cast<int>(window.windowFlags())},
+        {"isModal", window.isModal()},
+        {"hasParent", window.parent() != nullptr},
+        {"ownIcon", window.testAttribute(Qt::WA_SetWindowIcon)},
+        {"iconWidths", widths(window.windowIcon())},
+        {"applicationIconWidths", widths(QApplication::windowIcon())},
+        {"width", window.width()},
+        {"height", window.height()},
+        {"isFixed", window.minimumSize() == window.maximumSize()},
+        {"font", applicationFont()},
+        {"windowFontFamily", window.font().family()},
     };
     if (const QWidget* focus = window.focusWidget())
-        state.insert(QStringLiteral("focus"), focus->objectName());
+        state.insert("focus", focus->objectName());
     addWidgets(state, window);
     if (const auto* list = window.findChild<QListWidget*>())
         addList(state, *list);
