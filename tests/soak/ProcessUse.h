@@ -9,8 +9,8 @@ struct ProcessUse {
         counted (0), and freed memory is kept back. */
     static const bool isExact;
 
-    qint64 heapBlocks;
-    qint64 heapBytes; ///< as the allocator counts them, what it keeps ready for reuse included
+    qint64 heapBlocks; ///< given to the process, its libraries included, and not given back
+    qint64 heapBytes;  ///< as the allocator counts them, what it keeps ready for reuse included
     qint64 residentBytes;
     int openFiles;
     int threads;

@@ -1,31 +1,17 @@
-#include "simulator/KvaSim.h"
 #include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/soak/ProcessUse.h"
+#include "tests/support/TestBench.h"
+#include "tests/support/TestFolder.h"
+#include "tests/support/TestMain.h"
 
 #include <QElapsedTimer>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
-
-/**
- * The same work over and over: what the process holds after the first rounds, it holds at the end,
- * and no more. VQTL4_SOAK_ROUNDS and VQTL4_SOAK_REGISTRATIONS (of each accessory) say how often.
- */
-class TestSoak : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void connectReadWriteDisconnect();
-    void registerFromTheDialog();
-};
+#include <functional>
 
 namespace {
-
-constexpr int usualRounds = 5000;
-constexpr int usualRegistrations = 110;
 
 /** How often the environment wants it done. */
 int wanted(const char* variable, int usual) {
@@ -33,14 +19,8 @@ int wanted(const char* variable, int usual) {
     const QByteArray text = qgetenv(variable);
     const int count = text.isEmpty() ? usual : text.toInt(&isNumber);
     if (!isNumber || count < 100)
-        SettingsFixture::giveUp(QLatin1String(variable) +
-                                QStringLiteral(" must be a number from 100 on"));
+        giveUp(QString(variable) + " must be a number from 100 on");
     return count;
-}
-
-/** After how many of them everything that is made once has been made. */
-int warmUpOf(int count) {
-    return std::min(100, count / 5);
 }
 
 /** What the process holds when nothing is under way and nothing is recorded. */
@@ -58,23 +38,46 @@ struct Allowance {
     qint64 residentBytes = 2 * 1024 * 1024;
 };
 
-/** Compares the two and prints them. @return what has grown; empty when nothing has */
+/** What has grown between the two; empty when nothing has. */
 QString growth(const ProcessUse& start, const ProcessUse& end, const Allowance& allowance) {
-    std::printf("  start: %s\n  end:   %s\n", qUtf8Printable(start.text()),
-                qUtf8Printable(end.text()));
-    std::fflush(stdout);
     QStringList grown;
     if (end.heapBlocks - start.heapBlocks > allowance.heapBlocks)
-        grown.append(QStringLiteral("heap blocks"));
+        grown.append("heap blocks");
     if (end.heapBytes - start.heapBytes > allowance.heapBytes)
-        grown.append(QStringLiteral("heap bytes"));
+        grown.append("heap bytes");
     if (ProcessUse::isExact && end.residentBytes - start.residentBytes > allowance.residentBytes)
-        grown.append(QStringLiteral("resident memory"));
+        grown.append("resident memory");
     if (end.openFiles != start.openFiles)
-        grown.append(QStringLiteral("open files"));
+        grown.append("open files");
     if (end.threads != start.threads)
-        grown.append(QStringLiteral("threads"));
-    return grown.join(QStringLiteral(", "));
+        grown.append("threads");
+    return grown.join(", ");
+}
+
+/** One round of the work. @param isMeasured  whether the process is looked at after it
+    @return whether it went well */
+using Round = std::function<bool(int round, bool isMeasured)>;
+
+/** Works so many rounds. Looks at the process when everything that is made once has been made, and
+    at the end. @return what has grown, or which round went wrong; empty: all is well */
+QString growthOver(SettingsFixture& f, int rounds, const Allowance& allowance, const Round& work) {
+    const int warmUp = std::min(100, rounds / 5);
+    ProcessUse start = {};
+    QElapsedTimer time;
+    time.start();
+    for (int round = 1; round <= rounds; ++round) {
+        if (!work(round, round == warmUp || round == rounds))
+            return QString("round %1 goes wrong").arg(round);
+        f.clearRecords();
+        if (round == warmUp)
+            start = useAtRest(f);
+    }
+    const ProcessUse end = useAtRest(f);
+    std::printf("%d rounds in %lld ms, measured after %d and at the end\n  %s\n  %s\n", rounds,
+                static_cast<long long>(time.elapsed()), warmUp, qUtf8Printable(start.text()),
+                qUtf8Printable(end.text()));
+    std::fflush(stdout);
+    return growth(start, end, allowance);
 }
 
 // ---- The controller's rounds
@@ -105,10 +108,10 @@ bool readsWhatWasWritten(CKvaSdk_Ctrl& controller, int before) {
     const KVA_NETWORKINFO written = settingsOfRound(before);
     return read && powerOffMode == powerOffModeOfRound(before) &&
            std::memcmp(&controller.m_networkInfo, &written, sizeof written) == 0 &&
-           controller.m_serialNo.toInt() == SettingsFixture::serialNumber &&
-           controller.m_macAddress == QLatin1String("02:0A:BC:0D:EF:09") &&
-           controller.m_curWCPSerialNo == QLatin1String("12345678") &&
-           controller.m_curAmbAdpSerialNo == QLatin1String("00012345");
+           controller.m_serialNo.toInt() == TestBench::serialNumber &&
+           controller.m_macAddress == "02:0A:BC:0D:EF:09" &&
+           controller.m_curWCPSerialNo == "12345678" &&
+           controller.m_curAmbAdpSerialNo == "00012345";
 }
 
 bool write(CKvaSdk_Ctrl& controller, int round) {
@@ -117,11 +120,6 @@ bool write(CKvaSdk_Ctrl& controller, int round) {
 }
 
 // ---- The dialog's registrations
-
-/** The serial number that the instrument holds, as the tab shows it. */
-QString shownSerialNo(SettingsFixture& f, const CalibrationTab& tab) {
-    return f.calibrationTexts().at(tab.firstText);
-}
 
 /** Chooses the file, writes it to the instrument, answers what comes up. False unless all of it
     went well. */
@@ -133,65 +131,58 @@ bool registerFile(SettingsFixture& f, const CalibrationTab& tab, const QString& 
     f.click(tab.writeButton);
     const QStringList boxes = f.boxes();
     f.clearRecords();
-    return boxes == QStringList{QStringLiteral("information: Successful read file data."),
-                                QStringLiteral("information: Successful device writing.")} &&
-           shownSerialNo(f, tab) == QString::fromLatin1(serialNo);
+    return boxes == QStringList{"information: Successful read file data.",
+                                "information: Successful device writing."} &&
+           f.calibrationTexts().at(tab.firstText) == serialNo;
 }
 
 } // namespace
 
-void TestSoak::connectReadWriteDisconnect() {
-    const int rounds = wanted("VQTL4_SOAK_ROUNDS", usualRounds);
-    const int warmUp = warmUpOf(rounds);
-    SettingsFixture f;
-    CKvaSdk_Ctrl& controller = *f.controller;
-    QVERIFY(controller.GetDevicePortList() && controller.Connect(0, 10));
-    QVERIFY(write(controller, 0) && controller.Disconnect());
-    ProcessUse start = {};
-    QElapsedTimer time;
-    time.start();
-    int before = 0;
-    for (int round = 1; round <= rounds; ++round) {
-        // Where it is measured, the same settings: their texts are on the heap.
-        const int settings = round == warmUp || round == rounds ? 0 : round;
-        QVERIFY2(readsWhatWasWritten(controller, before), qPrintable(QString::number(round)));
-        QVERIFY2(write(controller, settings), qPrintable(QString::number(round)));
-        QVERIFY2(controller.Disconnect(), qPrintable(QString::number(round)));
-        before = settings;
-        f.clearRecords();
-        if (round == warmUp)
-            start = useAtRest(f);
+/**
+ * The same work over and over: what the process holds after the first rounds, it holds at the end,
+ * and no more. VQTL4_SOAK_ROUNDS and VQTL4_SOAK_REGISTRATIONS (of each accessory) say how often.
+ */
+class TestSoak : public QObject {
+    Q_OBJECT
+private Q_SLOTS:
+    void connectReadWriteDisconnect() {
+        SettingsFixture f;
+        CKvaSdk_Ctrl& controller = *f.controller;
+        QVERIFY(controller.GetDevicePortList() && controller.Connect(0, 10));
+        QVERIFY(write(controller, 0) && controller.Disconnect());
+        int before = 0;
+        const auto work = [&](int round, bool isMeasured) {
+            // Where it is measured, the same settings: their texts are on the heap.
+            const int settings = isMeasured ? 0 : round;
+            const bool isDone = readsWhatWasWritten(controller, before) &&
+                                write(controller, settings) && controller.Disconnect();
+            before = settings;
+            return isDone;
+        };
+        const int rounds = wanted("VQTL4_SOAK_ROUNDS", 5000);
+        QCOMPARE(growthOver(f, rounds, {0, 16 * 1024}, work), "");
     }
-    std::printf("%d rounds in %lld ms, measured after %d and at the end\n", rounds,
-                static_cast<long long>(time.elapsed()), warmUp);
-    QCOMPARE(growth(start, useAtRest(f), {0, 16 * 1024}), QString());
-}
 
-void TestSoak::registerFromTheDialog() {
-    const int registrations = wanted("VQTL4_SOAK_REGISTRATIONS", usualRegistrations);
-    const int warmUp = warmUpOf(registrations);
-    const QTemporaryDir folder;
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    ProcessUse start = {};
-    QElapsedTimer time;
-    time.start();
-    for (int round = 1; round <= registrations; ++round) {
-        for (const bool adapter : {false, true}) {
-            const CalibrationTab& tab = calibrationTab(adapter);
-            const QByteArray serialNo = round % 2 == 0 ? tab.serialLine : tab.lowestSerialLine;
-            const QString path = folder.filePath(QLatin1String(serialNo) + QStringLiteral(".csv"));
-            QCOMPARE(writeFile(path, valueFile(serialNo, tab.valueCount)), path);
-            QVERIFY2(registerFile(f, tab, path, serialNo), qPrintable(QString::number(round)));
-        }
-        if (round == warmUp)
-            start = useAtRest(f);
+    void registerFromTheDialog() {
+        const TestFolder folder;
+        SettingsFixture f;
+        QVERIFY(f.connectFirst());
+        const auto work = [&](int round, bool) {
+            bool isDone = true;
+            for (const bool adapter : {false, true}) {
+                const CalibrationTab& tab = calibrationTab(adapter);
+                const QByteArray serialNo = round % 2 == 0 ? tab.serialLine : tab.lowestSerialLine;
+                const QString path =
+                    folder.write(serialNo + ".csv", TestBench::valueFile(serialNo, tab.valueCount));
+                isDone = isDone && registerFile(f, tab, path, serialNo);
+            }
+            return isDone;
+        };
+        const int registrations = wanted("VQTL4_SOAK_REGISTRATIONS", 110);
+        // With windows being shown, the heap goes up and down by a few blocks from look to look.
+        QCOMPARE(growthOver(f, registrations, {32, 128 * 1024}, work), "");
     }
-    std::printf("%d registrations of each accessory in %lld ms, measured after %d and at the end\n",
-                registrations, static_cast<long long>(time.elapsed()), warmUp);
-    // With windows being shown, the heap goes up and down by a few blocks from look to look.
-    QCOMPARE(growth(start, useAtRest(f), {32, 128 * 1024}), QString());
-}
+};
 
-QTEST_MAIN(TestSoak)
+TEST_CLASS(TestSoak)
 #include "tst_soak.moc"
