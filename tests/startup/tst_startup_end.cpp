@@ -51,40 +51,32 @@ struct StoryRow {
     QStringList story; ///< between the start and the end
 };
 
+const QJsonArray disconnectAndClose = {confirmLanguage, disconnectInstrument, pressClose};
+
 QVector<StoryRow> stories() {
-    const QStringList choice = {
-        "log select portNum[ConnectSelectDialog]:0",
-        "shown ConnectSelectDialog",
-        "log select portNum[ConnectSelectDialog]:1",
-        "hidden ConnectSelectDialog",
-        "log select portNum[main]:1",
-    };
-    const auto boxStory = [](const QString& text) {
+    const QStringList choice = {"log select portNum[ConnectSelectDialog]:0",
+                                "shown ConnectSelectDialog",
+                                "log select portNum[ConnectSelectDialog]:1",
+                                "hidden ConnectSelectDialog", "log select portNum[main]:1"};
+    const QStringList use = storyOfTheConnection + QStringList("KVA_Disconnect");
+    const auto box = [](const QString& text) {
         return QStringList({"shown " + boxNamed(text), "hidden " + boxNamed(text)});
     };
     QVector<StoryRow> rows;
-    rows.append({"one instrument",
-                 1,
-                 {},
-                 {confirmLanguage, disconnectInstrument, pressClose},
-                 storyOfTheConnection + QStringList("KVA_Disconnect")});
-    rows.append(
-        {"two instruments",
-         2,
-         {},
-         {confirmLanguage, selectRow(1), confirmInstrument, disconnectInstrument, pressClose},
-         choice + storyOfTheConnection + QStringList("KVA_Disconnect")});
-    rows.append({"no enumeration",
-                 1,
-                 {fault("KVA_GetDevicePortList", 2)},
-                 {confirmLanguage, dismissBox, pressClose},
-                 boxStory(notConnected) + QStringList("shown InitSettingDialog")});
-    rows.append({"closed, and disconnect fails",
-                 1,
-                 {fault("KVA_Disconnect", 0, "KVA_ERROR_DISCONNECT")},
-                 {confirmLanguage, closeWindow(settingsDialog), dismissBox},
-                 storyOfTheConnection + QStringList({"KVA_Disconnect", "log diconect error \n"}) +
-                     boxStory("Failed to disconnect device.")});
+    const auto add = [&](const char* name, int instruments, const QJsonArray& faults,
+                         const QJsonArray& steps, const QStringList& story) {
+        rows.append({name, instruments, faults, steps, story});
+    };
+    add("one instrument", 1, {}, disconnectAndClose, use);
+    add("two instruments", 2, {},
+        {confirmLanguage, selectRow(1), confirmInstrument, disconnectInstrument, pressClose},
+        choice + use);
+    add("no enumeration", 1, {fault("KVA_GetDevicePortList", 2)},
+        {confirmLanguage, dismissBox, pressClose},
+        box(notConnected) + QStringList("shown InitSettingDialog"));
+    add("closed, and disconnect fails", 1, {fault("KVA_Disconnect", 0, "KVA_ERROR_DISCONNECT")},
+        {confirmLanguage, closeWindow(settingsDialog), dismissBox},
+        use + QStringList("log diconect error \n") + box("Failed to disconnect device."));
     return rows;
 }
 
@@ -102,13 +94,10 @@ const EndRow ends[] = {
     {"cancelled", {closeWindow(languageDialog)}, {languageDialog}},
     {"language rejected", {step(languageDialog, "reject")}, {languageDialog}},
     {"language hidden", {step(languageDialog, "hide")}, {languageDialog}},
-    {"disconnected", {confirmLanguage, disconnectInstrument, pressClose}, bothDialogs},
+    {"disconnected", disconnectAndClose, bothDialogs},
     {"closed", {confirmLanguage, closeWindow(settingsDialog)}, bothDialogs},
     // Nothing is made of it.
-    {"registration fails",
-     {confirmLanguage, disconnectInstrument, pressClose},
-     bothDialogs,
-     {fault(registration, 0)}},
+    {"registration fails", disconnectAndClose, bothDialogs, {fault(registration, 0)}},
 };
 
 /** A way to leave the settings dialog. */
@@ -135,7 +124,7 @@ struct LibraryRow {
 QVector<LibraryRow> libraries() {
     const QString serving = OTHER_SDK_SERVING;
     const QString folder = QFileInfo(serving).path();
-    const QJsonArray use = {confirmLanguage, disconnectInstrument, pressClose};
+    const QJsonArray& use = disconnectAndClose;
     const QJsonArray dismiss = {confirmLanguage, dismissBox, pressClose};
     const QStringList withBox = {languageDialog, boxNamed(notConnected), settingsDialog};
     QVector<LibraryRow> rows;

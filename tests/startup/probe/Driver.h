@@ -2,15 +2,26 @@
 #define TESTS_STARTUP_PROBE_DRIVER_H
 
 #include "tests/startup/probe/Record.h"
+#include "tests/startup/probe/WindowState.h"
 
 #include <QAbstractButton>
+#include <QApplication>
 #include <QElapsedTimer>
 #include <QJsonArray>
+#include <QJsonDocument>
+#include <QKeyEvent>
+#include <QLineEdit>
+#include <QListWidget>
+#include <QMessageBox>
 #include <QObject>
 #include <QPointer>
+#include <QTabWidget>
 #include <QTimer>
 #include <QVector>
 #include <QWidget>
+#include <QWindow>
+
+#include <cstdlib>
 
 /**
  * The user inside the program: takes one step after the other as soon as the window of the step is
@@ -24,29 +35,177 @@
  * taken ends the program with the exit status 3.
  */
 class Driver : public QObject {
-    Q_OBJECT
-
 public:
     /** @param record  must outlive this object */
-    Driver(Record& record, const QJsonArray& steps);
+    Driver(Record& record, const QJsonArray& steps) : m_record(record), m_steps(steps) {
+        qApp->installEventFilter(this);
+        connect(&m_timer, &QTimer::timeout, this, &Driver::tick);
+        m_timer.start(interval);
+        m_waiting.start();
+    }
 
-    bool eventFilter(QObject* watched, QEvent* event) override;
+    bool eventFilter(QObject* watched, QEvent* event) override {
+        const auto* window = qobject_cast<QWidget*>(watched);
+        if (window && window->isWindow() && !event->spontaneous()) {
+            if (event->type() == QEvent::Show) {
+                noteWindow(*window, "shown");
+                watchDialogs();
+            } else if (event->type() == QEvent::Hide) {
+                noteWindow(*window, "hidden");
+            }
+        }
+        return QObject::eventFilter(watched, event);
+    }
 
 private:
-    void tick();
-    QWidget* usableWindow(const QString& className) const;
-    void noteWindow(const QWidget& window, const QString& event);
-    void watchDialogs();
-    void watch(const QWidget& dialog);
-    void perform(const QJsonObject& step, QWidget& window);
-    void press(QAbstractButton* button);
-    void select(QWidget& window, int row);
-    void turn(QWidget& window, int page);
-    void fill(QWidget& window, const QJsonObject& texts);
-    void choose(QWidget& window, const QString& path);
-    void strike(QWidget& window, Qt::Key key);
-    void require(bool canBeTaken);
-    [[noreturn]] void fail(const QString& reason);
+    static constexpr int interval = 5;         // ms
+    static constexpr qint64 patience = 30'000; // ms without a step that could be taken
+
+    void noteWindow(const QWidget& window, const QString& event) {
+        QString name = window.metaObject()->className();
+        if (const auto* box = qobject_cast<const QMessageBox*>(&window))
+            name += QString(" \"%1\"").arg(box->text());
+        m_record.add(event, {{"window", name}});
+    }
+
+    void watchDialogs() {
+        const QWidgetList windows = QApplication::topLevelWidgets();
+        for (const QWidget* window : windows) {
+            const bool isDialog = qobject_cast<const QDialog*>(window) != nullptr &&
+                                  qobject_cast<const QMessageBox*>(window) == nullptr;
+            if (isDialog && !m_watched.contains(window))
+                watch(*window);
+        }
+    }
+
+    void watch(const QWidget& dialog) {
+        m_watched.append(&dialog);
+        const QString name = dialog.metaObject()->className();
+        connect(&dialog, &QObject::destroyed, this, [this, name](const QObject* object) {
+            m_watched.removeOne(object);
+            m_record.add("destroyed", {{"window", name}});
+        });
+    }
+
+    void tick() {
+        if (m_isActing)
+            return;
+        const QJsonObject step = m_steps.at(m_next).toObject();
+        const QString className = step.value("window").toString();
+        QPointer<QWidget> window = usableWindow(className);
+        if (!window) {
+            if (m_waiting.elapsed() > patience)
+                fail(m_next < m_steps.size()
+                         ? QString("step %1: no %2 to be used").arg(m_next).arg(className)
+                         : "the program does not end after the last step");
+            return;
+        }
+        m_isActing = true;
+        // Not from here: a timer does not fire while its slot runs, and a step may open a message
+        // box.
+        QMetaObject::invokeMethod(
+            this,
+            [this, step, window] {
+                if (!window)
+                    fail(QString("step %1: the window is gone").arg(m_next));
+                m_record.add("step", {{"state", windowState(*window)}});
+                ++m_next;
+                m_isActing = false;
+                m_waiting.restart();
+                perform(step, *window);
+            },
+            Qt::QueuedConnection);
+    }
+
+    QWidget* usableWindow(const QString& className) const {
+        QWidget* modal = QApplication::activeModalWidget();
+        const QWidgetList windows = modal ? QWidgetList{modal} : QApplication::topLevelWidgets();
+        for (QWidget* window : windows) {
+            if (window->isVisible() && className == window->metaObject()->className())
+                return window;
+        }
+        return nullptr;
+    }
+
+    void perform(const QJsonObject& step, QWidget& window) {
+        const QString action = step["action"].toString();
+        const QJsonValue value = step["value"];
+        if (action == "click")
+            press(window.findChild<QAbstractButton*>(value.toString()));
+        else if (action == "press")
+            press(dynamic_cast<QMessageBox&>(window).button(QMessageBox::Ok));
+        else if (action == "select")
+            select(window, value.toInt());
+        else if (action == "page")
+            turn(window, value.toInt());
+        else if (action == "fill")
+            fill(window, value.toObject());
+        else if (action == "choose")
+            choose(window, value.toString());
+        else if (action == "key")
+            strike(window, static_cast<Qt::Key>(value.toInt()));
+        else if (action == "removeFile")
+            require(QFile::remove(value.toString()));
+        else if (action == "reject")
+            dynamic_cast<QDialog&>(window).reject();
+        else if (action == "hide")
+            window.hide();
+        else if (action == "close")
+            window.windowHandle()->close(); // as from the window manager
+        else
+            require(false);
+    }
+
+    void press(QAbstractButton* button) {
+        require(button && button->isEnabled() && button->isVisible());
+        button->click();
+    }
+
+    void select(QWidget& window, int row) {
+        auto* list = window.findChild<QListWidget*>();
+        require(list && row < list->count());
+        list->setCurrentRow(row);
+    }
+
+    void turn(QWidget& window, int page) {
+        auto* tabs = window.findChild<QTabWidget*>();
+        require(tabs && page < tabs->count() && tabs->isTabEnabled(page));
+        tabs->setCurrentIndex(page);
+    }
+
+    void fill(QWidget& window, const QJsonObject& texts) {
+        for (auto text = texts.begin(); text != texts.end(); ++text) {
+            auto* edit = window.findChild<QLineEdit*>(text.key());
+            require(edit && edit->isEnabled() && edit->isVisible());
+            edit->setText(text.value().toString());
+        }
+    }
+
+    void choose(QWidget& window, const QString& path) {
+        fill(window, {{"fileNameEdit", path}});
+        // QFileDialog makes accept() protected; the slot is the same one that its button calls.
+        require(QMetaObject::invokeMethod(&window, "accept", Qt::DirectConnection));
+    }
+
+    void strike(QWidget& window, Qt::Key key) {
+        QPointer<QWidget> target = window.focusWidget() ? window.focusWidget() : &window;
+        for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
+            QKeyEvent event(type, key, Qt::NoModifier);
+            if (target)
+                QCoreApplication::sendEvent(target, &event);
+        }
+    }
+
+    void require(bool canBeTaken) {
+        const QJsonDocument step(m_steps.at(m_next - 1).toObject());
+        if (!canBeTaken)
+            fail("this step cannot be taken: " + step.toJson(QJsonDocument::Compact));
+    }
+
+    [[noreturn]] void fail(const QString& reason) {
+        m_record.add("failure", {{"reason", reason}});
+        std::_Exit(3);
+    }
 
     Record& m_record;
     QJsonArray m_steps;

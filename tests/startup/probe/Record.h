@@ -2,8 +2,10 @@
 #define TESTS_STARTUP_PROBE_RECORD_H
 
 #include <QFile>
+#include <QJsonDocument>
 #include <QJsonObject>
 #include <QMutex>
+#include <QMutexLocker>
 #include <QString>
 #include <QtGlobal>
 
@@ -17,26 +19,59 @@ class Record {
 public:
     /** @param path   the file to write
         @param trace  the trace of libKVASDK; empty: none */
-    Record(const QString& path, const QString& trace);
-    ~Record();
+    Record(const QString& path, const QString& trace) : m_file(path), m_trace(trace) {
+        m_file.open(QIODevice::WriteOnly | QIODevice::Append | QIODevice::Unbuffered);
+        s_current = this;
+        m_previous = qInstallMessageHandler(handleMessage);
+    }
+    ~Record() {
+        qInstallMessageHandler(m_previous);
+        s_current = nullptr;
+    }
     Record(const Record&) = delete;
     Record& operator=(const Record&) = delete;
 
     /** Notes an event of this name, with @p fields. */
-    void add(const QString& event, QJsonObject fields);
+    void add(const QString& event, QJsonObject fields) {
+        const QMutexLocker locker(&m_mutex);
+        addCalls();
+        write(event, std::move(fields));
+    }
 
 private:
     static void handleMessage(QtMsgType type, const QMessageLogContext& context,
-                              const QString& text);
-    void addCalls();
-    void write(const QString& event, QJsonObject fields);
+                              const QString& text) {
+        s_current->add(
+            "log",
+            {{"isDebug", type == QtDebugMsg}, {"category", context.category}, {"text", text}});
+        s_current->m_previous(type, context, text);
+    }
 
-    static Record* s_current;
+    void addCalls() {
+        if (!m_trace.isOpen() && !m_trace.open(QIODevice::ReadOnly))
+            return; // no call yet
+        for (;;) {
+            const qint64 start = m_trace.pos();
+            const QByteArray line = m_trace.readLine();
+            if (!line.endsWith('\n')) {
+                m_trace.seek(start);
+                return;
+            }
+            write("call", QJsonDocument::fromJson(line).object());
+        }
+    }
+
+    void write(const QString& event, QJsonObject fields) {
+        fields.insert("event", event);
+        m_file.write(QJsonDocument(fields).toJson(QJsonDocument::Compact) + '\n');
+    }
+
+    inline static Record* s_current = nullptr;
 
     QMutex m_mutex;
     QFile m_file;
     QFile m_trace;
-    QtMessageHandler m_previous;
+    QtMessageHandler m_previous = nullptr;
 };
 
 #endif
