@@ -5,17 +5,14 @@
 
 const CalibrationTab& calibrationTab(bool adapter) {
     static const CalibrationTab tabs[] = {
-        {SettingsFixture::WhitePlate, 0, QStringLiteral("selWCPFilePushBtn"),
-         QStringLiteral("setWCPValPushBtn"), "on_setWCPValPushBtn_clicked", 38, "87654321",
-         QStringLiteral("ambientAdapter"), QStringLiteral("white"),
-         QStringLiteral("error: Failed to write WhiteCalibPlate file."),
-         QStringLiteral("error: Failed to write WhiteCalibPlate data."), "10000001", "10000000"},
-        {SettingsFixture::AmbientAdapter, 3, QStringLiteral("selAmbLightAdpFilePushBtn"),
-         QStringLiteral("setAmbAdpBodyPushBtn"), "on_setAmbAdpBodyPushBtn_clicked", 75, "00054321",
-         QStringLiteral("white"), QStringLiteral("ambientAdapter"),
-         QStringLiteral("error: Failed to write AmbientLightAdapter file."),
-         QStringLiteral("error: Failed to write AmbientLightAdapter data."), "00010001",
-         "00010000"},
+        {SettingsFixture::WhitePlate, 0, "selWCPFilePushBtn", "setWCPValPushBtn",
+         "on_setWCPValPushBtn_clicked", 38, "87654321", "ambientAdapter", "white",
+         "error: Failed to write WhiteCalibPlate file.",
+         "error: Failed to write WhiteCalibPlate data.", "10000001", "10000000", "99999999"},
+        {SettingsFixture::AmbientAdapter, 3, "selAmbLightAdpFilePushBtn", "setAmbAdpBodyPushBtn",
+         "on_setAmbAdpBodyPushBtn_clicked", 75, "00054321", "white", "ambientAdapter",
+         "error: Failed to write AmbientLightAdapter file.",
+         "error: Failed to write AmbientLightAdapter data.", "00010001", "00010000", "00099999"},
     };
     return tabs[adapter ? 1 : 0];
 }
@@ -26,20 +23,6 @@ void addCalibrationTabs() {
     QTest::newRow("adapter") << true;
 }
 
-float fileValue(int index) {
-    return static_cast<float>(index) + 0.25F;
-}
-
-QByteArray valueFile(const QByteArray& serialLine, int count) {
-    QByteArray values;
-    for (int i = 0; i < count; ++i) {
-        if (i > 0)
-            values += ',';
-        values += QByteArray::number(static_cast<double>(fileValue(i)));
-    }
-    return "Reference values\nSerial number and values\n" + serialLine + '\n' + values + '\n';
-}
-
 QString writeFile(const QString& path, const QByteArray& content) {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? path
@@ -47,9 +30,9 @@ QString writeFile(const QString& path, const QByteArray& content) {
 }
 
 QStringList checkLines(const QByteArray& serialLine, int count) {
-    QStringList lines(QStringLiteral("SerialNo: %1 \n").arg(serialLine.toInt()));
+    QStringList lines(QString("SerialNo: %1 \n").arg(serialLine.toInt()));
     for (int i = 0; i < count; ++i)
-        lines.append(QStringLiteral("rfWhite.spcData[%1]: %2 \n")
+        lines.append(QString("rfWhite.spcData[%1]: %2 \n")
                          .arg(i)
                          .arg(static_cast<double>(fileValue(i)), 0, 'f', 6));
     return lines;

@@ -3,10 +3,6 @@
 
 #include "tests/dialogs/settings/SettingsFixture.h"
 
-#include <QByteArray>
-#include <QString>
-#include <QStringList>
-
 /** What differs between the two calibration tabs, for tests that run on both. */
 struct CalibrationTab {
     SettingsFixture::Page page;
@@ -20,8 +16,14 @@ struct CalibrationTab {
     QString ownPart;
     QString noFileBox;
     QString failureBox;
-    QByteArray lowestSerialLine; ///< the lowest number that is accepted
-    QByteArray tooLowSerialLine; ///< one less
+    QByteArray lowestSerialLine;  ///< the lowest number that is accepted
+    QByteArray tooLowSerialLine;  ///< one less
+    QByteArray highestSerialLine; ///< the highest number of eight digits that is accepted
+
+    /** A file that is accepted. */
+    QByteArray file() const { return TestBench::valueFile(serialLine, valueCount); }
+    /** A file whose number is too low. */
+    QByteArray tooLowFile() const { return TestBench::valueFile(tooLowSerialLine, valueCount); }
 };
 
 const CalibrationTab& calibrationTab(bool adapter);
@@ -29,10 +31,8 @@ const CalibrationTab& calibrationTab(bool adapter);
 /** Adds a column "adapter" and a row for each tab. */
 void addCalibrationTabs();
 
-/** A value file: two headings, the serial line and @p count values. */
-QByteArray valueFile(const QByteArray& serialLine, int count);
-/** The value @p index of such a file, exact in single precision. */
-float fileValue(int index);
+using TestBench::fileValue;
+using TestBench::valueFile;
 
 /** Writes a file. @return its path; empty when that failed */
 QString writeFile(const QString& path, const QByteArray& content);

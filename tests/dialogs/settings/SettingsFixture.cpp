@@ -4,14 +4,11 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QJsonDocument>
 #include <QLabel>
 #include <QTabWidget>
 #include <QtTest>
 
 #include <chrono>
-#include <cstdio>
-#include <cstdlib>
 #include <utility>
 
 /** Lets a test at a private member, as an explicit instantiation may name it. */
@@ -29,52 +26,15 @@ QTimer& watchOf(InitSettingDialog& dialog) {
 
 namespace {
 
-constexpr char instrumentJson[] = R"({
-    "serialNumber": 1234567,
-    "device": {"firmware": [1, 2, 3], "macAddress": "02:0a:bc:0d:ef:09"},
-    "wirelessModule": true,
-    "network": {"active": {"APConnectUse": 1, "DHCPUse": 0, "IPAddress": "192.168.0.10",
-                           "SubnetMask": "255.255.255.0", "DefaultGateway": "192.168.0.1",
-                           "DNS": "8.8.4.0", "SSID": "press-hall", "EncryptKey": "spectral-key"}},
-    "powerOffMode": 2,
-    "calibration": {"committed": {"white": {"serialNumber": "12345678"},
-                                  "ambientAdapter": {"serialNumber": "00012345"},
-                                  "reserved": {"seed": 7}}}
-})";
+const QStringList switchable =
+    words("setBasetabWidget networkSetTab autoPowerOfftab wCalibPlateTab ambLightAdpTab "
+          "ConnectPushBtn disConnectPushBtn ClosePushBtn readToFilePushBtn writeFilePushBtn "
+          "readBodyPushBtn writeBodyPushBtn getAutoPWOffPushBtn setAutoPWOffPushBtn "
+          "selWCPFilePushBtn setWCPValPushBtn selAmbLightAdpFilePushBtn setAmbAdpBodyPushBtn");
 
-const QStringList& switchable() {
-    static const QStringList names = {
-        QStringLiteral("setBasetabWidget"),
-        QStringLiteral("networkSetTab"),
-        QStringLiteral("autoPowerOfftab"),
-        QStringLiteral("wCalibPlateTab"),
-        QStringLiteral("ambLightAdpTab"),
-        QStringLiteral("ConnectPushBtn"),
-        QStringLiteral("disConnectPushBtn"),
-        QStringLiteral("ClosePushBtn"),
-        QStringLiteral("readToFilePushBtn"),
-        QStringLiteral("writeFilePushBtn"),
-        QStringLiteral("readBodyPushBtn"),
-        QStringLiteral("writeBodyPushBtn"),
-        QStringLiteral("getAutoPWOffPushBtn"),
-        QStringLiteral("setAutoPWOffPushBtn"),
-        QStringLiteral("selWCPFilePushBtn"),
-        QStringLiteral("setWCPValPushBtn"),
-        QStringLiteral("selAmbLightAdpFilePushBtn"),
-        QStringLiteral("setAmbAdpBodyPushBtn"),
-    };
-    return names;
-}
-
-const QStringList& radioButtons() {
-    static const QStringList names = {
-        QStringLiteral("enableRadioBtn"),  QStringLiteral("disableRadioBtn"),
-        QStringLiteral("dhcpOnRadioBtn"),  QStringLiteral("dhcpOffRadioBtn"),
-        QStringLiteral("invalidradioBtn"), QStringLiteral("fifteenRadioBtn"),
-        QStringLiteral("thirtyRadioBtn"),  QStringLiteral("sixtyRadioBtn"),
-    };
-    return names;
-}
+const QStringList radioButtons =
+    words("enableRadioBtn disableRadioBtn dhcpOnRadioBtn dhcpOffRadioBtn invalidradioBtn "
+          "fifteenRadioBtn thirtyRadioBtn sixtyRadioBtn");
 
 QString kindOf(const ModalAnswerer::Box& box) {
     const Qt::WindowFlags hints = Qt::CustomizeWindowHint | Qt::WindowTitleHint |
@@ -82,17 +42,17 @@ QString kindOf(const ModalAnswerer::Box& box) {
                                   Qt::WindowCloseButtonHint;
     // A type, and the system menu where a window has a close button.
     const Qt::WindowFlags addedByQt = Qt::WindowType_Mask | Qt::WindowSystemMenuHint;
-    const QString title = QStringLiteral("Spectrophotometer Configuration Tool VQ-TL4");
+    const QString title = "Spectrophotometer Configuration Tool VQ-TL4";
     if (box.title != title || box.buttons != QMessageBox::Ok || !box.isModal || box.hasParent ||
         (box.flags & ~addedByQt) != hints)
-        return QStringLiteral("malformed");
+        return "malformed";
     if (box.icon == QMessageBox::Information)
-        return QStringLiteral("information");
-    return box.icon == QMessageBox::Critical ? QStringLiteral("error") : QStringLiteral("other");
+        return "information";
+    return box.icon == QMessageBox::Critical ? "error" : "other";
 }
 
 QString describe(const ModalAnswerer::Box& box) {
-    return kindOf(box) + QStringLiteral(": ") + box.text;
+    return kindOf(box) + ": " + box.text;
 }
 
 ModalAnswerer::Box recordOf(const QMessageBox& box) {
@@ -102,29 +62,12 @@ ModalAnswerer::Box recordOf(const QMessageBox& box) {
             box.isModal(),     box.parentWidget() != nullptr};
 }
 
-QJsonDocument taken(char* text) {
-    QJsonDocument document = QJsonDocument::fromJson(text);
-    KvaSim_Free(text);
-    return document;
-}
-
 std::shared_ptr<CKvaSdk_Ctrl> controllerOn(const QJsonArray& instruments) {
-    const QJsonObject bench = {{QStringLiteral("version"), 1},
-                               {QStringLiteral("instruments"), instruments}};
-    if (!KvaSim_LoadJson(QJsonDocument(bench).toJson().constData()))
-        SettingsFixture::giveUp(QString::fromUtf8(KvaSim_LastError()));
-    KvaSim_WaitForEvents();
-    g_deviceDisconnected.store(false);
+    TestBench::load(instruments);
     return std::make_shared<CKvaSdk_Ctrl>();
 }
 
 } // namespace
-
-QJsonObject SettingsFixture::instrument(int serial) {
-    QJsonObject object = QJsonDocument::fromJson(instrumentJson).object();
-    object[QStringLiteral("serialNumber")] = serial;
-    return object;
-}
 
 SettingsFixture::SettingsFixture(const QJsonArray& instruments)
     : controller(controllerOn(instruments)) {
@@ -152,67 +95,33 @@ bool SettingsFixture::connectFirst(Page page) {
 }
 
 void SettingsFixture::openPage(Page page) {
-    child<QTabWidget>(QStringLiteral("setBasetabWidget")).setCurrentIndex(page);
+    child<QTabWidget>("setBasetabWidget").setCurrentIndex(page);
 }
 
 void SettingsFixture::clearRecords() {
     KvaSim_WaitForEvents();
-    KvaSim_ClearCallLog();
+    TestBench::clearCalls();
     log.clear();
     answers.boxes.clear();
     answers.fileDialogs.clear();
 }
 
-bool SettingsFixture::set(const char* patch) {
-    const int serial = state()[QStringLiteral("serialNumber")].toInt();
-    return KvaSim_Set(serial, patch);
-}
-
-bool SettingsFixture::answer(const QString& function, int result, int call) {
-    QJsonObject rule = {{QStringLiteral("function"), function}, {QStringLiteral("result"), result}};
-    if (call > 0)
-        rule[QStringLiteral("call")] = call;
-    return KvaSim_AddFault(QJsonDocument(rule).toJson().constData());
-}
-
-QJsonObject SettingsFixture::state() {
-    return taken(KvaSim_State())[QStringLiteral("instruments")][0].toObject();
-}
-
-QStringList SettingsFixture::calls() {
-    QStringList names;
-    const QJsonArray entries = taken(KvaSim_CallLog()).array();
-    for (const QJsonValue& entry : entries)
-        names.append(entry[QStringLiteral("function")].toString());
-    return names;
-}
-
-QJsonObject SettingsFixture::argumentsOf(const QString& function) {
-    QJsonObject arguments;
-    const QJsonArray entries = taken(KvaSim_CallLog()).array();
-    for (const QJsonValue& entry : entries) {
-        if (entry[QStringLiteral("function")].toString() == function)
-            arguments = entry[QStringLiteral("arguments")].toObject();
-    }
-    return arguments;
-}
-
-void SettingsFixture::emitEvent(quint32 code) {
-    KvaSim_EmitEvent(code, 0, 0);
-    KvaSim_WaitForEvents();
-}
-
 void SettingsFixture::click(const QString& name) {
     auto& button = child<QAbstractButton>(name);
     if (!button.isVisible() || !button.isEnabled())
-        giveUp(QStringLiteral("nobody could click ") + name);
+        giveUp("nobody could click " + name);
     // Not the middle: a radio button takes clicks on its circle and its text only.
     QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(8, button.height() / 2));
 }
 
+void SettingsFixture::choose(const QString& button, const QString& path) {
+    answers.willChoose(path);
+    click(button);
+}
+
 void SettingsFixture::invoke(const char* slot) {
     if (!QMetaObject::invokeMethod(&dialog, slot, Qt::DirectConnection))
-        giveUp(QStringLiteral("no slot ") + QLatin1String(slot));
+        giveUp(QString("no slot ") + slot);
 }
 
 void SettingsFixture::uncheck(const QString& name) {
@@ -226,8 +135,7 @@ QVector<QLineEdit*> SettingsFixture::addressEdits() {
     QVector<QLineEdit*> edits;
     for (const char* row : {"ipaddr", "subnetMask", "defGWaddr", "dnsaddr"}) {
         for (int octet = 1; octet <= 4; ++octet)
-            edits.append(&child<QLineEdit>(
-                QStringLiteral("%1%2lineEdit").arg(QLatin1String(row)).arg(octet)));
+            edits.append(&child<QLineEdit>(QString("%1%2lineEdit").arg(row).arg(octet)));
     }
     return edits;
 }
@@ -238,9 +146,14 @@ void SettingsFixture::setOctets(const QStringList& octets) {
         edits[i]->setText(octets.value(i));
 }
 
+void SettingsFixture::setNameAndKey(const QString& ssid, const QString& key) {
+    child<QLineEdit>("SSIDlineEdit").setText(ssid);
+    child<QLineEdit>("passwdlineEdit").setText(key);
+}
+
 QStringList SettingsFixture::disabled() {
     QStringList names;
-    for (const QString& name : switchable()) {
+    for (const QString& name : switchable) {
         const QWidget& widget = child(name);
         if (!widget.isEnabledTo(widget.parentWidget()))
             names.append(name);
@@ -250,7 +163,7 @@ QStringList SettingsFixture::disabled() {
 
 QStringList SettingsFixture::checked() {
     QStringList names;
-    for (const QString& name : radioButtons()) {
+    for (const QString& name : radioButtons) {
         if (child<QAbstractButton>(name).isChecked())
             names.append(name);
     }
@@ -258,34 +171,42 @@ QStringList SettingsFixture::checked() {
 }
 
 QStringList SettingsFixture::identity() {
-    return {child<QLabel>(QStringLiteral("serialNolabel")).text(),
-            child<QLabel>(QStringLiteral("firmVersionlabel")).text(),
-            child<QLabel>(QStringLiteral("MACAddresslabel")).text()};
+    return {child<QLabel>("serialNolabel").text(), child<QLabel>("firmVersionlabel").text(),
+            child<QLabel>("MACAddresslabel").text()};
 }
 
 QStringList SettingsFixture::networkTexts() {
-    QStringList texts = {child<QLineEdit>(QStringLiteral("SSIDlineEdit")).text(),
-                         child<QLineEdit>(QStringLiteral("passwdlineEdit")).text()};
+    QStringList texts = {child<QLineEdit>("SSIDlineEdit").text(),
+                         child<QLineEdit>("passwdlineEdit").text()};
     QStringList octets;
     for (const QLineEdit* edit : addressEdits())
         octets.append(edit->text());
     for (int address = 0; address < 4; ++address)
-        texts.append(octets.mid(4 * address, 4).join(QLatin1Char('.')));
+        texts.append(octets.mid(4 * address, 4).join('.'));
     return texts;
 }
 
 QStringList SettingsFixture::calibrationTexts() {
     QStringList texts;
-    for (const char* name :
-         {"curWCalibPlateSerialNolabel", "selWCPFileNamelabel", "selFileSerialNolabel",
-          "curAmbAdpSerialNolabel", "selAmbAdpFnamelabel", "selAmbAdpFSerialNolabel"})
-        texts.append(child<QLabel>(QLatin1String(name)).text());
+    for (const QString& name :
+         words("curWCalibPlateSerialNolabel selWCPFileNamelabel selFileSerialNolabel "
+               "curAmbAdpSerialNolabel selAmbAdpFnamelabel selAmbAdpFSerialNolabel"))
+        texts.append(child<QLabel>(name).text());
     return texts;
 }
 
 QStringList SettingsFixture::fileToolTips() {
-    return {child<QLabel>(QStringLiteral("selWCPFileNamelabel")).toolTip(),
-            child<QLabel>(QStringLiteral("selAmbAdpFnamelabel")).toolTip()};
+    return {child<QLabel>("selWCPFileNamelabel").toolTip(),
+            child<QLabel>("selAmbAdpFnamelabel").toolTip()};
+}
+
+QStringList SettingsFixture::texts() {
+    return identity() + networkTexts() + calibrationTexts() + fileToolTips();
+}
+
+const QStringList& SettingsFixture::noTexts() {
+    static const QStringList texts = QString(",,,,,...,...,...,...,,,,,,,,").split(',');
+    return texts;
 }
 
 int SettingsFixture::enabledAddressEdits() {
@@ -296,10 +217,9 @@ int SettingsFixture::enabledAddressEdits() {
 }
 
 QStringList SettingsFixture::everything() {
-    QStringList all =
-        disabled() + checked() + identity() + networkTexts() + calibrationTexts() + fileToolTips();
+    QStringList all = disabled() + checked() + texts();
     all.append(QString::number(enabledAddressEdits()));
-    for (const QString& name : radioButtons())
+    for (const QString& name : radioButtons)
         all.append(QString::number(child<QAbstractButton>(name).isCheckable() ? 1 : 0));
     return all;
 }
@@ -345,47 +265,59 @@ QString SettingsFixture::dismissBoxAbove(QWidget& below) {
 }
 
 const QStringList& SettingsFixture::disabledWhenConnected() {
-    static const QStringList names = {
-        QStringLiteral("ConnectPushBtn"), QStringLiteral("ClosePushBtn"),
-        QStringLiteral("setWCPValPushBtn"), QStringLiteral("setAmbAdpBodyPushBtn")};
+    static const QStringList names =
+        words("ConnectPushBtn ClosePushBtn setWCPValPushBtn setAmbAdpBodyPushBtn");
     return names;
 }
 
 const QStringList& SettingsFixture::disabledWhenNotConnected() {
-    static const QStringList names = {
-        QStringLiteral("networkSetTab"),       QStringLiteral("autoPowerOfftab"),
-        QStringLiteral("wCalibPlateTab"),      QStringLiteral("ambLightAdpTab"),
-        QStringLiteral("disConnectPushBtn"),   QStringLiteral("setWCPValPushBtn"),
-        QStringLiteral("setAmbAdpBodyPushBtn")};
+    static const QStringList names =
+        words("networkSetTab autoPowerOfftab wCalibPlateTab ambLightAdpTab disConnectPushBtn "
+              "setWCPValPushBtn setAmbAdpBodyPushBtn");
     return names;
 }
 
 QStringList SettingsFixture::connectLines(int instrumentCount) {
-    return {QStringLiteral("port count[%1] \n").arg(instrumentCount),
-            QStringLiteral("  wifiModuleEnable :      1\n"),
-            QStringLiteral("KVA_GetShutdownTime() success[mode:2].\n")};
+    return {QString("port count[%1] \n").arg(instrumentCount), "  wifiModuleEnable :      1\n",
+            "KVA_GetShutdownTime() success[mode:2].\n"};
 }
 
 QStringList SettingsFixture::connectCalls() {
-    return {QStringLiteral("KVA_Connect"),
-            QStringLiteral("KVA_GetDeviceInfo"),
-            QStringLiteral("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA"),
-            QStringLiteral("KVA_GetNetworkInfo"),
-            QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA"),
-            QStringLiteral("KVA_GetShutdownTime")};
+    return words("KVA_Connect KVA_GetDeviceInfo KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA "
+                 "KVA_GetNetworkInfo KVA_JIG_GetFactoryCalib_CALREFDATA KVA_GetShutdownTime");
+}
+
+QString SettingsFixture::lostBox() {
+    return "error: The connection with the measuring instrument was disconnected.";
 }
 
 QStringList SettingsFixture::digitLines(const QStringList& texts) {
     QStringList lines;
     for (const QString& text : texts) {
-        lines.append(QStringLiteral("length:%1\n").arg(text.length()));
+        lines.append(QString("length:%1\n").arg(text.length()));
         for (const QChar character : text)
             lines.append(QString(character));
     }
     return lines;
 }
 
-void SettingsFixture::giveUp(const QString& reason) {
-    std::fprintf(stderr, "%s\n", qUtf8Printable(reason));
-    std::abort();
+ConnectedFixture::ConnectedFixture(Page page, const QByteArray& patch) {
+    TestBench::set(patch);
+    QTest::qVerify(connectFirst(page), "connectFirst(page)", "", __FILE__, __LINE__);
+    answers.onBox = [this](QMessageBox&) {
+        atBox = {everything(), disabled(), texts(), calls(), watchOf(dialog).isActive()};
+    };
+}
+
+QStringList ConnectedFixture::busyAtBox() {
+    QStringList names = atBox.disabled;
+    for (const QString& name : disabled())
+        names.removeOne(name);
+    return names;
+}
+
+QString ConnectedFixture::loseBehind(QWidget& below) {
+    watchOf(dialog).setInterval(20); // a second is long
+    KvaSim_Unplug(serialNumber);
+    return dismissBoxAbove(below);
 }

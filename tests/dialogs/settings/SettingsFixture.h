@@ -5,35 +5,40 @@
 #include "dialogs/InitSettingDialog.h"
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "tests/support/DebugLog.h"
+#include "tests/support/GiveUp.h"
 #include "tests/support/ModalAnswerer.h"
+#include "tests/support/TestBench.h"
+#include "tests/support/TestFolder.h"
 
-#include <QJsonArray>
-#include <QJsonObject>
 #include <QLineEdit>
-#include <QStringList>
 #include <QTimer>
-#include <QVector>
 
 #include <functional>
 #include <memory>
+
+/** The words of a text with one blank between them. */
+inline QStringList words(const char* text) {
+    return QString(text).split(' ');
+}
 
 /** The dialog's disconnect watch, which is not a child of the dialog. */
 QTimer& watchOf(InitSettingDialog& dialog);
 
 /**
  * A settings dialog with its controller and its selection dialog on a bench of simulated
- * instruments, and everything that it does recorded: boxes, file dialogs, debug lines, calls. One
- * at a time. The thread of the test only.
+ * instruments. It records boxes, file dialogs, debug lines and calls. One at a time. The thread of
+ * the test only.
  */
 class SettingsFixture {
 public:
-    static constexpr int serialNumber = 1234567;
+    static constexpr int serialNumber = TestBench::serialNumber;
 
     /** Pages of the tab widget. */
     enum Page { Network, PowerOff, WhitePlate, AmbientAdapter };
 
-    /** A USB instrument, every setting of it as the .cpp says. */
-    static QJsonObject instrument(int serial = serialNumber);
+    static QJsonObject instrument(int serial = serialNumber) {
+        return TestBench::instrument(serial);
+    }
 
     /** @param instruments  the instruments on the bench, in the order of its list */
     explicit SettingsFixture(const QJsonArray& instruments = {instrument()});
@@ -49,20 +54,14 @@ public:
     /** Forgets boxes, file dialogs, debug lines and calls. */
     void clearRecords();
 
-    // ---- The bench
+    // ---- The bench; see also `TestBench`
 
-    /** Changes the first instrument by a JSON merge patch. */
-    static bool set(const char* patch);
-    /** Lets a function answer @p result. @param call the nth call from now; 0: every call */
-    static bool answer(const QString& function, int result = KVA_ERROR, int call = 0);
-    /** What the first instrument holds. */
-    static QJsonObject state();
-    /** The functions called, in order. */
-    static QStringList calls();
-    /** The arguments of the last call of that function; empty when it was not called. */
-    static QJsonObject argumentsOf(const QString& function);
-    /** Delivers a device event, and returns when it has been handled. */
-    static void emitEvent(quint32 code);
+    static bool set(const QByteArray& patch) {
+        TestBench::set(patch);
+        return true;
+    }
+    static QJsonObject state() { return TestBench::state(); }
+    static QStringList calls() { return TestBench::calls(); }
 
     // ---- The dialog
 
@@ -70,12 +69,14 @@ public:
     Widget& child(const QString& name) {
         auto* found = dialog.findChild<Widget*>(name);
         if (!found)
-            giveUp(QStringLiteral("no widget ") + name);
+            giveUp("no widget " + name);
         return *found;
     }
 
     /** Clicks a button with the mouse. It has to be one that a user could click. */
     void click(const QString& name);
+    /** The same; the file dialog that comes up is answered with @p path. */
+    void choose(const QString& button, const QString& path);
     /** Runs a slot whether or not a user could get at it. */
     void invoke(const char* slot);
     /** Unchecks a radio button as its exclusive group would not. */
@@ -83,9 +84,10 @@ public:
     QVector<QLineEdit*> addressEdits();
     /** Fills the sixteen address edits. */
     void setOctets(const QStringList& octets);
+    void setNameAndKey(const QString& ssid, const QString& key);
 
-    /** Those of the tabs, the pages and all push buttons that are disabled themselves, be their
-        parents as they may: in the order of their lists in the .cpp. */
+    /** Those of the tabs, the pages and all push buttons that are disabled themselves, whatever
+        their parents are: in the order of their lists in the .cpp. */
     QStringList disabled();
     /** The radio buttons that are checked. */
     QStringList checked();
@@ -98,6 +100,10 @@ public:
     QStringList calibrationTexts();
     /** Those of the two file name labels. */
     QStringList fileToolTips();
+    /** The four lists before. */
+    QStringList texts();
+    /** `texts` of a dialog that shows no instrument. */
+    static const QStringList& noTexts();
     /** 16 or 0 unless something is wrong. */
     int enabledAddressEdits();
     /** Everything above, and whether the radio buttons are checkable. */
@@ -110,6 +116,8 @@ public:
     QStringList boxes() const;
     /** The debug lines, those of the instrument's thread included. */
     QStringList lines() const;
+    /** `boxes`, then `calls`, then `lines`. */
+    QStringList records() const { return boxes() + calls() + lines(); }
 
     /** Calls @p action, once, when the window is shown. */
     void whenShown(QWidget& window, std::function<void()> action);
@@ -123,12 +131,12 @@ public:
     static QStringList connectLines(int instrumentCount = 1);
     /** The calls of a connection where all goes well, without the listing. */
     static QStringList connectCalls();
-
     /** The debug lines of checking these texts for digits, all of which pass. */
     static QStringList digitLines(const QStringList& texts);
+    /** The box of a lost connection, as in `boxes`. */
+    static QString lostBox();
 
-    /** Ends the program: the test itself is wrong. Not by qFatal, whose text the log would keep. */
-    [[noreturn]] static void giveUp(const QString& reason);
+    [[noreturn]] static void giveUp(const QString& reason) { ::giveUp(reason); }
 
     /** Whether `connectFirst` leaves the watch its second. */
     bool keepsWatching = false;
@@ -138,6 +146,30 @@ public:
     ConnectSelectDialog selection;
     InitSettingDialog dialog;
     ModalAnswerer answers;
+};
+
+/** A fixture that `connectFirst` has connected, in a working folder of its own. The test fails when
+    it is not connected. */
+class ConnectedFixture : public SettingsFixture {
+public:
+    /** @param patch  changes the instrument before, see `TestBench::set` */
+    explicit ConnectedFixture(Page page = Network, const QByteArray& patch = "{}");
+
+    TestFolder folder;
+
+    /** What there was while the last box was open, unless a test sets `answers.onBox`. */
+    struct {
+        QStringList everything;
+        QStringList disabled;
+        QStringList texts;
+        QStringList calls;
+        bool isWatching = false;
+    } atBox;
+
+    /** What was disabled while the last box was open and is not any more. */
+    QStringList busyAtBox();
+    /** Pulls the plug and waits for the watch's report on top of @p below. @return as `boxes` */
+    QString loseBehind(QWidget& below);
 };
 
 #endif

@@ -1,39 +1,52 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
+#include "tests/dialogs/settings/NetworkValues.h"
+#include "tests/support/TestMain.h"
 
-#include <QPushButton>
-#include <QtTest>
-
-/** Connecting to an instrument, where nothing fails. */
+/** Connecting to an instrument. */
 class TestConnection : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void startsWithoutConnection();
-    void withoutInstrument_data();
-    void withoutInstrument();
-    void firstTimePreparesTheWindow_data();
-    void firstTimePreparesTheWindow();
-    void laterTimeLeavesTheWindow();
+    void noConnection_data();
+    void noConnection();
+    void preparesTheWindow_data();
+    void preparesTheWindow();
     void fillsTheDialog_data();
     void fillsTheDialog();
     void connectsToTheChosenEntry();
-    void showsTheSwitches_data();
-    void showsTheSwitches();
-    void showsThePowerOffMode_data();
-    void showsThePowerOffMode();
+    void showsTheSettings_data();
+    void showsTheSettings();
     void takesWarningsForSuccess();
-    void takesAnyModuleFlagForAModule();
-    void asksForAValueFileAgain();
-    void enablesTheTabs();
+    void cannotConnectWhileConnected();
+    void failingRead_data() { addFailingReads(); }
+    void failingRead();
+    void emptiesStaleTexts_data() { addFailingReads(); }
+    void emptiesStaleTexts();
+
+private:
+    static void addFailingReads();
 };
 
 namespace {
 
-QStringList filledNetworkTexts() {
-    return {QStringLiteral("press-hall"),   QStringLiteral("spectral-key"),
-            QStringLiteral("192.168.0.10"), QStringLiteral("255.255.255.0"),
-            QStringLiteral("192.168.0.1"),  QStringLiteral("8.8.4.0")};
-}
+const QString connectCall = "KVA_Connect";
+const QString deviceInfo = "KVA_GetDeviceInfo";
+const QString options = "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA";
+const QString networkInfo = "KVA_GetNetworkInfo";
+const QString calibration = "KVA_JIG_GetFactoryCalib_CALREFDATA";
+const QString shutdownTime = "KVA_GetShutdownTime";
+
+const QString cannotConnectBox = "error: Failed to connect device.";
+const QString cannotConnectLine = "conect error \n";
+const QString noWireless = "information: Wireless LAN is invalid.";
+
+const QStringList identity = {"01234567", "1.02.0003", "02:0A:BC:0D:EF:09"};
+const QStringList network = {"press-hall",    "spectral-key", "192.168.0.10",
+                             "255.255.255.0", "192.168.0.1",  "8.8.4.0"};
+const QStringList plates = {"12345678", "", "", "00012345", "", ""};
+const QStringList none = SettingsFixture::noTexts();
+const QStringList switches = switchButtons(1, 0);
+const QStringList thirty = {"thirtyRadioBtn"};
 
 const Qt::WindowFlags firstTimeHints = Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
                                        Qt::WindowMaximizeButtonHint | Qt::CustomizeWindowHint |
@@ -44,7 +57,60 @@ Qt::WindowFlags hintsOf(const QWidget& window) {
     return window.windowFlags() & ~(Qt::WindowType_Mask | Qt::WindowSystemMenuHint);
 }
 
+/** One call of `connectDevice`. */
+struct Attempt {
+    const char* name;
+    int portNum;
+    bool isFirstTime;
+    bool isFromNotConnected;
+    bool isListed; ///< whether the controller has the list of the instruments
+};
+
+struct Settings {
+    const char* name;
+    QByteArray patch;
+    QStringList checked;
+    int moduleFlag;
+    int mode;
+};
+
+struct FailingRead {
+    const char* name;
+    QByteArray patch;
+    QString function; ///< the one that fails; empty: none
+    QStringList records;
+    QStringList disabledTabs;
+    QStringList checked;
+    QStringList texts;
+    QStringList textsOverFormer; ///< when another connection has filled the dialog before
+};
+
+/** A fixture before a call of `connectDevice`. */
+class ListedFixture : public SettingsFixture {
+public:
+    explicit ListedFixture(bool isFromNotConnected = false, const QByteArray& patch = "{}") {
+        TestBench::set(patch);
+        controller->GetDevicePortList();
+        if (isFromNotConnected)
+            dialog.connectDevice(-1, false);
+        // Values are only sent from a file that is chosen after the attempt, whatever comes of it.
+        child("setWCPValPushBtn").setEnabled(true);
+        child("setAmbAdpBodyPushBtn").setEnabled(true);
+        clearRecords();
+        answers.onBox = [this](QMessageBox&) {
+            disabledAtBoxes.insert(disabled());
+            QVERIFY(!watchOf(dialog).isActive());
+        };
+    }
+
+    QSet<QStringList> disabledAtBoxes;
+};
+
 } // namespace
+
+Q_DECLARE_METATYPE(Attempt)
+Q_DECLARE_METATYPE(Settings)
+Q_DECLARE_METATYPE(FailingRead)
 
 void TestConnection::startsWithoutConnection() {
     SettingsFixture f;
@@ -54,227 +120,271 @@ void TestConnection::startsWithoutConnection() {
     QCOMPARE(watchOf(f.dialog).interval(), 1000);
     QVERIFY(!watchOf(f.dialog).isSingleShot());
     QVERIFY(!f.dialog.isFinished);
-    QCOMPARE(f.log.others(), QStringList());
 }
 
-void TestConnection::withoutInstrument_data() {
-    QTest::addColumn<int>("portNum");
-    QTest::addColumn<bool>("firstTime");
-    QTest::newRow("at start") << -1 << true;
-    QTest::newRow("later") << -1 << false;
-    QTest::newRow("any negative port") << -7 << false;
-    QTest::newRow("port of an empty list, at start") << 0 << true;
-    QTest::newRow("port of an empty list, later") << 0 << false;
-    QTest::newRow("port behind the list") << 3 << true;
+void TestConnection::noConnection_data() {
+    addRows(QVector<Attempt>{
+        {"no instrument, at start", -1, true, false, false},
+        {"no instrument, later", -1, false, false, false},
+        {"no instrument, any negative port", -7, false, false, false},
+        {"port of an empty list, at start", 0, true, false, false},
+        {"port of an empty list, later", 0, false, false, false},
+        {"port behind the list", 3, true, false, false},
+        {"refused, at start", 0, true, false, true},
+        {"refused, later", 0, false, false, true},
+        {"refused, from the not-connected state", 0, false, true, true},
+        {"no such entry, at start", 1, true, false, true},
+        {"no such entry, not connected", 1, false, true, true},
+    });
 }
 
-void TestConnection::withoutInstrument() {
-    QFETCH(int, portNum);
-    QFETCH(bool, firstTime);
-    SettingsFixture f;
-    f.dialog.connectDevice(portNum, firstTime);
+void TestConnection::noConnection() {
+    QFETCH(const Attempt, row);
+    ListedFixture f(row.isFromNotConnected);
+    if (!row.isListed)
+        f.controller = std::make_shared<CKvaSdk_Ctrl>();
+    f.dialog.setSdkCtrl(f.controller);
+    f.clearRecords();
+    TestBench::answer(connectCall);
+    f.dialog.connectDevice(row.portNum, row.isFirstTime);
 
-    const bool tried = portNum >= 0;
-    QCOMPARE(f.boxes().join(u' '),
-             tried ? QStringLiteral("error: Failed to connect device.") : QString());
-    QCOMPARE(f.lines().join(u' '), tried ? QStringLiteral("conect error \n") : QString());
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    const bool isRefused = row.isListed && row.portNum == 0;
+    QCOMPARE(f.boxes(), row.portNum < 0 ? QStringList() : QStringList(cannotConnectBox));
+    QCOMPARE(f.calls(), isRefused ? QStringList(connectCall) : QStringList());
+    QCOMPARE(f.lines(), row.portNum < 0 ? QStringList() : QStringList(cannotConnectLine));
+    if (isRefused && !row.isFromNotConnected) {
+        QCOMPARE(f.disabled(), words("setWCPValPushBtn setAmbAdpBodyPushBtn"));
+    } else {
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+        QCOMPARE(f.dialog.focusWidget(), &f.child("ConnectPushBtn"));
+    }
     QCOMPARE(f.checked(), QStringList());
-    QCOMPARE(f.dialog.focusWidget(), &f.child(QStringLiteral("ConnectPushBtn")));
+    QCOMPARE(f.texts(), SettingsFixture::noTexts());
     QVERIFY(!watchOf(f.dialog).isActive());
-    QCOMPARE(f.identity().join(QString()), QString());
-    QCOMPARE(f.calibrationTexts().join(QString()), QString());
-    QCOMPARE(f.calls(), QStringList());
     QVERIFY(!f.dialog.isFinished);
 }
 
-void TestConnection::firstTimePreparesTheWindow_data() {
-    QTest::addColumn<int>("portNum");
-    QTest::newRow("no instrument") << -1;
-    QTest::newRow("an instrument") << 0;
-    QTest::newRow("no such instrument") << 3;
+void TestConnection::preparesTheWindow_data() {
+    addRows(QVector<Attempt>{
+        {"no instrument", -1, true, false, true},
+        {"an instrument", 0, true, false, true},
+        {"no such instrument", 3, true, false, true},
+        {"later time leaves it", 3, false, false, true},
+    });
 }
 
-void TestConnection::firstTimePreparesTheWindow() {
-    QFETCH(int, portNum);
-    SettingsFixture f;
-    f.controller->GetDevicePortList();
-    f.dialog.resize(1180, 730);
-    f.dialog.connectDevice(portNum, true);
-
-    QCOMPARE(hintsOf(f.dialog), firstTimeHints);
-    QVERIFY(f.dialog.isWindow());
-    QCOMPARE(f.dialog.minimumSize(), QSize(1180, 730));
-    QCOMPARE(f.dialog.maximumSize(), QSize(1180, 730));
-    QVERIFY(!f.dialog.windowIcon().isNull());
-    if (portNum > 0) {
-        QCOMPARE(f.answers.boxes.size(), 1);
-        QVERIFY(f.answers.boxes[0].hasWindowIcon);
-    }
-}
-
-void TestConnection::laterTimeLeavesTheWindow() {
-    SettingsFixture f;
+void TestConnection::preparesTheWindow() {
+    QFETCH(const Attempt, row);
+    ListedFixture f;
     const Qt::WindowFlags flags = f.dialog.windowFlags();
-    f.dialog.connectDevice(3, false);
+    f.dialog.resize(1180, 730);
+    f.dialog.connectDevice(row.portNum, row.isFirstTime);
 
-    QCOMPARE(f.dialog.windowFlags(), flags);
-    QVERIFY(f.dialog.minimumSize() != f.dialog.maximumSize());
-    QVERIFY(f.dialog.windowIcon().isNull());
-    QCOMPARE(f.answers.boxes.size(), 1);
-    QVERIFY(!f.answers.boxes[0].hasWindowIcon);
+    if (row.isFirstTime) {
+        QCOMPARE(hintsOf(f.dialog), firstTimeHints);
+        QCOMPARE(f.dialog.minimumSize(), QSize(1180, 730));
+        QCOMPARE(f.dialog.maximumSize(), QSize(1180, 730));
+    } else {
+        QCOMPARE(f.dialog.windowFlags(), flags);
+        QVERIFY(f.dialog.minimumSize() != f.dialog.maximumSize());
+    }
+    QVERIFY(f.dialog.isWindow());
+    QCOMPARE(f.dialog.windowIcon().isNull(), !row.isFirstTime);
+    QCOMPARE(f.answers.boxes.size(), row.portNum > 0 ? 1 : 0);
+    for (const ModalAnswerer::Box& box : f.answers.boxes)
+        QCOMPARE(box.hasWindowIcon, row.isFirstTime);
 }
 
 void TestConnection::fillsTheDialog_data() {
-    QTest::addColumn<bool>("firstTime");
-    QTest::addColumn<bool>("fromNotConnected");
-    QTest::newRow("at start") << true << false;
-    QTest::newRow("later") << false << false;
-    QTest::newRow("from the not-connected state") << false << true;
+    addRows(QVector<Attempt>{
+        {"at start", 0, true, false, true},
+        {"later", 0, false, false, true},
+        {"from the not-connected state", 0, false, true, true},
+    });
 }
 
 void TestConnection::fillsTheDialog() {
-    QFETCH(bool, firstTime);
-    QFETCH(bool, fromNotConnected);
-    SettingsFixture f;
-    f.controller->GetDevicePortList();
-    if (fromNotConnected)
-        f.dialog.connectDevice(-1, false);
-    f.clearRecords();
-    f.dialog.connectDevice(0, firstTime);
+    QFETCH(const Attempt, row);
+    ListedFixture f(row.isFromNotConnected);
+    f.child("setBasetabWidget").setEnabled(false);
+    f.dialog.connectDevice(row.portNum, row.isFirstTime);
 
-    QCOMPARE(f.calls(), SettingsFixture::connectCalls());
-    QCOMPARE(f.lines(), SettingsFixture::connectLines().mid(1));
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), SettingsFixture::connectCalls() + SettingsFixture::connectLines().mid(1));
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
     QVERIFY(watchOf(f.dialog).isActive());
-    QCOMPARE(f.identity(), (QStringList{QStringLiteral("01234567"), QStringLiteral("1.02.0003"),
-                                        QStringLiteral("02:0A:BC:0D:EF:09")}));
-    QCOMPARE(f.networkTexts(), filledNetworkTexts());
-    QCOMPARE(f.checked(),
-             (QStringList{QStringLiteral("enableRadioBtn"), QStringLiteral("dhcpOffRadioBtn"),
-                          QStringLiteral("thirtyRadioBtn")}));
-    QCOMPARE(f.calibrationTexts(), (QStringList{QStringLiteral("12345678"), QString(), QString(),
-                                                QStringLiteral("00012345"), QString(), QString()}));
+    QCOMPARE(f.texts().mid(0, 15), identity + network + plates);
+    QCOMPARE(f.checked(), switches + thirty);
     QCOMPARE(f.enabledAddressEdits(), 16);
     QVERIFY(!f.dialog.isFinished);
 }
 
 void TestConnection::connectsToTheChosenEntry() {
-    SettingsFixture f({SettingsFixture::instrument(), SettingsFixture::instrument(42)});
+    SettingsFixture f({TestBench::instrument(), TestBench::instrument(42)});
     f.controller->GetDevicePortList();
     f.dialog.connectDevice(1, true);
 
-    const QJsonObject arguments = SettingsFixture::argumentsOf(QStringLiteral("KVA_Connect"));
-    QCOMPARE(arguments[QStringLiteral("serialNumber")].toInt(), 42);
-    QCOMPARE(arguments[QStringLiteral("wait")].toInt(), 10);
-    QCOMPARE(f.identity().constFirst(), QStringLiteral("00000042"));
+    const QJsonObject arguments = TestBench::argumentsOf(connectCall);
+    QCOMPARE(arguments["serialNumber"].toInt(), 42);
+    QCOMPARE(arguments["wait"].toInt(), 10);
+    QCOMPARE(f.identity().constFirst(), "00000042");
 }
 
-void TestConnection::showsTheSwitches_data() {
-    QTest::addColumn<QByteArray>("settings");
-    QTest::addColumn<QString>("wireless");
-    QTest::addColumn<QString>("dhcp");
-    QTest::addColumn<int>("enabledEdits");
-    const QString on = QStringLiteral("enableRadioBtn");
-    const QString off = QStringLiteral("disableRadioBtn");
-    const QString dhcpOn = QStringLiteral("dhcpOnRadioBtn");
-    const QString dhcpOff = QStringLiteral("dhcpOffRadioBtn");
-    QTest::newRow("both off") << QByteArray(R"("APConnectUse": 0, "DHCPUse": 0)") << off << dhcpOff
-                              << 16;
-    QTest::newRow("wireless on") << QByteArray(R"("APConnectUse": 1, "DHCPUse": 0)") << on
-                                 << dhcpOff << 16;
-    QTest::newRow("DHCP on") << QByteArray(R"("APConnectUse": 0, "DHCPUse": 1)") << off << dhcpOn
-                             << 0;
-    QTest::newRow("both on") << QByteArray(R"("APConnectUse": 1, "DHCPUse": 1)") << on << dhcpOn
-                             << 0;
-    QTest::newRow("any value but 0 is on")
-        << QByteArray(R"("APConnectUse": 2, "DHCPUse": 4294967295)") << on << dhcpOn << 0;
+void TestConnection::showsTheSettings_data() {
+    const auto row = [](const char* name, double wireless, double dhcp) -> Settings {
+        return {name, networkPatch({{"APConnectUse", wireless}, {"DHCPUse", dhcp}}),
+                switchButtons(wireless, dhcp) << thirty, 1, 2};
+    };
+    addRows(QVector<Settings>{
+        row("both off", 0, 0),
+        row("wireless on", 1, 0),
+        row("DHCP on", 0, 1),
+        row("both on", 1, 1),
+        row("any value but 0 is on", 2, 4294967295),
+        {"power-off disabled", R"({"powerOffMode": 0})", switches + words("invalidradioBtn"), 1, 0},
+        {"15 minutes", R"({"powerOffMode": 1})", switches + words("fifteenRadioBtn"), 1, 1},
+        {"30 minutes", R"({"powerOffMode": 2})", switches + words("thirtyRadioBtn"), 1, 2},
+        {"60 minutes", R"({"powerOffMode": 3})", switches + words("sixtyRadioBtn"), 1, 3},
+        {"first unknown mode", R"({"powerOffMode": 4})", switches, 1, 4},
+        {"last unknown mode", R"({"powerOffMode": 255})", switches, 1, 255},
+        {"any module flag", R"({"wirelessModule": 255})", switches + thirty, 255, 2},
+    });
 }
 
-void TestConnection::showsTheSwitches() {
-    QFETCH(QByteArray, settings);
-    QFETCH(QString, wireless);
-    QFETCH(QString, dhcp);
-    SettingsFixture f;
-    QVERIFY(f.set(R"({"network": {"active": {)" + settings + "}}}"));
-    QVERIFY(f.connectFirst());
-
-    QCOMPARE(f.checked().mid(0, 2), (QStringList{wireless, dhcp}));
-    QTEST(f.enabledAddressEdits(), "enabledEdits");
-    QCOMPARE(f.networkTexts(), filledNetworkTexts());
-}
-
-void TestConnection::showsThePowerOffMode_data() {
-    QTest::addColumn<int>("mode");
-    QTest::addColumn<QStringList>("buttons");
-    QTest::newRow("disabled") << 0 << QStringList(QStringLiteral("invalidradioBtn"));
-    QTest::newRow("15 minutes") << 1 << QStringList(QStringLiteral("fifteenRadioBtn"));
-    QTest::newRow("30 minutes") << 2 << QStringList(QStringLiteral("thirtyRadioBtn"));
-    QTest::newRow("60 minutes") << 3 << QStringList(QStringLiteral("sixtyRadioBtn"));
-    QTest::newRow("first unknown") << 4 << QStringList();
-    QTest::newRow("last unknown") << 255 << QStringList();
-}
-
-void TestConnection::showsThePowerOffMode() {
-    QFETCH(int, mode);
-    SettingsFixture f;
-    QVERIFY(f.set("{\"powerOffMode\": " + QByteArray::number(mode) + '}'));
-    f.controller->GetDevicePortList();
+void TestConnection::showsTheSettings() {
+    QFETCH(const Settings, row);
+    ListedFixture f(false, row.patch);
     f.dialog.connectDevice(0, false);
 
-    QTEST(QStringList(f.checked().mid(2)), "buttons");
     QCOMPARE(f.boxes(), QStringList());
-    QCOMPARE(f.lines().constLast(),
-             QStringLiteral("KVA_GetShutdownTime() success[mode:%1].\n").arg(mode));
+    QCOMPARE(f.lines(),
+             (QStringList{QString("  wifiModuleEnable :      %1\n").arg(row.moduleFlag),
+                          QString("KVA_GetShutdownTime() success[mode:%1].\n").arg(row.mode)}));
+    QCOMPARE(f.checked(), row.checked);
+    QCOMPARE(f.enabledAddressEdits(), row.checked.contains("dhcpOnRadioBtn") ? 0 : 16);
+    QCOMPARE(f.networkTexts(), network);
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
 }
 
 void TestConnection::takesWarningsForSuccess() {
-    SettingsFixture f;
-    QVERIFY(f.answer(QStringLiteral("*"), KVA_WARNING_BATTERY_EMPTY));
-    f.controller->GetDevicePortList();
-    f.clearRecords();
+    ListedFixture f;
+    TestBench::answer("*", KVA_WARNING_BATTERY_EMPTY);
     f.dialog.connectDevice(0, false);
 
-    QCOMPARE(f.calls(), SettingsFixture::connectCalls());
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), SettingsFixture::connectCalls() + SettingsFixture::connectLines().mid(1));
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
-    QCOMPARE(f.networkTexts(), filledNetworkTexts());
+    QCOMPARE(f.networkTexts(), network);
 }
 
-void TestConnection::takesAnyModuleFlagForAModule() {
-    SettingsFixture f;
-    QVERIFY(f.set(R"({"wirelessModule": 255})"));
-    f.controller->GetDevicePortList();
+// The dialog keeps whatever state it had.
+void TestConnection::cannotConnectWhileConnected() {
+    ConnectedFixture f;
+    const QStringList before = f.everything();
     f.dialog.connectDevice(0, false);
 
-    QCOMPARE(f.lines()[1], QStringLiteral("  wifiModuleEnable :      255\n"));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
-    QCOMPARE(f.networkTexts(), filledNetworkTexts());
+    QCOMPARE(f.records(), (QStringList{cannotConnectBox, connectCall, cannotConnectLine}));
+    QCOMPARE(f.everything(), before);
+    QVERIFY(watchOf(f.dialog).isActive());
 }
 
-// Whatever comes of a connection: values are only sent from a file that was chosen afterwards.
-void TestConnection::asksForAValueFileAgain() {
-    for (const int portNum : {-1, 0, 3}) {
-        SettingsFixture f;
-        f.controller->GetDevicePortList();
-        auto& white = f.child(QStringLiteral("setWCPValPushBtn"));
-        auto& adapter = f.child(QStringLiteral("setAmbAdpBodyPushBtn"));
-        white.setEnabled(true);
-        adapter.setEnabled(true);
-        f.dialog.connectDevice(portNum, false);
-        QVERIFY(!white.isEnabledTo(white.parentWidget()));
-        QVERIFY(!adapter.isEnabledTo(adapter.parentWidget()));
-    }
+void TestConnection::addFailingReads() {
+    const QStringList calls = SettingsFixture::connectCalls();
+    const QStringList callsWithoutNetwork = {connectCall, deviceInfo, options, calibration,
+                                             shutdownTime};
+    const QString moduleLine = "  wifiModuleEnable :      1\n";
+    const QString timeLine = "KVA_GetShutdownTime() success[mode:2].\n";
+    const QStringList boxesOfPlates = {"error: Failed to device WhiteCalibPlateSerialNo.",
+                                       "error: Failed to device AmbientLightAdapterSerialNo."};
+    const QStringList noNetwork = identity + none.mid(3, 6) + plates;
+    const QStringList full = identity + network + plates;
+    const QStringList noPlates = identity + network + none.mid(9, 6);
+    addRows(QVector<FailingRead>{
+        {"identity",
+         "{}",
+         deviceInfo,
+         {"error: Failed to read device data.", connectCall, deviceInfo,
+          "Failed to read Firm data. \n"},
+         {},
+         {},
+         none.mid(0, 15),
+         none.mid(0, 3) + network + plates},
+        {"wireless module",
+         "{}",
+         options,
+         QStringList(noWireless) + callsWithoutNetwork << timeLine,
+         {"networkSetTab"},
+         thirty,
+         noNetwork,
+         full},
+        {"no wireless module",
+         R"({"wirelessModule": false})",
+         "",
+         QStringList(noWireless) + callsWithoutNetwork << "  wifiModuleEnable :      0\n"
+                                                       << timeLine,
+         {"networkSetTab"},
+         thirty,
+         noNetwork,
+         full},
+        {"network settings",
+         "{}",
+         networkInfo,
+         calls + QStringList{moduleLine, "Failed to KVA_GetNetworkInfo(). \n", timeLine},
+         {},
+         thirty,
+         noNetwork,
+         full},
+        {"calibration",
+         "{}",
+         calibration,
+         boxesOfPlates + calls + QStringList{moduleLine, timeLine},
+         {},
+         switches + thirty,
+         noPlates,
+         noPlates},
+        {"power-off time",
+         "{}",
+         shutdownTime,
+         QStringList("error: Failed to read automatic shutdown time.") + calls +
+             QStringList{moduleLine, "KVA_GetShutdownTime() failed[mode:0].\n"},
+         {},
+         switches,
+         full,
+         full},
+    });
 }
 
-void TestConnection::enablesTheTabs() {
-    SettingsFixture f;
-    f.child(QStringLiteral("setBasetabWidget")).setEnabled(false);
-    QVERIFY(f.connectFirst());
-    QVERIFY(f.child(QStringLiteral("setBasetabWidget")).isEnabled());
+void TestConnection::failingRead() {
+    QFETCH(const FailingRead, row);
+    ListedFixture f(true, row.patch);
+    if (!row.function.isEmpty())
+        TestBench::answer(row.function, KVA_ERROR_COMMUNICATION_TIMEOUT);
+    f.dialog.connectDevice(0, false);
+
+    QCOMPARE(f.records(), row.records);
+    QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected());
+    // The connected state is entered last: until then the buttons are those of the state before.
+    for (const QStringList& disabled : f.disabledAtBoxes)
+        QCOMPARE(disabled, row.disabledTabs + QStringList("disConnectPushBtn"));
+    QCOMPARE(f.checked(), row.checked);
+    QCOMPARE(f.texts().mid(0, 15), row.texts);
+    QVERIFY(watchOf(f.dialog).isActive());
 }
 
-QTEST_MAIN(TestConnection)
+// A second connection over what the first has left on the page.
+void TestConnection::emptiesStaleTexts() {
+    QFETCH(const FailingRead, row);
+    ConnectedFixture f;
+    QVERIFY(f.controller->Disconnect());
+    TestBench::set(row.patch);
+    if (!row.function.isEmpty())
+        TestBench::answer(row.function);
+    f.dialog.connectDevice(0, false);
+
+    QCOMPARE(f.texts().mid(0, 15), row.textsOverFormer);
+    QCOMPARE(f.enabledAddressEdits(), 16);
+    QCOMPARE(f.checked().contains("enableRadioBtn"), row.disabledTabs.isEmpty());
+    QCOMPARE(f.checked().mid(f.checked().size() - 1), thirty);
+    QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected());
+}
+
+TEST_CLASS(TestConnection)
 #include "tst_connection.moc"

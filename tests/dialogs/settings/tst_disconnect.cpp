@@ -1,20 +1,18 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
+#include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/dialogs/settings/NetworkValues.h"
+#include "tests/support/TestMain.h"
 
 #include <QLabel>
-#include <QPushButton>
 #include <QRadioButton>
-#include <QtTest>
 
 /** The Disconnect and Close buttons, and the not-connected state that a connection ends in. */
 class TestDisconnect : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void disconnects_data();
     void disconnects();
-    void resetsTheSwitches_data();
-    void resetsTheSwitches();
     void keepsASwitchThatIsTheOnlyOne();
-    void resetsTypedAndChosen();
     void closedWhileConnecting();
     void forgetsTheValueFiles();
     void failingDisconnect();
@@ -29,72 +27,63 @@ private Q_SLOTS:
 
 namespace {
 
-const QString disconnectButton = QStringLiteral("disConnectPushBtn");
-const QString disconnectCall = QStringLiteral("KVA_Disconnect");
+const QString disconnectButton = "disConnectPushBtn";
+const QString disconnectCall = "KVA_Disconnect";
+const QString disconnectLine = "diconect error \n";
+const QStringList modeButtons =
+    words("invalidradioBtn fifteenRadioBtn thirtyRadioBtn sixtyRadioBtn");
 
-const QStringList emptyNetworkTexts = {QString(),
-                                       QString(),
-                                       QStringLiteral("..."),
-                                       QStringLiteral("..."),
-                                       QStringLiteral("..."),
-                                       QStringLiteral("...")};
+struct ModeAndSwitches {
+    const char* name;
+    int mode;
+    int wireless;
+    int dhcp;
+};
 
-const QStringList radioButtons = {
-    QStringLiteral("enableRadioBtn"),  QStringLiteral("disableRadioBtn"),
-    QStringLiteral("dhcpOnRadioBtn"),  QStringLiteral("dhcpOffRadioBtn"),
-    QStringLiteral("invalidradioBtn"), QStringLiteral("fifteenRadioBtn"),
-    QStringLiteral("thirtyRadioBtn"),  QStringLiteral("sixtyRadioBtn")};
+struct Closing {
+    const char* name;
+    bool isByTitleBar;
+    bool isAfterDisconnect;
+    bool fails;
+};
 
 } // namespace
 
+Q_DECLARE_METATYPE(ModeAndSwitches)
+Q_DECLARE_METATYPE(Closing)
+
+void TestDisconnect::disconnects_data() {
+    addRows(QVector<ModeAndSwitches>{{"mode 0", 0, 0, 0},
+                                     {"mode 1", 1, 1, 0},
+                                     {"mode 2", 2, 0, 1},
+                                     {"mode 3", 3, 1, 1},
+                                     {"mode 4", 4, 0, 0}});
+}
+
 void TestDisconnect::disconnects() {
+    QFETCH(const ModeAndSwitches, row);
     SettingsFixture f;
+    TestBench::set(networkPatch({{"APConnectUse", row.wireless}, {"DHCPUse", row.dhcp}}));
+    TestBench::set("{\"powerOffMode\": " + QByteArray::number(row.mode) + '}');
     QVERIFY(f.connectFirst());
+    QCOMPARE(f.checked(), switchButtons(row.wireless, row.dhcp) + modeButtons.mid(row.mode, 1));
+    f.setOctets(octetsOf(networkValues()));
+    f.setNameAndKey("typed", "typed");
+    for (const char* name : {"selWCPFileNamelabel", "selFileSerialNolabel", "selAmbAdpFnamelabel",
+                             "selAmbAdpFSerialNolabel"})
+        f.child<QLabel>(name).setText("shown");
     f.click(disconnectButton);
 
-    QCOMPARE(f.calls(), QStringList(disconnectCall));
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), QStringList(disconnectCall));
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
-    QCOMPARE(f.identity().join(QString()), QString());
-    QCOMPARE(f.networkTexts(), emptyNetworkTexts);
-    QCOMPARE(f.calibrationTexts().join(QString()), QString());
+    QCOMPARE(f.texts(), SettingsFixture::noTexts());
+    QCOMPARE(f.checked(), QStringList());
+    for (const QRadioButton* button : f.dialog.findChildren<QRadioButton*>())
+        QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
     QVERIFY(!watchOf(f.dialog).isActive());
     QVERIFY(!f.controller->m_connected);
     QVERIFY(!f.dialog.isFinished);
     QVERIFY(f.dialog.isVisible());
-}
-
-void TestDisconnect::resetsTheSwitches_data() {
-    QTest::addColumn<QByteArray>("patch");
-    QTest::addColumn<QStringList>("before");
-    const QString enable = QStringLiteral("enableRadioBtn");
-    const QString disable = QStringLiteral("disableRadioBtn");
-    const QStringList dhcp = {QStringLiteral("dhcpOffRadioBtn"), QStringLiteral("dhcpOnRadioBtn")};
-    for (int mode = 0; mode <= 4; ++mode) {
-        const int wireless = mode % 2;
-        const int dhcpUse = mode / 2 % 2;
-        const QByteArray patch =
-            QByteArrayLiteral("{\"powerOffMode\": ") + QByteArray::number(mode) +
-            ", \"network\": {\"active\": {\"APConnectUse\": " + QByteArray::number(wireless) +
-            ", \"DHCPUse\": " + QByteArray::number(dhcpUse) + "}}}";
-        QStringList before = {wireless == 1 ? enable : disable, dhcp[dhcpUse]};
-        before += radioButtons.mid(4 + mode, 1);
-        QTest::addRow("mode %d", mode) << patch << before;
-    }
-}
-
-void TestDisconnect::resetsTheSwitches() {
-    QFETCH(QByteArray, patch);
-    SettingsFixture f;
-    QVERIFY(f.set(patch.constData()));
-    QVERIFY(f.connectFirst());
-    QTEST(f.checked(), "before");
-    f.click(disconnectButton);
-
-    QCOMPARE(f.checked(), QStringList());
-    for (const QString& name : radioButtons)
-        QVERIFY2(f.child<QRadioButton>(name).isCheckable(), qPrintable(name));
 }
 
 // The switch of the wireless LAN is unchecked directly: Qt lets that happen as long as another
@@ -102,20 +91,20 @@ void TestDisconnect::resetsTheSwitches() {
 // the only one.
 void TestDisconnect::keepsASwitchThatIsTheOnlyOne() {
     SettingsFixture f;
-    QVERIFY(f.answer(QStringLiteral("KVA_GetNetworkInfo")));
+    TestBench::answer("KVA_GetNetworkInfo");
     QVERIFY(f.connectFirst());
-    f.click(QStringLiteral("disableRadioBtn"));
+    f.click("disableRadioBtn");
     f.click(disconnectButton);
 
-    QCOMPARE(f.checked(), QStringList(QStringLiteral("disableRadioBtn")));
-    QVERIFY(f.child<QRadioButton>(QStringLiteral("disableRadioBtn")).isCheckable());
+    QCOMPARE(f.checked(), QStringList("disableRadioBtn"));
+    QVERIFY(f.child<QRadioButton>("disableRadioBtn").isCheckable());
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
 }
 
 // While a message is open, as macOS' Quit does: first the message, then the window.
 void TestDisconnect::closedWhileConnecting() {
     SettingsFixture f;
-    QVERIFY(f.set(R"({"wirelessModule": false})"));
+    TestBench::set(R"({"wirelessModule": false})");
     f.controller->GetDevicePortList();
     f.answers.onBox = [&](QMessageBox&) { f.dialog.close(); };
     f.dialog.connectDevice(0, false);
@@ -127,62 +116,36 @@ void TestDisconnect::closedWhileConnecting() {
     QVERIFY(!watchOf(f.dialog).isActive());
 }
 
-void TestDisconnect::resetsTypedAndChosen() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    f.child<QLineEdit>(QStringLiteral("SSIDlineEdit")).setText(QStringLiteral("typed"));
-    f.child<QLineEdit>(QStringLiteral("passwdlineEdit")).setText(QStringLiteral("typed"));
-    for (QLineEdit* edit : f.addressEdits())
-        edit->setText(QStringLiteral("9"));
-    for (const char* name : {"selWCPFileNamelabel", "selFileSerialNolabel", "selAmbAdpFnamelabel",
-                             "selAmbAdpFSerialNolabel"})
-        f.child<QLabel>(QLatin1String(name)).setText(QStringLiteral("shown"));
-    f.click(disconnectButton);
-
-    QCOMPARE(f.networkTexts(), emptyNetworkTexts);
-    QCOMPARE(f.calibrationTexts().join(QString()), QString());
-}
-
 // After a connection has ended, what was chosen during it is not sent any more.
 void TestDisconnect::forgetsTheValueFiles() {
-    SettingsFixture f;
-    QTemporaryDir folder;
-    QVERIFY(f.connectFirst(SettingsFixture::WhitePlate));
-    for (const char* name : {"white.csv", "adapter.csv"}) {
-        QFile file(folder.filePath(QLatin1String(name)));
-        QVERIFY(file.open(QIODevice::WriteOnly));
+    ConnectedFixture f;
+    QStringList boxes;
+    for (const bool adapter : {false, true}) {
+        const CalibrationTab& tab = calibrationTab(adapter);
+        boxes.append(tab.noFileBox);
+        f.openPage(tab.page);
+        // A refused file: its path is kept all the same, as long as the connection lasts.
+        f.choose(tab.chooseButton, f.folder.write("refused.csv", ""));
     }
-    // Refused files: their paths are kept all the same, as long as the connection lasts.
-    f.answers.willChoose(folder.filePath(QStringLiteral("white.csv")));
-    f.click(QStringLiteral("selWCPFilePushBtn"));
-    f.openPage(SettingsFixture::AmbientAdapter);
-    f.answers.willChoose(folder.filePath(QStringLiteral("adapter.csv")));
-    f.click(QStringLiteral("selAmbLightAdpFilePushBtn"));
     f.click(disconnectButton);
     f.clearRecords();
 
-    f.invoke("on_setWCPValPushBtn_clicked");
-    f.invoke("on_setAmbAdpBodyPushBtn_clicked");
-    QCOMPARE(f.boxes(),
-             (QStringList{QStringLiteral("error: Failed to write WhiteCalibPlate file."),
-                          QStringLiteral("error: Failed to write AmbientLightAdapter file.")}));
+    f.invoke(calibrationTab(false).writeSlot);
+    f.invoke(calibrationTab(true).writeSlot);
+    QCOMPARE(f.boxes(), boxes);
     QCOMPARE(f.calls(), QStringList());
 }
 
 void TestDisconnect::failingDisconnect() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f;
     const QStringList before = f.everything();
-    QVERIFY(f.answer(disconnectCall, KVA_ERROR_DISCONNECT, 1));
-    bool watching = false;
-    f.answers.onBox = [&](QMessageBox&) { watching = watchOf(f.dialog).isActive(); };
+    TestBench::answer(disconnectCall, KVA_ERROR_DISCONNECT, 1);
     f.click(disconnectButton);
 
-    QCOMPARE(f.boxes(), QStringList(QStringLiteral("error: Failed to device disconnect.")));
-    QCOMPARE(f.calls(), QStringList(disconnectCall));
-    QCOMPARE(f.lines(), QStringList(QStringLiteral("diconect error \n")));
+    QCOMPARE(f.records(),
+             (QStringList{"error: Failed to device disconnect.", disconnectCall, disconnectLine}));
     QCOMPARE(f.everything(), before);
-    QVERIFY(watching);
+    QVERIFY(f.atBox.isWatching);
     QVERIFY(watchOf(f.dialog).isActive());
 
     f.clearRecords();
@@ -197,19 +160,16 @@ void TestDisconnect::disconnectWithoutConnection() {
     const QStringList before = f.everything();
     f.invoke("on_disConnectPushBtn_clicked");
 
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), QStringList());
     QCOMPARE(f.everything(), before);
 }
 
 void TestDisconnect::connectsAgain() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f;
     const QStringList connected = f.everything();
     f.click(disconnectButton);
     f.clearRecords();
-    f.click(QStringLiteral("ConnectPushBtn"));
+    f.click("ConnectPushBtn");
 
     QCOMPARE(f.everything(), connected);
     QCOMPARE(f.lines(), SettingsFixture::connectLines());
@@ -217,19 +177,16 @@ void TestDisconnect::connectsAgain() {
 }
 
 void TestDisconnect::closesWithoutConnection_data() {
-    QTest::addColumn<bool>("byButton");
-    QTest::addColumn<bool>("afterDisconnect");
-    QTest::newRow("button") << true << false;
-    QTest::newRow("title bar") << false << false;
-    QTest::newRow("button, after Disconnect") << true << true;
-    QTest::newRow("title bar, after Disconnect") << false << true;
+    addRows(QVector<Closing>{{"button", false, false, false},
+                             {"title bar", true, false, false},
+                             {"button, after Disconnect", false, true, false},
+                             {"title bar, after Disconnect", true, true, false}});
 }
 
 void TestDisconnect::closesWithoutConnection() {
-    QFETCH(bool, byButton);
-    QFETCH(bool, afterDisconnect);
+    QFETCH(const Closing, row);
     SettingsFixture f;
-    if (afterDisconnect) {
+    if (row.isAfterDisconnect) {
         QVERIFY(f.connectFirst());
         f.click(disconnectButton);
     } else {
@@ -238,40 +195,34 @@ void TestDisconnect::closesWithoutConnection() {
     }
     f.clearRecords();
     const QSignalSpy finished(&f.dialog, &QDialog::finished);
-    if (byButton)
-        f.click(QStringLiteral("ClosePushBtn"));
-    else
+    if (row.isByTitleBar)
         QVERIFY(f.dialog.close());
+    else
+        f.click("ClosePushBtn");
 
     QVERIFY(f.dialog.isFinished);
     QVERIFY(!f.dialog.isVisible());
     QCOMPARE(finished.count(), 1); // closed as any dialog is
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), QStringList());
 }
 
 void TestDisconnect::closesWhileConnected_data() {
-    QTest::addColumn<bool>("byTitleBar");
-    QTest::addColumn<bool>("fails");
-    QTest::newRow("title bar") << true << false;
-    QTest::newRow("title bar, Disconnect fails") << true << true;
-    QTest::newRow("slot") << false << false;
-    QTest::newRow("slot, Disconnect fails") << false << true;
+    addRows(QVector<Closing>{{"title bar", true, false, false},
+                             {"title bar, Disconnect fails", true, false, true},
+                             {"slot", false, false, false},
+                             {"slot, Disconnect fails", false, false, true}});
 }
 
 void TestDisconnect::closesWhileConnected() {
-    QFETCH(bool, byTitleBar);
-    QFETCH(bool, fails);
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    if (fails)
-        QVERIFY(f.answer(disconnectCall));
-    bool openBehindTheBox = false;
+    QFETCH(const Closing, row);
+    ConnectedFixture f;
+    if (row.fails)
+        TestBench::answer(disconnectCall);
+    bool isOpenBehindTheBox = false;
     f.answers.onBox = [&](QMessageBox&) {
-        openBehindTheBox = f.dialog.isVisible() && !f.dialog.isFinished;
+        isOpenBehindTheBox = f.dialog.isVisible() && !f.dialog.isFinished;
     };
-    if (byTitleBar)
+    if (row.isByTitleBar)
         QVERIFY(f.dialog.close());
     else
         f.invoke("on_ClosePushBtn_clicked");
@@ -279,11 +230,10 @@ void TestDisconnect::closesWhileConnected() {
     QVERIFY(f.dialog.isFinished);
     QVERIFY(!f.dialog.isVisible());
     QVERIFY(!watchOf(f.dialog).isActive());
-    QCOMPARE(f.calls(), QStringList(disconnectCall));
-    const QString text = QStringLiteral("error: Failed to disconnect device.");
-    QCOMPARE(f.boxes(), fails ? QStringList(text) : QStringList());
-    QCOMPARE(f.lines(), fails ? QStringList(QStringLiteral("diconect error \n")) : QStringList());
-    QCOMPARE(openBehindTheBox, fails);
+    const QStringList failure = {"error: Failed to disconnect device.", disconnectCall,
+                                 disconnectLine};
+    QCOMPARE(f.records(), row.fails ? failure : QStringList(disconnectCall));
+    QCOMPARE(isOpenBehindTheBox, row.fails);
 
     // Closed once and for all: nothing is left to disconnect.
     f.clearRecords();
@@ -294,13 +244,12 @@ void TestDisconnect::closesWhileConnected() {
 
 // The watch leaves the controller's view of the connection alone; the dialog's own counts.
 void TestDisconnect::closesAfterALoss() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    SettingsFixture::emitEvent(eEventCode_DisConnect);
+    ConnectedFixture f;
+    TestBench::emitEvent(eEventCode_DisConnect);
     f.invoke("timerHit");
     QVERIFY(f.controller->m_connected);
     f.clearRecords();
-    f.click(QStringLiteral("ClosePushBtn"));
+    f.click("ClosePushBtn");
 
     QVERIFY(f.dialog.isFinished);
     QVERIFY(!f.dialog.isVisible());
@@ -308,5 +257,5 @@ void TestDisconnect::closesAfterALoss() {
     QCOMPARE(f.boxes(), QStringList());
 }
 
-QTEST_MAIN(TestDisconnect)
+TEST_CLASS(TestDisconnect)
 #include "tst_disconnect.moc"

@@ -1,265 +1,124 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
-
-#include <QTemporaryDir>
-#include <QtTest>
+#include "tests/dialogs/settings/NetworkValues.h"
+#include "tests/support/TestMain.h"
 
 /** The network tab's buttons "Read From Body" and "Read From File...". */
 class TestNetworkRead : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void init();
-    void cleanup();
-    void readsTheBody_data();
-    void readsTheBody();
-    void readsTheBodyWithAWarning();
-    void failingBodyLeavesThePage();
-    void asksForAFile();
-    void readsAFile_data();
-    void readsAFile();
+    void reads_data();
+    void reads();
+    void readsAnEmptyKeyFromTheBody();
     void badFileLeavesThePage_data();
     void badFileLeavesThePage();
-    void vanishedFileLeavesThePage();
-    void cancelledFileDialog();
-
-private:
-    QString write(const QString& name, const QByteArray& content);
-
-    QString m_start;
-    std::unique_ptr<QTemporaryDir> m_folder;
 };
 
 namespace {
 
-const QString bodyButton = QStringLiteral("readBodyPushBtn");
-const QString fileButton = QStringLiteral("readToFilePushBtn");
-const QString readCall = QStringLiteral("KVA_GetNetworkInfo");
-const QString fileFailure = QStringLiteral("error: Failed to read Network Infomation file data.");
+struct Read {
+    const char* name;
+    QString file; ///< empty: from the body
+    double wireless;
+    double dhcp;
+};
 
-QByteArray settingsFile(int wireless, int dhcp, const QByteArray& ssid = "file-name",
-                        const QByteArray& key = "file-key") {
-    return "[Network]\n; 0:eDHCP_OFF, 1:eDHCP_ON\nDHCPUse=" + QByteArray::number(dhcp) +
-           "\nIPAddress=10.0.0.255\nSubnetMask=255.0.0.0\nDefaultGateway=10.0.0.1\nSSID=" + ssid +
-           "\nEncryptKey=" + key +
-           "\nDNS=1.2.3.4\n; 0:eAPConnect_OFF, 1:eAPConnect_ON\nAPConnectUse=" +
-           QByteArray::number(wireless) + "\n";
-}
+struct BadFile {
+    const char* name;
+    QByteArray content;
+    bool isLogged;
+};
 
-QString wirelessButton(int use) {
-    return use != 0 ? QStringLiteral("enableRadioBtn") : QStringLiteral("disableRadioBtn");
-}
-
-QString dhcpButton(int use) {
-    return use != 0 ? QStringLiteral("dhcpOnRadioBtn") : QStringLiteral("dhcpOffRadioBtn");
+/** A settings file with one value replaced. */
+QByteArray fileWith(const QString& name, const QJsonValue& value) {
+    QJsonObject values = networkValues();
+    values[name] = value;
+    return settingsFile(values);
 }
 
 } // namespace
 
-void TestNetworkRead::initTestCase() {
-    m_start = QDir::currentPath();
+Q_DECLARE_METATYPE(Read)
+Q_DECLARE_METATYPE(BadFile)
+
+void TestNetworkRead::reads_data() {
+    addRows(QVector<Read>{
+        {"body, both off", "", 0, 0},
+        {"body, wireless on", "", 1, 0},
+        {"body, DHCP on", "", 0, 1},
+        {"body, both on", "", 1, 1},
+        {"body, beyond on", "", 2, 9},
+        {"file, both off", "settings.ini", 0, 0},
+        {"file, wireless on", "settings.ini", 1, 0},
+        {"file, DHCP on", "settings.ini", 0, 1},
+        {"file, both on", "settings.ini", 1, 1},
+        {"file, name without a dot", "settings", 1, 0},
+        {"file, Japanese name", "設定 1.ini", 1, 0},
+    });
 }
 
-void TestNetworkRead::init() {
-    m_folder = std::make_unique<QTemporaryDir>();
-    QVERIFY(QDir::setCurrent(m_folder->path()));
-}
+void TestNetworkRead::reads() {
+    QFETCH(const Read, row);
+    const QJsonObject values = networkValues(row.wireless, row.dhcp);
+    ConnectedFixture f;
+    f.setOctets({"x"});
+    if (row.file.isEmpty())
+        TestBench::set(networkPatch(values));
+    const QJsonObject state = TestBench::state();
+    if (row.file.isEmpty())
+        f.click("readBodyPushBtn");
+    else
+        f.choose("readToFilePushBtn", f.folder.write(row.file, settingsFile(values)));
 
-void TestNetworkRead::cleanup() {
-    QVERIFY(QDir::setCurrent(m_start));
-}
-
-QString TestNetworkRead::write(const QString& name, const QByteArray& content) {
-    QFile file(m_folder->filePath(name));
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size()
-               ? file.fileName()
-               : QString();
-}
-
-void TestNetworkRead::readsTheBody_data() {
-    QTest::addColumn<int>("wireless");
-    QTest::addColumn<int>("dhcp");
-    QTest::newRow("both off") << 0 << 0;
-    QTest::newRow("wireless on") << 1 << 0;
-    QTest::newRow("DHCP on") << 0 << 1;
-    QTest::newRow("both on") << 1 << 1;
-    QTest::newRow("beyond on") << 2 << 9;
-}
-
-void TestNetworkRead::readsTheBody() {
-    QFETCH(int, wireless);
-    QFETCH(int, dhcp);
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    f.setOctets({QStringLiteral("x")});
-    const QByteArray patch = R"({"network": {"active": {"IPAddress": "0.1.10.255",
-        "SubnetMask": "255.255.0.0", "DefaultGateway": "0.0.0.0", "DNS": "9.8.7.6",
-        "SSID": "ab c", "EncryptKey": "", "APConnectUse": )" +
-                             QByteArray::number(wireless) +
-                             ", \"DHCPUse\": " + QByteArray::number(dhcp) + "}}}";
-    QVERIFY(f.set(patch.constData()));
-    QStringList duringBox;
-    f.answers.onBox = [&](QMessageBox&) { duringBox = f.everything(); };
-    f.click(bodyButton);
-
-    QCOMPARE(f.calls(), QStringList(readCall));
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.boxes(), QStringList(QStringLiteral("information: Successful read body data.")));
-    QCOMPARE(f.networkTexts(),
-             (QStringList{QStringLiteral("ab c"), QString(), QStringLiteral("0.1.10.255"),
-                          QStringLiteral("255.255.0.0"), QStringLiteral("0.0.0.0"),
-                          QStringLiteral("9.8.7.6")}));
-    QCOMPARE(f.checked().mid(0, 2), (QStringList{wirelessButton(wireless), dhcpButton(dhcp)}));
-    QCOMPARE(f.enabledAddressEdits(), dhcp != 0 ? 0 : 16);
-    // Filled before the box comes up, and no button is disabled meanwhile.
-    QCOMPARE(duringBox, f.everything());
+    const QStringList fromBody = {"information: Successful read body data.", "KVA_GetNetworkInfo"};
+    const QStringList fromFile("information: Successful read file data.");
+    QCOMPARE(f.records(), row.file.isEmpty() ? fromBody : fromFile);
+    QCOMPARE(f.networkTexts(), networkTexts(values));
+    QCOMPARE(f.checked().mid(0, 2), switchButtons(row.wireless, row.dhcp));
+    QCOMPARE(f.enabledAddressEdits(), row.dhcp != 0 ? 0 : 16);
+    // The page is filled before the box comes up, and no button is disabled meanwhile.
+    QCOMPARE(f.atBox.everything, f.everything());
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(TestBench::state(), state);
 }
 
-void TestNetworkRead::readsTheBodyWithAWarning() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    QVERIFY(f.answer(readCall, KVA_WARNING_WCALIB_TEMP));
-    const QStringList before = f.everything();
-    f.setOctets({});
-    f.click(bodyButton);
-    QCOMPARE(f.boxes(), QStringList(QStringLiteral("information: Successful read body data.")));
-    QCOMPARE(f.everything(), before);
-}
-
-void TestNetworkRead::failingBodyLeavesThePage() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    QVERIFY(f.answer(readCall, KVA_ERROR_COMMUNICATION_RECEIVE));
-    f.click(QStringLiteral("dhcpOnRadioBtn"));
-    f.setOctets({QStringLiteral("1x")});
-    const QStringList before = f.everything();
-    f.click(bodyButton);
-
-    QCOMPARE(f.boxes(),
-             QStringList(QStringLiteral("error: Failed to read Network Infomation data.")));
-    QCOMPARE(f.calls(), QStringList(readCall));
-    QCOMPARE(f.lines(), QStringList(QStringLiteral("Failed to KVA_GetNetworkInfo(). \n")));
-    QCOMPARE(f.everything(), before);
-}
-
-void TestNetworkRead::asksForAFile() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    QString name = QStringLiteral("not looked at");
-    f.answers.onFileDialog = [&](QFileDialog& dialog) {
-        name = dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->text();
-    };
-    f.click(fileButton);
-
-    QCOMPARE(name, QString());
-    QCOMPARE(f.answers.fileDialogs.size(), 1);
-    const ModalAnswerer::FileDialog& shown = f.answers.fileDialogs[0];
-    QCOMPARE(shown.caption, QStringLiteral("Open"));
-    QCOMPARE(shown.directory, QDir::currentPath());
-    QCOMPARE(shown.nameFilters, QStringList(QStringLiteral("*(*.*)")));
-    QCOMPARE(shown.selectedNameFilter, QStringLiteral("*(*.*)"));
-    QCOMPARE(shown.acceptMode, QFileDialog::AcceptOpen);
-    QCOMPARE(shown.options, QFileDialog::Options());
-    QCOMPARE(shown.parent, &f.dialog);
-}
-
-void TestNetworkRead::readsAFile_data() {
-    QTest::addColumn<QString>("name");
-    QTest::addColumn<int>("wireless");
-    QTest::addColumn<int>("dhcp");
-    QTest::newRow("both off") << QStringLiteral("settings.ini") << 0 << 0;
-    QTest::newRow("wireless on") << QStringLiteral("settings.ini") << 1 << 0;
-    QTest::newRow("DHCP on") << QStringLiteral("settings.ini") << 0 << 1;
-    QTest::newRow("both on") << QStringLiteral("settings.ini") << 1 << 1;
-    QTest::newRow("name without a dot") << QStringLiteral("settings") << 1 << 0;
-    QTest::newRow("Japanese name") << QString::fromUtf8("設定 1.ini") << 1 << 0;
-}
-
-void TestNetworkRead::readsAFile() {
-    QFETCH(QString, name);
-    QFETCH(int, wireless);
-    QFETCH(int, dhcp);
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    const QJsonObject state = SettingsFixture::state();
-    f.answers.willChoose(write(name, settingsFile(wireless, dhcp)));
-    f.click(fileButton);
-
-    QCOMPARE(f.boxes(), QStringList(QStringLiteral("information: Successful read file data.")));
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.networkTexts(),
-             (QStringList{QStringLiteral("file-name"), QStringLiteral("file-key"),
-                          QStringLiteral("10.0.0.255"), QStringLiteral("255.0.0.0"),
-                          QStringLiteral("10.0.0.1"), QStringLiteral("1.2.3.4")}));
-    QCOMPARE(f.checked().mid(0, 2), (QStringList{wirelessButton(wireless), dhcpButton(dhcp)}));
-    QCOMPARE(f.enabledAddressEdits(), dhcp != 0 ? 0 : 16);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
-    QCOMPARE(SettingsFixture::state(), state);
+void TestNetworkRead::readsAnEmptyKeyFromTheBody() {
+    ConnectedFixture f;
+    QJsonObject values = networkValues();
+    values["IPAddress"] = "0.1.10.255";
+    values["DefaultGateway"] = "0.0.0.0";
+    values["EncryptKey"] = "";
+    TestBench::set(networkPatch(values));
+    f.click("readBodyPushBtn");
+    QCOMPARE(f.networkTexts(), networkTexts(values));
 }
 
 void TestNetworkRead::badFileLeavesThePage_data() {
-    QTest::addColumn<QByteArray>("content");
-    QTest::addColumn<bool>("logged");
-    QTest::newRow("empty") << QByteArray() << true;
-    QTest::newRow("another section") << settingsFile(1, 0).replace("[Network]", "[Other]") << true;
-    QTest::newRow("no SSID") << settingsFile(1, 0, "") << true;
-    QTest::newRow("no key") << settingsFile(1, 0, "a", "") << true;
-    QTest::newRow("SSID of 33 bytes") << settingsFile(1, 0, QByteArray(33, 's')) << true;
-    QTest::newRow("key of 65 bytes") << settingsFile(1, 0, "a", QByteArray(65, 'k')) << true;
-    QTest::newRow("wireless use of 2") << settingsFile(2, 0) << false;
-    QTest::newRow("DHCP use of 2") << settingsFile(1, 2) << false;
-    QTest::newRow("negative use") << settingsFile(-1, 0) << false;
+    addRows(QVector<BadFile>{
+        {"empty", "", true},
+        {"another section", settingsFile().replace("[Network]", "[Other]"), true},
+        {"no SSID", fileWith("SSID", ""), true},
+        {"no key", fileWith("EncryptKey", ""), true},
+        {"SSID of 33 bytes", fileWith("SSID", QString(33, 's')), true},
+        {"key of 65 bytes", fileWith("EncryptKey", QString(65, 'k')), true},
+        {"wireless use of 2", fileWith("APConnectUse", 2), false},
+        {"DHCP use of 2", fileWith("DHCPUse", 2), false},
+        {"negative use", fileWith("APConnectUse", -1), false},
+    });
 }
 
 void TestNetworkRead::badFileLeavesThePage() {
-    QFETCH(QByteArray, content);
-    QFETCH(bool, logged);
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    f.setOctets({QStringLiteral("1x")});
+    QFETCH(const BadFile, row);
+    ConnectedFixture f;
+    f.setOctets({"1x"});
     const QStringList before = f.everything();
-    f.answers.willChoose(write(QStringLiteral("bad.ini"), content));
-    f.click(fileButton);
+    f.choose("readToFilePushBtn", f.folder.write("bad.ini", row.content));
 
-    QCOMPARE(f.boxes(), QStringList(fileFailure));
-    const QString line = QStringLiteral("Failed to read networkInfo parameter data. \n");
-    QCOMPARE(f.lines(), logged ? QStringList(line) : QStringList());
-    QCOMPARE(f.calls(), QStringList());
+    QStringList expected("error: Failed to read Network Infomation file data.");
+    if (row.isLogged)
+        expected << "Failed to read networkInfo parameter data. \n";
+    QCOMPARE(f.records(), expected);
     QCOMPARE(f.everything(), before);
 }
 
-void TestNetworkRead::vanishedFileLeavesThePage() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    const QStringList before = f.everything();
-    f.answers.onFileDialog = [](QFileDialog& dialog) {
-        connect(&dialog, &QFileDialog::fileSelected,
-                [](const QString& path) { QVERIFY(QFile::remove(path)); });
-    };
-    f.answers.willChoose(write(QStringLiteral("gone.ini"), settingsFile(1, 0)));
-    f.click(fileButton);
-
-    QCOMPARE(f.boxes(), QStringList(fileFailure));
-    QCOMPARE(f.lines(),
-             QStringList(QStringLiteral("Failed to read networkInfo parameter data. \n")));
-    QCOMPARE(f.everything(), before);
-}
-
-void TestNetworkRead::cancelledFileDialog() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    const QStringList before = f.everything();
-    f.answers.willCancel();
-    f.click(fileButton);
-
-    QCOMPARE(f.answers.fileDialogs.size(), 1);
-    QCOMPARE(f.boxes(), QStringList());
-    QCOMPARE(f.lines(), QStringList());
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.everything(), before);
-}
-
-QTEST_MAIN(TestNetworkRead)
+TEST_CLASS(TestNetworkRead)
 #include "tst_network_read.moc"

@@ -1,9 +1,5 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
-
-#include <QGroupBox>
-#include <QLabel>
-#include <QTabWidget>
-#include <QtTest>
+#include "tests/dialogs/settings/NetworkValues.h"
+#include "tests/support/TestMain.h"
 
 /** The network tab's checks and switches, and the change of tabs. */
 class TestNetworkTab : public QObject {
@@ -19,18 +15,12 @@ private Q_SLOTS:
     void dhcpOffEmptiesTheTexts();
     void choosingTabs_data();
     void choosingTabs();
-    void choosingDisabledTabs_data();
-    void choosingDisabledTabs();
     void unknownTabs();
 };
 
 namespace {
 
-const QStringList sixteenOctets = {
-    QStringLiteral("10"), QStringLiteral("1"),  QStringLiteral("2"),  QStringLiteral("3"),
-    QStringLiteral("4"),  QStringLiteral("5"),  QStringLiteral("6"),  QStringLiteral("7"),
-    QStringLiteral("8"),  QStringLiteral("9"),  QStringLiteral("11"), QStringLiteral("12"),
-    QStringLiteral("13"), QStringLiteral("14"), QStringLiteral("15"), QStringLiteral("16")};
+const QStringList sixteenOctets = words("10 1 2 3 4 5 6 7 8 9 11 12 13 14 15 16");
 
 /** Keeps the reasons for which a widget gets the focus. */
 class FocusReasons : public QObject {
@@ -47,40 +37,56 @@ protected:
     }
 };
 
+struct Digits {
+    const char* name;
+    QString text;
+    bool areDigits;
+    int lookedAt; ///< so many characters
+};
+
+struct TabChange {
+    const char* name;
+    int from; ///< negative: not connected, so that the tabs are disabled
+    int to;
+    QString focused;
+    QVector<Qt::FocusReason> reasons;
+};
+
 } // namespace
 
+Q_DECLARE_METATYPE(Digits)
+Q_DECLARE_METATYPE(TabChange)
+
 void TestNetworkTab::digitsOnly_data() {
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<bool>("digits");
-    QTest::addColumn<int>("looked"); // at so many characters
-    QTest::newRow("empty") << QString() << false << 0;
-    QTest::newRow("one digit") << QStringLiteral("0") << true << 1;
-    QTest::newRow("all digits") << QStringLiteral("0123456789") << true << 10;
-    QTest::newRow("leading zeros") << QStringLiteral("007") << true << 3;
-    QTest::newRow("too great for an octet") << QStringLiteral("256") << true << 3;
-    QTest::newRow("letter behind") << QStringLiteral("1a") << false << 2;
-    QTest::newRow("letter in front") << QStringLiteral("a12") << false << 1;
-    QTest::newRow("below 0") << QStringLiteral("1/2") << false << 2;
-    QTest::newRow("above 9") << QStringLiteral("1:2") << false << 2;
-    QTest::newRow("plus") << QStringLiteral("+12") << false << 1;
-    QTest::newRow("minus") << QStringLiteral("-12") << false << 1;
-    QTest::newRow("blank in front") << QStringLiteral(" 12") << false << 1;
-    QTest::newRow("blank behind") << QStringLiteral("12 ") << false << 3;
-    QTest::newRow("blank") << QStringLiteral(" ") << false << 1;
-    QTest::newRow("full-width") << QString::fromUtf8("１２３") << false << 1;
-    QTest::newRow("Arabic-Indic") << QString::fromUtf8("1٢3") << false << 2;
-    QTest::newRow("superscript") << QString::fromUtf8("2²") << false << 2;
+    addRows(QVector<Digits>{
+        {"empty", "", false, 0},
+        {"one digit", "0", true, 1},
+        {"all digits", "0123456789", true, 10},
+        {"leading zeros", "007", true, 3},
+        {"too great for an octet", "256", true, 3},
+        {"letter behind", "1a", false, 2},
+        {"letter in front", "a12", false, 1},
+        {"below 0", "1/2", false, 2},
+        {"above 9", "1:2", false, 2},
+        {"plus", "+12", false, 1},
+        {"minus", "-12", false, 1},
+        {"blank in front", " 12", false, 1},
+        {"blank behind", "12 ", false, 3},
+        {"blank", " ", false, 1},
+        {"full-width", "１２３", false, 1},
+        {"Arabic-Indic", "1٢3", false, 2},
+        {"superscript", "2²", false, 2},
+    });
 }
 
 void TestNetworkTab::digitsOnly() {
-    QFETCH(QString, text);
-    QFETCH(int, looked);
+    QFETCH(const Digits, row);
     SettingsFixture f;
-    QTEST(f.dialog.IsDigitsOnly(text), "digits");
+    QCOMPARE(f.dialog.IsDigitsOnly(row.text), row.areDigits);
 
-    QStringList lines(QStringLiteral("length:%1\n").arg(text.length()));
-    for (int i = 0; i < looked; ++i)
-        lines.append(QString(text[i]));
+    QStringList lines(QString("length:%1\n").arg(row.text.length()));
+    for (const QChar character : row.text.left(row.lookedAt))
+        lines.append(character);
     QCOMPARE(f.lines(), lines);
 }
 
@@ -91,32 +97,30 @@ void TestNetworkTab::checksTheEditsInOrder() {
     QCOMPARE(f.lines(), SettingsFixture::digitLines(sixteenOctets));
 
     f.clearRecords();
-    f.addressEdits()[2]->setText(QStringLiteral("x"));
-    f.addressEdits()[9]->setText(QString());
+    f.addressEdits()[2]->setText("x");
+    f.addressEdits()[9]->setText("");
     QVERIFY(!f.dialog.ValidateAddressEdits());
-    QCOMPARE(f.lines(), SettingsFixture::digitLines(
-                            {QStringLiteral("10"), QStringLiteral("1"), QStringLiteral("x")}));
+    QCOMPARE(f.lines(), SettingsFixture::digitLines({"10", "1", "x"}));
 }
 
 void TestNetworkTab::checksEveryEdit() {
     SettingsFixture f;
     for (int i = 0; i < 16; ++i) {
         f.setOctets(sixteenOctets);
-        f.addressEdits()[i]->setText(QString());
+        f.addressEdits()[i]->setText("");
         QVERIFY2(!f.dialog.ValidateAddressEdits(), qPrintable(QString::number(i)));
     }
 }
 
 void TestNetworkTab::switchesTheEdits() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f;
     const QStringList checked = f.checked();
     f.dialog.SetTcpIpEditsEnabled(false);
     QCOMPARE(f.enabledAddressEdits(), 0);
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
     for (const char* name : {"dhcpOnRadioBtn", "dhcpOffRadioBtn", "tcpIPGroupBox", "WLanGroupBox",
                              "AccessPointgroupBox", "SSIDlineEdit", "passwdlineEdit"})
-        QVERIFY2(f.child(QLatin1String(name)).isEnabled(), name);
+        QVERIFY2(f.child(name).isEnabled(), name);
     f.dialog.SetTcpIpEditsEnabled(true);
     QCOMPARE(f.enabledAddressEdits(), 16);
     QCOMPARE(f.checked(), checked);
@@ -124,103 +128,79 @@ void TestNetworkTab::switchesTheEdits() {
 }
 
 void TestNetworkTab::dhcpOnKeepsTheTexts() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f;
     const QStringList texts = f.networkTexts();
-    f.click(QStringLiteral("dhcpOnRadioBtn"));
+    f.click("dhcpOnRadioBtn");
 
-    QVERIFY(f.checked().contains(QStringLiteral("dhcpOnRadioBtn")));
-    QVERIFY(!f.checked().contains(QStringLiteral("dhcpOffRadioBtn")));
+    QCOMPARE(f.checked().mid(0, 2), switchButtons(1, 1));
     QCOMPARE(f.enabledAddressEdits(), 0);
     QCOMPARE(f.networkTexts(), texts);
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.lines(), QStringList());
+    QCOMPARE(f.records(), QStringList());
 }
 
 void TestNetworkTab::dhcpOffEmptiesTheTexts() {
-    SettingsFixture f;
-    QVERIFY(f.set(R"({"network": {"active": {"DHCPUse": 1}}})"));
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f(SettingsFixture::Network, networkPatch({{"DHCPUse", 1}}));
     QCOMPARE(f.enabledAddressEdits(), 0);
-    f.click(QStringLiteral("dhcpOffRadioBtn"));
-    const QStringList emptied = {QStringLiteral("press-hall"), QStringLiteral("spectral-key"),
-                                 QStringLiteral("..."),        QStringLiteral("..."),
-                                 QStringLiteral("..."),        QStringLiteral("...")};
+    f.click("dhcpOffRadioBtn");
+    const QStringList emptied = words("press-hall spectral-key ... ... ... ...");
     QCOMPARE(f.enabledAddressEdits(), 16);
     QCOMPARE(f.networkTexts(), emptied);
 
     // The button that is checked already as well.
     f.setOctets(sixteenOctets);
-    f.click(QStringLiteral("dhcpOffRadioBtn"));
+    f.click("dhcpOffRadioBtn");
     QCOMPARE(f.networkTexts(), emptied);
     QCOMPARE(f.calls(), QStringList());
 }
 
 void TestNetworkTab::choosingTabs_data() {
-    QTest::addColumn<int>("from");
-    QTest::addColumn<int>("to");
-    QTest::addColumn<QString>("focused");
-    QTest::newRow("network") << 3 << 0 << QStringLiteral("ConnectPushBtn");
-    QTest::newRow("power-off") << 0 << 1 << QStringLiteral("autoPowerOfftab");
-    QTest::newRow("white plate") << 0 << 2 << QStringLiteral("curWCalibPlateSerialNolabel");
-    QTest::newRow("adapter") << 0 << 3 << QStringLiteral("curAmbAdpSerialNolabel");
-    QTest::newRow("power-off, from the adapter") << 3 << 1 << QStringLiteral("autoPowerOfftab");
+    const QVector<Qt::FocusReason> other = {Qt::OtherFocusReason};
+    addRows(QVector<TabChange>{
+        {"network", 3, 0, "ConnectPushBtn", {}},
+        {"power-off", 0, 1, "autoPowerOfftab", other},
+        {"white plate", 0, 2, "curWCalibPlateSerialNolabel", other},
+        {"adapter", 0, 3, "curAmbAdpSerialNolabel", other},
+        {"power-off, from the adapter", 3, 1, "autoPowerOfftab", other},
+        {"power-off, disabled", -1, 1, "ConnectPushBtn", {}},
+        {"white plate, disabled", -1, 2, "ConnectPushBtn", {}},
+        {"adapter, disabled", -1, 3, "ConnectPushBtn", {}},
+    });
 }
 
 void TestNetworkTab::choosingTabs() {
-    QFETCH(int, from);
-    QFETCH(int, to);
-    QFETCH(QString, focused);
+    QFETCH(const TabChange, row);
     SettingsFixture f;
-    QVERIFY(f.connectFirst(SettingsFixture::Page(from)));
+    if (row.from < 0) {
+        f.dialog.connectDevice(-1, true);
+        f.dialog.show();
+    } else {
+        QVERIFY(f.connectFirst(SettingsFixture::Page(row.from)));
+    }
     QVERIFY(QTest::qWaitForWindowActive(&f.dialog));
-    auto& start = f.child(QStringLiteral("ConnectPushBtn"));
-    start.setEnabled(true); // outside of the pages
+    auto& start = f.child("ConnectPushBtn"); // outside of the pages
+    if (row.from < 0)
+        QCOMPARE(f.dialog.focusWidget(), &start);
+    start.setEnabled(true);
     start.setFocus();
     f.clearRecords();
-    FocusReasons focus(f.child(focused));
-    f.openPage(SettingsFixture::Page(to));
+    FocusReasons focus(f.child(row.focused));
+    f.openPage(SettingsFixture::Page(row.to));
 
-    QCOMPARE(f.lines(), QStringList(QStringLiteral("select tab:%1").arg(to)));
+    QCOMPARE(f.records(), QStringList(QString("select tab:%1").arg(row.to)));
     QVERIFY(f.dialog.focusWidget());
-    QCOMPARE(f.dialog.focusWidget()->objectName(), focused);
-    QCOMPARE(focus.reasons,
-             to == 0 ? QVector<Qt::FocusReason>() : QVector<Qt::FocusReason>{Qt::OtherFocusReason});
-    QCOMPARE(f.calls(), QStringList());
-}
-
-void TestNetworkTab::choosingDisabledTabs_data() {
-    QTest::addColumn<int>("tab");
-    QTest::newRow("power-off") << 1;
-    QTest::newRow("white plate") << 2;
-    QTest::newRow("adapter") << 3;
-}
-
-void TestNetworkTab::choosingDisabledTabs() {
-    QFETCH(int, tab);
-    SettingsFixture f;
-    f.dialog.connectDevice(-1, true);
-    f.dialog.show();
-    QVERIFY(QTest::qWaitForWindowActive(&f.dialog));
-    QCOMPARE(f.dialog.focusWidget(), &f.child(QStringLiteral("ConnectPushBtn")));
-    f.openPage(SettingsFixture::Page(tab));
-
-    QCOMPARE(f.lines(), QStringList(QStringLiteral("select tab:%1").arg(tab)));
-    QCOMPARE(f.dialog.focusWidget(), &f.child(QStringLiteral("ConnectPushBtn")));
+    QCOMPARE(f.dialog.focusWidget()->objectName(), row.focused);
+    QCOMPARE(focus.reasons, row.reasons);
 }
 
 void TestNetworkTab::unknownTabs() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f;
     const QWidget* focused = f.dialog.focusWidget();
     for (const int index : {-1, 4, 1000})
         QVERIFY(QMetaObject::invokeMethod(&f.dialog, "on_setBasetabWidget_currentChanged",
                                           Qt::DirectConnection, Q_ARG(int, index)));
-    QCOMPARE(f.lines(),
-             (QStringList{QStringLiteral("select tab:-1"), QStringLiteral("select tab:4"),
-                          QStringLiteral("select tab:1000")}));
+    QCOMPARE(f.lines(), (QStringList{"select tab:-1", "select tab:4", "select tab:1000"}));
     QCOMPARE(f.dialog.focusWidget(), focused);
 }
 
-QTEST_MAIN(TestNetworkTab)
+TEST_CLASS(TestNetworkTab)
 #include "tst_network_tab.moc"

@@ -1,93 +1,84 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
-
-#include "simulator/KvaSim.h"
+#include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/support/TestMain.h"
 
 #include <QAbstractEventDispatcher>
-#include <QtTest>
 
 /** The disconnect watch. */
 class TestWatch : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void tickWithoutEvent();
     void tickAfterALoss();
     void goesOnLooking();
     void reportsOnceByItself();
-    void otherEvents_data();
-    void otherEvents();
+    void events_data();
+    void events();
     void connectsAgainAfterALoss();
     void eventOfTheNewConnectionIsReported();
     void eventBeforeTheConnectionIsReported();
     void stopsWithTheConnection_data();
     void stopsWithTheConnection();
+    void lossDuringTheBoxOfARegistration();
+    void lossDuringTheBoxesOfAConnection();
+    void lossDuringTheBoxOfAFailedClose();
 };
 
 namespace {
 
-const QString checkLine = QStringLiteral("eEventCode_DisConnect check \n");
-const QString trueLine = QStringLiteral("eEventCode_DisConnect true \n");
-const QString lostBox =
-    QStringLiteral("error: The connection with the measuring instrument was disconnected.");
+const QString checkLine = "eEventCode_DisConnect check \n";
+const QString trueLine = "eEventCode_DisConnect true \n";
+const QString lostBox = SettingsFixture::lostBox();
 
 QStringList eventLines(quint32 code) {
-    QStringList lines(
-        QStringLiteral("outEventCode[%1],outRAWDataCount[0],outError[0] \n").arg(code));
+    QStringList lines(QString("outEventCode[%1],outRAWDataCount[0],outError[0] \n").arg(code));
     if (code == eEventCode_Standby)
-        lines.append(QStringLiteral("eEventCode_Standby \n"));
+        lines.append("eEventCode_Standby \n");
     else if (code == eEventCode_DisConnect)
-        lines.append(QStringLiteral("eEventCode_DisConnect \n"));
+        lines.append("eEventCode_DisConnect \n");
     else if (code > eEventCode_Last)
-        lines.append(QStringLiteral("eEventCode Unknown[%1] \n").arg(code));
+        lines.append(QString("eEventCode Unknown[%1] \n").arg(code));
     return lines;
 }
 
+struct Events {
+    const char* name;
+    QVector<quint32> codes;
+    bool isLost;
+};
+
+struct Leaving {
+    const char* name;
+    const char* slot;
+};
+
 } // namespace
 
-void TestWatch::tickWithoutEvent() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    const QStringList before = f.everything();
-    f.invoke("timerHit");
-
-    QCOMPARE(f.lines(), QStringList(checkLine));
-    QCOMPARE(f.boxes(), QStringList());
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.everything(), before);
-    QVERIFY(watchOf(f.dialog).isActive());
-}
+Q_DECLARE_METATYPE(Events)
+Q_DECLARE_METATYPE(Leaving)
 
 void TestWatch::tickAfterALoss() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    QVERIFY(KvaSim_Unplug(SettingsFixture::serialNumber));
-    KvaSim_WaitForEvents();
+    ConnectedFixture f;
+    TestBench::unplug();
     QVERIFY(g_deviceDisconnected.load());
-    QStringList duringBox;
-    bool watching = true;
     bool flag = true;
-    f.answers.onBox = [&](QMessageBox&) {
-        duringBox = f.everything();
-        watching = watchOf(f.dialog).isActive();
+    f.answers.onBox = [&, record = f.answers.onBox](QMessageBox& box) {
+        record(box);
         flag = g_deviceDisconnected.load();
     };
     f.invoke("timerHit");
 
-    QCOMPARE(f.lines(), eventLines(eEventCode_DisConnect) << checkLine << trueLine);
-    QCOMPARE(f.boxes(), QStringList(lostBox));
-    QCOMPARE(f.calls(), QStringList());
-    QVERIFY(!watching);
+    QCOMPARE(f.records(), QStringList(lostBox) + eventLines(eEventCode_DisConnect)
+                              << checkLine << trueLine);
+    QVERIFY(!f.atBox.isWatching);
     QVERIFY(!flag);
     QVERIFY(!watchOf(f.dialog).isActive());
     QVERIFY(!g_deviceDisconnected.load());
 
     // Everything is reset before the box comes up; afterwards nothing is done any more.
-    QCOMPARE(f.everything(), duringBox);
+    QCOMPARE(f.everything(), f.atBox.everything);
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
     QCOMPARE(f.checked(), QStringList());
-    QCOMPARE(f.identity().join(QString()), QString());
-    QCOMPARE(f.networkTexts().join(QString()), QStringLiteral("............"));
-    QCOMPARE(f.calibrationTexts().join(QString()), QString());
+    QCOMPARE(f.texts(), SettingsFixture::noTexts());
     QVERIFY(f.controller->m_connected);
     QVERIFY(f.dialog.isVisible());
     QVERIFY(!f.dialog.isFinished);
@@ -111,7 +102,7 @@ void TestWatch::reportsOnceByItself() {
     SettingsFixture f;
     f.keepsWatching = true;
     QVERIFY(f.connectFirst());
-    QVERIFY(KvaSim_Unplug(SettingsFixture::serialNumber));
+    TestBench::unplug();
     QTRY_COMPARE_WITH_TIMEOUT(f.boxes(), QStringList(lostBox), 20000);
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
     QVERIFY(!watchOf(f.dialog).isActive());
@@ -123,57 +114,52 @@ void TestWatch::reportsOnceByItself() {
     QCOMPARE(f.boxes(), QStringList(lostBox));
 }
 
-void TestWatch::otherEvents_data() {
-    QTest::addColumn<QVector<quint32>>("codes");
-    QTest::addColumn<bool>("lost");
-    QTest::newRow("standby") << QVector<quint32>{0} << false;
-    QTest::newRow("disconnect, then standby") << QVector<quint32>{6, 0} << false;
-    QTest::newRow("standby, then disconnect") << QVector<quint32>{0, 6} << true;
-    QTest::newRow("disconnect twice") << QVector<quint32>{6, 6} << true;
-    QTest::newRow("disconnect, then another") << QVector<quint32>{6, 7} << true;
-    QTest::newRow("other codes") << QVector<quint32>{1, 5, 7, 9} << false;
-    QTest::newRow("unknown code") << QVector<quint32>{12} << false;
-    QTest::newRow("disconnect, then unknown code") << QVector<quint32>{6, 12} << true;
+void TestWatch::events_data() {
+    addRows(QVector<Events>{
+        {"none", {}, false},
+        {"standby", {0}, false},
+        {"disconnect, then standby", {6, 0}, false},
+        {"standby, then disconnect", {0, 6}, true},
+        {"disconnect twice", {6, 6}, true},
+        {"disconnect, then another", {6, 7}, true},
+        {"other codes", {1, 5, 7, 9}, false},
+        {"unknown code", {12}, false},
+        {"disconnect, then unknown code", {6, 12}, true},
+    });
 }
 
-void TestWatch::otherEvents() {
-    QFETCH(QVector<quint32>, codes);
-    QFETCH(bool, lost);
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+void TestWatch::events() {
+    QFETCH(const Events, row);
+    ConnectedFixture f;
     const QStringList before = f.everything();
     QStringList lines;
-    for (const quint32 code : codes) {
-        SettingsFixture::emitEvent(code);
+    for (const quint32 code : row.codes) {
+        TestBench::emitEvent(code);
         lines += eventLines(code);
     }
     f.invoke("timerHit");
 
     lines.append(checkLine);
-    if (lost)
+    if (row.isLost)
         lines.append(trueLine);
-    QCOMPARE(f.lines(), lines);
-    QCOMPARE(f.boxes(), lost ? QStringList(lostBox) : QStringList());
-    QCOMPARE(f.everything() == before, !lost);
-    QCOMPARE(watchOf(f.dialog).isActive(), !lost);
+    QCOMPARE(f.records(), (row.isLost ? QStringList(lostBox) : QStringList()) + lines);
+    QCOMPARE(f.everything() == before, !row.isLost);
+    QCOMPARE(watchOf(f.dialog).isActive(), !row.isLost);
 }
 
 void TestWatch::connectsAgainAfterALoss() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    ConnectedFixture f;
     const QStringList connected = f.everything();
-    QVERIFY(KvaSim_Unplug(SettingsFixture::serialNumber));
-    KvaSim_WaitForEvents();
+    TestBench::unplug();
     f.invoke("timerHit");
     f.clearRecords();
-    f.click(QStringLiteral("ConnectPushBtn"));
-    QCOMPARE(f.boxes(), QStringList(QStringLiteral(
-                            "information: The measuring instruments is not connected.")));
+    f.click("ConnectPushBtn");
+    QCOMPARE(f.boxes(), QStringList("information: The measuring instruments is not connected."));
     QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
 
-    QVERIFY(KvaSim_Plug(SettingsFixture::serialNumber));
+    TestBench::plug();
     f.clearRecords();
-    f.click(QStringLiteral("ConnectPushBtn"));
+    f.click("ConnectPushBtn");
     QCOMPARE(f.boxes(), QStringList());
     QCOMPARE(f.everything(), connected);
     QVERIFY(watchOf(f.dialog).isActive());
@@ -181,20 +167,18 @@ void TestWatch::connectsAgainAfterALoss() {
 
     f.clearRecords();
     f.invoke("timerHit");
-    QCOMPARE(f.lines(), QStringList(checkLine));
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), QStringList(checkLine));
     QCOMPARE(f.everything(), connected);
 }
 
 void TestWatch::eventOfTheNewConnectionIsReported() {
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
-    SettingsFixture::emitEvent(eEventCode_DisConnect);
+    ConnectedFixture f;
+    TestBench::emitEvent(eEventCode_DisConnect);
     f.invoke("timerHit");
     QVERIFY(f.controller->Disconnect());
-    f.click(QStringLiteral("ConnectPushBtn"));
+    f.click("ConnectPushBtn");
     f.clearRecords();
-    SettingsFixture::emitEvent(eEventCode_DisConnect);
+    TestBench::emitEvent(eEventCode_DisConnect);
     f.invoke("timerHit");
 
     QCOMPARE(f.boxes(), QStringList(lostBox));
@@ -204,37 +188,85 @@ void TestWatch::eventOfTheNewConnectionIsReported() {
 // Connecting does not clear the flag: only the watch and a standby event do.
 void TestWatch::eventBeforeTheConnectionIsReported() {
     SettingsFixture f;
-    SettingsFixture::emitEvent(eEventCode_DisConnect);
+    TestBench::emitEvent(eEventCode_DisConnect);
     QVERIFY(f.connectFirst());
     QVERIFY(g_deviceDisconnected.load());
     f.invoke("timerHit");
-
-    QCOMPARE(f.lines(), (QStringList{checkLine, trueLine}));
-    QCOMPARE(f.boxes(), QStringList(lostBox));
+    QCOMPARE(f.records(), (QStringList{lostBox, checkLine, trueLine}));
 }
 
 void TestWatch::stopsWithTheConnection_data() {
-    QTest::addColumn<QByteArray>("slot");
-    QTest::newRow("Disconnect") << QByteArray("on_disConnectPushBtn_clicked");
-    QTest::newRow("Close") << QByteArray("on_ClosePushBtn_clicked");
+    addRows(QVector<Leaving>{{"Disconnect", "on_disConnectPushBtn_clicked"},
+                             {"Close", "on_ClosePushBtn_clicked"}});
 }
 
 // Nothing is reported to somebody who has left.
 void TestWatch::stopsWithTheConnection() {
-    QFETCH(QByteArray, slot);
-    SettingsFixture f;
-    QVERIFY(f.connectFirst());
+    QFETCH(const Leaving, row);
+    ConnectedFixture f;
     watchOf(f.dialog).setInterval(1);
     QTRY_VERIFY(f.lines().contains(checkLine));
-    f.invoke(slot.constData());
+    f.invoke(row.slot);
     QVERIFY(!watchOf(f.dialog).isActive());
     f.clearRecords();
-    SettingsFixture::emitEvent(eEventCode_DisConnect);
+    TestBench::emitEvent(eEventCode_DisConnect);
     QCoreApplication::processEvents();
-
-    QCOMPARE(f.lines(), eventLines(eEventCode_DisConnect));
-    QCOMPARE(f.boxes(), QStringList());
+    QCOMPARE(f.records(), eventLines(eEventCode_DisConnect));
 }
 
-QTEST_MAIN(TestWatch)
+// The serial number is read once more after the box: now from an instrument that is gone.
+void TestWatch::lossDuringTheBoxOfARegistration() {
+    const CalibrationTab& tab = calibrationTab(false);
+    ConnectedFixture f(tab.page);
+    f.choose(tab.chooseButton, f.folder.write("white.csv", tab.file()));
+    f.clearRecords();
+    QString report;
+    f.answers.onBox = [&](QMessageBox& box) { report = f.loseBehind(box); };
+    f.click(tab.writeButton);
+
+    QCOMPARE(report, lostBox);
+    QCOMPARE(f.boxes(), QStringList("information: Successful device writing."));
+    QCOMPARE(f.texts(), SettingsFixture::noTexts());
+    QStringList disabled = SettingsFixture::disabledWhenNotConnected();
+    disabled.removeOne(tab.writeButton); // a registration ends with it enabled
+    QCOMPARE(f.disabled(), disabled);
+}
+
+// The watch does not run yet while the dialog is being filled: its first tick finds the loss.
+void TestWatch::lossDuringTheBoxesOfAConnection() {
+    SettingsFixture f;
+    TestBench::set(R"({"wirelessModule": false})");
+    f.controller->GetDevicePortList();
+    f.answers.onBox = [&](QMessageBox&) {
+        f.answers.onBox = nullptr;
+        TestBench::unplug();
+    };
+    f.dialog.connectDevice(0, true);
+    f.dialog.show();
+    QCOMPARE(f.boxes(), (QStringList{"information: Wireless LAN is invalid.",
+                                     "error: Failed to device WhiteCalibPlateSerialNo.",
+                                     "error: Failed to device AmbientLightAdapterSerialNo.",
+                                     "error: Failed to read automatic shutdown time."}));
+    QVERIFY(watchOf(f.dialog).isActive());
+    f.clearRecords();
+    QTRY_COMPARE_WITH_TIMEOUT(f.boxes(), QStringList(lostBox), 20000);
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+}
+
+// The watch runs until the box of the failed disconnect is gone.
+void TestWatch::lossDuringTheBoxOfAFailedClose() {
+    ConnectedFixture f;
+    TestBench::answer("KVA_Disconnect");
+    QString report;
+    f.answers.onBox = [&](QMessageBox& box) { report = f.loseBehind(box); };
+    QVERIFY(f.dialog.close());
+
+    QCOMPARE(report, lostBox);
+    QCOMPARE(f.boxes(), QStringList("error: Failed to disconnect device."));
+    QVERIFY(f.dialog.isFinished);
+    QVERIFY(!f.dialog.isVisible());
+    QVERIFY(!watchOf(f.dialog).isActive());
+}
+
+TEST_CLASS(TestWatch)
 #include "tst_watch.moc"
