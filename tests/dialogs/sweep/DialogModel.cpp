@@ -1,59 +1,50 @@
 #include "tests/dialogs/sweep/DialogModel.h"
 
+#include "tests/dialogs/settings/SettingsFixture.h"
+
 #include <cstring>
 
 namespace {
 
-const QStringList tabs = {QStringLiteral("networkSetTab"), QStringLiteral("autoPowerOfftab"),
-                          QStringLiteral("wCalibPlateTab"), QStringLiteral("ambLightAdpTab")};
-const QStringList registerButtons = {QStringLiteral("setWCPValPushBtn"),
-                                     QStringLiteral("setAmbAdpBodyPushBtn")};
-const QStringList modeButtons = {QStringLiteral("invalidradioBtn"),
-                                 QStringLiteral("fifteenRadioBtn"),
-                                 QStringLiteral("thirtyRadioBtn"), QStringLiteral("sixtyRadioBtn")};
+const QStringList tabs = words("networkSetTab autoPowerOfftab wCalibPlateTab ambLightAdpTab");
+const QStringList registerButtons = words("setWCPValPushBtn setAmbAdpBodyPushBtn");
+const QStringList modeButtons =
+    words("invalidradioBtn fifteenRadioBtn thirtyRadioBtn sixtyRadioBtn");
 
 /** The radio buttons of which one at most is checked. */
 const QVector<QStringList> groups = {
-    {QStringLiteral("enableRadioBtn"), QStringLiteral("disableRadioBtn")},
-    {QStringLiteral("dhcpOnRadioBtn"), QStringLiteral("dhcpOffRadioBtn")},
+    {"enableRadioBtn", "disableRadioBtn"},
+    {"dhcpOnRadioBtn", "dhcpOffRadioBtn"},
     modeButtons,
 };
 
 /** The page of each button that lies on one. */
 const QMap<QString, QString> pages = {
-    {QStringLiteral("readBodyPushBtn"), QStringLiteral("networkSetTab")},
-    {QStringLiteral("writeBodyPushBtn"), QStringLiteral("networkSetTab")},
-    {QStringLiteral("getAutoPWOffPushBtn"), QStringLiteral("autoPowerOfftab")},
-    {QStringLiteral("setAutoPWOffPushBtn"), QStringLiteral("autoPowerOfftab")},
-    {QStringLiteral("selWCPFilePushBtn"), QStringLiteral("wCalibPlateTab")},
-    {QStringLiteral("setWCPValPushBtn"), QStringLiteral("wCalibPlateTab")},
-    {QStringLiteral("selAmbLightAdpFilePushBtn"), QStringLiteral("ambLightAdpTab")},
-    {QStringLiteral("setAmbAdpBodyPushBtn"), QStringLiteral("ambLightAdpTab")},
+    {"readBodyPushBtn", "networkSetTab"},
+    {"writeBodyPushBtn", "networkSetTab"},
+    {"getAutoPWOffPushBtn", "autoPowerOfftab"},
+    {"setAutoPWOffPushBtn", "autoPowerOfftab"},
+    {"selWCPFilePushBtn", "wCalibPlateTab"},
+    {"setWCPValPushBtn", "wCalibPlateTab"},
+    {"selAmbLightAdpFilePushBtn", "ambLightAdpTab"},
+    {"setAmbAdpBodyPushBtn", "ambLightAdpTab"},
 };
 
 QStringList emptyTexts(int count) {
-    QStringList texts;
-    for (int i = 0; i < count; ++i)
-        texts.append(QString());
-    return texts;
+    return QVector<QString>(count, "").toList();
 }
 
-const QStringList noAddresses = {QStringLiteral("..."), QStringLiteral("..."),
-                                 QStringLiteral("..."), QStringLiteral("...")};
+const QStringList noAddresses = words("... ... ... ...");
 
 QString octetsText(const std::uint8_t (&octets)[4]) {
-    return QStringLiteral("%1.%2.%3.%4")
-        .arg(octets[0])
-        .arg(octets[1])
-        .arg(octets[2])
-        .arg(octets[3]);
+    return QString("%1.%2.%3.%4").arg(octets[0]).arg(octets[1]).arg(octets[2]).arg(octets[3]);
 }
 
 QString serialText(const std::uint8_t (&digits)[4]) {
     unsigned int value = 0;
     for (const std::uint8_t byte : digits)
         value = value * 100 + (byte >> 4U) * 10U + (byte & 0xFU);
-    return QString::number(value).rightJustified(8, QLatin1Char('0'));
+    return QString::number(value).rightJustified(8, '0');
 }
 
 template <std::size_t Size>
@@ -78,12 +69,12 @@ void DialogModel::end() {
     m_library.registerHandler(false);
 }
 
-void DialogModel::error(const char* text) {
-    m_boxes.append(QStringLiteral("error: ") + QLatin1String(text));
+void DialogModel::error(const QString& text) {
+    m_boxes.append("error: " + text);
 }
 
-void DialogModel::information(const char* text) {
-    m_boxes.append(QStringLiteral("information: ") + QLatin1String(text));
+void DialogModel::information(const QString& text) {
+    m_boxes.append("information: " + text);
 }
 
 void DialogModel::setEnabled(const QStringList& names, bool enabled) {
@@ -116,15 +107,15 @@ void DialogModel::pressConnect() {
 
 void DialogModel::connectDevice(const KVA_PORTINFO* port) {
     if (port == nullptr) {
-        setEnabled(tabs + QStringList{QStringLiteral("disConnectPushBtn")}, false);
+        setEnabled(tabs + QStringList{"disConnectPushBtn"}, false);
     } else if (!m_library.connect(*port)) {
         error("Failed to connect device.");
     } else {
         m_isControllerConnected = true;
         setEnabled(tabs, true);
         fill();
-        setEnabled({QStringLiteral("ConnectPushBtn"), QStringLiteral("ClosePushBtn")}, false);
-        setEnabled({QStringLiteral("disConnectPushBtn")}, true);
+        setEnabled({"ConnectPushBtn", "ClosePushBtn"}, false);
+        setEnabled({"disConnectPushBtn"}, true);
         m_isConnected = true;
     }
     setEnabled(registerButtons, false);
@@ -198,7 +189,7 @@ void DialogModel::pressReadNetwork() {
 void DialogModel::typeNetwork(const TypedNetwork& typed) {
     m_networkTexts = QStringList{typed.ssid, typed.key};
     for (int address = 0; address < 4; ++address)
-        m_networkTexts.append(typed.octets.mid(4 * address, 4).join(QLatin1Char('.')));
+        m_networkTexts.append(typed.octets.mid(4 * address, 4).join('.'));
 }
 
 void DialogModel::pressWriteNetwork() {
@@ -206,7 +197,7 @@ void DialogModel::pressWriteNetwork() {
                                        m_network.DefaultGateway, m_network.DNS};
     const bool isDhcp = m_checked.contains(groups[1][0]);
     for (int address = 0; address < 4; ++address) {
-        const QStringList octets = m_networkTexts[2 + address].split(QLatin1Char('.'));
+        const QStringList octets = m_networkTexts[2 + address].split('.');
         for (int octet = 0; octet < 4; ++octet)
             addresses[address][octet] =
                 isDhcp ? std::uint8_t(0) : static_cast<std::uint8_t>(octets[octet].toInt());
@@ -305,8 +296,8 @@ void DialogModel::pressDisconnect() {
 }
 
 void DialogModel::reset() {
-    setEnabled({QStringLiteral("ConnectPushBtn"), QStringLiteral("ClosePushBtn")}, true);
-    setEnabled(tabs + QStringList{QStringLiteral("disConnectPushBtn")}, false);
+    setEnabled({"ConnectPushBtn", "ClosePushBtn"}, true);
+    setEnabled(tabs + QStringList{"disConnectPushBtn"}, false);
     m_identity = emptyTexts(3);
     m_networkTexts = emptyTexts(2) + noAddresses;
     m_calibrationTexts = emptyTexts(6);
@@ -339,11 +330,11 @@ QStringList DialogModel::view(QStringList boxes, QStringList disabled, QStringLi
                               const QStringList& calibration) {
     disabled.sort();
     checked.sort();
-    const QString bar = QStringLiteral(" | ");
-    boxes.append(QStringLiteral("disabled: ") + disabled.join(bar));
-    boxes.append(QStringLiteral("checked: ") + checked.join(bar));
-    boxes.append(QStringLiteral("identity: ") + identity.join(bar));
-    boxes.append(QStringLiteral("network: ") + network.join(bar));
-    boxes.append(QStringLiteral("calibration: ") + calibration.join(bar));
+    const QString bar = " | ";
+    boxes.append("disabled: " + disabled.join(bar));
+    boxes.append("checked: " + checked.join(bar));
+    boxes.append("identity: " + identity.join(bar));
+    boxes.append("network: " + network.join(bar));
+    boxes.append("calibration: " + calibration.join(bar));
     return boxes;
 }

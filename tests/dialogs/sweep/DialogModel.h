@@ -59,8 +59,8 @@ public:
                             const QStringList& calibration);
 
 private:
-    void error(const char* text);
-    void information(const char* text);
+    void error(const QString& text);
+    void information(const QString& text);
     void connectDevice(const KVA_PORTINFO* port);
     void fill();
     void fillNetwork();

@@ -1,47 +1,44 @@
 #include "tests/dialogs/sweep/FaultKinds.h"
 
-#include <QLatin1String>
 #include <QMap>
 
 #include <cstddef>
 
 namespace {
 
-constexpr KVA_RESULT errors[] = {
-    KVA_ERROR,
-    KVA_ERROR_CONNECT,
-    KVA_ERROR_DISCONNECT,
-    KVA_ERROR_CONNECT_TIMEOUT,
-    KVA_ERROR_CONNECT_ALREADY,
-    KVA_ERROR_INSTRUMENT_UNAVAILABLE,
-    KVA_ERROR_INSTRUMENT_INFORMATION,
-    KVA_ERROR_ARGUMENT,
-    KVA_ERROR_COMMUNICATION_SEND,
-    KVA_ERROR_COMMUNICATION_RECEIVE,
-    KVA_ERROR_COMMUNICATION_CHECKSUM,
-    KVA_ERROR_COMMUNICATION_PARAM,
-    KVA_ERROR_COMMUNICATION_TIMEOUT,
-    KVA_ERROR_CANT_USED,
-    KVA_ERROR_NO_DATA,
-    KVA_ERROR_NAK,
-    KVA_ERROR_NAV,
-    KVA_ERROR_NSP,
-    KVA_ERROR_CNF,
-    KVA_ERROR_NDT,
-    KVA_ERROR_NEQ,
-};
+constexpr KVA_RESULT errors[] = {KVA_ERROR,
+                                 KVA_ERROR_CONNECT,
+                                 KVA_ERROR_DISCONNECT,
+                                 KVA_ERROR_CONNECT_TIMEOUT,
+                                 KVA_ERROR_CONNECT_ALREADY,
+                                 KVA_ERROR_INSTRUMENT_UNAVAILABLE,
+                                 KVA_ERROR_INSTRUMENT_INFORMATION,
+                                 KVA_ERROR_ARGUMENT,
+                                 KVA_ERROR_COMMUNICATION_SEND,
+                                 KVA_ERROR_COMMUNICATION_RECEIVE,
+                                 KVA_ERROR_COMMUNICATION_CHECKSUM,
+                                 KVA_ERROR_COMMUNICATION_PARAM,
+                                 KVA_ERROR_COMMUNICATION_TIMEOUT,
+                                 KVA_ERROR_CANT_USED,
+                                 KVA_ERROR_NO_DATA,
+                                 KVA_ERROR_NAK,
+                                 KVA_ERROR_NAV,
+                                 KVA_ERROR_NSP,
+                                 KVA_ERROR_CNF,
+                                 KVA_ERROR_NDT,
+                                 KVA_ERROR_NEQ};
 
 constexpr KVA_RESULT warnings[] = {1, 2, 4, 3, 5, 6, 7};
 
 /** A byte of each answer that the dialog shows, or goes by. */
 AnswerByte byteThatMatters(const QString& function) {
     static const QMap<QString, AnswerByte> bytes = {
-        {QStringLiteral("KVA_GetDevicePortList"), {offsetof(KVA_PORTINFO, serialNumber), 1}},
-        {QStringLiteral("KVA_GetDeviceInfo"), {offsetof(KVA_DEVICEINFO, macAddress), 0xFF}},
-        {QStringLiteral("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA"), {0, 1}},
-        {QStringLiteral("KVA_GetNetworkInfo"), {offsetof(KVA_NETWORKINFO, IPAddress), 0x10}},
-        {QStringLiteral("KVA_GetShutdownTime"), {0, 3}},
-        {QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA"),
+        {"KVA_GetDevicePortList", {offsetof(KVA_PORTINFO, serialNumber), 1}},
+        {"KVA_GetDeviceInfo", {offsetof(KVA_DEVICEINFO, macAddress), 0xFF}},
+        {"KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", {0, 1}},
+        {"KVA_GetNetworkInfo", {offsetof(KVA_NETWORKINFO, IPAddress), 0x10}},
+        {"KVA_GetShutdownTime", {0, 3}},
+        {"KVA_JIG_GetFactoryCalib_CALREFDATA",
          {offsetof(KVA_JIG_CALREFDATA, whiteSerialNo) + 3, 1}},
     };
     return bytes.value(function);
@@ -49,36 +46,35 @@ AnswerByte byteThatMatters(const QString& function) {
 
 /** A byte that is only handed on. */
 AnswerByte byteOutOfSight(const QString& function) {
-    if (function != QLatin1String("KVA_JIG_GetFactoryCalib_CALREFDATA"))
+    if (function != "KVA_JIG_GetFactoryCalib_CALREFDATA")
         return {};
     return {sizeof(KVA_JIG_CALREFDATA) - 1, 0x80};
 }
 
 template <std::size_t Count>
 QJsonObject resultOf(const KVA_RESULT (&results)[Count], int index) {
-    return {{QStringLiteral("result"), results[static_cast<std::size_t>(index) % Count]}};
+    return {{"result", results[static_cast<std::size_t>(index) % Count]}};
 }
 
 /** A kind whose field is the same at every place. */
 std::function<QJsonObject(const Place&, int)> always(const char* name, const QJsonValue& value) {
-    return [field = QJsonObject{{QLatin1String(name), value}}](const Place&, int) { return field; };
+    return [field = QJsonObject{{name, value}}](const Place&, int) { return field; };
 }
 
 template <AnswerByte (*Byte)(const QString&)>
 FaultKind corruption(const char* name) {
     const auto fields = [](const Place& place, int) -> QJsonObject {
         const AnswerByte byte = Byte(place.function);
-        return {{QStringLiteral("corrupted"), QJsonObject{{QStringLiteral("offset"), byte.offset},
-                                                          {QStringLiteral("xor"), byte.flipped}}}};
+        return {{"corrupted", QJsonObject{{"offset", byte.offset}, {"xor", byte.flipped}}}};
     };
     const auto concerns = [](const QString& function) { return Byte(function).flipped != 0; };
-    return {QLatin1String(name), Effect::Corrupted, fields, concerns, true, Byte};
+    return {name, Effect::Corrupted, fields, concerns, true, Byte};
 }
 
 FaultKind unplugging(const char* moment, Effect effect) {
-    return {QStringLiteral("unplugged ") + QLatin1String(moment),
+    return {QString("unplugged ") + moment,
             effect,
-            always("unplug", QLatin1String(moment)),
+            always("unplug", moment),
             [](const QString&) { return true; },
             false,
             nullptr};
@@ -89,35 +85,34 @@ bool any(const QString&) {
 }
 
 bool isList(const QString& function) {
-    return function == QLatin1String("KVA_GetDevicePortList");
+    return function == "KVA_GetDevicePortList";
 }
 
 /** Whether the function makes the instrument do something. */
 bool isCommand(const QString& function) {
-    return function.contains(QLatin1String("_Set")) || function.endsWith(QLatin1String("onnect"));
+    return function.contains("_Set") || function.endsWith("onnect");
 }
 
 /** Whether the function's answer can change. */
 bool isState(const QString& function) {
-    return isList(function) || function == QLatin1String("KVA_GetNetworkInfo") ||
-           function == QLatin1String("KVA_GetShutdownTime") ||
-           function == QLatin1String("KVA_JIG_GetFactoryCalib_CALREFDATA");
+    return isList(function) || function == "KVA_GetNetworkInfo" ||
+           function == "KVA_GetShutdownTime" || function == "KVA_JIG_GetFactoryCalib_CALREFDATA";
 }
 
 } // namespace
 
 const QVector<FaultKind>& faultKinds() {
     static const QVector<FaultKind> kinds = {
-        {QStringLiteral("error"), Effect::Refused,
-         [](const Place&, int index) { return resultOf(errors, index); }, any},
-        {QStringLiteral("warning"), Effect::None,
-         [](const Place&, int index) { return resultOf(warnings, index); }, any},
-        {QStringLiteral("delay"), Effect::None, always("delayMs", 2), any},
-        {QStringLiteral("dropped"), Effect::Dropped, always("dropped", true), isCommand},
-        {QStringLiteral("stale"), Effect::Stale, always("stale", true), isState},
+        {"error", Effect::Refused, [](const Place&, int index) { return resultOf(errors, index); },
+         any},
+        {"warning", Effect::None, [](const Place&, int index) { return resultOf(warnings, index); },
+         any},
+        {"delay", Effect::None, always("delayMs", 2), any},
+        {"dropped", Effect::Dropped, always("dropped", true), isCommand},
+        {"stale", Effect::Stale, always("stale", true), isState},
         corruption<byteThatMatters>("corrupted"),
         corruption<byteOutOfSight>("corrupted out of sight"),
-        {QStringLiteral("short list"), Effect::NoPorts, always("shortList", 0), isList},
+        {"short list", Effect::NoPorts, always("shortList", 0), isList},
         unplugging("before", Effect::UnplugBefore),
         unplugging("during", Effect::UnplugDuring),
         unplugging("after", Effect::UnplugAfter),
@@ -133,8 +128,8 @@ Fault modelFault(const FaultKind& kind, const Place& place, bool onwards) {
 
 QJsonObject faultRule(const FaultKind& kind, const Place& place, bool onwards, int index) {
     QJsonObject rule = kind.fields(place, index);
-    rule[QStringLiteral("function")] = place.function;
+    rule["function"] = place.function;
     const int last = onwards ? 1000000 : place.call;
-    rule[QStringLiteral("call")] = QStringLiteral("%1-%2").arg(place.call).arg(last);
+    rule["call"] = QString("%1-%2").arg(place.call).arg(last);
     return rule;
 }

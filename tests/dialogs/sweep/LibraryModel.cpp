@@ -1,14 +1,12 @@
 #include "tests/dialogs/sweep/LibraryModel.h"
 
-#include <QLatin1String>
-
 #include <cstring>
 
 LibraryModel::LibraryModel(const InstrumentModel& instrument, const Fault& fault)
     : m_instrument(instrument), m_fault(fault) {}
 
 Effect LibraryModel::effectOf(const char* function) {
-    if (m_fault.function != QLatin1String(function))
+    if (m_fault.function != function)
         return Effect::None;
     ++m_calls;
     return m_calls >= m_fault.firstCall && m_calls <= m_fault.lastCall ? m_fault.effect

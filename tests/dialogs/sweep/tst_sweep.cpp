@@ -5,12 +5,9 @@
 #include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/sweep/DialogModel.h"
 #include "tests/dialogs/sweep/FaultKinds.h"
+#include "tests/support/TestMain.h"
 
 #include <QApplication>
-#include <QDir>
-#include <QJsonDocument>
-#include <QTemporaryDir>
-#include <QtTest>
 
 #include <cstring>
 
@@ -20,29 +17,25 @@ namespace {
 struct Step {
     SettingsFixture::Page page;
     QString button;
-    void (*prepare)(SettingsFixture& f, DialogModel& model);
     void (*expect)(DialogModel& model);
-    int file; ///< chosen in the file dialog; -1: none
+    void (*prepare)(SettingsFixture& f, DialogModel& model) = nullptr; ///< null: nothing to be done
+    int file = -1; ///< chosen in the file dialog; -1: none
 };
 
 const TypedNetwork& typedNetwork() {
-    static const TypedNetwork typed = {
-        QStringLiteral("new-hall"), QStringLiteral("another-key"),
-        QStringLiteral("10 20 30 40 255 255 0 0 10 20 0 1 9 9 9 9").split(QLatin1Char(' '))};
+    static const TypedNetwork typed = {"new-hall", "another-key",
+                                       words("10 20 30 40 255 255 0 0 10 20 0 1 9 9 9 9")};
     return typed;
 }
 
-void prepareNothing(SettingsFixture&, DialogModel&) {}
-
 void prepareNetwork(SettingsFixture& f, DialogModel& model) {
-    f.child<QLineEdit>(QStringLiteral("SSIDlineEdit")).setText(typedNetwork().ssid);
-    f.child<QLineEdit>(QStringLiteral("passwdlineEdit")).setText(typedNetwork().key);
+    f.setNameAndKey(typedNetwork().ssid, typedNetwork().key);
     f.setOctets(typedNetwork().octets);
     model.typeNetwork(typedNetwork());
 }
 
 void preparePowerOff(SettingsFixture& f, DialogModel& model) {
-    f.click(QStringLiteral("sixtyRadioBtn"));
+    f.click("sixtyRadioBtn");
     model.choosePowerOff(3);
 }
 
@@ -50,56 +43,34 @@ const QVector<Step>& session() {
     using F = SettingsFixture;
     using M = DialogModel;
     static const QVector<Step> steps = {
-        {F::Network, QStringLiteral("ConnectPushBtn"), prepareNothing,
-         [](M& m) { m.pressConnect(); }, -1},
-        {F::Network, QStringLiteral("readBodyPushBtn"), prepareNothing,
-         [](M& m) { m.pressReadNetwork(); }, -1},
-        {F::PowerOff, QStringLiteral("getAutoPWOffPushBtn"), prepareNothing,
-         [](M& m) { m.pressReadPowerOff(); }, -1},
-        {F::Network, QStringLiteral("writeBodyPushBtn"), prepareNetwork,
-         [](M& m) { m.pressWriteNetwork(); }, -1},
-        {F::PowerOff, QStringLiteral("setAutoPWOffPushBtn"), preparePowerOff,
-         [](M& m) { m.pressWritePowerOff(); }, -1},
-        {F::WhitePlate, QStringLiteral("selWCPFilePushBtn"), prepareNothing,
-         [](M& m) { m.chooseFile(M::WhitePlate); }, M::WhitePlate},
-        {F::WhitePlate, QStringLiteral("setWCPValPushBtn"), prepareNothing,
-         [](M& m) { m.pressRegister(M::WhitePlate); }, -1},
-        {F::AmbientAdapter, QStringLiteral("selAmbLightAdpFilePushBtn"), prepareNothing,
-         [](M& m) { m.chooseFile(M::AmbientAdapter); }, M::AmbientAdapter},
-        {F::AmbientAdapter, QStringLiteral("setAmbAdpBodyPushBtn"), prepareNothing,
-         [](M& m) { m.pressRegister(M::AmbientAdapter); }, -1},
-        {F::Network, QStringLiteral("disConnectPushBtn"), prepareNothing,
-         [](M& m) { m.pressDisconnect(); }, -1},
+        {F::Network, "ConnectPushBtn", [](M& m) { m.pressConnect(); }},
+        {F::Network, "readBodyPushBtn", [](M& m) { m.pressReadNetwork(); }},
+        {F::PowerOff, "getAutoPWOffPushBtn", [](M& m) { m.pressReadPowerOff(); }},
+        {F::Network, "writeBodyPushBtn", [](M& m) { m.pressWriteNetwork(); }, prepareNetwork},
+        {F::PowerOff, "setAutoPWOffPushBtn", [](M& m) { m.pressWritePowerOff(); }, preparePowerOff},
+        {F::WhitePlate, "selWCPFilePushBtn", [](M& m) { m.chooseFile(M::WhitePlate); }, nullptr,
+         M::WhitePlate},
+        {F::WhitePlate, "setWCPValPushBtn", [](M& m) { m.pressRegister(M::WhitePlate); }},
+        {F::AmbientAdapter, "selAmbLightAdpFilePushBtn",
+         [](M& m) { m.chooseFile(M::AmbientAdapter); }, nullptr, M::AmbientAdapter},
+        {F::AmbientAdapter, "setAmbAdpBodyPushBtn",
+         [](M& m) { m.pressRegister(M::AmbientAdapter); }},
+        {F::Network, "disConnectPushBtn", [](M& m) { m.pressDisconnect(); }},
     };
     return steps;
 }
 
 /** The calls of a session in which nothing fails. */
 QVector<Place> placesOfSession() {
-    const char* const registering[] = {
-        "KVA_JIG_GetFactoryCalib_CALREFDATA", "KVA_JIG_SetFactoryCalib_CALREFDATA",
-        "KVA_JIG_SetFactoryCalib_WriteSector", "KVA_JIG_GetFactoryCalib_CALREFDATA",
-        "KVA_JIG_GetFactoryCalib_CALREFDATA"};
-    QStringList functions = {QStringLiteral("KVA_RegisterDeviceEventHandler"),
-                             QStringLiteral("KVA_GetDevicePortList"),
-                             QStringLiteral("KVA_GetDevicePortList"),
-                             QStringLiteral("KVA_Connect"),
-                             QStringLiteral("KVA_GetDeviceInfo"),
-                             QStringLiteral("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA"),
-                             QStringLiteral("KVA_GetNetworkInfo"),
-                             QStringLiteral("KVA_JIG_GetFactoryCalib_CALREFDATA"),
-                             QStringLiteral("KVA_GetShutdownTime"),
-                             QStringLiteral("KVA_GetNetworkInfo"),
-                             QStringLiteral("KVA_GetShutdownTime"),
-                             QStringLiteral("KVA_SetNetworkInfo"),
-                             QStringLiteral("KVA_SetShutdownTime")};
-    for (int accessory = 0; accessory < 2; ++accessory) {
-        for (const char* function : registering)
-            functions.append(QLatin1String(function));
-    }
-    functions.append(QStringLiteral("KVA_Disconnect"));
-    functions.append(QStringLiteral("KVA_RegisterDeviceEventHandler"));
-
+    const QStringList registration =
+        words("KVA_JIG_GetFactoryCalib_CALREFDATA KVA_JIG_SetFactoryCalib_CALREFDATA "
+              "KVA_JIG_SetFactoryCalib_WriteSector KVA_JIG_GetFactoryCalib_CALREFDATA "
+              "KVA_JIG_GetFactoryCalib_CALREFDATA");
+    const QStringList functions =
+        words("KVA_RegisterDeviceEventHandler KVA_GetDevicePortList KVA_GetDevicePortList") +
+        SettingsFixture::connectCalls() +
+        words("KVA_GetNetworkInfo KVA_GetShutdownTime KVA_SetNetworkInfo KVA_SetShutdownTime") +
+        registration + registration + words("KVA_Disconnect KVA_RegisterDeviceEventHandler");
     QVector<Place> places;
     QMap<QString, int> calls;
     for (const QString& function : functions)
@@ -129,27 +100,28 @@ std::optional<InstrumentModel> readInstrument() {
     return done ? std::optional<InstrumentModel>(read) : std::nullopt;
 }
 
-template <typename Record>
-QByteArray bytesOf(const Record& record) {
-    return QByteArray(reinterpret_cast<const char*>(&record), sizeof record).toHex();
-}
-
 /** Every byte that the instrument keeps over a power cycle. */
-QVector<QByteArray> keptBytes(const InstrumentModel& instrument) {
-    return {bytesOf(instrument.committed), bytesOf(instrument.network),
-            bytesOf(instrument.powerOffMode), bytesOf(instrument.device),
-            bytesOf(instrument.options)};
+QByteArray keptBytes(const InstrumentModel& instrument) {
+    using TestBench::bytesOf;
+    return (bytesOf(instrument.committed) + bytesOf(instrument.network) +
+            bytesOf(instrument.powerOffMode) + bytesOf(instrument.device) +
+            bytesOf(instrument.options))
+        .toHex();
 }
 
-QVector<ValueFile> valueFiles(const QString& folder) {
-    QVector<ValueFile> files = {{folder + QStringLiteral("/plate.new.csv"),
-                                 QStringLiteral("plate"),
-                                 QStringLiteral("87654321"),
-                                 {}},
-                                {folder + QStringLiteral("/adapter.csv"),
-                                 QStringLiteral("adapter"),
-                                 QStringLiteral("00054321"),
-                                 {}}};
+/** One fault at one place. */
+struct PlacedFault {
+    QByteArray name;
+    const FaultKind* kind;
+    Place place;
+    bool isOnwards;
+    int index;
+};
+
+QVector<ValueFile> valueFiles(const TestFolder& folder) {
+    QVector<ValueFile> files = {
+        {folder.write("plate.new.csv", calibrationTab(false).file()), "plate", "87654321", {}},
+        {folder.write("adapter.csv", calibrationTab(true).file()), "adapter", "00054321", {}}};
     for (int i = 0; i < KVA_WHITE_PLATE_VALUES; ++i)
         files[0].record.rfWhite.spcData[i] = fileValue(i);
     for (int i = 0; i < KVA_AMBIENT_ADAPTER_VALUES; ++i)
@@ -161,14 +133,22 @@ QVector<ValueFile> valueFiles(const QString& folder) {
     return files;
 }
 
+void setController(SettingsFixture& f, const std::shared_ptr<CKvaSdk_Ctrl>& controller) {
+    f.controller.reset();
+    f.dialog.setSdkCtrl(controller);
+    f.selection.setSdkCtrl(controller);
+    f.controller = controller;
+}
+
 } // namespace
+
+Q_DECLARE_METATYPE(PlacedFault)
 
 /** The settings dialog through a whole session with a fault somewhere. */
 class TestSweep : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
     void cleanupTestCase();
     void placesAreThoseOfASession();
     void fault_data();
@@ -184,39 +164,23 @@ private:
     void recover(SettingsFixture& f, LibraryModel& library, DialogModel& model);
     void checkInstrument(const LibraryModel& library);
 
-    QTemporaryDir m_folder;
-    QString m_startFolder;
-    QVector<ValueFile> m_files;
+    TestFolder m_folder;
+    QVector<ValueFile> m_files = valueFiles(m_folder);
     int m_combinations = 0;
 };
 
-void TestSweep::initTestCase() {
-    QVERIFY(m_folder.isValid());
-    m_startFolder = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(m_folder.path()));
-    m_files = valueFiles(m_folder.path());
-    QVERIFY(!writeFile(m_files[0].path, valueFile("87654321", KVA_WHITE_PLATE_VALUES)).isEmpty());
-    QVERIFY(
-        !writeFile(m_files[1].path, valueFile("00054321", KVA_AMBIENT_ADAPTER_VALUES)).isEmpty());
-}
-
 void TestSweep::cleanupTestCase() {
-    QVERIFY(QDir::setCurrent(m_startFolder));
     QVERIFY(m_combinations > 0);
     qInfo("%d combinations", m_combinations);
 }
 
 void TestSweep::open(SettingsFixture& f, DialogModel& model, const QJsonObject& rule) {
     // The fixture's own controller came before the fault; the dialog gets one that comes after it.
-    f.dialog.setSdkCtrl(nullptr);
-    f.selection.setSdkCtrl(nullptr);
-    f.controller.reset();
-    KvaSim_ClearCallLog();
+    setController(f, nullptr);
+    TestBench::clearCalls();
     if (!rule.isEmpty())
-        QVERIFY2(KvaSim_AddFault(QJsonDocument(rule).toJson().constData()), KvaSim_LastError());
-    f.controller = std::make_shared<CKvaSdk_Ctrl>();
-    f.dialog.setSdkCtrl(f.controller);
-    f.selection.setSdkCtrl(f.controller);
+        TestBench::addFault(rule);
+    setController(f, std::make_shared<CKvaSdk_Ctrl>());
     // It ticks when the test says so, and not in the middle of a step.
     watchOf(f.dialog).setInterval(24 * 60 * 60 * 1000);
     f.dialog.connectDevice(-1, false);
@@ -226,9 +190,7 @@ void TestSweep::open(SettingsFixture& f, DialogModel& model, const QJsonObject& 
 }
 
 void TestSweep::end(SettingsFixture& f, DialogModel& model) {
-    f.dialog.setSdkCtrl(nullptr);
-    f.selection.setSdkCtrl(nullptr);
-    f.controller.reset();
+    setController(f, nullptr);
     model.end();
 }
 
@@ -256,7 +218,8 @@ void TestSweep::checkStep(SettingsFixture& f, DialogModel& model, const Step& st
     QCOMPARE(f.child(step.button).isEnabled(), model.canPress(step.button));
     if (!model.canPress(step.button))
         return;
-    step.prepare(f, model);
+    if (step.prepare)
+        step.prepare(f, model);
     if (step.file >= 0)
         f.answers.willChoose(m_files[step.file].path);
     f.click(step.button);
@@ -280,7 +243,7 @@ void TestSweep::run(SettingsFixture& f, DialogModel& model) {
 void TestSweep::recover(SettingsFixture& f, LibraryModel& library, DialogModel& model) {
     KvaSim_ClearFaults();
     library.clearFault();
-    QVERIFY(KvaSim_Plug(SettingsFixture::serialNumber));
+    TestBench::plug();
     library.plug();
     const Step& connect = session().first();
     const Step& disconnect = session().last();
@@ -295,9 +258,9 @@ void TestSweep::recover(SettingsFixture& f, LibraryModel& library, DialogModel& 
 
 void TestSweep::checkInstrument(const LibraryModel& library) {
     KvaSim_ClearFaults();
-    QVERIFY(KvaSim_Plug(SettingsFixture::serialNumber));
+    TestBench::plug();
     KVA_Disconnect();
-    QVERIFY(KvaSim_PowerCycle(SettingsFixture::serialNumber));
+    TestBench::powerCycle();
     const std::optional<InstrumentModel> kept = readInstrument();
     QVERIFY(kept.has_value());
     QCOMPARE(keptBytes(*kept), keptBytes(library.afterPowerCycle()));
@@ -318,55 +281,43 @@ void TestSweep::placesAreThoseOfASession() {
     QCOMPARE(SettingsFixture::calls(), names(placesOfSession()));
     checkInstrument(library);
     // What the sweep tells apart: nothing written, and all of it.
-    QVERIFY(bytesOf(library.afterPowerCycle().committed) != bytesOf(instrument->committed));
-    QVERIFY(bytesOf(library.afterPowerCycle().network) != bytesOf(instrument->network));
+    QVERIFY(TestBench::bytesOf(library.afterPowerCycle().committed) !=
+            TestBench::bytesOf(instrument->committed));
+    QVERIFY(TestBench::bytesOf(library.afterPowerCycle().network) !=
+            TestBench::bytesOf(instrument->network));
 }
 
 void TestSweep::fault_data() {
-    QTest::addColumn<int>("kind");
-    QTest::addColumn<QString>("function");
-    QTest::addColumn<int>("call");
-    QTest::addColumn<bool>("onwards");
-    QTest::addColumn<int>("index");
-    const QVector<FaultKind>& kinds = faultKinds();
-    int index = 0;
-    for (int kind = 0; kind < kinds.size(); ++kind) {
-        for (const bool onwards : {false, true}) {
+    QVector<PlacedFault> rows;
+    for (const FaultKind& kind : faultKinds()) {
+        for (const bool isOnwards : {false, true}) {
             for (const Place& place : placesOfSession()) {
-                if (!kinds[kind].concerns(place.function) || (onwards && !kinds[kind].repeats))
+                if (!kind.concerns(place.function) || (isOnwards && !kind.repeats))
                     continue;
-                const QString name =
-                    QStringLiteral("%1, %2 call %3 %4")
-                        .arg(kinds[kind].name, place.function)
-                        .arg(place.call)
-                        .arg(onwards ? QStringLiteral("onwards") : QStringLiteral("once"));
-                QTest::newRow(qPrintable(name))
-                    << kind << place.function << place.call << onwards << index++;
+                const QString name = QString("%1, %2 call %3 %4")
+                                         .arg(kind.name, place.function)
+                                         .arg(place.call)
+                                         .arg(isOnwards ? "onwards" : "once");
+                rows.append({name.toLatin1(), &kind, place, isOnwards, rows.size()});
             }
         }
     }
+    addRows(rows);
 }
 
 void TestSweep::fault() {
-    QFETCH(const int, kind);
-    QFETCH(const QString, function);
-    QFETCH(const int, call);
-    QFETCH(const bool, onwards);
-    QFETCH(const int, index);
-    const FaultKind& faultKind = faultKinds()[kind];
-    const Place place = {function, call};
-
+    QFETCH(const PlacedFault, row);
     SettingsFixture f;
     const std::optional<InstrumentModel> instrument = readInstrument();
     QVERIFY(instrument.has_value());
-    LibraryModel library(*instrument, modelFault(faultKind, place, onwards));
+    LibraryModel library(*instrument, modelFault(*row.kind, row.place, row.isOnwards));
     DialogModel model(library, m_files);
-    open(f, model, faultRule(faultKind, place, onwards, index));
+    open(f, model, faultRule(*row.kind, row.place, row.isOnwards, row.index));
     if (!QTest::currentTestFailed())
         run(f, model);
     // A fault of the very last call is still to come.
     const bool isOver =
-        place.function != QLatin1String("KVA_RegisterDeviceEventHandler") || call == 1;
+        row.place.function != "KVA_RegisterDeviceEventHandler" || row.place.call == 1;
     if (!QTest::currentTestFailed() && isOver)
         recover(f, library, model);
     if (QTest::currentTestFailed())
@@ -379,5 +330,5 @@ void TestSweep::fault() {
     ++m_combinations;
 }
 
-QTEST_MAIN(TestSweep)
+TEST_CLASS(TestSweep)
 #include "tst_sweep.moc"
