@@ -204,11 +204,6 @@ QStringList SettingsFixture::texts() {
     return identity() + networkTexts() + calibrationTexts() + fileToolTips();
 }
 
-const QStringList& SettingsFixture::noTexts() {
-    static const QStringList texts = QString(",,,,,...,...,...,...,,,,,,,,").split(',');
-    return texts;
-}
-
 int SettingsFixture::enabledAddressEdits() {
     int count = 0;
     for (const QLineEdit* edit : addressEdits())
@@ -264,31 +259,9 @@ QString SettingsFixture::dismissBoxAbove(QWidget& below) {
     return dismissed ? shown : QString();
 }
 
-const QStringList& SettingsFixture::disabledWhenConnected() {
-    static const QStringList names =
-        words("ConnectPushBtn ClosePushBtn setWCPValPushBtn setAmbAdpBodyPushBtn");
-    return names;
-}
-
-const QStringList& SettingsFixture::disabledWhenNotConnected() {
-    static const QStringList names =
-        words("networkSetTab autoPowerOfftab wCalibPlateTab ambLightAdpTab disConnectPushBtn "
-              "setWCPValPushBtn setAmbAdpBodyPushBtn");
-    return names;
-}
-
 QStringList SettingsFixture::connectLines(int instrumentCount) {
     return {QString("port count[%1] \n").arg(instrumentCount), "  wifiModuleEnable :      1\n",
             "KVA_GetShutdownTime() success[mode:2].\n"};
-}
-
-QStringList SettingsFixture::connectCalls() {
-    return words("KVA_Connect KVA_GetDeviceInfo KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA "
-                 "KVA_GetNetworkInfo KVA_JIG_GetFactoryCalib_CALREFDATA KVA_GetShutdownTime");
-}
-
-QString SettingsFixture::lostBox() {
-    return "error: The connection with the measuring instrument was disconnected.";
 }
 
 QStringList SettingsFixture::digitLines(const QStringList& texts) {

@@ -103,7 +103,7 @@ public:
     /** The four lists before. */
     QStringList texts();
     /** `texts` of a dialog that shows no instrument. */
-    static const QStringList& noTexts();
+    static inline const QStringList noTexts = QString(",,,,,...,...,...,...,,,,,,,,").split(',');
     /** 16 or 0 unless something is wrong. */
     int enabledAddressEdits();
     /** Everything above, and whether the radio buttons are checkable. */
@@ -125,16 +125,22 @@ public:
         @return as `boxes`; empty when none came */
     static QString dismissBoxAbove(QWidget& below);
 
-    static const QStringList& disabledWhenConnected();
-    static const QStringList& disabledWhenNotConnected();
+    static inline const QStringList disabledWhenConnected =
+        words("ConnectPushBtn ClosePushBtn setWCPValPushBtn setAmbAdpBodyPushBtn");
+    static inline const QStringList disabledWhenNotConnected =
+        words("networkSetTab autoPowerOfftab wCalibPlateTab ambLightAdpTab disConnectPushBtn "
+              "setWCPValPushBtn setAmbAdpBodyPushBtn");
     /** The debug lines of a connection where all goes well, from the listing on. */
     static QStringList connectLines(int instrumentCount = 1);
     /** The calls of a connection where all goes well, without the listing. */
-    static QStringList connectCalls();
+    static inline const QStringList connectCalls =
+        words("KVA_Connect KVA_GetDeviceInfo KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA "
+              "KVA_GetNetworkInfo KVA_JIG_GetFactoryCalib_CALREFDATA KVA_GetShutdownTime");
     /** The debug lines of checking these texts for digits, all of which pass. */
     static QStringList digitLines(const QStringList& texts);
     /** The box of a lost connection, as in `boxes`. */
-    static QString lostBox();
+    static inline const QString lostBox =
+        "error: The connection with the measuring instrument was disconnected.";
 
     [[noreturn]] static void giveUp(const QString& reason) { ::giveUp(reason); }
 

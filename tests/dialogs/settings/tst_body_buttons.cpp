@@ -117,9 +117,9 @@ void TestBodyButtons::lossBehindTheBox() {
     f.answers.onBox = [&](QMessageBox& box) { report = f.loseBehind(box); };
     f.click(row.button);
 
-    QCOMPARE(report, SettingsFixture::lostBox());
+    QCOMPARE(report, SettingsFixture::lostBox);
     QCOMPARE(f.boxes(), QStringList(row.success));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
     QCOMPARE(f.checked(), QStringList());
     QVERIFY(!watchOf(f.dialog).isActive());
 }

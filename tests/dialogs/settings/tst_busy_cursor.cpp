@@ -110,7 +110,7 @@ QVector<Action> actions() {
               "KVA_JIG_GetFactoryCalib_CALREFDATA");
     using F = SettingsFixture;
     return {
-        {"connect", F::Network, "ConnectPushBtn", list + F::connectCalls()},
+        {"connect", F::Network, "ConnectPushBtn", list + F::connectCalls},
         {"disconnect", F::Network, "disConnectPushBtn", {"KVA_Disconnect"}},
         {"read network", F::Network, "readBodyPushBtn", {"KVA_GetNetworkInfo"}},
         {"write network", F::Network, "writeBodyPushBtn", {"KVA_SetNetworkInfo"}},

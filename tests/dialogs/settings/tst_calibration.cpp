@@ -136,7 +136,7 @@ void TestCalibration::acceptsAFile() {
 
     QCOMPARE(f->records(), QStringList(readSuccess) + checkLines(serialLine, tab->valueCount));
     QCOMPARE(texts(), (QStringList{held, row.shownName, serialLine}));
-    QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected(), tab->writeButton));
+    QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected, tab->writeButton));
     QCOMPARE(f->fileToolTips()[tab->firstText / 3], path);
     QCOMPARE(f->fileToolTips()[other->firstText / 3], QString());
     QCOMPARE(f->everything(), f->atBox.everything);
@@ -179,7 +179,7 @@ void TestCalibration::refusesAFile() {
     QCOMPARE(f->lines(), row.isRead ? checkLines(serialLine, tab->valueCount) : QStringList());
     QCOMPARE(f->calls(), QStringList());
     QCOMPARE(f->calibrationTexts(), shown);
-    QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected(), other->writeButton));
+    QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected, other->writeButton));
     QCOMPARE(f->fileToolTips()[tab->firstText / 3], path);
     QCOMPARE(f->everything(), f->atBox.everything);
 }

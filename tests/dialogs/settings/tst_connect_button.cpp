@@ -26,7 +26,7 @@ const QString connectButton = "ConnectPushBtn";
 const QString listCall = "KVA_GetDevicePortList";
 
 QStringList listedAndConnected() {
-    return QStringList{listCall, listCall} + SettingsFixture::connectCalls();
+    return QStringList{listCall, listCall} + SettingsFixture::connectCalls;
 }
 
 QString chosenLine(int row) {
@@ -144,8 +144,8 @@ void TestConnectButton::withoutChoice() {
 
     const bool isConnected = f.boxes().isEmpty();
     QCOMPARE(f.records(), row.records);
-    QCOMPARE(f.disabled(), isConnected ? SettingsFixture::disabledWhenConnected()
-                                       : SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), isConnected ? SettingsFixture::disabledWhenConnected
+                                       : SettingsFixture::disabledWhenNotConnected);
     QCOMPARE(f.dialog.focusWidget() == &f.child(connectButton), !isConnected);
     QCOMPARE(watchOf(f.dialog).isActive(), isConnected);
     QVERIFY(!isOffered);
@@ -180,7 +180,7 @@ void TestConnectButton::choice() {
                           "VARNE-1(USB,Serial#00000044)"})
                  .mid(0, row.attached));
     QCOMPARE(callsBefore, (QStringList{listCall, listCall}));
-    QCOMPARE(disabledBefore, SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(disabledBefore, SettingsFixture::disabledWhenNotConnected);
     QStringList lines = SettingsFixture::connectLines(row.attached);
     lines.insert(1, takenLine(row.row));
     lines.insert(1, chosenLine(0));
@@ -189,7 +189,7 @@ void TestConnectButton::choice() {
     QCOMPARE(f.lines(), lines);
     QCOMPARE(f.calls(), listedAndConnected());
     QCOMPARE(f.identity().constFirst(), row.serialNo);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     QVERIFY(!f.selection.isVisible());
 }
 
@@ -277,7 +277,7 @@ void TestConnectButton::dialogClosedDuringTheChoice() {
     QVERIFY(!f.dialog.isVisible());
     QVERIFY(!f.selection.isVisible());
     QCOMPARE(f.records(), (QStringList{listCall, listCall, "port count[2] \n", chosenLine(0)}));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
     QVERIFY(!watchOf(f.dialog).isActive());
 }
 

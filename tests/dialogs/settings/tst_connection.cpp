@@ -44,7 +44,7 @@ const QStringList identity = {"01234567", "1.02.0003", "02:0A:BC:0D:EF:09"};
 const QStringList network = {"press-hall",    "spectral-key", "192.168.0.10",
                              "255.255.255.0", "192.168.0.1",  "8.8.4.0"};
 const QStringList plates = {"12345678", "", "", "00012345", "", ""};
-const QStringList none = SettingsFixture::noTexts();
+const QStringList none = SettingsFixture::noTexts;
 const QStringList switches = switchButtons(1, 0);
 const QStringList thirty = {"thirtyRadioBtn"};
 
@@ -155,11 +155,15 @@ void TestConnection::noConnection() {
     if (isRefused && !row.isFromNotConnected) {
         QCOMPARE(f.disabled(), words("setWCPValPushBtn setAmbAdpBodyPushBtn"));
     } else {
-        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
         QCOMPARE(f.dialog.focusWidget(), &f.child("ConnectPushBtn"));
     }
+    for (const QStringList& disabled : f.disabledAtBoxes)
+        QCOMPARE(disabled, row.isFromNotConnected
+                               ? SettingsFixture::disabledWhenNotConnected.mid(0, 5)
+                               : QStringList());
     QCOMPARE(f.checked(), QStringList());
-    QCOMPARE(f.texts(), SettingsFixture::noTexts());
+    QCOMPARE(f.texts(), SettingsFixture::noTexts);
     QVERIFY(!watchOf(f.dialog).isActive());
     QVERIFY(!f.dialog.isFinished);
 }
@@ -209,8 +213,8 @@ void TestConnection::fillsTheDialog() {
     f.child("setBasetabWidget").setEnabled(false);
     f.dialog.connectDevice(row.portNum, row.isFirstTime);
 
-    QCOMPARE(f.records(), SettingsFixture::connectCalls() + SettingsFixture::connectLines().mid(1));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.records(), SettingsFixture::connectCalls + SettingsFixture::connectLines().mid(1));
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     QVERIFY(watchOf(f.dialog).isActive());
     QCOMPARE(f.texts().mid(0, 15), identity + network + plates);
     QCOMPARE(f.checked(), switches + thirty);
@@ -262,7 +266,7 @@ void TestConnection::showsTheSettings() {
     QCOMPARE(f.checked(), row.checked);
     QCOMPARE(f.enabledAddressEdits(), row.checked.contains("dhcpOnRadioBtn") ? 0 : 16);
     QCOMPARE(f.networkTexts(), network);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
 }
 
 void TestConnection::takesWarningsForSuccess() {
@@ -270,8 +274,8 @@ void TestConnection::takesWarningsForSuccess() {
     TestBench::answer("*", KVA_WARNING_BATTERY_EMPTY);
     f.dialog.connectDevice(0, false);
 
-    QCOMPARE(f.records(), SettingsFixture::connectCalls() + SettingsFixture::connectLines().mid(1));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.records(), SettingsFixture::connectCalls + SettingsFixture::connectLines().mid(1));
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     QCOMPARE(f.networkTexts(), network);
 }
 
@@ -287,64 +291,39 @@ void TestConnection::cannotConnectWhileConnected() {
 }
 
 void TestConnection::addFailingReads() {
-    const QStringList calls = SettingsFixture::connectCalls();
-    const QStringList callsWithoutNetwork = {connectCall, deviceInfo, options, calibration,
-                                             shutdownTime};
+    const QStringList noModule = {noWireless, connectCall, deviceInfo,
+                                  options,    calibration, shutdownTime};
     const QString moduleLine = "  wifiModuleEnable :      1\n";
     const QString timeLine = "KVA_GetShutdownTime() success[mode:2].\n";
-    const QStringList boxesOfPlates = {"error: Failed to device WhiteCalibPlateSerialNo.",
-                                       "error: Failed to device AmbientLightAdapterSerialNo."};
-    const QStringList noNetwork = identity + none.mid(3, 6) + plates;
+    const QStringList identityRecords = {"error: Failed to read device data.", connectCall,
+                                         deviceInfo, "Failed to read Firm data. \n"};
+    const QStringList networkLines = {moduleLine, "Failed to KVA_GetNetworkInfo(). \n", timeLine};
+    const QStringList plateBoxes = {"error: Failed to device WhiteCalibPlateSerialNo.",
+                                    "error: Failed to device AmbientLightAdapterSerialNo."};
+    const QStringList timeBoxes("error: Failed to read automatic shutdown time.");
+    const QStringList timeLines = {moduleLine, "KVA_GetShutdownTime() failed[mode:0].\n"};
+    const QStringList calls = SettingsFixture::connectCalls;
+    const QStringList plateRecords = plateBoxes + calls + QStringList{moduleLine, timeLine};
+    const QStringList flagRecords =
+        noModule + QStringList{"  wifiModuleEnable :      0\n", timeLine};
+    const QByteArray flagPatch = R"({"wirelessModule": false})";
+    const QStringList tab("networkSetTab");
+    const QStringList all = switches + thirty;
     const QStringList full = identity + network + plates;
+    const QStringList noNetwork = identity + none.mid(3, 6) + plates;
     const QStringList noPlates = identity + network + none.mid(9, 6);
+    const QStringList noIdentity = none.mid(0, 3) + network + plates;
     addRows(QVector<FailingRead>{
-        {"identity",
-         "{}",
-         deviceInfo,
-         {"error: Failed to read device data.", connectCall, deviceInfo,
-          "Failed to read Firm data. \n"},
-         {},
-         {},
-         none.mid(0, 15),
-         none.mid(0, 3) + network + plates},
-        {"wireless module",
-         "{}",
-         options,
-         QStringList(noWireless) + callsWithoutNetwork << timeLine,
-         {"networkSetTab"},
-         thirty,
-         noNetwork,
+        {"identity", "{}", deviceInfo, identityRecords, {}, {}, none.mid(0, 15), noIdentity},
+        {"wireless module", "{}", options, noModule + QStringList(timeLine), tab, thirty, noNetwork,
          full},
-        {"no wireless module",
-         R"({"wirelessModule": false})",
-         "",
-         QStringList(noWireless) + callsWithoutNetwork << "  wifiModuleEnable :      0\n"
-                                                       << timeLine,
-         {"networkSetTab"},
-         thirty,
-         noNetwork,
-         full},
-        {"network settings",
-         "{}",
-         networkInfo,
-         calls + QStringList{moduleLine, "Failed to KVA_GetNetworkInfo(). \n", timeLine},
-         {},
-         thirty,
-         noNetwork,
-         full},
-        {"calibration",
-         "{}",
-         calibration,
-         boxesOfPlates + calls + QStringList{moduleLine, timeLine},
-         {},
-         switches + thirty,
-         noPlates,
-         noPlates},
+        {"no wireless module", flagPatch, "", flagRecords, tab, thirty, noNetwork, full},
+        {"network settings", "{}", networkInfo, calls + networkLines, {}, thirty, noNetwork, full},
+        {"calibration", "{}", calibration, plateRecords, {}, all, noPlates, noPlates},
         {"power-off time",
          "{}",
          shutdownTime,
-         QStringList("error: Failed to read automatic shutdown time.") + calls +
-             QStringList{moduleLine, "KVA_GetShutdownTime() failed[mode:0].\n"},
+         timeBoxes + calls + timeLines,
          {},
          switches,
          full,
@@ -360,7 +339,7 @@ void TestConnection::failingRead() {
     f.dialog.connectDevice(0, false);
 
     QCOMPARE(f.records(), row.records);
-    QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected);
     // The connected state is entered last: until then the buttons are those of the state before.
     for (const QStringList& disabled : f.disabledAtBoxes)
         QCOMPARE(disabled, row.disabledTabs + QStringList("disConnectPushBtn"));
@@ -383,7 +362,7 @@ void TestConnection::emptiesStaleTexts() {
     QCOMPARE(f.enabledAddressEdits(), 16);
     QCOMPARE(f.checked().contains("enableRadioBtn"), row.disabledTabs.isEmpty());
     QCOMPARE(f.checked().mid(f.checked().size() - 1), thirty);
-    QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected);
 }
 
 TEST_CLASS(TestConnection)

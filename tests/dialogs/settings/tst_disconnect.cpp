@@ -75,8 +75,8 @@ void TestDisconnect::disconnects() {
     f.click(disconnectButton);
 
     QCOMPARE(f.records(), QStringList(disconnectCall));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
-    QCOMPARE(f.texts(), SettingsFixture::noTexts());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+    QCOMPARE(f.texts(), SettingsFixture::noTexts);
     QCOMPARE(f.checked(), QStringList());
     for (const QRadioButton* button : f.dialog.findChildren<QRadioButton*>())
         QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
@@ -98,7 +98,7 @@ void TestDisconnect::keepsASwitchThatIsTheOnlyOne() {
 
     QCOMPARE(f.checked(), QStringList("disableRadioBtn"));
     QVERIFY(f.child<QRadioButton>("disableRadioBtn").isCheckable());
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
 }
 
 // While a message is open, as macOS' Quit does: first the message, then the window.
@@ -151,7 +151,7 @@ void TestDisconnect::failingDisconnect() {
     f.clearRecords();
     f.click(disconnectButton);
     QCOMPARE(f.calls(), QStringList(disconnectCall));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
 }
 
 void TestDisconnect::disconnectWithoutConnection() {

@@ -119,7 +119,7 @@ void TestFileDialogs::vanishedFile() {
     QCOMPARE(f.records(), row.failure);
     QCOMPARE(f.calibrationTexts(), expected);
     QCOMPARE(f.checked() + f.networkTexts(), others);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
 }
 
 void TestFileDialogs::afterALoss_data() {
@@ -147,14 +147,14 @@ void TestFileDialogs::afterALoss() {
     const QStringList files = filesIn(f.folder);
     f.choose(row.button, row.isCancelled ? QString() : path);
 
-    QCOMPARE(report, SettingsFixture::lostBox());
+    QCOMPARE(report, SettingsFixture::lostBox);
     QCOMPARE(f.answers.fileDialogs.size(), 1);
     QCOMPARE(f.boxes(), QStringList());
     QCOMPARE(f.lines().filter("length:"), QStringList()); // nor are the edits checked
     QCOMPARE(filesIn(f.folder), files);
     QCOMPARE(f.everything(), reset);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
-    QCOMPARE(f.texts(), SettingsFixture::noTexts());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+    QCOMPARE(f.texts(), SettingsFixture::noTexts);
     QVERIFY(f.controller->m_fileWCPSerialNo.isEmpty());
     QVERIFY(f.controller->m_fileAmbAdpSerialNo.isEmpty());
 

@@ -77,7 +77,7 @@ void TestNetworkRead::reads() {
     QCOMPARE(f.enabledAddressEdits(), row.dhcp != 0 ? 0 : 16);
     // The page is filled before the box comes up, and no button is disabled meanwhile.
     QCOMPARE(f.atBox.everything, f.everything());
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     QCOMPARE(TestBench::state(), state);
 }
 

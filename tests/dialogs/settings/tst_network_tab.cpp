@@ -117,7 +117,7 @@ void TestNetworkTab::switchesTheEdits() {
     const QStringList checked = f.checked();
     f.dialog.SetTcpIpEditsEnabled(false);
     QCOMPARE(f.enabledAddressEdits(), 0);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     for (const char* name : {"dhcpOnRadioBtn", "dhcpOffRadioBtn", "tcpIPGroupBox", "WLanGroupBox",
                              "AccessPointgroupBox", "SSIDlineEdit", "passwdlineEdit"})
         QVERIFY2(f.child(name).isEnabled(), name);

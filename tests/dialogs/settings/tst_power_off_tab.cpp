@@ -64,7 +64,7 @@ void TestPowerOffTab::reads() {
                           QString("KVA_GetShutdownTime() success[mode:%1].\n").arg(row.mode)}));
     QCOMPARE(choiceIn(f), row.checked);
     QCOMPARE(f.busyAtBox(), bothButtons);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
 }
 
 void TestPowerOffTab::writes_data() {
@@ -91,7 +91,7 @@ void TestPowerOffTab::writes() {
     QCOMPARE(TestBench::state(), expected);
     QCOMPARE(choiceIn(f), row.checked);
     QCOMPARE(f.busyAtBox(), bothButtons);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
 }
 
 void TestPowerOffTab::writesNothingWithoutAChoice() {
@@ -102,7 +102,7 @@ void TestPowerOffTab::writesNothingWithoutAChoice() {
     QCOMPARE(f.records(), QStringList("error: Failed to write automatic shutdown time."));
     QCOMPARE(TestBench::state()["powerOffMode"].toInt(), 4);
     QCOMPARE(f.busyAtBox(), bothButtons);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
 }
 
 void TestPowerOffTab::buttonsAreExclusive() {

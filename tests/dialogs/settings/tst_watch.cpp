@@ -27,7 +27,7 @@ namespace {
 
 const QString checkLine = "eEventCode_DisConnect check \n";
 const QString trueLine = "eEventCode_DisConnect true \n";
-const QString lostBox = SettingsFixture::lostBox();
+const QString lostBox = SettingsFixture::lostBox;
 
 QStringList eventLines(quint32 code) {
     QStringList lines(QString("outEventCode[%1],outRAWDataCount[0],outError[0] \n").arg(code));
@@ -76,9 +76,9 @@ void TestWatch::tickAfterALoss() {
 
     // Everything is reset before the box comes up; afterwards nothing is done any more.
     QCOMPARE(f.everything(), f.atBox.everything);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
     QCOMPARE(f.checked(), QStringList());
-    QCOMPARE(f.texts(), SettingsFixture::noTexts());
+    QCOMPARE(f.texts(), SettingsFixture::noTexts);
     QVERIFY(f.controller->m_connected);
     QVERIFY(f.dialog.isVisible());
     QVERIFY(!f.dialog.isFinished);
@@ -104,7 +104,7 @@ void TestWatch::reportsOnceByItself() {
     QVERIFY(f.connectFirst());
     TestBench::unplug();
     QTRY_COMPARE_WITH_TIMEOUT(f.boxes(), QStringList(lostBox), 20000);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
     QVERIFY(!watchOf(f.dialog).isActive());
 
     // A tick that was under way, or a watch started again, finds nothing left to report.
@@ -155,7 +155,7 @@ void TestWatch::connectsAgainAfterALoss() {
     f.clearRecords();
     f.click("ConnectPushBtn");
     QCOMPARE(f.boxes(), QStringList("information: The measuring instruments is not connected."));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
 
     TestBench::plug();
     f.clearRecords();
@@ -182,7 +182,7 @@ void TestWatch::eventOfTheNewConnectionIsReported() {
     f.invoke("timerHit");
 
     QCOMPARE(f.boxes(), QStringList(lostBox));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
 }
 
 // Connecting does not clear the flag: only the watch and a standby event do.
@@ -226,8 +226,8 @@ void TestWatch::lossDuringTheBoxOfARegistration() {
 
     QCOMPARE(report, lostBox);
     QCOMPARE(f.boxes(), QStringList("information: Successful device writing."));
-    QCOMPARE(f.texts(), SettingsFixture::noTexts());
-    QStringList disabled = SettingsFixture::disabledWhenNotConnected();
+    QCOMPARE(f.texts(), SettingsFixture::noTexts);
+    QStringList disabled = SettingsFixture::disabledWhenNotConnected;
     disabled.removeOne(tab.writeButton); // a registration ends with it enabled
     QCOMPARE(f.disabled(), disabled);
 }
@@ -250,7 +250,7 @@ void TestWatch::lossDuringTheBoxesOfAConnection() {
     QVERIFY(watchOf(f.dialog).isActive());
     f.clearRecords();
     QTRY_COMPARE_WITH_TIMEOUT(f.boxes(), QStringList(lostBox), 20000);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected());
+    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
 }
 
 // The watch runs until the box of the failed disconnect is gone.

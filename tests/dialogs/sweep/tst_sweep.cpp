@@ -68,7 +68,7 @@ QVector<Place> placesOfSession() {
               "KVA_JIG_GetFactoryCalib_CALREFDATA");
     const QStringList functions =
         words("KVA_RegisterDeviceEventHandler KVA_GetDevicePortList KVA_GetDevicePortList") +
-        SettingsFixture::connectCalls() +
+        SettingsFixture::connectCalls +
         words("KVA_GetNetworkInfo KVA_GetShutdownTime KVA_SetNetworkInfo KVA_SetShutdownTime") +
         registration + registration + words("KVA_Disconnect KVA_RegisterDeviceEventHandler");
     QVector<Place> places;
