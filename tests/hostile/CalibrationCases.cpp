@@ -1,4 +1,4 @@
-#include "tests/hostile/CalibrationCases.h"
+#include "tests/hostile/HostileCases.h"
 
 #include "tests/dialogs/settings/CalibrationTabs.h"
 
@@ -16,28 +16,159 @@ public:
         : m_adapter(adapter), m_valueCount(calRefReader(adapter).valueCount),
           m_serialLine(calibrationTab(adapter).serialLine) {}
 
-    Cases all();
+    Cases all() {
+        addTricks();
+        addContents();
+        addNulBytes();
+        addLongTexts();
+        addNumbers();
+        return m_cases;
+    }
 
 private:
     QByteArray values() const { return sampleLine(m_valueCount); }
     QByteArray file(const QByteArray& serialLine, const QByteArray& values) const {
         return "heading\nheading\n" + serialLine + '\n' + values + '\n';
     }
-    QByteArray file() const { return file(m_serialLine, values()); }
+    QByteArray file() const { return calRefFile(m_adapter, m_serialLine); }
 
-    CalibrationCase make(const QByteArray& row, const QByteArray& content) const;
-    void addGood(const QByteArray& row, const QByteArray& content);
-    void addValue(const QByteArray& row, const QByteArray& text, float value);
-    void addWithoutLines(const QByteArray& row, const QByteArray& content);
-    void addWrongSerialLine(const QByteArray& row, const QByteArray& line,
-                            const QByteArray& printed);
-    void addUtf16(const QByteArray& row, const QByteArray& content);
-    void addTrick(const QByteArray& row, HostileFile::Trick trick);
-    void addTricks();
-    void addContents();
-    void addNulBytes();
-    void addLongTexts();
-    void addNumbers();
+    /** With nothing stored. */
+    CalibrationCase make(const QByteArray& name, const QByteArray& content) const {
+        CalibrationCase c;
+        c.name = name + (m_adapter ? ", adapter" : ", white plate");
+        c.adapter = m_adapter;
+        c.content = content;
+        return c;
+    }
+
+    /** Serial number and values of a good file come out of it. */
+    void addGood(const QByteArray& name, const QByteArray& content) {
+        CalibrationCase c = make(name, content);
+        c.serialNo = QByteArray::fromHex(m_serialLine);
+        c.serialNumber = m_serialLine.toInt();
+        c.values = sampleValues(m_valueCount);
+        m_cases += c;
+    }
+
+    /** A good file but for its first value. */
+    void addValue(const QByteArray& name, const QByteArray& text, float value) {
+        addGood(name, file(m_serialLine, text + values().mid(4))); // behind "0.25"
+        m_cases.last().values[0] = value;
+    }
+
+    /** Without a third and a fourth line: no error of the reader's, but no serial number either. */
+    void addWithoutLines(const QByteArray& name, const QByteArray& content) {
+        CalibrationCase c = make(name, content);
+        c.isAccepted = false;
+        m_cases += c;
+    }
+
+    /** The adapter's reader goes on without a number, that of the white plate fails. */
+    void addWrongSerialLine(const QByteArray& name, const QByteArray& line,
+                            const QByteArray& printed) {
+        CalibrationCase c = make(name, file(line, values()));
+        c.isRead = m_adapter;
+        c.isAccepted = false;
+        c.printed = "incorrect data. " + printed + '\n';
+        c.values = sampleValues(m_valueCount);
+        m_cases += c;
+    }
+
+    /** A serial line that is too long and begins with NUL; as many values, each of which begins
+       with NUL and so is 0. */
+    void addUtf16(const QByteArray& name, const QByteArray& content) {
+        addWrongSerialLine(name, "", "");
+        m_cases.last().content = content;
+        m_cases.last().values.fill(0.0F);
+    }
+
+    void addTrick(const QByteArray& name, HostileCase::Trick trick) {
+        CalibrationCase c = make(name, file());
+        c.trick = trick;
+        c.isRead = false;
+        c.isAccepted = false;
+        m_cases += c;
+    }
+
+    void addTricks() {
+        addTrick("directory", HostileCase::Folder);
+        addTrick("unreadable", HostileCase::Unreadable);
+        addTrick("disappears", HostileCase::Gone);
+        addWithoutLines("2 GiB of zeros", "");
+        m_cases.last().trick = HostileCase::Zeros;
+        for (const HostileCase& odd : oddPlaces(".csv")) {
+            addGood(odd.name, file());
+            m_cases.last().folder = odd.folder;
+            m_cases.last().file = odd.file;
+        }
+    }
+
+    void addContents() {
+        const QByteArray name("\x8D\x5A\x90\xB3\x94\x5C,\x83\x5C"); // 校正能,ソ
+        addWithoutLines("empty", "");
+        addWithoutLines("one byte: digit", "1");
+        addWithoutLines("one byte: line end", "\n");
+        addUtf16("UTF-16: low byte first", "\xFF\xFE" + utf16(file(), true));
+        addUtf16("UTF-16: high byte first", "\xFE\xFF" + utf16(file(), false));
+        addGood("byte-order mark", "\xEF\xBB\xBF" + file());
+        addWithoutLines("carriage returns alone", file().replace('\n', '\r'));
+        addGood("Shift-JIS: headings", file().replace("heading", name));
+        addWrongSerialLine("Shift-JIS: serial line", m_serialLine + "\x94\xD4", // 番
+                           m_serialLine + "\x94\xD4");
+        addValue("Shift-JIS: value", "\x82\x50", 0.0F);             // １, which is no digit
+        addValue("Shift-JIS: behind a value", "0.5\x96\x87", 0.5F); // 枚
+    }
+
+    void addNulBytes() {
+        const QByteArray nul(1, '\0');
+        const QByteArray inside = m_serialLine.left(4) + nul + m_serialLine.mid(5);
+        addGood("NUL bytes: headings", file().replace("heading", nul + nul));
+        addGood("NUL bytes: line behind", file() + nul + '\n' + nul);
+        addValue("NUL bytes: value", nul, 0.0F);
+        addValue("NUL bytes: behind a value", "0.5" + nul + "9", 0.5F);
+        addWrongSerialLine("NUL bytes: too long a serial line", m_serialLine + nul, m_serialLine);
+        // A pair that is not hexadecimal is 0xFF, which counts as 165.
+        addGood("NUL bytes: serial number", file(inside, values()));
+        m_cases.last().serialNo[2] = '\xFF';
+        const int lastTwo = m_serialLine.right(2).toInt();
+        m_cases.last().serialNumber = m_serialLine.left(4).toInt() * 10000 + 16500 + lastTwo;
+    }
+
+    void addLongTexts() {
+        for (const int length : {511, 512, 513}) {
+            const auto row = [length](const char* what) {
+                return "511 to 513 bytes: " + QByteArray(what) + ' ' + QByteArray::number(length);
+            };
+            const QByteArray serialLine(length, '1');
+            addGood(row("headings of"), file().replace("heading", QByteArray(length, 'h')));
+            addWrongSerialLine(row("serial line of"), serialLine, serialLine);
+            addValue(row("value of"), QByteArray(length - 3, '0') + "0.5", 0.5F);
+        }
+        addWrongSerialLine("field limits: serial line of 9", '0' + m_serialLine,
+                           '0' + m_serialLine);
+        for (const int count : {m_valueCount - 1, m_valueCount + 1}) {
+            addGood("field limits: values, " + QByteArray::number(count),
+                    file(m_serialLine, sampleLine(count)));
+            m_cases.last().isRead = false;
+            m_cases.last().isAccepted = false;
+            m_cases.last().values.clear();
+        }
+    }
+
+    void addNumbers() {
+        constexpr float infinity = std::numeric_limits<float>::infinity();
+        addValue("numbers: 1e400", "1e400", infinity);
+        addValue("numbers: -1e400", "-1e400", -infinity);
+        addValue("numbers: 1e39", "1e39", infinity);
+        addValue("numbers: 1e-400", "1e-400", 0.0F);
+        addValue("numbers: nan", "nan", std::nanf(""));
+        addValue("numbers: inf", "inf", infinity);
+        addValue("numbers: 0x10", "0x10", 16.0F);
+        addValue("numbers: -0", "-0", -0.0F);
+        addValue("100000 digits: whole", QByteArray(100000, '1'), infinity);
+        addValue("100000 digits: leading zeros", QByteArray(99999, '0') + '7', 7.0F);
+        addValue("100000 digits: fraction", "0." + QByteArray(100000, '3'), 1.0F / 3.0F);
+    }
 
     bool m_adapter;
     int m_valueCount;
@@ -45,160 +176,8 @@ private:
     Cases m_cases;
 };
 
-/** With nothing stored. */
-CalibrationCase CaseMaker::make(const QByteArray& row, const QByteArray& content) const {
-    CalibrationCase c;
-    c.row = row + (m_adapter ? ", adapter" : ", white plate");
-    c.adapter = m_adapter;
-    c.content = content;
-    return c;
-}
-
-/** Serial number and values of a good file come out of it. */
-void CaseMaker::addGood(const QByteArray& row, const QByteArray& content) {
-    CalibrationCase c = make(row, content);
-    c.serialNo = QByteArray::fromHex(m_serialLine);
-    c.serialNumber = m_serialLine.toInt();
-    c.values = sampleValues(m_valueCount);
-    m_cases += c;
-}
-
-/** A good file but for its first value. */
-void CaseMaker::addValue(const QByteArray& row, const QByteArray& text, float value) {
-    addGood(row, file(m_serialLine, text + values().mid(4))); // behind "0.25"
-    m_cases.last().values[0] = value;
-}
-
-/** Without a third and a fourth line: no error of the reader's, but no serial number either. */
-void CaseMaker::addWithoutLines(const QByteArray& row, const QByteArray& content) {
-    CalibrationCase c = make(row, content);
-    c.isAccepted = false;
-    m_cases += c;
-}
-
-/** The adapter's reader goes on without a number, that of the white plate fails. */
-void CaseMaker::addWrongSerialLine(const QByteArray& row, const QByteArray& line,
-                                   const QByteArray& printed) {
-    CalibrationCase c = make(row, file(line, values()));
-    c.isRead = m_adapter;
-    c.isAccepted = false;
-    c.printed = "incorrect data. " + printed + '\n';
-    c.values = sampleValues(m_valueCount);
-    m_cases += c;
-}
-
-/** A serial line that is too long and begins with NUL; as many values, each of which begins with
-    NUL and so is 0. */
-void CaseMaker::addUtf16(const QByteArray& row, const QByteArray& content) {
-    addWrongSerialLine(row, "", "");
-    m_cases.last().content = content;
-    m_cases.last().values.fill(0.0F);
-}
-
-void CaseMaker::addTrick(const QByteArray& row, HostileFile::Trick trick) {
-    CalibrationCase c = make(row, file());
-    c.trick = trick;
-    c.isRead = false;
-    c.isAccepted = false;
-    m_cases += c;
-}
-
-void CaseMaker::addTricks() {
-    addTrick("directory", HostileFile::Folder);
-    addTrick("unreadable", HostileFile::Unreadable);
-    addTrick("disappears", HostileFile::Gone);
-    addWithoutLines("2 GiB of zeros", "");
-    m_cases.last().trick = HostileFile::Zeros;
-    for (const auto& odd : oddPlaces(QStringLiteral(".csv"))) {
-        addGood(odd.first, file());
-        m_cases.last().place = odd.second;
-    }
-}
-
-void CaseMaker::addContents() {
-    QByteArray low;
-    QByteArray high;
-    for (const char c : file()) {
-        low.append(c).append('\0');
-        high.append('\0').append(c);
-    }
-    const QByteArray name("\x8D\x5A\x90\xB3\x94\x5C,\x83\x5C"); // 校正能,ソ
-    addWithoutLines("empty", "");
-    addWithoutLines("one byte: digit", "1");
-    addWithoutLines("one byte: line end", "\n");
-    addUtf16("UTF-16: low byte first", "\xFF\xFE" + low);
-    addUtf16("UTF-16: high byte first", "\xFE\xFF" + high);
-    addGood("byte-order mark", "\xEF\xBB\xBF" + file());
-    addWithoutLines("carriage returns alone", file().replace('\n', '\r'));
-    addGood("Shift-JIS: headings", file().replace("heading", name));
-    addWrongSerialLine("Shift-JIS: serial line", m_serialLine + "\x94\xD4", // 番
-                       m_serialLine + "\x94\xD4");
-    addValue("Shift-JIS: value", "\x82\x50", 0.0F);             // １, which is no digit
-    addValue("Shift-JIS: behind a value", "0.5\x96\x87", 0.5F); // 枚
-}
-
-void CaseMaker::addNulBytes() {
-    const QByteArray nul(1, '\0');
-    const QByteArray inside = m_serialLine.left(4) + nul + m_serialLine.mid(5);
-    addGood("NUL bytes: headings", file().replace("heading", nul + nul));
-    addGood("NUL bytes: line behind", file() + nul + '\n' + nul);
-    addValue("NUL bytes: value", nul, 0.0F);
-    addValue("NUL bytes: behind a value", "0.5" + nul + "9", 0.5F);
-    addWrongSerialLine("NUL bytes: too long a serial line", m_serialLine + nul, m_serialLine);
-    // A pair that is not hexadecimal is 0xFF, which counts as 165.
-    addGood("NUL bytes: serial number", file(inside, values()));
-    m_cases.last().serialNo[2] = '\xFF';
-    const int lastTwo = m_serialLine.right(2).toInt();
-    m_cases.last().serialNumber = m_serialLine.left(4).toInt() * 10000 + 16500 + lastTwo;
-}
-
-void CaseMaker::addLongTexts() {
-    for (const int length : {511, 512, 513}) {
-        const auto row = [length](const char* what) {
-            return "511 to 513 bytes: " + QByteArray(what) + ' ' + QByteArray::number(length);
-        };
-        const QByteArray serialLine(length, '1');
-        addGood(row("headings of"), file().replace("heading", QByteArray(length, 'h')));
-        addWrongSerialLine(row("serial line of"), serialLine, serialLine);
-        addValue(row("value of"), QByteArray(length - 3, '0') + "0.5", 0.5F);
-    }
-    addWrongSerialLine("field limits: serial line of 9", '0' + m_serialLine, '0' + m_serialLine);
-    for (const int count : {m_valueCount - 1, m_valueCount + 1}) {
-        addGood("field limits: values, " + QByteArray::number(count),
-                file(m_serialLine, sampleLine(count)));
-        m_cases.last().isRead = false;
-        m_cases.last().isAccepted = false;
-        m_cases.last().values.clear();
-    }
-}
-
-void CaseMaker::addNumbers() {
-    constexpr float infinity = std::numeric_limits<float>::infinity();
-    addValue("numbers: 1e400", "1e400", infinity);
-    addValue("numbers: -1e400", "-1e400", -infinity);
-    addValue("numbers: 1e39", "1e39", infinity);
-    addValue("numbers: 1e-400", "1e-400", 0.0F);
-    addValue("numbers: nan", "nan", std::nanf(""));
-    addValue("numbers: inf", "inf", infinity);
-    addValue("numbers: 0x10", "0x10", 16.0F);
-    addValue("numbers: -0", "-0", -0.0F);
-    addValue("100000 digits: whole", QByteArray(100000, '1'), infinity);
-    addValue("100000 digits: leading zeros", QByteArray(99999, '0') + '7', 7.0F);
-    addValue("100000 digits: fraction", "0." + QByteArray(100000, '3'), 1.0F / 3.0F);
-}
-
-Cases CaseMaker::all() {
-    addTricks();
-    addContents();
-    addNulBytes();
-    addLongTexts();
-    addNumbers();
-    return m_cases;
-}
-
 } // namespace
 
-const QVector<CalibrationCase>& calibrationCases() {
-    static const Cases cases = CaseMaker(false).all() + CaseMaker(true).all();
-    return cases;
+Cases calibrationCases() {
+    return CaseMaker(false).all() + CaseMaker(true).all();
 }

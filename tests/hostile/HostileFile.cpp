@@ -1,14 +1,10 @@
 #include "tests/hostile/HostileFile.h"
 
-#include "tests/support/StandardOutput.h"
-
-#include <QDir>
-
 #include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <fcntl.h>
-#include <utility>
+#include <sys/stat.h>
 
 namespace {
 
@@ -18,145 +14,97 @@ constexpr qint64 bearableMemory = 64 * 1024 * 1024; // bytes
 
 /** Bytes in memory now; 0 where the system does not tell. */
 qint64 residentBytes() {
-    long long pages = 0;
-    if (std::FILE* file = std::fopen("/proc/self/statm", "r")) {
-        if (std::fscanf(file, "%*d %lld", &pages) != 1)
-            pages = 0;
-        std::fclose(file);
-    }
-    return pages * ::sysconf(_SC_PAGESIZE);
+    QFile file("/proc/self/statm"); // pages: all, resident, and more
+    if (!file.open(QIODevice::ReadOnly))
+        return 0;
+    return file.readAll().split(' ').value(1).toLongLong() * ::sysconf(_SC_PAGESIZE);
 }
 
-/** Forgets the peak of what was done before, where the system can. */
-void resetPeak() {
-    if (std::FILE* file = std::fopen("/proc/self/clear_refs", "w")) {
-        std::fputs("5", file);
-        std::fclose(file);
-    }
-}
-
-/** The most bytes that have been in memory at once. */
-qint64 peakBytes() {
-    rusage use = {};
-    ::getrusage(RUSAGE_SELF, &use);
-#ifdef __APPLE__
-    return use.ru_maxrss;
-#else
-    return use.ru_maxrss * 1024;
-#endif
+void require(bool done, const char* what) {
+    if (!done)
+        giveUp(QString("the machine does not let a test ") + what);
 }
 
 } // namespace
 
-const QStringList& hostileKinds() {
-    static const QStringList kinds = {
-        QStringLiteral("directory"),
-        QStringLiteral("unreadable"),
-        QStringLiteral("empty"),
-        QStringLiteral("one byte"),
-        QStringLiteral("2 GiB of zeros"),
-        QStringLiteral("UTF-16"),
-        QStringLiteral("byte-order mark"),
-        QStringLiteral("carriage returns alone"),
-        QStringLiteral("NUL bytes"),
-        QStringLiteral("Shift-JIS"),
-        QStringLiteral("511 to 513 bytes"),
-        QStringLiteral("field limits"),
-        QStringLiteral("numbers"),
-        QStringLiteral("100000 digits"),
-        QStringLiteral("disappears"),
-        QStringLiteral("odd path"),
-    };
-    return kinds;
-}
-
 QStringList strayKinds(const QStringList& rows) {
-    QStringList missing = hostileKinds();
+    static const QStringList kinds = {"directory",
+                                      "unreadable",
+                                      "empty",
+                                      "one byte",
+                                      "2 GiB of zeros",
+                                      "UTF-16",
+                                      "byte-order mark",
+                                      "carriage returns alone",
+                                      "NUL bytes",
+                                      "Shift-JIS",
+                                      "511 to 513 bytes",
+                                      "field limits",
+                                      "numbers",
+                                      "100000 digits",
+                                      "disappears",
+                                      "odd path"};
+    QStringList missing = kinds;
     QStringList stray;
     for (const QString& row : rows) {
-        const QString kind = row.section(QStringLiteral(": "), 0, 0);
-        if (hostileKinds().contains(kind))
-            missing.removeAll(kind);
-        else
+        const QString kind = row.section(": ", 0, 0);
+        missing.removeAll(kind);
+        if (!kinds.contains(kind))
             stray.append(kind);
     }
     return stray + missing;
 }
 
-QByteArray printedDuring(const std::function<void()>& action) {
-    StandardOutput output;
-    action();
-    return output.take();
-}
-
-QVector<QPair<QByteArray, Place>> oddPlaces(const QString& extension) {
-    const auto place = [&extension](const char* folder, const char* name) {
-        return Place{QString::fromUtf8(folder), QString::fromUtf8(name) + extension};
+QVector<HostileCase> oddPlaces(const QString& extension) {
+    const auto place = [&extension](const char* name, const char* folder, const char* file) {
+        return HostileCase{name, {}, HostileCase::None, folder, file + extension};
     };
     return {
-        {"odd path: blanks", place(" two  blanks ", "lab 5")},
-        {"odd path: quotes", place(R"(the "new" lab's)", "it's 'this'")},
-        {"odd path: Japanese", place("設定ファイル", "測定室 表示")},
-        {"odd path: emoji", place("📁🌈", "👩‍🔬 🇯🇵")},
-        {"odd path: all of it", place(R"( "表示" d'été 📁)", "測定室's 🌈 (1)")},
+        place("odd path: blanks", " two  blanks ", "lab 5"),
+        place("odd path: quotes", R"(the "new" lab's)", "it's 'this'"),
+        place("odd path: Japanese", "設定ファイル", "測定室 表示"),
+        place("odd path: emoji", "📁🌈", "👩‍🔬 🇯🇵"),
+        place("odd path: all of it", R"( "表示" d'été 📁)", "測定室's 🌈 (1)"),
     };
 }
 
-WorkingFolder::WorkingFolder(const QString& name)
-    : m_start(QDir::currentPath()),
-      m_isReady(QDir(m_folder.path()).mkdir(name) && QDir::setCurrent(m_folder.filePath(name))) {
-    // So that the file's own permissions decide.
-    m_isReady = m_isReady && ::chmod(QFile::encodeName(m_folder.path()).constData(), 0755) == 0 &&
-                ::chmod(".", 0755) == 0;
+HostileFolder::HostileFolder(const QString& name) {
+    require(::chmod(".", 0755) == 0 && QDir().mkdir(name) && QDir::setCurrent(name) &&
+                ::chmod(".", 0755) == 0,
+            "have its folder");
 }
 
-WorkingFolder::~WorkingFolder() {
-    QDir::setCurrent(m_start);
+void HostileFile::place(const QByteArray& content) const {
+    QDir().rmdir(m_case.file);
+    QFile file(m_case.file);
+    require(file.open(QIODevice::WriteOnly) && file.write(content) == content.size(),
+            "write its file");
 }
 
-HostileFile::HostileFile(QString name, Trick trick, QByteArray content)
-    : m_name(std::move(name)), m_trick(trick), m_content(std::move(content)) {}
-
-bool HostileFile::place() {
-    QDir().rmdir(m_name);
-    QFile::remove(m_name);
-    if (m_trick == Zeros)
-        return makeZeros();
-    QFile file(m_name);
-    return file.open(QIODevice::WriteOnly) && file.write(m_content) == m_content.size() &&
-           file.flush();
+void HostileFile::place() {
+    place(m_case.trick == HostileCase::Zeros ? QByteArray() : m_case.content);
+    require(m_case.trick != HostileCase::Zeros || QFile::resize(m_case.file, zeroCount),
+            "stretch its file");
+    m_resident = residentBytes();
+    QFile peak("/proc/self/clear_refs"); // forgets the peak of what was before, where there is one
+    if (peak.open(QIODevice::WriteOnly | QIODevice::Unbuffered))
+        peak.write("5");
+    m_peak = peakMemory();
+    m_time.start();
 }
 
-bool HostileFile::makeZeros() const {
-    const int file = ::open(path().constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600);
-    const bool made = file >= 0 && ::ftruncate(file, zeroCount) == 0;
-    ::close(file);
-    return made;
-}
-
-bool HostileFile::forbid() {
-    const bool changed = ::chmod(path().constData(), 0) == 0;
-    m_guard.emplace();
-    const int file = ::open(path().constData(), O_RDONLY | O_CLOEXEC);
-    const bool isForbidden = file < 0 && errno == EACCES;
-    if (file >= 0)
-        ::close(file);
-    return changed && isForbidden;
-}
-
-bool HostileFile::strike() {
+void HostileFile::strike() {
     m_hasStruck = true;
-    if (m_trick == Folder)
-        m_hasStruck = QFile::remove(m_name) && QDir().mkdir(m_name);
-    else if (m_trick == Unreadable)
-        m_hasStruck = forbid();
-    else if (m_trick == Gone)
-        m_hasStruck = QFile::remove(m_name);
-    return m_hasStruck;
-}
-
-void HostileFile::release() {
-    m_guard.reset();
+    if (m_case.trick == HostileCase::Folder || m_case.trick == HostileCase::Gone)
+        require(QFile::remove(m_case.file), "remove its file");
+    if (m_case.trick == HostileCase::Folder)
+        require(QDir().mkdir(m_case.file), "make a folder");
+    if (m_case.trick == HostileCase::Unreadable) {
+        require(::chmod(path(), 0) == 0, "forbid its file");
+        m_guard.emplace();
+        require(::open(path(), O_RDONLY | O_CLOEXEC) < 0 && errno == EACCES,
+                "do without its rights");
+    }
 }
 
 void HostileFile::strikeBetween(ModalAnswerer& answers) {
@@ -166,18 +114,11 @@ void HostileFile::strikeBetween(ModalAnswerer& answers) {
     answers.onBox = [this](QMessageBox&) { release(); };
 }
 
-Expense::Expense() : m_resident(residentBytes()) {
-    resetPeak();
-    m_peak = peakBytes();
-    m_time.start();
-}
-
-bool Expense::isBearable() const {
+bool HostileFile::wasBearable() const {
     const qint64 time = m_time.elapsed();
-    const qint64 memory = std::max(residentBytes() - m_resident, peakBytes() - m_peak);
+    const qint64 memory = std::max(residentBytes() - m_resident, peakMemory() - m_peak);
     const bool isBearable = time <= bearableTime && memory <= bearableMemory;
     if (!isBearable)
-        std::fprintf(stderr, "%lld ms, %lld KiB\n", static_cast<long long>(time),
-                     static_cast<long long>(memory / 1024));
-    return isBearable;
+        std::fprintf(stderr, "%lld ms, %lld KiB\n", time, memory / 1024);
+    return isBearable && m_hasStruck;
 }

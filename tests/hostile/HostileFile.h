@@ -2,107 +2,80 @@
 #define TESTS_HOSTILE_HOSTILEFILE_H
 
 #include "tests/support/ModalAnswerer.h"
-#include "tests/unit/files/UnopenableFile.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <QElapsedTimer>
-#include <QStringList>
-#include <QTemporaryDir>
 
-#include <functional>
 #include <optional>
 
-/** Every way in which a file that is read can be hostile. A table of them names its rows
-    "kind: variant", or by the kind alone. */
-const QStringList& hostileKinds();
-
-/** The kinds of these rows that are none of `hostileKinds`, and those that have no row. */
-QStringList strayKinds(const QStringList& rows);
-
-/** What the process writes to its standard output during @p action. To be compared afterwards: a
-    failure reported meanwhile would go astray. */
-QByteArray printedDuring(const std::function<void()>& action);
-
-/** A folder and a file name in it. */
-struct Place {
-    QString folder = QStringLiteral("files");
-    QString name = QStringLiteral("hostile.csv");
-};
-
-/** Names with blanks, quotes, Japanese and emoji, with this extension. Double quotes stand in the
-    folder: Qt's file dialog takes them for its own where they are typed. */
-QVector<QPair<QByteArray, Place>> oddPlaces(const QString& extension);
-
-/** Makes a folder in a temporary one and works in it while it exists. */
-class WorkingFolder {
-public:
-    explicit WorkingFolder(const QString& name);
-    ~WorkingFolder();
-    WorkingFolder(const WorkingFolder&) = delete;
-    WorkingFolder& operator=(const WorkingFolder&) = delete;
-
-    /** Whether it could be made. */
-    bool isReady() const { return m_isReady; }
-
-private:
-    QString m_start;
-    QTemporaryDir m_folder;
-    bool m_isReady;
-};
-
-/** A file in the working folder that a file dialog lets a user choose, and what it is when it is
-    read. */
-class HostileFile {
-public:
+/** A file that is hostile when it is read, and where it lies. */
+struct HostileCase {
     enum Trick {
         None,       ///< its content is hostile enough
-        Zeros,      ///< 2 GiB of zeros without a line end
+        Zeros,      ///< 2 GiB of zeros without a line end, in place of the content
         Folder,     ///< becomes a folder
         Unreadable, ///< may not be read
         Gone        ///< disappears
     };
 
-    /** @param content  of a `Zeros`, ignored */
-    HostileFile(QString name, Trick trick, QByteArray content);
+    QByteArray name; ///< of the row: "kind: variant", or the kind alone
+    QByteArray content;
+    Trick trick = None;
+    QString folder = "files";
+    QString file = "hostile.csv";
+};
 
-    /** Puts it in place, so that it can be chosen. False when the machine did not let it. */
-    bool place();
-    /** Plays the trick. False when the machine did not let it. */
-    bool strike();
+/** The kinds of these rows that none of the tables should have, and those that have no row. */
+QStringList strayKinds(const QStringList& rows);
+
+/** Cases whose folders and files have names with blanks, quotes, Japanese and emoji, with this
+    extension. Double quotes stand in the folder: Qt's file dialog takes them for its own where they
+    are typed. */
+QVector<HostileCase> oddPlaces(const QString& extension);
+
+/** A folder of that name in a temporary one, and the working directory while it exists. Others may
+    search it, so that the permissions of the files in it decide. */
+class HostileFolder {
+public:
+    explicit HostileFolder(const QString& name = "files");
+
+private:
+    TestFolder m_folder;
+};
+
+/** The file of a case, in a folder of its own. A file dialog lets a user choose it; the trick is
+    played before it is read. Gives up when the machine does not let it. */
+class HostileFile {
+public:
+    explicit HostileFile(const HostileCase& hostile) : m_case(hostile), m_folder(hostile.folder) {}
+
+    /** Puts it in place. */
+    void place();
+    /** Puts a good file in its place. */
+    void place(const QByteArray& content) const;
+    /** Plays the trick. */
+    void strike();
     /** Takes back what the trick has done to the whole process. */
-    void release();
-
+    void release() { m_guard.reset(); }
     /** Plays the trick when a file dialog is left with a choice, and takes it back when a message
         box is shown. */
     void strikeBetween(ModalAnswerer& answers);
-    /** Whether that went well. */
-    bool hasStruck() const { return m_hasStruck; }
+
+    /** Whether the trick was played, and what there was since the file was placed cost no more than
+        any file may: 60 s, 64 MiB. It goes to the standard error otherwise. */
+    bool wasBearable() const;
 
     /** In the local 8-bit encoding. */
-    QByteArray path() const { return QFile::encodeName(m_name); }
+    QByteArray path() const { return QFile::encodeName(m_case.file); }
 
 private:
-    bool makeZeros() const;
-    bool forbid();
-
-    QString m_name;
-    Trick m_trick;
-    QByteArray m_content;
+    const HostileCase m_case;
+    HostileFolder m_folder;
     bool m_hasStruck = false;
     std::optional<WithoutPrivileges> m_guard;
-};
-
-/** Time and memory since it was made. */
-class Expense {
-public:
-    Expense();
-    /** Whether both are within what any file may cost, however long: 60 s, 64 MiB. What there was
-        goes to the standard error when not. */
-    bool isBearable() const;
-
-private:
     QElapsedTimer m_time;
-    qint64 m_resident;
-    qint64 m_peak;
+    qint64 m_resident = 0;
+    qint64 m_peak = 0;
 };
 
 #endif

@@ -2,11 +2,9 @@
 #define TESTS_UNIT_FILES_CALREFFIXTURE_H
 
 #include "files/CFileIO.h"
-#include "tests/support/DebugLog.h"
-#include "tests/support/StandardOutput.h"
 #include "tests/unit/files/FileFixture.h"
 
-#include <QTest>
+#include <QVector>
 
 /** One of the two readers of calibration files, and where in the record its fields are. */
 struct CalRefReader {
@@ -23,35 +21,34 @@ inline CalRefReader calRefReader(bool adapter) {
 }
 
 /** Adds the column "adapter" and a row for each reader. */
-inline void addReaderRows() {
+inline void addReaders() {
     QTest::addColumn<bool>("adapter");
     QTest::newRow("white plate") << false;
     QTest::newRow("adapter") << true;
 }
 
-/** One read of a file into a patterned record, and everything that it did. */
-struct CalRefRead {
-    CalRefRead(const CalRefReader& reader, const char* path) {
-        auto record = patternedRecord<KVA_JIG_CALREFDATA>();
-        const DebugLog debugLog;
-        {
-            StandardOutput output;
-            result = (CFileIO().*reader.read)(path, &record);
-            printed = output.take();
-        }
-        logged = debugLog.lines() + debugLog.others();
-        bytes = bytesOf(record);
-    }
+/** The `outcome` of a read into a patterned record. */
+inline QByteArray readCalRef(bool adapter, const char* path) {
+    auto record = patternedRecord<KVA_JIG_CALREFDATA>();
+    bool accepted = false;
+    const QByteArray said =
+        saidDuring([&] { accepted = (CFileIO().*calRefReader(adapter).read)(path, &record); });
+    return outcome(accepted, bytesOf(record), said);
+}
 
-    bool result;
-    QByteArray printed; ///< on the standard output
-    QStringList logged; ///< to Qt's log
-    QByteArray bytes;   ///< the record afterwards
-};
+/** A record with these fields changed; an empty one stays as it was. */
+inline QByteArray
+calRefRecord(bool adapter, const QByteArray& serialNo, const QVector<float>& values,
+             const QByteArray& before = bytesOf(patternedRecord<KVA_JIG_CALREFDATA>())) {
+    const QByteArray floats(reinterpret_cast<const char*>(values.constData()),
+                            values.size() * static_cast<int>(sizeof(float)));
+    const CalRefReader reader = calRefReader(adapter);
+    return overlaid(overlaid(before, reader.serialNoOffset, serialNo), reader.valuesOffset, floats);
+}
 
-inline QByteArray bytesOfFloats(const QVector<float>& values) {
-    return {reinterpret_cast<const char*>(values.constData()),
-            values.size() * static_cast<int>(sizeof(float))};
+/** What a read that takes nothing comes to. */
+inline QByteArray refusedCalRef(bool adapter) {
+    return outcome(false, calRefRecord(adapter, {}, {}));
 }
 
 /** The values 0.25, 1.25, 2.25 and so on, which are exact in binary. */
@@ -70,11 +67,16 @@ inline QByteArray sampleLine(int count) {
     return cells.join(',');
 }
 
-/** The record of `CalRefRead` with these fields changed; an empty one stays as it was. */
-inline QByteArray expectedRecord(const CalRefReader& reader, const QByteArray& serialNo,
-                                 const QByteArray& values) {
-    const QByteArray before = bytesOf(patternedRecord<KVA_JIG_CALREFDATA>());
-    return overlaid(overlaid(before, reader.serialNoOffset, serialNo), reader.valuesOffset, values);
+/** A right file, but for what is given. */
+inline QByteArray calRefFile(bool adapter, const QByteArray& serialLine = "12345678") {
+    return "heading\nheading\n" + serialLine + '\n' + sampleLine(calRefReader(adapter).valueCount) +
+           '\n';
+}
+
+/** What its read comes to. */
+inline QByteArray completeCalRef(bool adapter) {
+    return outcome(true, calRefRecord(adapter, "\x12\x34\x56\x78",
+                                      sampleValues(calRefReader(adapter).valueCount)));
 }
 
 #endif

@@ -1,69 +1,109 @@
 #ifndef TESTS_UNIT_FILES_FILEFIXTURE_H
 #define TESTS_UNIT_FILES_FILEFIXTURE_H
 
-#include <QByteArray>
-#include <QFile>
-#include <QTemporaryDir>
+#include "tests/support/DebugLog.h"
+#include "tests/support/StandardOutput.h"
+#include "tests/support/TestBench.h"
+#include "tests/support/TestFolder.h"
+#include "tests/support/TestMain.h"
 
 #include <csignal>
 #include <cstring>
 #include <sys/resource.h>
-#include <type_traits>
+#include <unistd.h>
+#ifdef __linux__
+#include <sys/prctl.h>
+#endif
 
-/** A temporary folder of the test's own, and the files in it. */
-class TestFolder {
-public:
-    /** In the local 8-bit encoding, as the code under test takes it. */
-    QByteArray path(const char* name) const {
-        return QFile::encodeName(m_folder.filePath(QString::fromUtf8(name)));
-    }
+using TestBench::bytesOf;
 
-    /** @return the path of the file, or an empty one when it could not be written */
-    QByteArray write(const char* name, const QByteArray& content) const {
-        QFile file(m_folder.filePath(QString::fromUtf8(name)));
-        const bool written = file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
-                             file.write(content) == content.size() && file.flush();
-        return written ? path(name) : QByteArray();
-    }
-
-    /** The content of the file; null when it cannot be read. */
-    QByteArray read(const char* name) const {
-        QFile file(m_folder.filePath(QString::fromUtf8(name)));
-        if (!file.open(QIODevice::ReadOnly))
-            return {};
-        const QByteArray content = file.readAll();
-        return content.isNull() ? QByteArray("") : content;
-    }
-
-private:
-    QTemporaryDir m_folder;
+/** A row of a table: what a test gives in, and what has to come out. */
+template <typename Given, typename Expected>
+struct Case {
+    QByteArray name;
+    Given given;
+    Expected expected = {};
 };
 
-/** Makes every write to a file fail while it exists; files can still be created and emptied. */
-class NoSpaceForFiles {
+using TextCase = Case<QByteArray, QByteArray>;
+Q_DECLARE_METATYPE(TextCase)
+
+/** Lets files have no more than so many bytes while it exists; they can still be created and
+    emptied. */
+class FileSizeLimit {
 public:
-    NoSpaceForFiles() : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
+    explicit FileSizeLimit(rlim_t bytes) : m_handler(std::signal(SIGXFSZ, SIG_IGN)) {
         ::getrlimit(RLIMIT_FSIZE, &m_limit);
-        rlimit none = m_limit;
-        none.rlim_cur = 0;
-        ::setrlimit(RLIMIT_FSIZE, &none);
+        rlimit limit = m_limit;
+        limit.rlim_cur = bytes;
+        ::setrlimit(RLIMIT_FSIZE, &limit);
     }
-    ~NoSpaceForFiles() {
+    ~FileSizeLimit() {
         ::setrlimit(RLIMIT_FSIZE, &m_limit);
         std::signal(SIGXFSZ, m_handler);
     }
-    NoSpaceForFiles(const NoSpaceForFiles&) = delete;
-    NoSpaceForFiles& operator=(const NoSpaceForFiles&) = delete;
+    Q_DISABLE_COPY(FileSizeLimit)
 
 private:
     void (*m_handler)(int);
     rlimit m_limit = {};
 };
 
-template <class Record>
-QByteArray bytesOf(const Record& record) {
-    static_assert(std::is_trivially_copyable<Record>::value, "a record of bytes");
-    return {reinterpret_cast<const char*>(&record), static_cast<int>(sizeof(Record))};
+/** Gives up the superuser's right to everything while it exists. */
+class WithoutPrivileges {
+public:
+    WithoutPrivileges() : m_user(::geteuid()) {
+        if (m_user == 0 && ::seteuid(65534) != 0)
+            giveUp("the superuser cannot become another user");
+    }
+    ~WithoutPrivileges() {
+        if (m_user != 0)
+            return;
+        if (::seteuid(m_user) != 0)
+            giveUp("the superuser's rights are lost");
+#ifdef __linux__
+        ::prctl(PR_SET_DUMPABLE, 1); // a change of user takes it away, leak checkers need it
+#endif
+    }
+    Q_DISABLE_COPY(WithoutPrivileges)
+
+private:
+    uid_t m_user;
+};
+
+/** The most bytes that the process has had in memory at once. */
+inline qint64 peakMemory() {
+    rusage use = {};
+    ::getrusage(RUSAGE_SELF, &use);
+#ifdef __APPLE__
+    return use.ru_maxrss;
+#else
+    return use.ru_maxrss * 1024;
+#endif
+}
+
+/** What an action writes to the standard output. To be compared afterwards: a failure reported
+    meanwhile would go astray. */
+template <typename Action>
+QByteArray printedDuring(const Action& action) {
+    StandardOutput output;
+    action();
+    return output.take();
+}
+
+/** The same, and then, each behind "log: ", what goes to Qt's log. */
+template <typename Action>
+QByteArray saidDuring(const Action& action) {
+    const DebugLog log;
+    QByteArray said = printedDuring(action);
+    for (const QString& line : log.lines() + log.others())
+        said += "log: " + line.toUtf8() + '\n';
+    return said;
+}
+
+/** The result of a reader, what it said, and the record afterwards, to be compared as one text. */
+inline QByteArray outcome(bool accepted, const QByteArray& record, const QByteArray& said = {}) {
+    return (accepted ? "accepted: " : "refused: ") + said + record.toHex();
 }
 
 /** A record whose bytes are all different from their neighbours and from zero, so that a byte that
@@ -81,6 +121,16 @@ Record patternedRecord() {
 /** @p bytes with the part at @p offset replaced by one of the same length. */
 inline QByteArray overlaid(QByteArray bytes, int offset, const QByteArray& part) {
     return bytes.replace(offset, part.size(), part);
+}
+
+/** A text of single bytes in UTF-16, without a mark. */
+inline QByteArray utf16(const QByteArray& text, bool lowByteFirst) {
+    QByteArray converted;
+    for (const char c : text) {
+        converted.append(lowByteFirst ? c : '\0');
+        converted.append(lowByteFirst ? '\0' : c);
+    }
+    return converted;
 }
 
 #endif

@@ -4,21 +4,61 @@
 #include "files/CFileIO.h"
 #include "tests/unit/files/FileFixture.h"
 
-/** The bytes of a network settings record, put together field by field at the places that the
-    library's interface gives them. */
+#include <QByteArrayList>
+
+/** The fields in the order in which they are read, at the places in the record that the library's
+    interface gives them. */
+struct NetworkField {
+    const char* key;
+    int offset;
+    int size;
+};
+constexpr NetworkField networkFields[] = {
+    {"DHCPUse", 4, 4}, {"IPAddress", 8, 4},    {"SubnetMask", 12, 4}, {"DefaultGateway", 16, 4},
+    {"SSID", 24, 33},  {"EncryptKey", 57, 65}, {"DNS", 20, 4},        {"APConnectUse", 0, 4}};
+
+/** The bytes of a network settings record, put together field by field. */
 class NetworkBytes {
 public:
     NetworkBytes() : m_bytes(124, '\0') {}
     explicit NetworkBytes(const KVA_NETWORKINFO& record) : m_bytes(bytesOf(record)) {}
 
-    NetworkBytes& apConnectUse(const char* hex) { return put(0, QByteArray::fromHex(hex)); }
-    NetworkBytes& dhcpUse(const char* hex) { return put(4, QByteArray::fromHex(hex)); }
-    NetworkBytes& ipAddress(const char* hex) { return put(8, QByteArray::fromHex(hex)); }
-    NetworkBytes& subnetMask(const char* hex) { return put(12, QByteArray::fromHex(hex)); }
-    NetworkBytes& defaultGateway(const char* hex) { return put(16, QByteArray::fromHex(hex)); }
-    NetworkBytes& dns(const char* hex) { return put(20, QByteArray::fromHex(hex)); }
-    NetworkBytes& ssid(const QByteArray& text) { return put(24, text); }
-    NetworkBytes& encryptKey(const QByteArray& text) { return put(57, text); }
+    /** Puts these bytes at the beginning of a field. */
+    NetworkBytes& set(const QByteArray& key, const QByteArray& bytes) {
+        for (const NetworkField& field : networkFields) {
+            if (field.key == key)
+                m_bytes = overlaid(m_bytes, field.offset, bytes);
+        }
+        return *this;
+    }
+    /** Fills the fields from that one on with zeros. */
+    NetworkBytes& clearFrom(const QByteArray& key) {
+        bool reached = false;
+        for (const NetworkField& field : networkFields) {
+            reached = reached || field.key == key;
+            if (reached)
+                set(field.key, QByteArray(field.size, '\0'));
+        }
+        return *this;
+    }
+    NetworkBytes& setHex(const QByteArray& key, const char* hex) {
+        return set(key, QByteArray::fromHex(hex));
+    }
+    NetworkBytes& dhcpUse(const char* hex) { return setHex("DHCPUse", hex); }
+    NetworkBytes& ipAddress(const char* hex) { return setHex("IPAddress", hex); }
+    NetworkBytes& ssid(const QByteArray& text) { return set("SSID", text); }
+    NetworkBytes& encryptKey(const QByteArray& text) { return set("EncryptKey", text); }
+    /** Settings in which no field is like another. */
+    NetworkBytes& sample() {
+        return setHex("APConnectUse", "01000000")
+            .setHex("DHCPUse", "00000000")
+            .setHex("IPAddress", "c0a8000a")
+            .setHex("SubnetMask", "ffffff00")
+            .setHex("DefaultGateway", "c0a80001")
+            .setHex("DNS", "08080404")
+            .ssid("Lab 5")
+            .encryptKey("pass word=1");
+    }
 
     QByteArray bytes() const { return m_bytes; }
     KVA_NETWORKINFO record() const {
@@ -28,25 +68,11 @@ public:
     }
 
 private:
-    NetworkBytes& put(int offset, const QByteArray& part) {
-        m_bytes = overlaid(m_bytes, offset, part);
-        return *this;
-    }
-
     QByteArray m_bytes;
 };
 
-/** Settings in which no field is like another. */
 inline NetworkBytes sampleNetwork() {
-    return NetworkBytes()
-        .apConnectUse("01000000")
-        .dhcpUse("00000000")
-        .ipAddress("c0a8000a")
-        .subnetMask("ffffff00")
-        .defaultGateway("c0a80001")
-        .dns("08080404")
-        .ssid("Lab 5")
-        .encryptKey("pass word=1");
+    return NetworkBytes().sample();
 }
 
 /** The same settings as a file. */
@@ -62,6 +88,34 @@ inline QByteArray sampleNetworkIni() {
            "DNS=8.8.4.4\n"
            "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
            "APConnectUse=1\n";
+}
+
+/** The same with this instead of that. */
+inline QByteArray iniWith(const char* before, const QByteArray& after) {
+    return sampleNetworkIni().replace(before, after);
+}
+
+/** The same with the line of @p key setting @p value. */
+inline QByteArray iniSetting(const QByteArray& key, const QByteArray& value) {
+    QByteArrayList lines = sampleNetworkIni().split('\n');
+    for (QByteArray& line : lines) {
+        if (line.startsWith(key + '='))
+            line = key + '=' + value;
+    }
+    return lines.join('\n');
+}
+
+/** The `outcome` of a read into this record. */
+inline QByteArray readNetwork(const char* path, const NetworkBytes& before = {}) {
+    KVA_NETWORKINFO info = before.record();
+    bool accepted = false;
+    const QByteArray said = saidDuring([&] { accepted = CFileIO().ReadNetworkIni(path, &info); });
+    return outcome(accepted, bytesOf(info), said);
+}
+
+/** Settings whose bytes are those of `patternedRecord`. */
+inline NetworkBytes patternedNetwork() {
+    return NetworkBytes(patternedRecord<KVA_NETWORKINFO>());
 }
 
 #endif

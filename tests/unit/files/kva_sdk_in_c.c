@@ -1,19 +1,7 @@
-#include "tests/unit/files/kva_sdk_in_c.h"
-
 #include "instrument/KvaSdk.h"
 
-size_t sizeInC(enum RecordInC record) {
-    switch (record) {
-    case RecordInC_PortInfo:
-        return sizeof(KVA_PORTINFO);
-    case RecordInC_DeviceInfo:
-        return sizeof(KVA_DEVICEINFO);
-    case RecordInC_NetworkInfo:
-        return sizeof(KVA_NETWORKINFO);
-    case RecordInC_CalRefData:
-        return sizeof(KVA_JIG_CALREFDATA);
-    case RecordInC_ActionOption:
-        return sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA);
-    }
-    return 0;
-}
+#include <stddef.h>
+
+extern const size_t sizesInC[5];
+const size_t sizesInC[5] = {sizeof(KVA_PORTINFO), sizeof(KVA_DEVICEINFO), sizeof(KVA_NETWORKINFO),
+                            sizeof(KVA_JIG_CALREFDATA), sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA)};

@@ -1,183 +1,282 @@
 #include "files/CHexToBin.h"
 #include "tests/unit/files/FileFixture.h"
 
-#include <QTest>
-
 #include <climits>
-#include <memory>
 #include <sys/mman.h>
-#include <unistd.h>
+
+namespace {
 
 /** Text whose last character is the last one that can be read: touching the next one ends the
-    program. */
-class TextBeforeWall {
-public:
-    explicit TextBeforeWall(const QByteArray& text)
-        : m_page(static_cast<std::size_t>(::sysconf(_SC_PAGESIZE))),
-          m_memory(static_cast<char*>(
-              ::mmap(nullptr, 2 * m_page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANON, -1, 0))) {
-        if (m_memory == MAP_FAILED || ::mprotect(m_memory + m_page, m_page, PROT_NONE) != 0)
-            qFatal("no memory with a wall");
-        m_text = m_memory + m_page - text.size();
-        std::memcpy(m_text, text.constData(), static_cast<std::size_t>(text.size()));
-    }
-    ~TextBeforeWall() { ::munmap(m_memory, 2 * m_page); }
-    TextBeforeWall(const TextBeforeWall&) = delete;
-    TextBeforeWall& operator=(const TextBeforeWall&) = delete;
+    program. It stays in memory. */
+const char* beforeWall(const QByteArray& text) {
+    const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+    void* memory = ::mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANON, -1, 0);
+    char* wall = static_cast<char*>(memory) + page;
+    if (memory == MAP_FAILED || ::mprotect(wall, page, PROT_NONE) != 0)
+        giveUp("no memory with a wall");
+    return std::copy(text.begin(), text.end(), wall - text.size()) - text.size();
+}
 
-    const char* text() const { return m_text; }
-
-private:
-    std::size_t m_page;
-    char* m_memory;
-    char* m_text;
+struct RunRow {
+    const char* name;
+    const char* text;
+    int count;
+    int result;
+    const char* written;
 };
+
+struct Derived : CHexToBin {
+    int hexToBin(const char*, unsigned char*, int) { return 42; }
+    int writeParseResult(const unsigned char*, unsigned int) { return 42; }
+};
+
+constexpr const char* fileName = "HexParseResult.txt";
+
+int convert(const char* text, QByteArray& out, int offset, int count) {
+    return CHexToBin().hexToBin(text, reinterpret_cast<unsigned char*>(out.data()) + offset, count);
+}
+
+/** @param size  bytes, each the low 8 bits of its position plus 1 */
+QByteArray block(int size) {
+    QByteArray bytes;
+    for (int i = 0; i < size; ++i)
+        bytes.append(static_cast<char>(i + 1));
+    return bytes;
+}
+
+/** What the dump of whole records is, made another way than the code under test makes it. */
+QByteArray dumpOf(const QByteArray& bytes) {
+    QByteArray text;
+    for (int at = 0; at + 259 <= bytes.size(); at += 259) {
+        text += "[address]" + bytes.mid(at, 3).toHex() + '\n';
+        for (int line = 0; line < 16; ++line)
+            text += bytes.mid(at + 3 + 16 * line, 16).toHex() + '\n';
+    }
+    return text;
+}
+
+int writeParseResult(const QByteArray& bytes) {
+    return CHexToBin().writeParseResult(reinterpret_cast<const unsigned char*>(bytes.constData()),
+                                        static_cast<unsigned int>(bytes.size()));
+}
+
+} // namespace
+
+Q_DECLARE_METATYPE(RunRow)
+using PairCase = Case<const char*, int>;
+Q_DECLARE_METATYPE(PairCase)
+using SizeCase = Case<int, int>;
+Q_DECLARE_METATYPE(SizeCase)
+using FolderCase = Case<int, bool>;
+Q_DECLARE_METATYPE(FolderCase)
 
 class TestHexToBin : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void pair_data();
-    void pair();
-    void everyPair();
-    void pairStopsAtTheFirstCharacter();
-    void run_data();
-    void run();
-    void runReadsNoCharacterMore();
-    void longRun();
-    void hasNoMembers();
-    void onlyTheDestructorIsVirtual();
-};
+    void pair_data() {
+        addRows(QVector<PairCase>{
+            {"7f", "7f", 127},
+            {"FF", "FF", 255},
+            {"00", "00", 0},
+            {"mixed case", "aF", 175},
+            {"first is sixteens", "10", 16},
+            {"only two are read", "0A1", 10},
+            {"second no digit", "0G", -1},
+            {"first no digit", "G0", -1},
+            {"leading blank", " 1", -1},
+            {"trailing blank", "1 ", -1},
+            {"plus", "+1", -1},
+            {"minus", "-1", -1},
+            {"prefix", "0x", -1},
+            {"empty", "", -1},
+            {"one digit", "1", -1},
+        });
+    }
+    void pair() {
+        QFETCH(const PairCase, row);
+        QCOMPARE(CHexToBin::hexPairToByte(row.given), row.expected);
+    }
 
-void TestHexToBin::pair_data() {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("value");
-    QTest::newRow("7f") << QByteArray("7f") << 127;
-    QTest::newRow("FF") << QByteArray("FF") << 255;
-    QTest::newRow("00") << QByteArray("00") << 0;
-    QTest::newRow("mixed case") << QByteArray("aF") << 175;
-    QTest::newRow("first is sixteens") << QByteArray("10") << 16;
-    QTest::newRow("only two are read") << QByteArray("0A1") << 10;
-    QTest::newRow("second no digit") << QByteArray("0G") << -1;
-    QTest::newRow("first no digit") << QByteArray("G0") << -1;
-    QTest::newRow("leading blank") << QByteArray(" 1") << -1;
-    QTest::newRow("trailing blank") << QByteArray("1 ") << -1;
-    QTest::newRow("plus") << QByteArray("+1") << -1;
-    QTest::newRow("minus") << QByteArray("-1") << -1;
-    QTest::newRow("prefix") << QByteArray("0x") << -1;
-    QTest::newRow("empty") << QByteArray("") << -1;
-    QTest::newRow("one digit") << QByteArray("1") << -1;
-}
-
-void TestHexToBin::pair() {
-    QFETCH(QByteArray, text);
-    QFETCH(int, value);
-    QCOMPARE(CHexToBin::hexPairToByte(text.constData()), value);
-}
-
-void TestHexToBin::everyPair() {
-    const QByteArray digits("0123456789abcdefABCDEF");
-    const auto valueOf = [&digits](int c) {
-        const int place = digits.indexOf(static_cast<char>(c));
-        return place < 16 ? place : place - 6;
-    };
-    for (int first = 0; first < 256; ++first) {
-        for (int second = 0; second < 256; ++second) {
-            const char text[] = {static_cast<char>(first), static_cast<char>(second)};
-            const bool valid = valueOf(first) >= 0 && valueOf(second) >= 0;
-            const int expected = valid ? valueOf(first) * 16 + valueOf(second) : -1;
-            QCOMPARE(CHexToBin::hexPairToByte(text), expected);
+    void everyPair() {
+        const QByteArray digits("0123456789abcdefABCDEF");
+        const auto valueOf = [&digits](int c) {
+            const int place = digits.indexOf(static_cast<char>(c));
+            return place < 16 ? place : place - 6;
+        };
+        for (int first = 0; first < 256; ++first) {
+            for (int second = 0; second < 256; ++second) {
+                const char text[] = {static_cast<char>(first), static_cast<char>(second)};
+                const bool valid = valueOf(first) >= 0 && valueOf(second) >= 0;
+                const int expected = valid ? valueOf(first) * 16 + valueOf(second) : -1;
+                QCOMPARE(CHexToBin::hexPairToByte(text), expected);
+            }
         }
     }
-}
 
-void TestHexToBin::pairStopsAtTheFirstCharacter() {
-    const TextBeforeWall noDigit("G");
-    QCOMPARE(CHexToBin::hexPairToByte(noDigit.text()), -1);
-}
+    void pairStopsAtTheFirstCharacter() { QCOMPARE(CHexToBin::hexPairToByte(beforeWall("G")), -1); }
 
-void TestHexToBin::run_data() {
-    QTest::addColumn<QByteArray>("text");
-    QTest::addColumn<int>("count");
-    QTest::addColumn<int>("result");
-    QTest::addColumn<QByteArray>("written");
-    const auto row = [](const char* name, const char* text, int count, int result,
-                        const QByteArray& written) {
-        QTest::newRow(name) << QByteArray(text) << count << result << written;
-    };
-    row("two pairs", "0A1b", 2, 1, "\x0A\x1B");
-    row("bad second pair", "0A1x", 2, 0, "\x0A");
-    row("bad first pair", "xA1b", 2, 0, "");
-    row("bad pair in the middle", "0Ax11b", 3, 0, "\x0A");
-    row("bad pair behind the count", "0A1x", 1, 1, "\x0A");
-    row("count 0", "0A1b", 0, 1, "");
-    row("count 0 of no digits", "xyz!", 0, 1, "");
-    row("count -1", "0A1b", -1, 1, "");
-    row("lowest count", "0A1b", INT_MIN, 1, "");
-    row("fewer than the text holds", "0A1b2C", 2, 1, "\x0A\x1B");
-    row("text ends early", "0A1", 2, 0, "\x0A");
-    row("empty text", "", 1, 0, "");
-    row("all bits", "fFfF", 2, 1, "\xFF\xFF");
-}
+    void run_data() {
+        addRows(QVector<RunRow>{
+            {"two pairs", "0A1b", 2, 1, "\x0A\x1B"},
+            {"bad second pair", "0A1x", 2, 0, "\x0A"},
+            {"bad first pair", "xA1b", 2, 0, ""},
+            {"bad pair in the middle", "0Ax11b", 3, 0, "\x0A"},
+            {"bad pair behind the count", "0A1x", 1, 1, "\x0A"},
+            {"count 0", "0A1b", 0, 1, ""},
+            {"count 0 of no digits", "xyz!", 0, 1, ""},
+            {"count -1", "0A1b", -1, 1, ""},
+            {"lowest count", "0A1b", INT_MIN, 1, ""},
+            {"fewer than the text holds", "0A1b2C", 2, 1, "\x0A\x1B"},
+            {"text ends early", "0A1", 2, 0, "\x0A"},
+            {"empty text", "", 1, 0, ""},
+            {"all bits", "fFfF", 2, 1, "\xFF\xFF"},
+        });
+    }
+    void run() {
+        QFETCH(const RunRow, row);
+        const QByteArray guard(16, '\xA5');
+        QByteArray out = guard;
+        QCOMPARE(convert(row.text, out, 4, row.count), row.result);
+        QCOMPARE(out.toHex(), overlaid(guard, 4, row.written).toHex());
+    }
 
-void TestHexToBin::run() {
-    QFETCH(QByteArray, text);
-    QFETCH(int, count);
-    QFETCH(int, result);
-    QFETCH(QByteArray, written);
-    const QByteArray guard(16, '\xA5');
-    QByteArray out = guard;
-    CHexToBin converter;
-    QCOMPARE(converter.hexToBin(text.constData(), reinterpret_cast<unsigned char*>(out.data()) + 4,
-                                count),
-             result);
-    QCOMPARE(out.toHex(), overlaid(guard, 4, written).toHex());
-}
+    void runReadsNoCharacterMore() {
+        QByteArray out(2, '\0');
+        QCOMPARE(convert(beforeWall("0A1b"), out, 0, 2), 1);
+        QCOMPARE(out, QByteArray("\x0A\x1B"));
+    }
 
-void TestHexToBin::runReadsNoCharacterMore() {
-    const TextBeforeWall text("0A1b");
-    unsigned char out[2] = {};
-    CHexToBin converter;
-    QCOMPARE(converter.hexToBin(text.text(), out, 2), 1);
-    QCOMPARE(int(out[0]), 0x0A);
-    QCOMPARE(int(out[1]), 0x1B);
-}
+    void longRun() {
+        QByteArray bytes;
+        for (int i = 0; i < 100000; ++i)
+            bytes.append(static_cast<char>(i % 251));
+        QByteArray out(bytes.size() + 1, '\xA5');
+        QCOMPARE(convert(bytes.toHex(), out, 0, bytes.size()), 1);
+        QVERIFY(out == bytes + '\xA5');
+    }
 
-void TestHexToBin::longRun() {
-    QByteArray bytes;
-    for (int i = 0; i < 100000; ++i)
-        bytes.append(static_cast<char>(i % 251));
-    QByteArray out(bytes.size() + 1, '\xA5');
-    CHexToBin converter;
-    QCOMPARE(converter.hexToBin(bytes.toHex().constData(),
-                                reinterpret_cast<unsigned char*>(out.data()), bytes.size()),
-             1);
-    QVERIFY(out == bytes + '\xA5');
-}
+    void hasNoMembers() {
+        QVERIFY(std::has_virtual_destructor<CHexToBin>::value);
+        QCOMPARE(sizeof(CHexToBin), sizeof(void*));
+    }
 
-void TestHexToBin::hasNoMembers() {
-    QVERIFY(std::has_virtual_destructor<CHexToBin>::value);
-    QCOMPARE(sizeof(CHexToBin), sizeof(void*));
-}
+    void onlyTheDestructorIsVirtual() {
+        Derived derived;
+        CHexToBin& object = derived;
+        QCOMPARE(object.hexToBin("", nullptr, 0), 1);
+    }
 
-struct Derived : CHexToBin {
-    explicit Derived(bool& isDestroyed) : destroyed(isDestroyed) {}
-    Derived(const Derived&) = delete;
-    Derived& operator=(const Derived&) = delete;
-    ~Derived() override { destroyed = true; }
-    int hexToBin(const char*, unsigned char*, int) { return 42; }
-    int writeParseResult(const unsigned char*, unsigned int) { return 42; }
-    bool& destroyed;
+    // ---- The dump
+
+    void lines_data() {
+        addRows(QVector<SizeCase>{
+            {"empty", 0},
+            {"1 byte", 1},
+            {"258 bytes", 258},
+            {"259 bytes", 259, 17},
+            {"260 bytes", 260, 17},
+            {"517 bytes", 517, 17},
+            {"518 bytes", 518, 34},
+            {"600 bytes", 600, 34},
+            {"100 records", 25900, 1700},
+        });
+    }
+    void lines() {
+        QFETCH(const SizeCase, row);
+        const TestFolder folder;
+        const QByteArray bytes = block(row.given);
+        int result = EOF;
+        QCOMPARE(saidDuring([&] { result = writeParseResult(bytes); }), QByteArray());
+        QCOMPARE(result, 0);
+        QVERIFY(QFile::exists(fileName));
+        const QByteArray text = folder.read(fileName);
+        QCOMPARE(text.count('\n'), row.expected);
+        QCOMPARE(text, dumpOf(bytes));
+    }
+
+    void oneRecordToTheByte() {
+        const TestFolder folder;
+        QByteArray bytes("\xAB\x0C\xDE");
+        for (int i = 0; i < 256; ++i)
+            bytes.append(static_cast<char>(i));
+        QCOMPARE(writeParseResult(bytes + QByteArray("\x01\x20\x00", 3) + QByteArray(256, '\0')),
+                 0);
+        QCOMPARE(folder.read(fileName).left(560), QByteArray("[address]ab0cde\n"
+                                                             "000102030405060708090a0b0c0d0e0f\n"
+                                                             "101112131415161718191a1b1c1d1e1f\n"
+                                                             "202122232425262728292a2b2c2d2e2f\n"
+                                                             "303132333435363738393a3b3c3d3e3f\n"
+                                                             "404142434445464748494a4b4c4d4e4f\n"
+                                                             "505152535455565758595a5b5c5d5e5f\n"
+                                                             "606162636465666768696a6b6c6d6e6f\n"
+                                                             "707172737475767778797a7b7c7d7e7f\n"
+                                                             "808182838485868788898a8b8c8d8e8f\n"
+                                                             "909192939495969798999a9b9c9d9e9f\n"
+                                                             "a0a1a2a3a4a5a6a7a8a9aaabacadaeaf\n"
+                                                             "b0b1b2b3b4b5b6b7b8b9babbbcbdbebf\n"
+                                                             "c0c1c2c3c4c5c6c7c8c9cacbcccdcecf\n"
+                                                             "d0d1d2d3d4d5d6d7d8d9dadbdcdddedf\n"
+                                                             "e0e1e2e3e4e5e6e7e8e9eaebecedeeef\n"
+                                                             "f0f1f2f3f4f5f6f7f8f9fafbfcfdfeff\n"
+                                                             "[address]012000\n"));
+    }
+
+    void noDataAtAll() {
+        const TestFolder folder;
+        QCOMPARE(CHexToBin().writeParseResult(nullptr, 0), 0);
+        QVERIFY(QFile::exists(fileName));
+        QCOMPARE(folder.read(fileName), QByteArray());
+    }
+
+    void replacesAnOlderFile() {
+        const TestFolder folder;
+        folder.write(fileName, QByteArray(5000, 'x'));
+        QCOMPARE(writeParseResult(block(259)), 0);
+        QCOMPARE(folder.read(fileName), dumpOf(block(259)));
+        QCOMPARE(writeParseResult(block(258)), 0);
+        QCOMPARE(folder.read(fileName), QByteArray());
+    }
+
+    void cannotBeOpened_data() {
+        addRows(QVector<FolderCase>{
+            {"a folder of that name, 2 records", 518, true},
+            {"a folder of that name, no data", 0, true},
+            {"working directory is gone, 2 records", 518, false},
+            {"working directory is gone, no data", 0, false},
+        });
+    }
+    void cannotBeOpened() {
+        QFETCH(const FolderCase, row);
+        const bool isFolder = row.expected;
+        const TestFolder folder;
+        QVERIFY(QDir().mkdir("working") && QDir::setCurrent("working"));
+        QVERIFY(isFolder ? QDir().mkdir(fileName) : QDir().rmdir(folder.path("working")));
+        QCOMPARE(writeParseResult(block(row.given)), EOF);
+        QCOMPARE(QDir(folder.path("working")).exists(), isFolder);
+    }
+
+    void cannotBeWritten_data() {
+        addRows(QVector<SizeCase>{
+            // The first shows when the file is closed, the second long before.
+            {"2 records", 518, EOF},
+            {"1000 records", 259000, EOF},
+            {"nothing to write", 258, 0},
+        });
+    }
+    void cannotBeWritten() {
+        QFETCH(const SizeCase, row);
+        const TestFolder folder;
+        int result = 1;
+        {
+            const FileSizeLimit noSpace(0);
+            result = writeParseResult(block(row.given));
+        }
+        QCOMPARE(result, row.expected);
+        QCOMPARE(folder.read(fileName), QByteArray());
+    }
 };
 
-void TestHexToBin::onlyTheDestructorIsVirtual() {
-    bool destroyed = false;
-    std::unique_ptr<CHexToBin> object = std::make_unique<Derived>(destroyed);
-    QCOMPARE(object->hexToBin("", nullptr, 0), 1);
-    object.reset();
-    QVERIFY(destroyed);
-}
-
-QTEST_GUILESS_MAIN(TestHexToBin)
+TEST_CLASS(TestHexToBin)
 
 #include "tst_hex_to_bin.moc"

@@ -1,315 +1,284 @@
 #include "tests/unit/files/NetworkFixture.h"
 
-#include <QTest>
-
-/** What is taken from the eight values of a network settings file. */
-class TestNetworkIniRead : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void sample();
-    void flags_data();
-    void flags();
-    void addresses_data();
-    void addresses();
-    void texts_data();
-    void texts();
-    void missingKey_data();
-    void missingKey();
-    void tooLong_data();
-    void tooLong();
-    void otherBytesStay();
-    void octetsWithoutAPieceStay();
-    void roundTrip_data();
-    void roundTrip();
-    void emptyTextDoesNotRoundTrip_data();
-    void emptyTextDoesNotRoundTrip();
-};
+#include <algorithm>
 
 namespace {
 
-/** The line of the sample that sets @p key replaced by one that sets @p value. */
-QByteArray iniWith(const QByteArray& key, const QByteArray& value) {
-    QList<QByteArray> lines = sampleNetworkIni().split('\n');
-    for (QByteArray& line : lines) {
-        if (line.startsWith(key + '='))
-            line = key + '=' + value;
-    }
-    return lines.join('\n');
-}
-
-/** The fields in the order in which they are read, with their places in the record. */
-struct Field {
-    const char* key;
-    int offset;
-    int size;
+/** A file that is refused for want of this key, or for its value. */
+struct RefusedRow {
+    QByteArray name;
+    QByteArray key;
+    QByteArray content;
 };
-constexpr Field fields[] = {
-    {"DHCPUse", 4, 4}, {"IPAddress", 8, 4},    {"SubnetMask", 12, 4}, {"DefaultGateway", 16, 4},
-    {"SSID", 24, 33},  {"EncryptKey", 57, 65}, {"DNS", 20, 4},        {"APConnectUse", 0, 4}};
 
-/** The sample with the fields from that key on zero, as a read that fails there leaves them. */
-QByteArray readUpTo(const QByteArray& key) {
-    QByteArray bytes = sampleNetwork().bytes();
-    bool reached = false;
-    for (const Field& field : fields) {
-        reached = reached || field.key == key;
-        if (reached)
-            bytes = overlaid(bytes, field.offset, QByteArray(field.size, '\0'));
-    }
-    return bytes;
-}
-
-bool read(const QByteArray& content, KVA_NETWORKINFO& info) {
+QByteArray readContent(const QByteArray& content, const NetworkBytes& before = {}) {
     const TestFolder folder;
-    return CFileIO().ReadNetworkIni(folder.write("net.ini", content).constData(), &info);
+    folder.write("net.ini", content);
+    return readNetwork("net.ini", before);
 }
 
 } // namespace
 
-void TestNetworkIniRead::sample() {
-    KVA_NETWORKINFO info = {};
-    QVERIFY(read(sampleNetworkIni(), info));
-    QCOMPARE(bytesOf(info).toHex(), sampleNetwork().bytes().toHex());
-    QCOMPARE(info.IPAddress[3], std::uint8_t{10});
-    QCOMPARE(info.EncryptKey, "pass word=1");
-}
+Q_DECLARE_METATYPE(RefusedRow)
 
-void TestNetworkIniRead::flags_data() {
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QByteArray>("hex");
-    const auto row = [](const char* name, const QByteArray& value, const char* hex) {
-        QTest::newRow(name) << value << QByteArray(hex);
-    };
-    row("0", "0", "00000000");
-    row("1", "1", "01000000");
-    row("2 is not refused", "2", "02000000");
-    row("blanks around", " \t1 ", "01000000");
-    row("leading zeros", "01", "01000000");
-    row("text behind", "1 ; on", "01000000");
-    row("no digits", "on", "00000000");
-    row("minus one", "-1", "ffffffff");
-    row("33 bits", "4294967297", "01000000");
-    row("saturates", "99999999999999999999", "ffffffff");
-    row("saturates below", "-99999999999999999999", "00000000");
-    row("510 bytes", QByteArray(509, '0') + "7", "07000000");
-}
+/** What is read from a network settings file: the tool's own, or one that a person, another program
+    or an accident made. */
+class TestNetworkIniRead : public QObject {
+    Q_OBJECT
 
-void TestNetworkIniRead::flags() {
-    QFETCH(QByteArray, value);
-    QFETCH(QByteArray, hex);
-    KVA_NETWORKINFO info = {};
-    QVERIFY(read(iniWith("DHCPUse", value), info));
-    QCOMPARE(bytesOf(info).toHex(), sampleNetwork().dhcpUse(hex.constData()).bytes().toHex());
-
-    info = {};
-    QVERIFY(read(iniWith("APConnectUse", value), info));
-    QCOMPARE(bytesOf(info).toHex(), sampleNetwork().apConnectUse(hex.constData()).bytes().toHex());
-}
-
-void TestNetworkIniRead::addresses_data() {
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QByteArray>("hex");
-    const auto row = [](const char* name, const QByteArray& value, const char* hex) {
-        QTest::newRow(name) << value << QByteArray(hex);
-    };
-    row("plain", "192.168.0.1", "c0a80001");
-    row("an empty piece", "192..168.0.1", "c0a80001");
-    row("leading dot", ".192.168.0.1", "c0a80001");
-    row("trailing dot", "192.168.0.1.", "c0a80001");
-    row("two pieces", "10.1", "0a010000");
-    row("one piece", "10", "0a000000");
-    row("no pieces", "...", "00000000");
-    row("five pieces", "1.2.3.4.5", "01020304");
-    row("five pieces, one of them empty", "1..2.3.4", "01020304");
-    row("256", "256.0.0.256", "00000000");
-    row("300", "300.1.1.1", "2c010101");
-    row("511 and 1000", "511.1000.0.0", "ffe80000");
-    row("negative", "-1.-2.-256.0", "fffe0000");
-    row("saturates", "99999999999999999999.-99999999999999999999.1.2", "ff000102");
-    row("leading zeros", "010.001.000.099", "0a010063");
-    row("blanks", " 1. 2 .\t3.4 ", "01020304");
-    row("no numbers", "a.b.c.d", "00000000");
-    row("text behind", "1a.2b.3c.4d", "01020304");
-    row("no dots", "host", "00000000");
-    row("other delimiter", "1,2,3,4", "01000000");
-    row("510 bytes", QByteArray(503, '0') + "1.2.3.4", "01020304");
-}
-
-void TestNetworkIniRead::addresses() {
-    QFETCH(QByteArray, value);
-    QFETCH(QByteArray, hex);
-    const char* octets = hex.constData();
-    const std::pair<QByteArray, NetworkBytes> cases[] = {
-        {"IPAddress", sampleNetwork().ipAddress(octets)},
-        {"SubnetMask", sampleNetwork().subnetMask(octets)},
-        {"DefaultGateway", sampleNetwork().defaultGateway(octets)},
-        {"DNS", sampleNetwork().dns(octets)}};
-    for (const auto& [key, expected] : cases) {
-        KVA_NETWORKINFO info = {};
-        QVERIFY2(read(iniWith(key, value), info), key.constData());
-        QCOMPARE(bytesOf(info).toHex(), expected.bytes().toHex());
+private Q_SLOTS:
+    void flags_data() {
+        addRows(QVector<TextCase>{
+            {"0", "0", "00000000"},
+            {"1", "1", "01000000"},
+            {"2 is not refused", "2", "02000000"},
+            {"blanks around", " \t1 ", "01000000"},
+            {"leading zeros", "01", "01000000"},
+            {"text behind", "1 ; on", "01000000"},
+            {"no digits", "on", "00000000"},
+            {"minus one", "-1", "ffffffff"},
+            {"33 bits", "4294967297", "01000000"},
+            {"saturates", "99999999999999999999", "ffffffff"},
+            {"saturates below", "-99999999999999999999", "00000000"},
+            {"510 bytes", QByteArray(509, '0') + "7", "07000000"},
+        });
     }
-}
+    void flags() { checkValue({"DHCPUse", "APConnectUse"}); }
 
-void TestNetworkIniRead::texts_data() {
-    QTest::addColumn<QByteArray>("value");
-    QTest::addColumn<QByteArray>("text");
-    const auto row = [](const char* name, const QByteArray& value, const QByteArray& text) {
-        QTest::newRow(name) << value << text;
-    };
-    row("one byte", "a", "a");
-    row("blanks around", "  a b\t", "a b");
-    row("carriage return", "a\r", "a");
-    row("blank before the carriage return", "abc \r", "abc ");
-    row("signs", "=a=", "=a=");
-    row("brackets", "[a]", "[a]");
-    row("semicolon", ";a", ";a");
-    row("high bytes", "\xE6\x97\xA5\xFF", "\xE6\x97\xA5\xFF");
-    row("ends at a NUL byte", QByteArray("ab\0cd", 5), "ab");
-    row("32 bytes", QByteArray(32, 'x'), QByteArray(32, 'x'));
-}
+    void addresses_data() {
+        addRows(QVector<TextCase>{
+            {"plain", "192.168.0.1", "c0a80001"},
+            {"an empty piece", "192..168.0.1", "c0a80001"},
+            {"leading dot", ".192.168.0.1", "c0a80001"},
+            {"trailing dot", "192.168.0.1.", "c0a80001"},
+            {"two pieces", "10.1", "0a010000"},
+            {"one piece", "10", "0a000000"},
+            {"no pieces", "...", "00000000"},
+            {"five pieces", "1.2.3.4.5", "01020304"},
+            {"five pieces, one of them empty", "1..2.3.4", "01020304"},
+            {"256", "256.0.0.256", "00000000"},
+            {"300", "300.1.1.1", "2c010101"},
+            {"511 and 1000", "511.1000.0.0", "ffe80000"},
+            {"negative", "-1.-2.-256.0", "fffe0000"},
+            {"saturates", "99999999999999999999.-99999999999999999999.1.2", "ff000102"},
+            {"leading zeros", "010.001.000.099", "0a010063"},
+            {"blanks", " 1. 2 .\t3.4 ", "01020304"},
+            {"no numbers", "a.b.c.d", "00000000"},
+            {"text behind", "1a.2b.3c.4d", "01020304"},
+            {"no dots", "host", "00000000"},
+            {"other delimiter", "1,2,3,4", "01000000"},
+            {"510 bytes", QByteArray(503, '0') + "1.2.3.4", "01020304"},
+        });
+    }
+    void addresses() { checkValue({"IPAddress", "SubnetMask", "DefaultGateway", "DNS"}); }
 
-void TestNetworkIniRead::texts() {
-    QFETCH(QByteArray, value);
-    QFETCH(QByteArray, text);
-    KVA_NETWORKINFO info = {};
-    QVERIFY(read(iniWith("SSID", value), info));
-    QCOMPARE(bytesOf(info).toHex(),
-             sampleNetwork().ssid(QByteArray(33, '\0')).ssid(text).bytes().toHex());
+    void texts_data() {
+        addRows(QVector<TextCase>{
+            {"one byte", "a", "a"},
+            {"blanks around", "  a b\t", "a b"},
+            {"carriage return", "a\r", "a"},
+            {"blank before the carriage return", "abc \r", "abc "},
+            {"signs", "=a=", "=a="},
+            {"brackets", "[a]", "[a]"},
+            {"semicolon", ";a", ";a"},
+            {"high bytes", "\xE6\x97\xA5\xFF", "\xE6\x97\xA5\xFF"},
+            {"ends at a NUL byte", QByteArray("ab\0cd", 5), "ab"},
+            {"32 bytes", QByteArray(32, 'x'), QByteArray(32, 'x')},
+        });
+    }
+    void texts() { checkValue({"SSID", "EncryptKey"}); }
 
-    info = {};
-    QVERIFY(read(iniWith("EncryptKey", value), info));
-    QCOMPARE(bytesOf(info).toHex(),
-             sampleNetwork().encryptKey(QByteArray(65, '\0')).encryptKey(text).bytes().toHex());
-}
+    void missingKey_data() {
+        QVector<RefusedRow> rows;
+        for (const NetworkField& field : networkFields) {
+            const QByteArray key(field.key);
+            const QByteArray assignment = '\n' + key + '=';
+            rows += {
+                {key + " is missing", key, iniWith(assignment, "\nX=")},
+                {key + " has no value", key, iniSetting(key, "")},
+                {key + " has a blank value", key, iniSetting(key, " \t ")},
+                {key + " has a carriage return", key, iniSetting(key, "\r")},
+                {key + " has a NUL byte", key, iniSetting(key, QByteArray(1, '\0'))},
+                {key + " has no sign", key, iniWith(assignment, '\n' + key + ' ')},
+            };
+        }
+        addRows(rows);
+    }
+    void missingKey() { checkRefused(); }
 
-void TestNetworkIniRead::missingKey_data() {
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<QByteArray>("content");
-    for (const Field& field : fields) {
-        const QByteArray key(field.key);
-        const auto row = [&key](const char* name, const QByteArray& content) {
-            QTest::addRow("%s %s", key.constData(), name) << key << content;
+    void tooLong_data() {
+        QVector<RefusedRow> rows;
+        const auto add = [&rows](const QByteArray& key, const char* what,
+                                 const QVector<int>& lengths) {
+            for (const int length : lengths)
+                rows.append({what + (" of " + QByteArray::number(length)) + " bytes", key,
+                             iniSetting(key, QByteArray(length, 'x'))});
         };
-        row("is missing", sampleNetworkIni().replace('\n' + key + '=', "\nX="));
-        row("has no value", iniWith(key, ""));
-        row("has a blank value", iniWith(key, " \t "));
-        row("has a carriage return", iniWith(key, "\r"));
-        row("has a NUL byte", iniWith(key, QByteArray("\0", 1)));
-        row("has no sign", sampleNetworkIni().replace('\n' + key + '=', '\n' + key + ' '));
+        add("SSID", "SSID", {33, 34, 64, 65, 511, 512, 513, 544, 577, 70000});
+        add("EncryptKey", "key", {65, 66, 511, 512, 513, 576, 577, 70000});
+        for (const char* number :
+             {"DHCPUse", "IPAddress", "SubnetMask", "DefaultGateway", "DNS", "APConnectUse"})
+            add(number, number, {511, 512, 513, 600, 70000});
+        addRows(rows);
     }
-}
+    void tooLong() { checkRefused(); }
 
-/** The fields of the keys before it are filled, the others are not reached. */
-void TestNetworkIniRead::missingKey() {
-    QFETCH(QByteArray, key);
-    QFETCH(QByteArray, content);
-    KVA_NETWORKINFO info = {};
-    QVERIFY(!read(content, info));
-    QCOMPARE(bytesOf(info).toHex(), readUpTo(key).toHex());
-}
-
-void TestNetworkIniRead::tooLong_data() {
-    QTest::addColumn<QByteArray>("key");
-    QTest::addColumn<int>("length");
-    for (const int length : {33, 34, 64, 65, 511, 512, 513, 544, 577, 70000})
-        QTest::addRow("SSID of %d bytes", length) << QByteArray("SSID") << length;
-    for (const int length : {65, 66, 511, 512, 513, 576, 577, 70000})
-        QTest::addRow("key of %d bytes", length) << QByteArray("EncryptKey") << length;
-    for (const char* number :
-         {"DHCPUse", "IPAddress", "SubnetMask", "DefaultGateway", "DNS", "APConnectUse"}) {
-        for (const int length : {511, 512, 513, 600, 70000})
-            QTest::addRow("%s of %d bytes", number, length) << QByteArray(number) << length;
+    void otherBytesStay() {
+        QCOMPARE(readContent(sampleNetworkIni(), patternedNetwork()),
+                 outcome(true, patternedNetwork().sample().bytes()));
     }
-}
 
-void TestNetworkIniRead::tooLong() {
-    QFETCH(QByteArray, key);
-    QFETCH(int, length);
-    KVA_NETWORKINFO info = {};
-    QVERIFY(!read(iniWith(key, QByteArray(length, 'x')), info));
-    QCOMPARE(bytesOf(info).toHex(), readUpTo(key).toHex());
-}
+    void octetsWithoutAPieceStay() {
+        const NetworkBytes before = patternedNetwork();
+        const QByteArray octets = "\x0A\x01" + before.bytes().mid(10, 2);
+        QCOMPARE(readContent(iniSetting("IPAddress", "10.1"), before),
+                 outcome(true, NetworkBytes(before).sample().set("IPAddress", octets).bytes()));
+    }
 
-void TestNetworkIniRead::otherBytesStay() {
-    auto info = patternedRecord<KVA_NETWORKINFO>();
-    const QByteArray expected = NetworkBytes(info)
-                                    .apConnectUse("01000000")
-                                    .dhcpUse("00000000")
-                                    .ipAddress("c0a8000a")
-                                    .subnetMask("ffffff00")
-                                    .defaultGateway("c0a80001")
-                                    .dns("08080404")
-                                    .ssid("Lab 5")
-                                    .encryptKey("pass word=1")
-                                    .bytes();
-    QVERIFY(read(sampleNetworkIni(), info));
-    QCOMPARE(bytesOf(info).toHex(), expected.toHex());
-}
+    void roundTrip_data() {
+        const auto addresses = [](const char* hex) {
+            return sampleNetwork()
+                .setHex("IPAddress", hex)
+                .setHex("SubnetMask", hex)
+                .setHex("DefaultGateway", hex)
+                .setHex("DNS", hex)
+                .bytes();
+        };
+        addRows(QVector<TextCase>{
+            {"sample", sampleNetwork().bytes()},
+            {"both flags on", sampleNetwork().dhcpUse("01000000").bytes()},
+            {"both flags off", sampleNetwork().setHex("APConnectUse", "00000000").bytes()},
+            {"longest texts",
+             sampleNetwork().ssid(QByteArray(32, 's')).encryptKey(QByteArray(64, 'k')).bytes()},
+            {"all zero addresses", addresses("00000000")},
+            {"highest addresses", addresses("ffffffff")},
+            {"texts like lines", sampleNetwork().ssid("DNS=1").encryptKey("[Other]").bytes()},
+            {"high bytes", sampleNetwork().ssid("\xE6\x97\xA5").bytes()},
+            // An empty text is written, but not read.
+            {"SSID", sampleNetwork().ssid(QByteArray(5, '\0')).bytes(), "SSID"},
+            {"key", sampleNetwork().encryptKey(QByteArray(11, '\0')).bytes(), "EncryptKey"},
+        });
+    }
+    void roundTrip() {
+        QFETCH(const TextCase, row);
+        KVA_NETWORKINFO written = {};
+        std::memcpy(&written, row.given.constData(), sizeof(written));
+        const TestFolder folder;
+        QVERIFY(CFileIO().WriteNetworkIni("net.ini", &written));
+        QCOMPARE(readNetwork("net.ini"),
+                 row.expected.isEmpty()
+                     ? outcome(true, row.given)
+                     : outcome(false, sampleNetwork().clearFrom(row.expected).bytes()));
+    }
 
-void TestNetworkIniRead::octetsWithoutAPieceStay() {
-    auto info = patternedRecord<KVA_NETWORKINFO>();
-    const QByteArray before = bytesOf(info);
-    QVERIFY(read(iniWith("IPAddress", "10.1"), info));
-    QCOMPARE(bytesOf(info).mid(8, 4).toHex(), "0a01" + before.mid(10, 2).toHex());
-}
+    void accepted_data() {
+        const QByteArray file = sampleNetworkIni();
+        QByteArrayList lines = file.split('\n');
+        lines.removeAll({});
+        lines.removeFirst();
+        std::reverse(lines.begin(), lines.end());
+        addRows(QVector<TextCase>{
+            {"as written", file},
+            {"CR LF", iniWith("\n", "\r\n")},
+            {"no final line feed", file.chopped(1)},
+            {"no final line feed, carriage return", file.chopped(1) + '\r'},
+            {"header in lower case", iniWith("[Network]", "[network]")},
+            {"header in upper case", iniWith("[Network]", "[NETWORK]")},
+            {"keys in lower case", file.toLower().replace("lab 5", "Lab 5")},
+            {"keys in upper case",
+             file.toUpper().replace("LAB 5", "Lab 5").replace("PASS WORD=1", "pass word=1")},
+            {"blanks around the signs", QByteArray(file)
+                                            .replace("DHCPUse=", "dhcpuse = ")
+                                            .replace("SSID=", "\tSSID\t=\t")
+                                            .replace("DNS=", "  DNS  =")},
+            {"keys in another order", "[Network]\n" + lines.join('\n')},
+            {"extra keys", iniWith("SSID=", "Extra=1\nSSID2=x\nNoSign\nSSID=")},
+            {"empty lines", iniWith("\n", "\n\n")},
+            {"no comments", QByteArray(file)
+                                .replace("; 0:eDHCP_OFF, 1:eDHCP_ON\n", "")
+                                .replace("; 0:eAPConnect_OFF, 1:eAPConnect_ON\n", "")},
+            {"comments like keys",
+             iniWith("[Network]\n", "[Network]\n;SSID=x\n; DHCPUse=1\n#DNS=1\n")},
+            {"later section repeats them", file + "[Other]\nDHCPUse=1\nSSID=x\nDNS=1.1.1.1\n"},
+            {"a key stands twice", file + "SSID=x\n"},
+            {"earlier section", "[Other]\nDHCPUse=1\nSSID=x\n" + file},
+            {"keys before the section", "DHCPUse=1\nSSID=x\n" + file},
+            {"part of them in a later section", iniWith("SSID=", "[Wireless]\nSSID=")},
+            {"byte order mark in its own line", "\xEF\xBB\xBF\n" + file},
+            {"NUL bytes between", iniWith("SSID=", QByteArray("\0\0\nSSID=", 8))},
+            {"a long line between", iniWith("SSID=", QByteArray(200000, ';') + "SSID=x\nSSID=")},
+            {"an endless line behind", file + QByteArray(3 << 20, '=')},
+        });
+    }
+    void accepted() {
+        QFETCH(const TextCase, row);
+        QCOMPARE(readContent(row.given), outcome(true, sampleNetwork().bytes()));
+    }
 
-void TestNetworkIniRead::roundTrip_data() {
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::newRow("sample") << sampleNetwork().bytes();
-    QTest::newRow("both flags on") << sampleNetwork().dhcpUse("01000000").bytes();
-    QTest::newRow("both flags off") << sampleNetwork().apConnectUse("00000000").bytes();
-    QTest::newRow("longest texts")
-        << sampleNetwork().ssid(QByteArray(32, 's')).encryptKey(QByteArray(64, 'k')).bytes();
-    QTest::newRow("all zero addresses") << sampleNetwork()
-                                               .ipAddress("00000000")
-                                               .subnetMask("00000000")
-                                               .defaultGateway("00000000")
-                                               .dns("00000000")
-                                               .bytes();
-    QTest::newRow("highest addresses") << sampleNetwork()
-                                              .ipAddress("ffffffff")
-                                              .subnetMask("ffffffff")
-                                              .defaultGateway("ffffffff")
-                                              .dns("ffffffff")
-                                              .bytes();
-    QTest::newRow("texts like lines")
-        << sampleNetwork().ssid("DNS=1").encryptKey("[Other]").bytes();
-    QTest::newRow("high bytes") << sampleNetwork().ssid("\xE6\x97\xA5").bytes();
-}
+    void refused_data() {
+        const QByteArray file = sampleNetworkIni();
+        addRows(QVector<TextCase>{
+            {"empty", ""},
+            {"line feeds", "\n\n\n"},
+            {"NUL bytes", QByteArray(5000, '\0')},
+            {"noise", QByteArray(5000, '\xFF')},
+            {"only the header", "[Network]\n"},
+            {"no header", iniWith("[Network]\n", "")},
+            {"another header", iniWith("[Network]", "[Net]")},
+            {"header with a trailing blank", iniWith("[Network]", "[Network] ")},
+            {"header with a comment", iniWith("[Network]", "[Network];")},
+            {"header behind the keys", file.mid(10) + "[Network]\n"},
+            {"carriage returns alone", iniWith("\n", "\r")},
+            {"byte order mark", "\xEF\xBB\xBF" + file},
+            {"UTF-16, low byte first", "\xFF\xFE" + utf16(file, true)},
+            {"UTF-16, high byte first", "\xFE\xFF" + utf16(file, false)},
+            {"one line", iniWith("\n", " ")},
+            {"one endless line", "[Network]" + QByteArray(3 << 20, 'x')},
+        });
+    }
+    /** None of them has a first key, so the record stays as it was. */
+    void refused() {
+        QFETCH(const TextCase, row);
+        QCOMPARE(readContent(row.given, patternedNetwork()),
+                 outcome(false, patternedNetwork().bytes()));
+    }
 
-void TestNetworkIniRead::roundTrip() {
-    QFETCH(QByteArray, bytes);
-    KVA_NETWORKINFO written = {};
-    std::memcpy(&written, bytes.constData(), sizeof(written));
-    const TestFolder folder;
-    const QByteArray path = folder.path("net.ini");
-    QVERIFY(CFileIO().WriteNetworkIni(path.constData(), &written));
-    KVA_NETWORKINFO info = {};
-    QVERIFY(CFileIO().ReadNetworkIni(path.constData(), &info));
-    QCOMPARE(bytesOf(info).toHex(), bytes.toHex());
-}
+    void valueOfALaterSection() {
+        QCOMPARE(readContent(iniWith("DNS=8.8.4.4\n", "") + "[Other]\nDNS=1.1.1.1\n"),
+                 outcome(true, sampleNetwork().setHex("DNS", "01010101").bytes()));
+    }
 
-void TestNetworkIniRead::emptyTextDoesNotRoundTrip_data() {
-    QTest::addColumn<QByteArray>("key");
-    QTest::newRow("SSID") << QByteArray("SSID");
-    QTest::newRow("key") << QByteArray("EncryptKey");
-}
+    void nullArguments() {
+        const TestFolder folder;
+        folder.write("net.ini", sampleNetworkIni());
+        QVERIFY(!CFileIO().ReadNetworkIni("net.ini", nullptr));
+        QCOMPARE(readNetwork(nullptr, patternedNetwork()),
+                 outcome(false, patternedNetwork().bytes()));
+    }
 
-void TestNetworkIniRead::emptyTextDoesNotRoundTrip() {
-    QFETCH(QByteArray, key);
-    KVA_NETWORKINFO written = sampleNetwork().record();
-    (key == "SSID" ? written.SSID : written.EncryptKey)[0] = '\0';
-    const TestFolder folder;
-    const QByteArray path = folder.path("net.ini");
-    QVERIFY(CFileIO().WriteNetworkIni(path.constData(), &written));
-    QVERIFY(folder.read("net.ini").contains('\n' + key + "=\n"));
-    KVA_NETWORKINFO info = {};
-    QVERIFY(!CFileIO().ReadNetworkIni(path.constData(), &info));
-    QCOMPARE(bytesOf(info).toHex(), readUpTo(key).toHex());
-}
+private:
+    /** The row's value, given to each of the keys in turn, is read as these bytes: of a text, else
+        in hexadecimal. */
+    void checkValue(const QByteArrayList& keys) {
+        QFETCH(const TextCase, row);
+        for (const QByteArray& key : keys) {
+            const bool isText = key == "SSID" || key == "EncryptKey";
+            const QByteArray bytes = isText
+                                         ? row.expected.leftJustified(key == "SSID" ? 33 : 65, '\0')
+                                         : QByteArray::fromHex(row.expected);
+            QCOMPARE(readContent(iniSetting(key, row.given)),
+                     outcome(true, sampleNetwork().set(key, bytes).bytes()));
+        }
+    }
 
-QTEST_GUILESS_MAIN(TestNetworkIniRead)
+    /** The fields of the keys before it are filled, the others are not reached. */
+    void checkRefused() {
+        QFETCH(const RefusedRow, row);
+        QCOMPARE(readContent(row.content),
+                 outcome(false, sampleNetwork().clearFrom(row.key).bytes()));
+    }
+};
+
+TEST_CLASS(TestNetworkIniRead)
 
 #include "tst_network_ini_read.moc"

@@ -1,0 +1,217 @@
+#include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/hostile/HostileCases.h"
+
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace {
+
+/** What checking the file logs: nothing where the reader fails, else number and values; those that
+    the file does not have are 0. */
+QStringList checkLines(const CalibrationCase& c) {
+    if (!c.isRead)
+        return {};
+    QStringList lines(QString("SerialNo: %1 \n").arg(c.serialNumber));
+    for (int k = 0; k < calRefReader(c.adapter).valueCount; ++k) {
+        // As printf does it, but for a zero's sign, which Qt's log leaves out.
+        const auto value = static_cast<double>(c.values.value(k));
+        lines.append(
+            QString("rfWhite.spcData[%1]: %2 \n")
+                .arg(QString::number(k), QString::asprintf("%f", value == 0.0 ? 0.0 : value)));
+    }
+    return lines;
+}
+
+/** The serial number of an accepted file as the window shows it. */
+QString shownNumber(const CalibrationCase& c) {
+    return QString("%1").arg(c.serialNumber, 8, 10, QChar('0'));
+}
+
+/** The calibration record of the connected instrument. */
+QByteArray heldRecord() {
+    KVA_JIG_CALREFDATA record = {};
+    KVA_JIG_GetFactoryCalib_CALREFDATA(&record);
+    return bytesOf(record);
+}
+
+/** The three texts of the tab: instrument's serial number, file name, file's serial number. */
+QStringList textsOf(SettingsFixture& f, const CalibrationTab& tab) {
+    return f.calibrationTexts().mid(tab.firstText, 3);
+}
+
+QString dotted(const uint8_t (&octets)[4]) {
+    QStringList texts;
+    for (const uint8_t octet : octets)
+        texts.append(QString::number(octet));
+    return texts.join('.');
+}
+
+/** What the network tab shows of such settings. */
+QStringList shown(const KVA_NETWORKINFO& info) {
+    const bool isDhcpOn = info.DHCPUse != 0;
+    return {QString::fromUtf8(info.SSID),
+            QString::fromUtf8(info.EncryptKey),
+            dotted(info.IPAddress),
+            dotted(info.SubnetMask),
+            dotted(info.DefaultGateway),
+            dotted(info.DNS),
+            info.APConnectUse != 0 ? "enableRadioBtn" : "disableRadioBtn",
+            isDhcpOn ? "dhcpOnRadioBtn" : "dhcpOffRadioBtn",
+            isDhcpOn ? "0" : "16"};
+}
+
+QStringList shownBy(SettingsFixture& f) {
+    return f.networkTexts() + f.checked().mid(0, 2) +
+           QStringList(QString::number(f.enabledAddressEdits()));
+}
+
+const char* success = "information: Successful read file data.";
+
+} // namespace
+
+/** Hostile files: what the readers make of them, the tabs, and the instrument. */
+class TestHostileRead : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void everyKindHasARow() {
+        QStringList settings;
+        for (const SettingsCase& c : settingsCases())
+            settings.append(c.name);
+        QStringList calibration[2];
+        for (const CalibrationCase& c : calibrationCases())
+            calibration[c.adapter ? 1 : 0].append(QString(c.name).section(", ", 0, -2));
+        QCOMPARE(strayKinds(settings), QStringList());
+        QCOMPARE(strayKinds(calibration[0]), QStringList());
+        QCOMPARE(strayKinds(calibration[1]), QStringList());
+    }
+
+    void settingsReader_data() { addRows(settingsCases()); }
+    void settingsReader() {
+        QFETCH(const SettingsCase, row);
+        HostileFile file(row);
+        file.place();
+        file.strike();
+        const QByteArray read = readNetwork(file.path());
+        file.release();
+        QCOMPARE(read, outcome(row.isLoaded, row.record.bytes()));
+        QVERIFY(file.wasBearable());
+    }
+
+    void calibrationReader_data() { addRows(calibrationCases()); }
+    void calibrationReader() {
+        QFETCH(const CalibrationCase, row);
+        HostileFile file(row);
+        file.place();
+        file.strike();
+        const QByteArray read = readCalRef(row.adapter, file.path());
+        file.release();
+        QCOMPARE(read, outcome(row.isRead, calRefRecord(row.adapter, row.serialNo, row.values),
+                               row.printed));
+        QVERIFY(file.wasBearable());
+    }
+
+    void networkTab_data() { addRows(settingsCases()); }
+    void networkTab() {
+        QFETCH(const SettingsCase, row);
+        HostileFile file(row);
+        file.place();
+        SettingsFixture f;
+        QVERIFY(f.connectFirst());
+        f.setOctets({"1x"});
+        const QStringList before = f.everything();
+        const QJsonObject state = TestBench::state();
+        file.strikeBetween(f.answers);
+        f.answers.willChoose(row.file);
+        f.click("readToFilePushBtn");
+
+        QCOMPARE(f.boxes(),
+                 QStringList(row.isLoaded ? success
+                                          : "error: Failed to read Network Infomation file data."));
+        const QStringList line("Failed to read networkInfo parameter data. \n");
+        QCOMPARE(f.lines(), row.isLoaded ? QStringList() : line);
+        if (row.isLoaded)
+            QCOMPARE(shownBy(f), shown(row.record.record()));
+        else
+            QCOMPARE(f.everything(), before);
+        QCOMPARE(bytesOf(f.controller->m_networkInfo).toHex(), row.record.bytes().toHex());
+        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(TestBench::state(), state);
+        QVERIFY(file.wasBearable());
+    }
+
+    void chosen_data() { addRows(calibrationCases()); }
+    void chosen() {
+        QFETCH(const CalibrationCase, row);
+        const CalibrationTab& tab = calibrationTab(row.adapter);
+        HostileFile file(row);
+        file.place();
+        SettingsFixture f;
+        QVERIFY(f.connectFirst(tab.page));
+        const QString held = textsOf(f, tab).constFirst();
+        const QByteArray record = heldRecord();
+        f.clearRecords();
+        file.strikeBetween(f.answers);
+        f.answers.willChoose(row.file);
+        const QByteArray printed = printedDuring([&] { f.click(tab.chooseButton); });
+
+        QCOMPARE(f.boxes(),
+                 QStringList(row.isAccepted ? success : "error: Failed to read file data."));
+        QCOMPARE(f.lines(), checkLines(row));
+        QCOMPARE(printed, row.printed);
+        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(textsOf(f, tab), (QStringList{held, QFileInfo(row.file).baseName(),
+                                               row.isAccepted ? shownNumber(row) : QString()}));
+        QCOMPARE(f.disabled().contains(tab.writeButton), !row.isAccepted);
+        QCOMPARE(heldRecord().toHex(), record.toHex());
+        QVERIFY(file.wasBearable());
+    }
+
+    void written_data() { addRows(calibrationCases()); }
+    /** A good file was chosen; when it is to be written, this one is in its place. */
+    void written() {
+        QFETCH(const CalibrationCase, row);
+        const CalibrationTab& tab = calibrationTab(row.adapter);
+        HostileFile file(row);
+        file.place(TestBench::valueFile(tab.lowestSerialLine, tab.valueCount));
+        SettingsFixture f;
+        QVERIFY(f.connectFirst(tab.page));
+        f.answers.willChoose(row.file);
+        f.click(tab.chooseButton);
+        QCOMPARE(f.boxes(), QStringList(success));
+        QStringList texts = textsOf(f, tab);
+        const QByteArray record = heldRecord();
+        f.clearRecords();
+
+        f.answers.onBox = [&file](QMessageBox&) { file.release(); };
+        file.place();
+        file.strike();
+        const QByteArray printed = printedDuring([&] { f.click(tab.writeButton); });
+
+        const bool isRegistered = row.isRegistered();
+        QCOMPARE(f.boxes(), QStringList(isRegistered ? "information: Successful device writing."
+                                                     : tab.failureBox));
+        const QStringList line("file.GetCalRefDataFromFile() failed.");
+        QCOMPARE(f.lines(), row.isRead ? QStringList() : line);
+        QCOMPARE(printed, row.printed);
+        const QString get = "KVA_JIG_GetFactoryCalib_CALREFDATA";
+        const QStringList calls = {get, "KVA_JIG_SetFactoryCalib_CALREFDATA",
+                                   "KVA_JIG_SetFactoryCalib_WriteSector", get, get};
+        QCOMPARE(TestBench::calls(), isRegistered ? calls : QStringList(get));
+        if (isRegistered && !row.serialNo.isEmpty())
+            texts[0] = shownNumber(row);
+        QCOMPARE(textsOf(f, tab), texts);
+        QVERIFY(!f.disabled().contains(tab.writeButton) &&
+                !f.disabled().contains(tab.chooseButton));
+        QCOMPARE(
+            heldRecord().toHex(),
+            (isRegistered ? calRefRecord(row.adapter, row.serialNo, row.values, record) : record)
+                .toHex());
+        QVERIFY(file.wasBearable());
+    }
+};
+
+TEST_CLASS(TestHostileRead)
+
+#include "tst_hostile_read.moc"
