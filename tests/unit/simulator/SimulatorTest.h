@@ -24,6 +24,33 @@ namespace simtest {
 using namespace kvasim_test;
 using nlohmann::json;
 
+/** The test classes of a program, one in each source: `const bool isAdded = addTest<TestX>();`. */
+inline std::vector<QObject* (*)()>& tests() {
+    static std::vector<QObject* (*)()> all;
+    return all;
+}
+
+template <typename Test>
+bool addTest() {
+    tests().push_back([]() -> QObject* { return new Test; });
+    return true;
+}
+
+/** A row for each entry of a table, by its name. */
+template <typename Row, std::size_t Count>
+void addRows(const Row (&rows)[Count]) {
+    QTest::addColumn<int>("row");
+    for (std::size_t index = 0; index < Count; ++index)
+        QTest::newRow(QByteArray(rows[index].name).constData()) << static_cast<int>(index);
+}
+
+/** The entry of the row that is tested. */
+template <typename Row, std::size_t Count>
+const Row& rowOf(const Row (&rows)[Count]) {
+    QFETCH(int, row);
+    return rows[row];
+}
+
 constexpr std::int32_t usbSerial = 1000001;
 constexpr std::int32_t networkSerial = 1000002;
 
