@@ -128,8 +128,7 @@ std::string_view findLine(const FileCheck& check, std::size_t begin, const char*
                           std::string_view& value) {
     for (std::size_t i = begin; i < check.lines().size(); ++i) {
         const std::string_view line = check.lines()[i];
-        if ((line.empty() || line.front() != '[') &&
-            IniLine::assigns(line.substr(0, IniLine::maxSize), key, value))
+        if (IniLine::assigns(line.substr(0, IniLine::maxSize), key, value))
             return line;
     }
     return {};

@@ -68,6 +68,7 @@ private Q_SLOTS:
     void samplesOfTheDocuments();
     void aSensorThatEndsAtZero();
     void severalAtOnce();
+    void expectationsAreNumbers();
     void figures_data();
     void figures();
 };
@@ -169,6 +170,17 @@ void TestPlausibility::severalAtOnce() {
     for (const Implausible& found : findImplausible(plate, values.data(), nullptr))
         indices += found.index;
     QCOMPARE(indices, (QList<std::size_t>{1, 12, 25, 36}));
+}
+
+void TestPlausibility::expectationsAreNumbers() {
+    // The parabola through these leads beyond any number at the first value.
+    Values values = constant(1e-45F);
+    values[1] = values[4] = 3e38F;
+    values[3] = -3e38F;
+    const QByteArrayList found = shown(findImplausible(plate, values.data(), nullptr));
+    QVERIFY(found.size() > 1);
+    for (const QByteArray& text : found)
+        QVERIFY2(!text.contains("inf") && !text.contains("nan"), text);
 }
 
 void TestPlausibility::figures_data() {
