@@ -15,7 +15,8 @@ public:
     FileCheck(const InputFile& file, Faults& faults);
 
     /** Without their LF; the last one may have none. */
-    const std::vector<std::string_view>& lines() const { return m_lines; }
+    const std::vector<std::string_view>& lines() const& { return m_lines; }
+    const std::vector<std::string_view>& lines() const&& = delete;
 
     /** @param place  within a line: it names line and column */
     void add(const char* place, Text text);

@@ -171,7 +171,8 @@ std::optional<ValueFile> ValueFile::check(const InputFile& file,
 
 const CalibrationAccessory& ValueFile::likelyAccessory(const InputFile& file) {
     Faults none;
-    const auto& lines = FileCheck(file, none).lines();
+    const FileCheck check(file, none);
+    const auto& lines = check.lines();
     const std::size_t count = lines.size() > valuesLine ? cellCount(lines[valuesLine]) : 0;
     for (const CalibrationAccessory* accessory :
          {&CalibrationAccessory::whitePlate, &CalibrationAccessory::ambientAdapter}) {
