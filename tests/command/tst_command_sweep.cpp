@@ -93,6 +93,9 @@ std::vector<Call> callsOf(const QJsonArray& faults) {
 struct Combination {
     QString name;
     QJsonArray faults;
+    /** Every answer is wrong in the same way, from the first on: nobody can tell it from the truth,
+        and the snapshot holds it. */
+    bool isMisleading = false;
 };
 
 std::vector<Combination> combinations(const std::vector<Call>& calls, const QString& suffix,
@@ -104,8 +107,11 @@ std::vector<Combination> combinations(const std::vector<Call>& calls, const QStr
                 continue;
             QJsonArray faults = others;
             faults.append(rule(function, QString::number(number) + suffix, kind.what));
+            const bool isMisleading =
+                !suffix.isEmpty() && number == 1 && kind.what.contains("corrupted");
             result.push_back(
-                {QString("%1 %2%3: %4").arg(function).arg(number).arg(suffix, kind.name), faults});
+                {QString("%1 %2%3: %4").arg(function).arg(number).arg(suffix, kind.name), faults,
+                 isMisleading});
         }
     }
     return result;
@@ -143,8 +149,10 @@ QString contradiction(const CommandRun& run, const CommandResult& got) {
     return {};
 }
 
-/** An unfinished write: refused, then put back, and then it is made. */
-QString contradictionAfterwards(CommandRun& run, bool mayBeWritten) {
+/** An unfinished write: refused, then put back, and then it is made.
+    @param mayBeWritten  whether all of it may have been written, without a verdict
+    @param isMisled      whether the snapshot cannot be what the instrument held */
+QString contradictionAfterwards(CommandRun& run, bool mayBeWritten, bool isMisled = false) {
     QJsonObject instrument = run.instrument();
     instrument["plugged"] = true;
     run.setBench(instrument);
@@ -160,7 +168,7 @@ QString contradictionAfterwards(CommandRun& run, bool mayBeWritten) {
         if (restored.outcome() != "verified")
             return "restore: " + restored.text();
         const QString left = differenceBetween(run.instrument(), CommandRun::initialInstrument());
-        if (!left.isEmpty())
+        if (!left.isEmpty() && !isMisled)
             return "restored, but not: " + left;
     }
     const CommandResult applied = run.run(run.applyAll());
@@ -179,7 +187,7 @@ QString tryCombination(const Combination& combination, QString& outcome) {
     outcome = got.outcome();
     QString problem = contradiction(run, got);
     if (problem.isEmpty() && outcome == "unknown")
-        problem = contradictionAfterwards(run, false);
+        problem = contradictionAfterwards(run, false, combination.isMisleading);
     return problem.isEmpty() ? QString() : combination.name + ": " + problem + '\n' + got.text();
 }
 
@@ -256,9 +264,9 @@ void TestCommandSweep::neverSaysWhatIsNotSo() {
     for (const QString& outcome : outcomes)
         ++counts[outcome];
     qInfo() << all.size() << "combinations in" << timer.elapsed() << "ms:" << counts;
-    QVERIFY2(problems.isEmpty(),
-             qPrintable(QString("%1 of %2\n").arg(problems.size()).arg(all.size()) +
-                        problems.mid(0, 10).join('\n')));
+    for (const QString& problem : problems)
+        qInfo().noquote() << problem.left(1000);
+    QCOMPARE(problems.size(), 0);
     // The oracle has seen all of them.
     for (const char* outcome : {"verified", "refused", "rolled-back", "unknown"})
         QVERIFY2(counts.value(outcome) > 0, outcome);
@@ -273,9 +281,9 @@ void TestCommandSweep::survivesBeingKilled() {
             return tryKill(index % 2 == 0 ? "before" : "after", static_cast<int>(index / 2) + 1);
         });
     qInfo() << calls * 2 << "kills in" << timer.elapsed() << "ms";
-    QVERIFY2(problems.isEmpty(),
-             qPrintable(QString("%1 of %2\n").arg(problems.size()).arg(calls * 2) +
-                        problems.mid(0, 10).join('\n')));
+    for (const QString& problem : problems)
+        qInfo().noquote() << problem.left(1000);
+    QCOMPARE(problems.size(), 0);
 }
 
 QTEST_GUILESS_MAIN(TestCommandSweep)
