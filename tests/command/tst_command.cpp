@@ -19,14 +19,6 @@ QJsonObject result(const QString& code) {
     return {{"result", code}};
 }
 
-/** Sends the signal when the program has made so many calls of the function. */
-void interruptAfter(const CommandRun& run, QProcess& process, const QString& function, int count,
-                    int times = 1) {
-    QTRY_VERIFY_WITH_TIMEOUT(run.calls().count(function) >= count, 10000);
-    for (int i = 0; i < times; ++i)
-        ::kill(static_cast<pid_t>(process.processId()), SIGINT);
-}
-
 /** An apply of everything, under a fault. */
 struct Case {
     const char* name;
@@ -103,6 +95,14 @@ void TestCommand::applies_data() {
         {"a fetch that fills nothing and answers 0",
          {},
          {preload, "SHIM_SILENT=2:0"},
+         {},
+         3,
+         "refused",
+         "unwritten",
+         Case::Initial},
+        {"a byte that no reading fills",
+         {},
+         {preload, "SHIM_UNWRITTEN=1"},
          {},
          3,
          "refused",
@@ -404,40 +404,35 @@ void TestCommand::neverCommitsARefusedPlate() {
 }
 
 void TestCommand::honoursInterrupts_data() {
-    QTest::addColumn<QString>("delayed");
-    QTest::addColumn<QString>("after"); ///< sent after so many calls of it
-    QTest::addColumn<int>("count");
+    QTest::addColumn<QString>("during");
     QTest::addColumn<int>("times");
     QTest::addColumn<QString>("outcome");
     QTest::addColumn<QByteArray>("said");
-    QTest::newRow("while it connects")
-        << "KVA_Connect"
-        << "KVA_GetDevicePortList" << 2 << 1 << "refused" << QByteArray("after the present step");
-    QTest::newRow("while it stages") << "KVA_JIG_SetFactoryCalib_CALREFDATA" << fetch << 3 << 1
-                                     << "rolled-back" << QByteArray("has been committed");
-    QTest::newRow("twice while it stages")
-        << "KVA_JIG_SetFactoryCalib_CALREFDATA" << fetch << 3 << 2 << "rolled-back"
-        << QByteArray("has been committed");
-    QTest::newRow("while it commits")
-        << commit << fetch << 4 << 1 << "rolled-back" << QByteArray("has been committed");
-    QTest::newRow("while it sets the power-off time")
-        << "KVA_SetShutdownTime" << commit << 2 << 1 << "rolled-back"
-        << QByteArray("after the present step");
-    QTest::newRow("while it is read back")
-        << "KVA_Disconnect"
-        << "KVA_SetNetworkInfo" << 1 << 1 << "verified" << QByteArray("state is known");
+    const auto row = [](const char* name, const QString& during, int times, const char* outcome,
+                        const char* said) {
+        QTest::newRow(name) << during << times << QString(outcome) << QByteArray(said);
+    };
+    row("while it connects", "KVA_Connect", 1, "refused", "after the present step");
+    row("while it stages", "KVA_JIG_SetFactoryCalib_CALREFDATA", 1, "rolled-back",
+        "has been committed");
+    row("twice while it stages", "KVA_JIG_SetFactoryCalib_CALREFDATA", 2, "rolled-back",
+        "has been committed");
+    row("while it commits", commit, 1, "rolled-back", "has been committed");
+    row("while it sets the power-off time", "KVA_SetShutdownTime", 1, "rolled-back",
+        "after the present step");
+    row("while it is read back", "KVA_Disconnect", 1, "verified", "state is known");
 }
 
 void TestCommand::honoursInterrupts() {
-    QFETCH(const QString, delayed);
-    QFETCH(const QString, after);
-    QFETCH(const int, count);
+    QFETCH(const QString, during);
     QFETCH(const int, times);
     QFETCH(const QByteArray, said);
     CommandRun run;
-    run.setFaults(one(delayed, "1", {{"delayMs", 1000}}));
-    const auto process = run.start(run.applyAll());
-    interruptAfter(run, *process, after, count, times);
+    run.setFaults(one(during, "1", {{"delayMs", 1000}}));
+    const auto process = run.start(run.applyAll(), {preload, "SHIM_BEGUN=" + run.path("begun")});
+    QTRY_VERIFY_WITH_TIMEOUT(run.read("begun").contains(during.toLatin1() + '\n'), 10000);
+    for (int i = 0; i < times; ++i)
+        ::kill(static_cast<pid_t>(process->processId()), SIGINT);
     const CommandResult got = CommandRun::finish(*process);
     QTEST(got.outcome(), "outcome");
     QVERIFY2(got.standardError.contains(said), got.text());

@@ -3,7 +3,8 @@
  * before and after each call. What is true is read from the bench, never from the program.
  *
  *     VQTL4_SWEEP=full  adds the faults that stay from a call on, and pairs of a fault in a call
- *                       that writes and one in any call of the way back
+ *                       that writes and one in any call of the way back; minutes, so with
+ *                       QTEST_FUNCTION_TIMEOUT=3600000
  */
 #include "CommandRun.h"
 
