@@ -5,14 +5,24 @@
 #include "command/ValueFile.h"
 #include "files/CFileIO.h"
 #include "tests/support/StandardOutput.h"
-#include "tests/unit/files/FileFixture.h"
+#include "tests/support/TestFolder.h"
 
 #include <QFileInfo>
 #include <QtTest>
 
+#include <cstring>
 #include <sys/stat.h>
 
 namespace {
+
+/** A folder whose paths are in the local 8-bit encoding, as the readers take them. */
+class LocalFolder : public TestFolder {
+public:
+    QByteArray path(const QString& name) const { return localPath(name); }
+    QByteArray write(const QString& name, const QByteArray& content) const {
+        return QFile::encodeName(TestFolder::write(name, content));
+    }
+};
 
 const CalibrationAccessory& plate = CalibrationAccessory::whitePlate;
 const CalibrationAccessory& adapter = CalibrationAccessory::ambientAdapter;
@@ -73,7 +83,7 @@ class TestCommandFiles : public QObject {
     Q_OBJECT
 
 private:
-    TestFolder m_folder;
+    LocalFolder m_folder;
 
 private Q_SLOTS:
     void valueFiles_data();
