@@ -7,22 +7,27 @@
 #include <string>
 #include <unistd.h>
 
-/** A regular file with the given bytes, gone with the object. Given a path by the descriptor, so
-    that nothing is left behind however the process ends. */
+/** Ends the run with a crash that the fuzzer keeps the input of. */
+inline void require(bool condition) {
+    if (!condition)
+        std::abort();
+}
+
+/** The input as a text. */
+inline std::string textOf(const std::uint8_t* data, std::size_t size) {
+    return std::string(reinterpret_cast<const char*>(data), size);
+}
+
+/** A regular file, gone with the object. Its path is that of the descriptor, so that nothing is
+   left behind however the process ends. */
 class FuzzFile {
 public:
-    FuzzFile(const std::uint8_t* data, std::size_t size) {
+    explicit FuzzFile(const std::string& content) {
         char name[] = "/tmp/vqtl4-fuzz-XXXXXX";
         m_descriptor = ::mkstemp(name);
-        if (m_descriptor < 0 || ::unlink(name) != 0)
-            std::abort();
-        while (size > 0) {
-            const ssize_t written = ::write(m_descriptor, data, size);
-            if (written <= 0)
-                std::abort();
-            data += written;
-            size -= static_cast<std::size_t>(written);
-        }
+        require(m_descriptor >= 0 && ::unlink(name) == 0);
+        require(::write(m_descriptor, content.data(), content.size()) ==
+                static_cast<ssize_t>(content.size()));
 #ifdef __linux__
         m_path = "/proc/self/fd/" + std::to_string(m_descriptor);
 #else
@@ -35,6 +40,9 @@ public:
     FuzzFile(const FuzzFile&) = delete;
     FuzzFile& operator=(const FuzzFile&) = delete;
 
+    int descriptor() const {
+        return m_descriptor;
+    }
     const char* path() const {
         return m_path.c_str();
     }
@@ -43,11 +51,5 @@ private:
     int m_descriptor;
     std::string m_path;
 };
-
-/** Ends the run with a crash that the fuzzer keeps the input of. */
-inline void require(bool condition) {
-    if (!condition)
-        std::abort();
-}
 
 #endif

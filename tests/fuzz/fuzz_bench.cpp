@@ -6,8 +6,7 @@
 #include <cstring>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    if (!KvaSim_LoadJson(text.c_str())) {
+    if (!KvaSim_LoadJson(textOf(data, size).c_str())) {
         require(std::strlen(KvaSim_LastError()) > 0);
         return 0;
     }

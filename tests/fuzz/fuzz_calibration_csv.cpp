@@ -2,50 +2,28 @@
 // record, and the standard output.
 #include "files/CFileIO.h"
 #include "tests/fuzz/FuzzFile.h"
-#include "tests/fuzz/NaiveCalRef.h"
+#include "tests/fuzz/Naive.h"
 
 #include <cstring>
-#include <string>
 
 namespace {
 
 /** The file that the standard output goes to. */
 int outputFile() {
-    static const int file = [] {
-        char name[] = "/tmp/vqtl4-fuzz-XXXXXX";
-        const int descriptor = ::mkstemp(name);
-        require(descriptor >= 0 && ::unlink(name) == 0);
-        require(::dup2(descriptor, STDOUT_FILENO) == STDOUT_FILENO);
-        return descriptor;
-    }();
-    return file;
+    static const FuzzFile file("");
+    static const int duplicate = ::dup2(file.descriptor(), STDOUT_FILENO);
+    require(duplicate == STDOUT_FILENO);
+    return duplicate;
 }
 
 /** What was printed since the last call. */
 std::string takeOutput() {
     const off_t size = ::lseek(outputFile(), 0, SEEK_CUR);
     require(size >= 0);
-    if (size == 0)
-        return {};
     std::string text(static_cast<std::size_t>(size), '\0');
     require(::pread(outputFile(), &text[0], text.size(), 0) == size);
     require(::ftruncate(outputFile(), 0) == 0 && ::lseek(outputFile(), 0, SEEK_SET) == 0);
     return text;
-}
-
-void check(bool isAdapter, const char* path, const std::string& text) {
-    KVA_JIG_CALREFDATA record;
-    std::memset(&record, 0xA5, sizeof record);
-    const std::string before(sizeof record, '\xA5');
-    CFileIO io;
-    const bool accepted = isAdapter ? io.GetAmbAdpCalRefDataFromFile(path, &record)
-                                    : io.GetCalRefDataFromFile(path, &record);
-
-    const NaiveCalRef::Reading expected = NaiveCalRef::read(text, isAdapter, before);
-    require(accepted == expected.accepted);
-    const char* bytes = reinterpret_cast<const char*>(&record);
-    require(std::string(bytes, sizeof record) == expected.record);
-    require(takeOutput() == expected.printed);
 }
 
 } // namespace
@@ -56,9 +34,19 @@ extern "C" int LLVMFuzzerInitialize(int* /*argc*/, char*** /*argv*/) {
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const FuzzFile file(data, size);
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    for (const bool isAdapter : {false, true})
-        check(isAdapter, file.path(), text);
+    const std::string text = textOf(data, size);
+    const FuzzFile file(text);
+    for (const bool isAdapter : {false, true}) {
+        KVA_JIG_CALREFDATA record;
+        std::memset(&record, 0xA5, sizeof record);
+        std::string expected(sizeof record, '\xA5');
+        std::string printed;
+        CFileIO io;
+        const bool accepted = isAdapter ? io.GetAmbAdpCalRefDataFromFile(file.path(), &record)
+                                        : io.GetCalRefDataFromFile(file.path(), &record);
+        require(accepted == Naive::readCalibration(text, isAdapter, expected, printed));
+        require(std::memcmp(&record, expected.data(), sizeof record) == 0);
+        require(takeOutput() == printed);
+    }
     return 0;
 }

@@ -6,20 +6,12 @@
 #include <algorithm>
 #include <cctype>
 #include <cstdio>
-#include <cstring>
 #include <vector>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::size_t count = size / 2;
-    const std::string text(reinterpret_cast<const char*>(data), size);
-    const auto isPair = [&](std::size_t i) {
-        return std::strchr("0123456789abcdefABCDEF", text[2 * i]) && text[2 * i] != '\0' &&
-               std::strchr("0123456789abcdefABCDEF", text[2 * i + 1]) && text[2 * i + 1] != '\0';
-    };
-    std::size_t good = 0;
-    while (good < count && isPair(good))
-        ++good;
-
+    const std::string text = textOf(data, size);
+    const std::size_t good = std::min(text.find_first_not_of("0123456789abcdefABCDEF"), size) / 2;
     std::vector<unsigned char> out(count + 16, 0xA5);
     CHexToBin converter;
     const int result = converter.hexToBin(text.c_str(), out.data(), static_cast<int>(count));

@@ -9,9 +9,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (size == 0)
         return 0;
     const char delimiter = static_cast<char>(data[0]);
-    const std::string text(reinterpret_cast<const char*>(data) + 1, size - 1);
+    std::string text = textOf(data + 1, size - 1);
     const std::vector<std::string> pieces = CFileIO::SplitString(text, delimiter);
-
     std::string all;
     std::string joined;
     for (const std::string& piece : pieces) {
@@ -19,9 +18,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         all += piece;
         joined += delimiter + piece + delimiter;
     }
-    std::string expected = text;
-    expected.erase(std::remove(expected.begin(), expected.end(), delimiter), expected.end());
-    require(all == expected);
+    text.erase(std::remove(text.begin(), text.end(), delimiter), text.end());
+    require(all == text);
     require(CFileIO::SplitString(joined, delimiter) == pieces);
     return 0;
 }
