@@ -9,6 +9,8 @@
 #include <cstring>
 #include <vector>
 
+#include <arpa/inet.h>
+
 namespace kvasim {
 
 // The records are kept as the caller sees them, and a port entry is compared byte for byte.
@@ -155,26 +157,13 @@ Json textToJson(const std::uint8_t* bytes, std::size_t size) {
 }
 
 void readAddress(const Json& value, const std::string& path, std::uint8_t* octets) {
-    const std::string text = value.is_string() ? value.get<std::string>() : std::string();
-    const char* place = text.data();
-    const char* const end = place + text.size();
-    bool good = true;
-    for (int index = 0; good && index < 4; ++index) {
-        if (index > 0)
-            good = place != end && *place++ == '.';
-        const auto read = std::from_chars(place, end, octets[index]);
-        good = good && read.ec == std::errc() && read.ptr - place <= 3;
-        place = read.ptr;
-    }
-    if (!good || place != end)
+    if (!value.is_string() || ::inet_pton(AF_INET, value.get<std::string>().c_str(), octets) != 1)
         refuse(path, "must be an address such as \"192.168.0.10\"");
 }
 
 Json addressToJson(const std::uint8_t* octets) {
-    std::string text = std::to_string(octets[0]);
-    for (int index = 1; index < 4; ++index)
-        text += '.' + std::to_string(octets[index]);
-    return text;
+    char text[INET_ADDRSTRLEN] = "";
+    return ::inet_ntop(AF_INET, octets, text, sizeof text);
 }
 
 bool isDecimal(const std::string& text) {

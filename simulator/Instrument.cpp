@@ -3,6 +3,7 @@
 #include "simulator/Bench.h"
 #include "simulator/Records.h"
 
+#include <algorithm>
 #include <array>
 #include <chrono>
 #include <utility>
@@ -56,7 +57,11 @@ void settle(const Part& part, Json& instrument, const std::string& path) {
         Json& value = json.at(pointerTo(field.place));
         const std::string partPath = *part.place == '\0' ? path : joined(path, part.place);
         field.read(value, joined(partPath, field.place), bytes.data());
-        value = field.write(bytes.data());
+        const bool isUsual = field.kind == Kind::Floats &&
+                             std::all_of(value.begin(), value.end(),
+                                         [](const Json& number) { return number.is_number(); });
+        if (!isUsual) // numbers stay as they are given
+            value = field.write(bytes.data());
     }
 }
 
