@@ -157,7 +157,9 @@ Json textToJson(const std::uint8_t* bytes, std::size_t size) {
 }
 
 void readAddress(const Json& value, const std::string& path, std::uint8_t* octets) {
-    if (!value.is_string() || ::inet_pton(AF_INET, value.get<std::string>().c_str(), octets) != 1)
+    const std::string text = value.is_string() ? value.get<std::string>() : std::string();
+    const bool isWhole = text.find('\0') == std::string::npos;
+    if (!isWhole || ::inet_pton(AF_INET, text.c_str(), octets) != 1)
         refuse(path, "must be an address such as \"192.168.0.10\"");
 }
 
