@@ -1,4 +1,4 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 
 #include "simulator/KvaSim.h"
 

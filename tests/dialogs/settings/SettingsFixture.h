@@ -8,7 +8,6 @@
 #include "tests/support/GiveUp.h"
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestBench.h"
-#include "tests/support/TestFolder.h"
 
 #include <QLineEdit>
 #include <QTimer>
@@ -152,30 +151,6 @@ public:
     ConnectSelectDialog selection;
     InitSettingDialog dialog;
     ModalAnswerer answers;
-};
-
-/** A fixture that `connectFirst` has connected, in a working folder of its own. The test fails when
-    it is not connected. */
-class ConnectedFixture : public SettingsFixture {
-public:
-    /** @param patch  changes the instrument before, see `TestBench::set` */
-    explicit ConnectedFixture(Page page = Network, const QByteArray& patch = "{}");
-
-    TestFolder folder;
-
-    /** What there was while the last box was open, unless a test sets `answers.onBox`. */
-    struct {
-        QStringList everything;
-        QStringList disabled;
-        QStringList texts;
-        QStringList calls;
-        bool isWatching = false;
-    } atBox;
-
-    /** What was disabled while the last box was open and is not any more. */
-    QStringList busyAtBox();
-    /** Pulls the plug and waits for the watch's report on top of @p below. @return as `boxes` */
-    QString loseBehind(QWidget& below);
 };
 
 #endif

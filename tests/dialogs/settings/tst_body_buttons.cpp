@@ -1,3 +1,4 @@
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 

@@ -1,4 +1,5 @@
 #include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 

@@ -1,4 +1,4 @@
-#include "tests/dialogs/settings/SettingsFixture.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
 /** The tab of the automatic power-off. */

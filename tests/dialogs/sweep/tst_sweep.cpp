@@ -5,6 +5,7 @@
 #include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/sweep/DialogModel.h"
 #include "tests/dialogs/sweep/FaultKinds.h"
+#include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
 
 #include <QApplication>
