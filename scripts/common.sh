@@ -58,7 +58,8 @@ install_build_needs() {
         export CMAKE_PREFIX_PATH
     elif command -v apt-get >/dev/null; then
         install_debian build-essential cmake ninja-build nlohmann-json3-dev \
-            libcli11-dev qtbase5-dev qttools5-dev qttools5-dev-tools qttranslations5-l10n
+            libcli11-dev qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools \
+            qttranslations5-l10n
     else
         say "Neither Debian, Ubuntu nor macOS: taking what is installed"
     fi
