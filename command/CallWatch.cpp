@@ -4,7 +4,7 @@
 #include "command/Report.h"
 #include "command/Text.h"
 
-CallWatch::CallWatch() : m_thread(&CallWatch::watch, this) {}
+CallWatch::CallWatch(CallObserver* next) : m_next(next), m_thread(&CallWatch::watch, this) {}
 
 CallWatch::~CallWatch() {
     {
@@ -16,6 +16,8 @@ CallWatch::~CallWatch() {
 }
 
 void CallWatch::callBegins(const char* function) {
+    if (m_next != nullptr)
+        m_next->callBegins(function);
     {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_function = function;
@@ -32,6 +34,8 @@ void CallWatch::callEnded(const CallResult& result) {
     m_changed.notify_one();
     if (result.code > 0)
         m_warnings |= result.code;
+    if (m_next != nullptr)
+        m_next->callEnded(result);
 }
 
 void CallWatch::watch() {

@@ -15,7 +15,8 @@ public:
     /** A call that takes so long is told of, and again each time that it has taken as long more. */
     static constexpr std::chrono::seconds patience{3};
 
-    CallWatch();
+    /** @param next  is told of each call as well, and outlives the object; null for nobody */
+    explicit CallWatch(CallObserver* next = nullptr);
     ~CallWatch() override;
     CallWatch(const CallWatch&) = delete;
     CallWatch& operator=(const CallWatch&) = delete;
@@ -29,6 +30,7 @@ public:
 private:
     void watch();
 
+    CallObserver* m_next;
     KVA_RESULT m_warnings = 0;
 
     std::mutex m_mutex; ///< of what follows

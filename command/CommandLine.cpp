@@ -1,5 +1,6 @@
 #include "command/CommandLine.h"
 
+#include "command/DataFolder.h"
 #include "command/FieldTexts.h"
 #include "command/Report.h"
 #include "command/Verbs.h"
@@ -83,6 +84,12 @@ CommandLine::CommandLine()
             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "language of the messages, in place of the "
                                                       "system's")))
         ->check(CLI::IsMember({"en", "ja"}));
+    m_app.add_option_function<std::string>(
+        "--journal",
+        [](const std::string& path) {
+            DataFolder::useJournal(QString::fromLocal8Bit(path.c_str()));
+        },
+        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "the journal, in place of the usual one")));
     addReadingVerbs();
     addFileVerbs();
     addApply();

@@ -3,7 +3,17 @@
 #include "command/InstrumentState.h"
 
 #include <QDir>
+#include <QFileInfo>
 #include <QStandardPaths>
+
+namespace {
+
+QString& namedJournal() {
+    static QString path;
+    return path;
+}
+
+} // namespace
 
 QString DataFolder::path() {
     QString folder = QStandardPaths::writableLocation(QStandardPaths::GenericDataLocation);
@@ -19,9 +29,25 @@ QString DataFolder::snapshots() {
 }
 
 QString DataFolder::unfinishedMark(std::int32_t serialNumber) {
-    return path() + QStringLiteral("/unfinished/%1.json").arg(serialText(serialNumber));
+    return unfinishedMarks() + QStringLiteral("/%1.json").arg(serialText(serialNumber));
+}
+
+QString DataFolder::unfinishedMarks() {
+    return path() + QStringLiteral("/unfinished");
 }
 
 QString DataFolder::lockFile() {
     return path() + QStringLiteral("/write.lock");
+}
+
+QString DataFolder::journal() {
+    return namedJournal().isEmpty() ? usualJournal() : namedJournal();
+}
+
+QString DataFolder::usualJournal() {
+    return path() + QStringLiteral("/journal.sqlite");
+}
+
+void DataFolder::useJournal(const QString& path) {
+    namedJournal() = QFileInfo(path).absoluteFilePath();
 }

@@ -15,7 +15,15 @@ QString path();
 QString snapshots();
 /** The mark of an unfinished write, whether it is there or not. */
 QString unfinishedMark(std::int32_t serialNumber);
+/** The folder of those marks. */
+QString unfinishedMarks();
 QString lockFile();
+
+/** The journal that the command line names, or the usual one. Absolute. */
+QString journal();
+QString usualJournal();
+/** Once, before any of the others is used. @param path  relative to the working folder */
+void useJournal(const QString& path);
 
 } // namespace DataFolder
 

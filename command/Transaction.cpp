@@ -9,14 +9,15 @@
 #include <cstring>
 #include <utility>
 
-Transaction::Transaction(const Order& order, CallWatch& watch, TransactionObserver& observer)
-    : m_order(order), m_watch(watch), m_observer(observer), m_mark(order.serialNumber) {
+Transaction::Transaction(const Order& order, const UnfinishedMark& mark, CallWatch& watch,
+                         TransactionObserver& observer, TransactionLog& log)
+    : m_order(order), m_watch(watch), m_observer(observer), m_log(log), m_mark(mark),
+      m_wasUnfinished(mark.exists()) {
     m_verdict.serialNumber = order.serialNumber;
 }
 
 Verdict Transaction::run() {
-    Text problem = make({{"lock", &Transaction::lock},
-                         {"refuse-unfinished", &Transaction::refuseUnfinished},
+    Text problem = make({{"refuse-unfinished", &Transaction::refuseUnfinished},
                          {"connect", &Transaction::connect},
                          {"read-everything-twice", &Transaction::readEverythingTwice},
                          {"refuse-unfit", &Transaction::refuseUnfit},
@@ -51,7 +52,7 @@ Verdict Transaction::run() {
     if (!problem.isEmpty())
         return takeBack(problem);
     if (!m_networkWaits)
-        return end(Outcome::Verified, {});
+        return end(m_order.takesBack ? Outcome::RolledBack : Outcome::Verified, {});
     return end(Outcome::Waits,
                {Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                        "The network settings are stored, and the instrument still "
@@ -85,22 +86,31 @@ Verdict Transaction::takeBack(const Text& failure) {
 
 Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
     // A loss from here on changes nothing of what was read.
+    m_log.stepBegins("end");
     m_access.reset();
-    const bool hasEnded = outcome == Outcome::Verified || outcome == Outcome::Waits;
-    if (outcome != Outcome::Unknown && (m_isMarked || (m_wasUnfinished && hasEnded))) {
-        Text problem = m_mark.remove();
-        if (!problem.isEmpty())
-            reasons.push_back(problem);
-    }
+    const bool hasEnded = outcome == Outcome::Verified || outcome == Outcome::Waits ||
+                          (outcome == Outcome::RolledBack && m_order.takesBack);
+    const bool isSettled = outcome != Outcome::Unknown && (m_wasUnfinished ? hasEnded : m_isMarked);
     m_verdict.outcome = outcome;
     m_verdict.reasons.insert(m_verdict.reasons.end(), reasons.begin(), reasons.end());
     m_verdict.warnings = m_watch.warnings();
+    const Text unkept = m_log.ends(m_verdict, isSettled);
+    if (!unkept.isEmpty())
+        m_verdict.reasons.push_back(unkept);
+    // What the log does not know is not settled, whatever the instrument holds.
+    if (!unkept.isEmpty() && m_mayBeWritten.any()) {
+        m_verdict.outcome = Outcome::Unknown;
+        m_verdict.reasons.push_back(nextStep());
+    }
+    const Text unremoved = unkept.isEmpty() && isSettled ? m_mark.removeFile() : Text();
+    if (!unremoved.isEmpty())
+        m_verdict.reasons.push_back(unremoved);
     return m_verdict;
 }
 
 Text Transaction::nextStep() const {
     return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "To put the state before back, run: %1"),
-                {m_mark.restoreCommand()});
+                {m_mark.restoreCommand(m_verdict.snapshot)});
 }
 
 /** Makes the steps until one fails. Between two of them the connection may have been lost, and an
@@ -114,7 +124,7 @@ Text Transaction::make(std::initializer_list<Step> steps, Until until) {
             InstrumentAccess::isConnectionLost())
             return Text(
                 QT_TRANSLATE_NOOP("vq-tl4ctl", "The connection to the instrument was lost."));
-        m_observer.stepBegins(step.name);
+        m_log.stepBegins(step.name);
         Text problem = (this->*step.make)();
         if (!problem.isEmpty())
             return problem;
@@ -122,12 +132,9 @@ Text Transaction::make(std::initializer_list<Step> steps, Until until) {
     return {};
 }
 
-Text Transaction::lock() {
-    return m_order.isDryRun ? Text() : m_lock.take();
-}
-
 Text Transaction::refuseUnfinished() {
-    m_wasUnfinished = m_mark.exists();
+    if (!m_mark.problem().isEmpty())
+        return m_mark.problem();
     if (!m_wasUnfinished || m_order.restoresAll)
         return {};
     return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
@@ -227,7 +234,8 @@ Text Transaction::ask() {
 
 Text Transaction::keepSnapshot() {
     QString path;
-    Text problem = Snapshot::of(m_held).writeTo(DataFolder::snapshots(), path);
+    m_snapshot = Snapshot::of(m_held);
+    Text problem = m_snapshot->writeTo(DataFolder::snapshots(), path);
     if (problem.isEmpty())
         m_verdict.snapshot = path;
     return problem;
@@ -241,9 +249,8 @@ Text Transaction::fetchOnceMore() {
 }
 
 Text Transaction::markUnfinished() {
-    if (m_wasUnfinished)
-        return {};
-    Text problem = m_mark.set(m_verdict.snapshot, m_wanted);
+    Text problem =
+        m_log.writingBegins(*m_snapshot, m_verdict.snapshot, m_wanted, m_verdict.changes);
     m_isMarked = problem.isEmpty();
     return problem;
 }

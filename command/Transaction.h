@@ -4,9 +4,10 @@
 #include "command/CallWatch.h"
 #include "command/Change.h"
 #include "command/Plausibility.h"
+#include "command/Snapshot.h"
+#include "command/TransactionLog.h"
 #include "command/UnfinishedMark.h"
 #include "command/Verdict.h"
-#include "command/WriteLock.h"
 
 #include <initializer_list>
 #include <optional>
@@ -19,6 +20,8 @@ struct Order {
     bool isRestore = false; ///< the values were an instrument's before: they are not judged
     /** Whether a whole snapshot is put back: alone that ends an unfinished write. */
     bool restoresAll = false;
+    /** Whether that snapshot is the state before a run that did not end. */
+    bool takesBack = false;
     bool isDryRun = false;
     bool rollsBack = true; ///< false: a failure is left as it is
     bool acceptsImplausible = false;
@@ -29,8 +32,6 @@ struct Order {
 class TransactionObserver {
 public:
     virtual ~TransactionObserver() = default;
-    /** A step begins. @param name  a word of this source's, not for people */
-    virtual void stepBegins(const char* /*name*/) {}
     virtual void foundImplausible(const CalibrationAccessory& accessory,
                                   const Implausible& value) = 0;
     virtual void foundDifference(const FieldChanges& changes) = 0;
@@ -47,8 +48,9 @@ public:
  */
 class Transaction {
 public:
-    /** All of them outlive the object. */
-    Transaction(const Order& order, CallWatch& watch, TransactionObserver& observer);
+    /** All of them outlive the object. The lock is held, unless it is a dry run. */
+    Transaction(const Order& order, const UnfinishedMark& mark, CallWatch& watch,
+                TransactionObserver& observer, TransactionLog& log);
 
     /** Once. Makes all steps; the instrument is disconnected afterwards. */
     Verdict run();
@@ -62,7 +64,6 @@ private:
     Text make(std::initializer_list<Step> steps, Until until);
 
     // Nothing is written.
-    Text lock();
     Text refuseUnfinished();
     Text connect();
     Text readEverythingTwice();
@@ -75,6 +76,9 @@ private:
     Text markUnfinished();
 
     // Writes `m_target`.
+    template <typename Call>
+    CallResult write(const char* function, bool& part, const Call& call);
+    Text problemOf(const CallResult& result) const;
     Text writeCalibration();
     Text commitProvably();
     Text writePowerOff();
@@ -94,13 +98,15 @@ private:
     const Order& m_order;
     CallWatch& m_watch;
     TransactionObserver& m_observer;
-    WriteLock m_lock;
+    TransactionLog& m_log;
+    Text m_logProblem; ///< why the log could not have the last call that writes
     std::optional<InstrumentAccess> m_access;
-    UnfinishedMark m_mark;
+    const UnfinishedMark& m_mark;
 
-    bool m_wasUnfinished = false; ///< an earlier write of this instrument has no verdict
-    bool m_isMarked = false;      ///< by this transaction
-    InstrumentState m_held;       ///< what the instrument held before
+    const bool m_wasUnfinished; ///< an earlier write of this instrument has no verdict
+    bool m_isMarked = false;    ///< by this transaction
+    std::optional<Snapshot> m_snapshot;
+    InstrumentState m_held; ///< what the instrument held before
     InstrumentState m_wanted;
     InstrumentState m_readBack;
     const InstrumentState* m_target = nullptr;

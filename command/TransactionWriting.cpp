@@ -19,11 +19,27 @@ private:
     Interrupt::Phase m_after;
 };
 
-Text problemOf(const CallResult& result) {
-    return result.failed() ? callFailure(result) : Text();
+} // namespace
+
+/** Makes a call that writes, when the log has it. The way back is gone in any case: without it the
+    instrument would stay as it is.
+    @param part  of `m_mayBeWritten` */
+template <typename Call>
+CallResult Transaction::write(const char* function, bool& part, const Call& call) {
+    m_logProblem = m_log.writeBegins(function);
+    if (m_target == &m_held)
+        m_logProblem = {};
+    if (!m_logProblem.isEmpty())
+        return {function, KVA_ERROR};
+    part = true;
+    return call();
 }
 
-} // namespace
+Text Transaction::problemOf(const CallResult& result) const {
+    if (!m_logProblem.isEmpty())
+        return m_logProblem;
+    return result.failed() ? callFailure(result) : Text();
+}
 
 Text Transaction::writeCalibration() {
     if (!m_parts.calibration)
@@ -31,8 +47,8 @@ Text Transaction::writeCalibration() {
     const bool isWayBack = m_target == &m_held;
     const CommitPhase phase(isWayBack ? Interrupt::Phase::TakingBack
                                       : Interrupt::Phase::BetweenSteps);
-    m_mayBeWritten.calibration = true;
-    Text problem = problemOf(m_access->stage(m_target->calibration));
+    Text problem = problemOf(write("KVA_JIG_SetFactoryCalib_CALREFDATA", m_mayBeWritten.calibration,
+                                   [this] { return m_access->stage(m_target->calibration); }));
     if (problem.isEmpty())
         problem = requireCalibration(*m_access, m_target->calibration);
     return problem.isEmpty() ? commitProvably() : problem;
@@ -44,13 +60,19 @@ Text Transaction::writeCalibration() {
  * writes what was handed over last, so one too many does no harm.
  */
 Text Transaction::commitProvably() {
-    Text problem = problemOf(m_access->commit());
+    const auto commit = [this] {
+        return write("KVA_JIG_SetFactoryCalib_WriteSector", m_mayBeWritten.calibration,
+                     [this] { return m_access->commit(); });
+    };
+    Text problem = problemOf(commit());
     if (!problem.isEmpty())
         return problem;
     constexpr int furtherCommits = 3;
     for (int i = 0; i < furtherCommits; ++i) {
-        if (m_access->commit().code == KVA_ERROR_NO_DATA)
+        if (commit().code == KVA_ERROR_NO_DATA)
             return {};
+        if (!m_logProblem.isEmpty())
+            return m_logProblem;
     }
     return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                   "The library reports a commit, and does not confirm that "
@@ -61,15 +83,15 @@ Text Transaction::commitProvably() {
 Text Transaction::writePowerOff() {
     if (!m_parts.powerOff)
         return {};
-    m_mayBeWritten.powerOff = true;
-    return problemOf(m_access->writePowerOffMode(m_target->powerOffMode));
+    return problemOf(write("KVA_SetShutdownTime", m_mayBeWritten.powerOff,
+                           [this] { return m_access->writePowerOffMode(m_target->powerOffMode); }));
 }
 
 Text Transaction::writeNetwork() {
     if (!m_parts.network)
         return {};
-    m_mayBeWritten.network = true;
-    return problemOf(m_access->write(*m_target->network));
+    return problemOf(write("KVA_SetNetworkInfo", m_mayBeWritten.network,
+                           [this] { return m_access->write(*m_target->network); }));
 }
 
 Text Transaction::readBackIndependently() {

@@ -2,17 +2,14 @@
 
 #include "command/DataFolder.h"
 #include "command/DurableFile.h"
-#include "command/FieldTexts.h"
+#include "command/InstrumentState.h"
+#include "command/JournalReader.h"
 
-#include <QCryptographicHash>
-#include <QDateTime>
 #include <QFile>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-
-#include <unistd.h>
 
 namespace {
 
@@ -27,42 +24,53 @@ QString quotedForShell(const QString& path) {
 
 } // namespace
 
-UnfinishedMark::UnfinishedMark(std::int32_t serialNumber)
-    : m_serialNumber(serialNumber), m_path(DataFolder::unfinishedMark(serialNumber)) {}
-
-bool UnfinishedMark::exists() const {
-    return QFileInfo(m_path).isSymLink() || QFileInfo::exists(m_path);
+UnfinishedMark::UnfinishedMark(std::int32_t serialNumber, JournalDatabase* database)
+    : m_serialNumber(serialNumber),
+      m_journal(DataFolder::journal() == DataFolder::usualJournal() ? QString()
+                                                                    : DataFolder::journal()) {
+    lookIntoFile();
+    lookInto(DataFolder::journal(), database);
+    // A journal that is named for once does not hide what the usual one knows.
+    if (!m_exists && DataFolder::journal() != DataFolder::usualJournal())
+        lookInto(DataFolder::usualJournal(), nullptr);
 }
 
-QString UnfinishedMark::snapshot() const {
-    QFile file(m_path);
-    if (!file.open(QIODevice::ReadOnly))
-        return {};
-    return QJsonDocument::fromJson(file.readAll()).object()[QStringLiteral("snapshot")].toString();
+void UnfinishedMark::lookIntoFile() {
+    QFile file(DataFolder::unfinishedMark(m_serialNumber));
+    m_exists = QFileInfo(file).isSymLink() || file.exists();
+    if (file.open(QIODevice::ReadOnly))
+        m_snapshot =
+            QJsonDocument::fromJson(file.readAll()).object()[QStringLiteral("snapshot")].toString();
 }
 
-Text UnfinishedMark::set(const QString& snapshot, const InstrumentState& wanted) const {
-    const QByteArray record(reinterpret_cast<const char*>(&wanted.calibration),
-                            sizeof wanted.calibration);
-    const QByteArray hash = QCryptographicHash::hash(record, QCryptographicHash::Sha256);
-    const QJsonObject content = {
-        {QStringLiteral("serialNumber"), serialText(m_serialNumber)},
-        {QStringLiteral("snapshot"), snapshot},
-        {QStringLiteral("wantedCalibrationSha256"), QString::fromLatin1(hash.toHex())},
-        {QStringLiteral("created"), QDateTime::currentDateTimeUtc().toString(Qt::ISODate)},
-        {QStringLiteral("process"), static_cast<qint64>(::getpid())}};
-    bool isTaken = false;
-    const Text problem = DurableFile::create(m_path, QJsonDocument(content).toJson(), isTaken);
-    // The lock is held: nobody else can have marked it since it was looked for.
-    return isTaken ? DurableFile::writeFailure(m_path, EEXIST) : problem;
+void UnfinishedMark::lookInto(const QString& journal, JournalDatabase* database) {
+    Text problem;
+    const auto reader = database != nullptr ? std::make_unique<JournalReader>(*database)
+                                            : JournalReader::open(journal, problem);
+    std::vector<JournalInstrument> parts;
+    if (reader)
+        problem = reader->unfinished(m_serialNumber, parts);
+    if (!problem.isEmpty()) {
+        m_problem = problem;
+        m_exists = true;
+    } else if (!parts.empty()) {
+        m_exists = true;
+        m_journal = journal == DataFolder::usualJournal() ? QString() : journal;
+        // What was held before the first of them: the later ones began from what is not known.
+        if (m_snapshot.isEmpty())
+            m_snapshot = parts.front().snapshotPath;
+    }
 }
 
-Text UnfinishedMark::remove() const {
-    return DurableFile::remove(m_path);
+Text UnfinishedMark::removeFile() const {
+    return DurableFile::remove(DataFolder::unfinishedMark(m_serialNumber));
 }
 
-QString UnfinishedMark::restoreCommand() const {
-    const QString path = snapshot();
-    return QStringLiteral("vq-tl4ctl restore %1 ").arg(serialText(m_serialNumber)) +
-           (path.isEmpty() ? QStringLiteral("SNAPSHOT") : quotedForShell(path));
+QString UnfinishedMark::restoreCommand(const QString& snapshot) const {
+    const QString path = m_snapshot.isEmpty() ? snapshot : m_snapshot;
+    QString command = QStringLiteral("vq-tl4ctl restore %1 ").arg(serialText(m_serialNumber)) +
+                      (path.isEmpty() ? QStringLiteral("SNAPSHOT") : quotedForShell(path));
+    if (!m_journal.isEmpty())
+        command += QStringLiteral(" --journal ") + quotedForShell(m_journal);
+    return command;
 }

@@ -1,3 +1,4 @@
+#include "command/Journal.h"
 #include "command/Report.h"
 #include "command/Snapshot.h"
 #include "command/VerbSupport.h"
@@ -87,5 +88,7 @@ ExitStatus restore(const RestoreOptions& options) {
         sayToUser(Fault{options.snapshot, 0, 0, problem}.toString());
         return Usage;
     }
-    return canBeConfirmed(options) ? carryOut(order, options) : Usage;
+    return canBeConfirmed(options)
+               ? carryOut(order, options, {journalInput(QStringLiteral("snapshot"), *file)})
+               : Usage;
 }

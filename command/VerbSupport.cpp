@@ -1,8 +1,8 @@
 #include "command/VerbSupport.h"
 
 #include "command/Console.h"
-#include "command/Interrupt.h"
 #include "command/Report.h"
+#include "command/Run.h"
 
 #include <algorithm>
 
@@ -45,16 +45,19 @@ bool canBeConfirmed(const WriteOptions& options) {
     return false;
 }
 
-ExitStatus carryOut(Order& order, const WriteOptions& options) {
+ExitStatus carryOut(Order& order, const WriteOptions& options,
+                    const std::vector<JournalInput>& inputs) {
     order.isDryRun = options.isDryRun;
     order.rollsBack = !options.leavesFailure;
     order.allowsLowBattery = options.allowsLowBattery;
-    Interrupt::install();
-    CallWatch watch;
+    Run run(options.isDryRun, inputs);
     Console console(order.serialNumber, options.isSure);
-    const Verdict verdict = Transaction(order, watch, console).run();
+    report(run.carryOut(order, console), options.asJson);
+    return run.end();
+}
+
+void report(const Verdict& verdict, bool asJson) {
     sayVerdict(verdict);
-    if (options.asJson)
+    if (asJson)
         print(toJson(verdict));
-    return exitStatus(verdict.outcome);
 }

@@ -4,6 +4,7 @@
 #include "command/CallWatch.h"
 #include "command/InputFile.h"
 #include "command/InstrumentState.h"
+#include "command/JournalReader.h"
 #include "command/Transaction.h"
 #include "command/Verbs.h"
 
@@ -28,7 +29,11 @@ Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState
 /** Refuses a question that nobody could answer, before anything is done. */
 bool canBeConfirmed(const WriteOptions& options);
 
-/** Makes the transaction and reports its verdict. */
-ExitStatus carryOut(Order& order, const WriteOptions& options);
+/** Makes the transaction, in a run of its own, and reports its verdict.
+    @param inputs  what the journal keeps of the files that the user gave */
+ExitStatus carryOut(Order& order, const WriteOptions& options,
+                    const std::vector<JournalInput>& inputs);
+
+void report(const Verdict& verdict, bool asJson);
 
 #endif

@@ -1,5 +1,8 @@
 #include "command/Verdict.h"
 
+#include <algorithm>
+#include <iterator>
+
 const char* outcomeWord(Outcome outcome) {
     switch (outcome) {
     case Outcome::Unchanged:
@@ -37,4 +40,13 @@ ExitStatus exitStatus(Outcome outcome) {
         return DifferentStatus;
     }
     return UnknownStatus;
+}
+
+ExitStatus graver(ExitStatus left, ExitStatus right) {
+    constexpr ExitStatus order[] = {Done,          DifferentStatus,  WaitsStatus,
+                                    RefusedStatus, RolledBackStatus, UnknownStatus};
+    const auto rank = [&](ExitStatus status) {
+        return std::find(std::begin(order), std::end(order), status);
+    };
+    return rank(left) < rank(right) ? right : left;
 }

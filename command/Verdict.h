@@ -36,6 +36,9 @@ enum ExitStatus {
 
 ExitStatus exitStatus(Outcome outcome);
 
+/** The status of several instruments: that of the gravest outcome. */
+ExitStatus graver(ExitStatus left, ExitStatus right);
+
 /** The whole of what is said about one instrument at the end. */
 struct Verdict {
     std::int32_t serialNumber = 0;

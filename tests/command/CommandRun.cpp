@@ -4,6 +4,9 @@
 #include <QFile>
 #include <QJsonDocument>
 #include <QProcessEnvironment>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QSqlRecord>
 
 namespace {
 
@@ -226,8 +229,33 @@ QStringList CommandRun::snapshots() const {
     return paths;
 }
 
-bool CommandRun::isMarked() const {
-    return !QDir(dataFolder() + "/unfinished").entryList(QDir::Files).isEmpty();
+std::vector<QVariantList> CommandRun::ask(const QString& query, const QString& folder) const {
+    const QDir from(folder.isEmpty() ? dataFolder() : folder);
+    const QTemporaryDir copies;
+    for (const QString& name : from.entryList({"journal.sqlite*"}, QDir::Files))
+        QFile::copy(from.filePath(name), copies.filePath(name));
+    std::vector<QVariantList> rows;
+    const QString connection = copies.path();
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", connection);
+        database.setDatabaseName(copies.filePath("journal.sqlite"));
+        if (!database.open())
+            qFatal("the journal cannot be opened");
+        QSqlQuery answer(query, database);
+        while (answer.next()) {
+            QVariantList row;
+            for (int column = 0; column < answer.record().count(); ++column)
+                row.append(answer.value(column));
+            rows.push_back(row);
+        }
+    }
+    QSqlDatabase::removeDatabase(connection);
+    return rows;
+}
+
+bool CommandRun::isMarked(const QString& folder) const {
+    return !ask("SELECT 1 FROM mark WHERE instrument NOT IN (SELECT mark FROM mark_end)", folder)
+                .empty();
 }
 
 QJsonObject rule(const QString& function, const QString& call, const QJsonObject& what) {

@@ -7,8 +7,10 @@
 #include <QProcess>
 #include <QStringList>
 #include <QTemporaryDir>
+#include <QVariant>
 
 #include <memory>
+#include <vector>
 
 /** What one run of the program left behind. */
 struct CommandResult {
@@ -67,7 +69,11 @@ public:
 
     QString dataFolder() const { return path("data/vq-tl4ctl"); }
     QStringList snapshots() const; ///< paths
-    bool isMarked() const;
+    QString journal() const { return dataFolder() + "/journal.sqlite"; }
+    /** What a copy of the journal answers, row by row; the journal stays as a run left it.
+        @param folder  that has the journal; empty for the usual one */
+    std::vector<QVariantList> ask(const QString& query, const QString& folder = {}) const;
+    bool isMarked(const QString& folder = {}) const;
 
 private:
     QTemporaryDir m_folder;

@@ -8,35 +8,20 @@
  *     SHIM_BEGUN=FILE         each call, by name, as it begins, to this file
  *     SHIM_OLD_NETWORK=1      network settings are answered as they were at the first reading
  *     SHIM_COMMITS=1          a commit always answers 0, also where nothing is staged
- *     SHIM_WITNESS=FILE       at the first call that writes: the names of the snapshots and marks
- *                             that are on the disk, to this file
+ *     SHIM_WITNESS=FOLDER     at the first call that writes: a copy of the data folder, to there
+ *
+ * and between the program and its files in the data folder:
+ *
+ *     SHIM_KILL=file:7        SIGKILL before the seventh write, sync, link or removal
+ *     SHIM_FULL=7             the disk is full from the seventh write on
  */
+#include "tests/command/Shim.h"
 #include "instrument/KvaSdk.h"
 
-#include <csignal>
 #include <cstdio>
-#include <cstdlib>
 #include <cstring>
-#include <dlfcn.h>
-#include <string>
 
 namespace {
-
-const char* setting(const char* name) {
-    const char* value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-/** The library's own function. */
-template <typename Function>
-Function next(Function /*own*/, const char* symbol) {
-    return reinterpret_cast<Function>(::dlsym(RTLD_NEXT, symbol));
-}
-
-void killIfDue(const char* moment, int call) {
-    if (moment + (":" + std::to_string(call)) == setting("SHIM_KILL"))
-        std::raise(SIGKILL);
-}
 
 int calls = 0; ///< of all functions
 
@@ -62,20 +47,18 @@ KVA_RESULT between(const char* function, const Call& call) {
 
 void witness() {
     static bool isDone = false;
-    const std::string file = setting("SHIM_WITNESS");
-    if (isDone || file.empty())
+    const std::string folder = setting("SHIM_WITNESS");
+    if (isDone || folder.empty())
         return;
     isDone = true;
-    const std::string folder = setting("XDG_DATA_HOME");
-    const std::string command = "env -u LD_PRELOAD ls '" + folder + "/vq-tl4ctl/snapshots' '" +
-                                folder + "/vq-tl4ctl/unfinished' > '" + file + "' 2>&1";
+    const std::string command = std::string("env -u LD_PRELOAD cp -r '") +
+                                setting("XDG_DATA_HOME") + "/vq-tl4ctl' '" + folder + "'";
     if (std::system(command.c_str()) != 0)
         std::fputs("the witness saw no folder\n", stderr);
 }
 
 } // namespace
 
-#define NEXT(function) next(&function, #function)
 /** The four functions with C++ linkage: their symbols are mangled. */
 #define NEXT_MANGLED(function, symbol) next(&function, symbol)
 

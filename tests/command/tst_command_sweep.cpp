@@ -7,14 +7,14 @@
  *                       QTEST_FUNCTION_TIMEOUT=3600000
  */
 #include "CommandRun.h"
+#include "Tries.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonDocument>
 #include <QTest>
 
-#include <atomic>
-#include <future>
 #include <set>
 #include <vector>
 
@@ -143,10 +143,10 @@ QString contradiction(const CommandRun& run, const CommandResult& got) {
             return "a key is shown";
     }
     // What was on the disk at the first call that writes.
-    const QByteArray seen = run.read("witness");
+    const QString seen = run.path("witness");
     if (!run.writingCalls().isEmpty() &&
-        (seen.count("01000001-") != 1 || !seen.contains("01000001.json")))
-        return "no snapshot or mark before the first call that writes: " + seen;
+        (QDir(seen + "/snapshots").count() != 3 || !run.isMarked(seen)))
+        return "no snapshot or mark before the first call that writes";
     return {};
 }
 
@@ -205,29 +205,6 @@ QString tryKill(const QString& moment, int call) {
         return name + changed;
     const QString problem = contradictionAfterwards(run, true);
     return problem.isEmpty() ? QString() : name + problem;
-}
-
-/** Makes all tries, several at a time: they mostly wait for the disk. */
-template <typename Try>
-QStringList problemsOf(std::size_t count, const Try& attempt) {
-    constexpr int workers = 4;
-    std::atomic<std::size_t> next{0};
-    std::vector<std::future<QStringList>> results;
-    for (int i = 0; i < workers; ++i) {
-        results.push_back(std::async(std::launch::async, [&] {
-            QStringList problems;
-            for (std::size_t index = next++; index < count; index = next++) {
-                const QString problem = attempt(index);
-                if (!problem.isEmpty())
-                    problems.append(problem);
-            }
-            return problems;
-        }));
-    }
-    QStringList problems;
-    for (auto& result : results)
-        problems += result.get();
-    return problems;
 }
 
 } // namespace

@@ -1,0 +1,41 @@
+#ifndef COMMAND_RUN_H
+#define COMMAND_RUN_H
+
+#include "command/Journal.h"
+#include "command/Transaction.h"
+#include "command/WriteLock.h"
+
+#include <memory>
+#include <vector>
+
+/**
+ * One `apply`, `restore` or `recover`: takes the lock, begins a run in the journal, and changes one
+ * instrument after the other. A dry run takes no lock and changes no journal.
+ */
+class Run {
+public:
+    /** @param inputs  what the user gave, for the journal */
+    Run(bool isDryRun, const std::vector<JournalInput>& inputs);
+
+    /** Why nothing may be written; empty where it may. Every order is refused for that reason. */
+    const Text& problem() const { return m_problem; }
+    /** Null in a dry run, and where there is a problem. */
+    Journal* journal() { return m_journal.get(); }
+
+    /** Changes one instrument. */
+    Verdict carryOut(const Order& order, TransactionObserver& observer);
+
+    /** Ends the run in the journal. Once, at the end.
+        @param least  what it ends with at least
+        @return the status of the gravest outcome */
+    ExitStatus end(ExitStatus least = Done);
+
+private:
+    WriteLock m_lock;
+    Text m_problem;
+    std::unique_ptr<Journal> m_journal;
+    std::unique_ptr<JournalDatabase> m_read; ///< of a dry run
+    ExitStatus m_status = Done;
+};
+
+#endif
