@@ -43,6 +43,9 @@ private:
     void addFileVerbs();
     void addApply();
     void addRestore();
+    void addRecover();
+    void addVerify();
+    void addJournal();
 
     CLI::App m_app;
     std::function<ExitStatus()> m_verb;
@@ -54,6 +57,11 @@ private:
     DiffOptions m_diff;
     ApplyOptions m_apply;
     RestoreOptions m_restore;
+    RecoverOptions m_recover;
+    VerifyOptions m_verify;
+    JournalOptions m_journal;
+    JournalShowOptions m_journalShow;
+    JournalSnapshotOptions m_journalSnapshot;
 };
 
 const char jsonHelp[] = QT_TRANSLATE_NOOP("vq-tl4ctl", "one JSON object a line");
@@ -94,12 +102,19 @@ CommandLine::CommandLine()
     addFileVerbs();
     addApply();
     addRestore();
+    addRecover();
+    addVerify();
+    addJournal();
 }
 
 CLI::App* CommandLine::addVerb(const char* name, const char* description,
                                std::function<ExitStatus()> verb) {
     CLI::App* sub = m_app.add_subcommand(name, translated(description));
-    sub->callback([this, verb = std::move(verb)] { m_verb = verb; });
+    // A verb within this one has been called before.
+    sub->callback([this, verb = std::move(verb)] {
+        if (!m_verb)
+            m_verb = verb;
+    });
     return sub;
 }
 
@@ -234,6 +249,58 @@ void CommandLine::addRestore() {
             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "these parts alone, with commas between")))
         ->delimiter(',')
         ->check(CLI::IsMember(words(restorableParts())));
+}
+
+void CommandLine::addRecover() {
+    CLI::App* verb = addVerb(
+        "recover",
+        QT_TRANSLATE_NOOP("vq-tl4ctl", "end what an earlier run left unfinished, and prove it"),
+        [this] { return recover(m_recover); });
+    verb->add_flag("--yes", m_recover.isSure,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write without asking")));
+    verb->add_flag("--json", m_recover.asJson, translated(jsonHelp));
+    verb->add_flag("--allow-low-battery", m_recover.allowsLowBattery,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write with an empty battery")));
+}
+
+void CommandLine::addVerify() {
+    CLI::App* verb =
+        addVerb("verify",
+                QT_TRANSLATE_NOOP("vq-tl4ctl", "find out whether instruments hold what was "
+                                               "written to them last"),
+                [this] { return verify(m_verify); });
+    addTexts(verb, "SERIAL", m_verify.serials, serialHelp, false);
+    verb->add_flag("--all", m_verify.all,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments; so it is "
+                                                             "without a serial number")))
+        ->excludes(verb->get_option("SERIAL"));
+    verb->add_flag("--json", m_verify.asJson, translated(jsonHelp));
+}
+
+void CommandLine::addJournal() {
+    const char* runHelp = QT_TRANSLATE_NOOP("vq-tl4ctl", "number of a run");
+    CLI::App* verb = addVerb("journal", QT_TRANSLATE_NOOP("vq-tl4ctl", "list what was done"),
+                             [this] { return journalList(m_journal); });
+    addText(verb, "--serial", m_journal.serial, serialHelp);
+    addText(verb, "--since", m_journal.since,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "no run before that date or time"));
+    verb->add_flag("--json", m_journal.asJson, translated(jsonHelp));
+
+    CLI::App* part = verb->add_subcommand(
+        "show", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show all of a run")));
+    part->callback([this] { m_verb = [this] { return journalShow(m_journalShow); }; });
+    addText(part, "RUN", m_journalShow.run, runHelp, true);
+    part->add_flag("--json", m_journalShow.asJson, translated(jsonHelp));
+
+    part = verb->add_subcommand(
+        "snapshot", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write what an instrument held "
+                                                              "before a run to a file")));
+    part->callback([this] { m_verb = [this] { return journalSnapshot(m_journalSnapshot); }; });
+    addText(part, "RUN", m_journalSnapshot.run, runHelp, true);
+    addText(part, "SERIAL", m_journalSnapshot.serial, serialHelp, true);
+    addText(part, "--to", m_journalSnapshot.file,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "the file; one that is there is not written over"),
+            true);
 }
 
 int CommandLine::run(int argc, char** argv) {

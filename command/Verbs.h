@@ -52,6 +52,36 @@ struct WriteOptions {
     bool allowsLowBattery = false;
 };
 
+struct RecoverOptions : WriteOptions {}; // without a serial number and a dry run
+ExitStatus recover(const RecoverOptions& options);
+
+struct VerifyOptions {
+    QStringList serials; ///< none for all attached instruments
+    bool all = false;    ///< that there are none was said
+    bool asJson = false;
+};
+ExitStatus verify(const VerifyOptions& options);
+
+struct JournalOptions {
+    QString serial; ///< empty for all
+    QString since;  ///< a date or a time; empty for all
+    bool asJson = false;
+};
+ExitStatus journalList(const JournalOptions& options);
+
+struct JournalShowOptions {
+    QString run;
+    bool asJson = false;
+};
+ExitStatus journalShow(const JournalShowOptions& options);
+
+struct JournalSnapshotOptions {
+    QString run;
+    QString serial;
+    QString file;
+};
+ExitStatus journalSnapshot(const JournalSnapshotOptions& options);
+
 struct ApplyOptions : WriteOptions {
     QString network; ///< paths; empty where nothing is to be written
     QString whitePlate;

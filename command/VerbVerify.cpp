@@ -1,0 +1,187 @@
+#include "command/Change.h"
+#include "command/DataFolder.h"
+#include "command/Journal.h"
+#include "command/Report.h"
+#include "command/Snapshot.h"
+#include "command/VerbSupport.h"
+
+#include <QJsonArray>
+
+#include <algorithm>
+
+namespace {
+
+/** What is said of one instrument. */
+struct Finding {
+    std::int32_t serialNumber = 0;
+    const char* word = "refused"; ///< of JSON; "held", "waits" and "differs" are kept
+    Text sentence;
+    std::optional<JournalInstrument> part; ///< what was written last
+    FieldChanges changes;                  ///< from what was written to what is held
+
+    ExitStatus status() const;
+    bool isKept() const { return part && status() != RefusedStatus && status() != UnknownStatus; }
+};
+
+ExitStatus Finding::status() const {
+    const QLatin1String outcome(word);
+    if (outcome == QLatin1String("held") || outcome == QLatin1String("unwritten"))
+        return Done;
+    if (outcome == QLatin1String("waits"))
+        return WaitsStatus;
+    if (outcome == QLatin1String("differs"))
+        return DifferentStatus;
+    return outcome == QLatin1String("unfinished") ? UnknownStatus : RefusedStatus;
+}
+
+/** The state that the last write left behind; nothing where the journal has none that is whole. */
+std::optional<Snapshot> leftBehind(const JournalInstrument& part) {
+    const bool wentBack = part.outcome && part.outcome->word == QLatin1String("rolled-back") &&
+                          !part.wanted.isEmpty();
+    // A recovery that took back had the old state as what it wanted.
+    const bool isOld = wentBack && !part.isRecovery;
+    Faults faults;
+    const auto snapshot =
+        Snapshot::check({DataFolder::journal(), isOld ? part.before : part.wanted}, faults);
+    sayToUser(faults);
+    return snapshot;
+}
+
+/** Compares what the instrument holds with what was written last. */
+void compare(const InstrumentState& held, const InstrumentState& written, Finding& finding) {
+    const QStringList serial = {serialText(finding.serialNumber)};
+    const Parts parts = differingParts(written, held);
+    finding.changes = difference(written, held);
+    const bool isWaiting =
+        finding.part->outcome && finding.part->outcome->word == QLatin1String("waits");
+    if (!parts.any()) {
+        finding.word = "held";
+        finding.sentence =
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: held. It answers what was written last, in "
+                                                "every byte."),
+                 serial);
+    } else if (isWaiting && parts.network && !parts.calibration && !parts.powerOff) {
+        finding.word = "waits";
+        finding.sentence =
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: waits. Its network settings come into use "
+                                                "when it has been switched off and on."),
+                 serial);
+    } else {
+        finding.word = "differs";
+        finding.sentence = Text(
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: differs. It does not hold what was written last."),
+            serial);
+    }
+}
+
+Finding verifyOne(JournalReader& reader, std::int32_t serialNumber) {
+    Finding finding;
+    finding.serialNumber = serialNumber;
+    const QStringList serial = {serialText(serialNumber)};
+    const UnfinishedMark mark(serialNumber);
+    finding.sentence = reader.lastWritten(serialNumber, finding.part);
+    if (!finding.sentence.isEmpty())
+        return finding;
+    if (mark.exists()) {
+        finding.word = "unfinished";
+        finding.sentence =
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unfinished. An earlier write did not end: "
+                                                "run vq-tl4ctl recover."),
+                 serial);
+        return finding;
+    }
+    if (!finding.part) {
+        finding.word = "unwritten";
+        finding.sentence =
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unwritten. The journal has no write to it."),
+                 serial);
+        return finding;
+    }
+    const auto written = leftBehind(*finding.part);
+    CallWatch watch;
+    InstrumentState held;
+    finding.sentence =
+        written
+            ? readInstrument(watch, serialNumber, held)
+            : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: its snapshot in the journal is damaged."),
+                   serial);
+    if (finding.sentence.isEmpty())
+        compare(held, written->state, finding);
+    return finding;
+}
+
+void report(const Finding& finding, bool asJson) {
+    sayToUser(finding.sentence);
+    QJsonArray changes;
+    for (const FieldChange& change : finding.changes) {
+        sayToUser(changeLine(change));
+        changes.append(toJson(change));
+    }
+    if (asJson)
+        print(QJsonObject{{QStringLiteral("serialNumber"), serialText(finding.serialNumber)},
+                          {QStringLiteral("outcome"), QString::fromLatin1(finding.word)},
+                          {QStringLiteral("reason"), finding.sentence.english()},
+                          {QStringLiteral("run"), finding.part ? QJsonValue(finding.part->run)
+                                                               : QJsonValue(QJsonValue::Null)},
+                          {QStringLiteral("changes"), changes}});
+}
+
+/** The attached instruments; those that the journal knows and that are not attached are named. */
+Text addAttached(JournalReader& reader, std::vector<std::int32_t>& serials) {
+    std::vector<KVA_PORTINFO> ports;
+    {
+        CallWatch watch;
+        InstrumentAccess access(watch);
+        const CallResult result = access.list(ports);
+        if (result.failed())
+            return callFailure(result);
+    }
+    for (const KVA_PORTINFO& port : ports)
+        serials.push_back(port.serialNumber);
+    std::vector<std::int32_t> written;
+    Text problem = reader.written(written);
+    for (const std::int32_t serial : written) {
+        if (std::find(serials.begin(), serials.end(), serial) == serials.end())
+            sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                             "%1 was written to and is not attached: it is not "
+                                             "looked at."),
+                           {serialText(serial)}));
+    }
+    return problem;
+}
+
+} // namespace
+
+ExitStatus verify(const VerifyOptions& options) {
+    std::vector<std::int32_t> serials;
+    for (const QString& text : options.serials) {
+        const auto serial = requireSerial(text);
+        if (!serial)
+            return Usage;
+        serials.push_back(*serial);
+    }
+    Text problem;
+    const auto journal = Journal::open(DataFolder::journal(), problem);
+    if (!journal) {
+        sayToUser(problem);
+        return RefusedStatus;
+    }
+    JournalReader reader(journal->database());
+    if (serials.empty())
+        problem = addAttached(reader, serials);
+    ExitStatus status = problem.isEmpty() ? Done : RefusedStatus;
+    sayToUser(problem);
+    for (const std::int32_t serial : serials) {
+        const Finding finding = verifyOne(reader, serial);
+        report(finding, options.asJson);
+        status = graver(status, finding.status());
+        if (!finding.isKept())
+            continue;
+        problem = journal->addVerification(finding.part->id, QString::fromLatin1(finding.word));
+        if (problem.isEmpty())
+            continue;
+        sayToUser(problem);
+        status = graver(status, RefusedStatus);
+    }
+    return status;
+}
