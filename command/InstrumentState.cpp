@@ -84,6 +84,13 @@ Text differingAnswers(const char* function) {
         {QString::fromLatin1(function)});
 }
 
+Text otherIdentity(std::int32_t serialNumber) {
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                  "The instrument that is listed as %1 says that it has another "
+                                  "serial number."),
+                {serialText(serialNumber)});
+}
+
 } // namespace
 
 bool isSameIdentity(const InstrumentState& left, const InstrumentState& right) {
@@ -139,15 +146,12 @@ Text openInstrument(InstrumentAccess& access, std::int32_t serialNumber) {
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is listed more than once."),
                     serial);
     case InstrumentAccess::Opening::OtherIdentity:
-        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                      "The instrument that is listed as %1 says that it has "
-                                      "another serial number."),
-                    serial);
+        return otherIdentity(serialNumber);
     }
     return {};
 }
 
-Text readTwice(InstrumentAccess& access, InstrumentState& state) {
+Text readTwice(InstrumentAccess& access, std::int32_t serialNumber, InstrumentState& state) {
     InstrumentState first;
     Text problem = readOnce(access, fillPatterns[0], first);
     if (!problem.isEmpty())
@@ -156,7 +160,10 @@ Text readTwice(InstrumentAccess& access, InstrumentState& state) {
     if (!secondProblem.isEmpty())
         return secondProblem;
     const char* function = differingCall(first, state);
-    return function ? differingAnswers(function) : Text();
+    if (function != nullptr)
+        return differingAnswers(function);
+    const bool isSame = state.device.serialNumber == static_cast<std::uint32_t>(serialNumber);
+    return isSame ? Text() : otherIdentity(serialNumber);
 }
 
 Text requireCalibration(InstrumentAccess& access, const KVA_JIG_CALREFDATA& expected) {

@@ -40,9 +40,9 @@ QString serialText(std::int32_t serialNumber);
 Text openInstrument(InstrumentAccess& access, std::int32_t serialNumber);
 
 /** Reads all of the connected instrument twice, into records that are filled differently before: a
-    byte that the library left alone differs then. Empty when @p state is what it said both times;
-    otherwise why not. */
-Text readTwice(InstrumentAccess& access, InstrumentState& state);
+    byte that the library left alone differs then. Empty when @p state is what it said both times,
+    and is one of @p serialNumber; otherwise why not. */
+Text readTwice(InstrumentAccess& access, std::int32_t serialNumber, InstrumentState& state);
 
 /** Reads the calibration record into one that holds no byte of @p expected before: what is equal
     afterwards was written by the library. Empty when all of it is equal; otherwise why not. */

@@ -151,7 +151,7 @@ Text Transaction::connect() {
 }
 
 Text Transaction::readEverythingTwice() {
-    return readTwice(*m_access, m_held);
+    return readTwice(*m_access, m_order.serialNumber, m_held);
 }
 
 Text Transaction::refuseUnfit() {

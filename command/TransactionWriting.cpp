@@ -99,7 +99,7 @@ Text Transaction::readBackIndependently() {
     if (closed.failed())
         return callFailure(closed);
     Text problem = openInstrument(*m_access, m_order.serialNumber);
-    return problem.isEmpty() ? readTwice(*m_access, m_readBack) : problem;
+    return problem.isEmpty() ? readTwice(*m_access, m_order.serialNumber, m_readBack) : problem;
 }
 
 /** Whatever became of the connection before. */

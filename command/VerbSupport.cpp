@@ -33,7 +33,7 @@ FileKind kindOf(const InputFile& file) {
 Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state) {
     InstrumentAccess access(watch);
     const Text problem = openInstrument(access, serialNumber);
-    return problem.isEmpty() ? readTwice(access, state) : problem;
+    return problem.isEmpty() ? readTwice(access, serialNumber, state) : problem;
 }
 
 bool canBeConfirmed(const WriteOptions& options) {

@@ -177,7 +177,8 @@ QString contradictionAfterwards(CommandRun& run, bool mayBeWritten, bool isMisle
         applied.outcome() == "verified" || (mayBeWritten && applied.outcome() == "unchanged");
     if (!isRight)
         return "apply afterwards: " + applied.text();
-    return differenceBetween(run.instrument(), CommandRun::wantedInstrument());
+    return isMisled ? QString()
+                    : differenceBetween(run.instrument(), CommandRun::wantedInstrument());
 }
 
 QString tryCombination(const Combination& combination, QString& outcome) {
