@@ -595,5 +595,189 @@
         <source>(required)</source>
         <translation>(必須)</translation>
     </message>
+    <message>
+        <source>the journal, in place of the usual one</source>
+        <translation>履歴ファイル(省略時は標準のもの)</translation>
+    </message>
+    <message>
+        <source>end what an earlier run left unfinished, and prove it</source>
+        <translation>以前の実行が残した未完了の書き込みを完了させ、検証する</translation>
+    </message>
+    <message>
+        <source>find out whether instruments hold what was written to them last</source>
+        <translation>最後に書き込んだ内容を測定器が保持しているかを調べる</translation>
+    </message>
+    <message>
+        <source>all attached instruments; so it is without a serial number</source>
+        <translation>接続されているすべての測定器(シリアル番号の省略時)</translation>
+    </message>
+    <message>
+        <source>number of a run</source>
+        <translation>実行の番号</translation>
+    </message>
+    <message>
+        <source>list what was done</source>
+        <translation>実行の履歴を一覧表示する</translation>
+    </message>
+    <message>
+        <source>no run before that date or time</source>
+        <translation>この日付または時刻より前の実行を除く</translation>
+    </message>
+    <message>
+        <source>show all of a run</source>
+        <translation>実行の内容をすべて表示する</translation>
+    </message>
+    <message>
+        <source>write what an instrument held before a run to a file</source>
+        <translation>実行前に測定器が保持していた内容をファイルに保存する</translation>
+    </message>
+    <message>
+        <source>the file; one that is there is not written over</source>
+        <translation>保存先のファイル(既存のファイルは上書きしない)</translation>
+    </message>
+    <message>
+        <source>%1 is not a journal of vq-tl4ctl.</source>
+        <translation>%1 はvq-tl4ctlの履歴ファイルではありません。</translation>
+    </message>
+    <message>
+        <source>The journal %1 is read-only.</source>
+        <translation>履歴ファイル %1 は読み取り専用です。</translation>
+    </message>
+    <message>
+        <source>The journal %1 has version %2, and this program knows versions up to %3: it was made by a newer one.</source>
+        <translation>履歴ファイル %1 のバージョンは %2 ですが、このプログラムが対応するのは %3 までです。新しいプログラムで作成されたものです。</translation>
+    </message>
+    <message>
+        <source>The journal %1 is damaged: %2</source>
+        <translation>履歴ファイル %1 が壊れています: %2</translation>
+    </message>
+    <message>
+        <source>The journal %1 cannot be used: %2</source>
+        <translation>履歴ファイル %1 を使用できません: %2</translation>
+    </message>
+    <message>
+        <source>  The state before is in %1</source>
+        <translation>  変更前の状態: %1</translation>
+    </message>
+    <message>
+        <source>(no answer)</source>
+        <translation>(応答なし)</translation>
+    </message>
+    <message>
+        <source>  %1  looked at again: %2</source>
+        <translation>  %1  再確認: %2</translation>
+    </message>
+    <message>
+        <source>Run:           %1</source>
+        <translation>実行:            %1</translation>
+    </message>
+    <message>
+        <source>Command:       %1</source>
+        <translation>コマンド:        %1</translation>
+    </message>
+    <message>
+        <source>Began:         %1</source>
+        <translation>開始:            %1</translation>
+    </message>
+    <message>
+        <source>Ended:         %1</source>
+        <translation>終了:            %1</translation>
+    </message>
+    <message>
+        <source>Exit status:   %1</source>
+        <translation>終了ステータス:  %1</translation>
+    </message>
+    <message>
+        <source>User, host:    %1</source>
+        <translation>ユーザー、ホスト:%1</translation>
+    </message>
+    <message>
+        <source>vq-tl4ctl:     %1</source>
+        <translation>vq-tl4ctl:       %1</translation>
+    </message>
+    <message>
+        <source>Library:       %1</source>
+        <translation>ライブラリー:    %1</translation>
+    </message>
+    <message>
+        <source>Its SHA-256:   %1</source>
+        <translation>そのSHA-256:     %1</translation>
+    </message>
+    <message>
+        <source>Input (%1): %2, SHA-256 %3</source>
+        <translation>入力(%1): %2、SHA-256 %3</translation>
+    </message>
+    <message>
+        <source>There is no journal yet: %1</source>
+        <translation>履歴ファイルはまだありません: %1</translation>
+    </message>
+    <message>
+        <source>The journal has no run %1.</source>
+        <translation>履歴に実行 %1 はありません。</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; is no date: write it as 2026-11-20, or with a time as 2026-11-20T09:30:00.</source>
+        <translation>&quot;%1&quot; は日付ではありません。2026-11-20、または時刻を付けて2026-11-20T09:30:00のように指定してください。</translation>
+    </message>
+    <message>
+        <source>Run %1 has no snapshot of instrument %2: nothing was written to it.</source>
+        <translation>実行 %1 に測定器 %2 のスナップショットはありません。この測定器には書き込んでいません。</translation>
+    </message>
+    <message>
+        <source>%1 is there already, and stays as it is.</source>
+        <translation>%1 はすでに存在するため、上書きしません。</translation>
+    </message>
+    <message>
+        <source>%1 answers what was wanted. It is written once more, so that it is in its memory.</source>
+        <translation>%1 は書き込む予定の内容を応答しています。メモリーに確実に保存するため、もう一度書き込みます。</translation>
+    </message>
+    <message>
+        <source>%1 answers the old state. It is written once more, so that it is in its memory.</source>
+        <translation>%1 は変更前の内容を応答しています。メモリーに確実に保存するため、もう一度書き込みます。</translation>
+    </message>
+    <message>
+        <source>%1 answers neither what was wanted nor the old state. The old state is put back.</source>
+        <translation>%1 の応答は、書き込む予定の内容とも変更前の内容とも一致しません。変更前の状態に戻します。</translation>
+    </message>
+    <message>
+        <source>The earlier run ended before anything was written.</source>
+        <translation>以前の実行は、書き込みの前に終了しています。</translation>
+    </message>
+    <message>
+        <source>The snapshot of the state before cannot be used.</source>
+        <translation>変更前の状態のスナップショットを使用できません。</translation>
+    </message>
+    <message>
+        <source>Every run has ended: there is nothing to recover.</source>
+        <translation>すべての実行が完了しています。回復するものはありません。</translation>
+    </message>
+    <message>
+        <source>%1: held. It answers what was written last, in every byte.</source>
+        <translation>%1: held(保持)。最後に書き込んだ内容を全バイト応答しました。</translation>
+    </message>
+    <message>
+        <source>%1: waits. Its network settings come into use when it has been switched off and on.</source>
+        <translation>%1: waits(待機)。ネットワークの設定は、電源を入れ直すと有効になります。</translation>
+    </message>
+    <message>
+        <source>%1: differs. It does not hold what was written last.</source>
+        <translation>%1: differs(相違)。最後に書き込んだ内容を保持していません。</translation>
+    </message>
+    <message>
+        <source>%1: unfinished. An earlier write did not end: run vq-tl4ctl recover.</source>
+        <translation>%1: unfinished(未完了)。以前の書き込みが完了していません。vq-tl4ctl recoverを実行してください。</translation>
+    </message>
+    <message>
+        <source>%1: unwritten. The journal has no write to it.</source>
+        <translation>%1: unwritten(書き込みなし)。履歴にこの測定器への書き込みはありません。</translation>
+    </message>
+    <message>
+        <source>%1: its snapshot in the journal is damaged.</source>
+        <translation>%1: 履歴のスナップショットが壊れています。</translation>
+    </message>
+    <message>
+        <source>%1 was written to and is not attached: it is not looked at.</source>
+        <translation>%1 には書き込みましたが、接続されていないため調べません。</translation>
+    </message>
 </context>
 </TS>
