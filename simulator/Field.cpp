@@ -40,26 +40,28 @@ std::string hexOf(std::uint32_t bits) {
     return "0x" + toHex(bytes, sizeof bytes);
 }
 
-/** A number that would become infinite, subnormal or, not being zero, zero is refused. */
-float readFloat(const Json& value, const std::string& path) {
+/** A number that would become infinite, subnormal or, not being zero, zero is refused.
+    @return why it is refused; null: it is not */
+const char* readFloat(const Json& value, float& result) {
     if (value.is_string()) {
         const auto& text = value.get_ref<const std::string&>();
         std::uint8_t bytes[4] = {};
-        if (text.size() == 10 && text.compare(0, 2, "0x") == 0 &&
-            fromHex(std::string_view(text).substr(2), {}, bytes, sizeof bytes)) {
-            std::reverse(bytes, bytes + sizeof bytes);
-            return load<float>(bytes);
-        }
+        if (text.size() != 10 || text.compare(0, 2, "0x") != 0 ||
+            !fromHex(std::string_view(text).substr(2), {}, bytes, sizeof bytes))
+            return "must be a number or a bit pattern such as \"0x7fc00001\"";
+        std::reverse(bytes, bytes + sizeof bytes);
+        result = load<float>(bytes);
+        return nullptr;
     }
     if (!value.is_number())
-        refuse(path, "must be a number or a bit pattern such as \"0x7fc00001\"");
+        return "must be a number or a bit pattern such as \"0x7fc00001\"";
     const auto number = value.get<double>();
     if (!(std::fabs(number) <= static_cast<double>(FLT_MAX)))
-        refuse(path, "is too large for a single-precision number");
-    const auto result = static_cast<float>(number);
-    if (number != 0.0 && !std::isnormal(result))
-        refuse(path, "is too small for a single-precision number; give its bit pattern");
-    return result;
+        return "is too large for a single-precision number";
+    result = static_cast<float>(number);
+    return number != 0.0 && !std::isnormal(result)
+               ? "is too small for a single-precision number; give its bit pattern"
+               : nullptr;
 }
 
 /** A number where a number carries the value exactly, the bit pattern for everything else:
@@ -83,9 +85,12 @@ void readFloats(const Json& value, const std::string& path, std::uint8_t* bytes,
     const std::size_t count = size / sizeof(float);
     if (!value.is_array() || value.size() != count)
         refuse(path, "must be an array of " + std::to_string(count) + " values");
-    for (std::size_t index = 0; index < count; ++index)
-        store(bytes + index * sizeof(float),
-              readFloat(value[index], path + '[' + std::to_string(index) + ']'));
+    for (std::size_t index = 0; index < count; ++index) {
+        float number = 0;
+        if (const char* const reason = readFloat(value[index], number))
+            refuse(path + '[' + std::to_string(index) + ']', reason);
+        store(bytes + index * sizeof number, number);
+    }
 }
 
 /** The repeatable pattern of {"seed": seed}. */
