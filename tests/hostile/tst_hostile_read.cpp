@@ -116,12 +116,12 @@ private Q_SLOTS:
     void networkTab() {
         QFETCH(const SettingsCase, row);
         HostileFile file(row);
-        file.place();
         SettingsFixture f;
         QVERIFY(f.connectFirst());
         f.setOctets({"1x"});
         const QStringList before = f.everything();
         const QJsonObject state = TestBench::state();
+        file.place();
         file.strikeBetween(f.answers);
         f.answers.willChoose(row.file);
         f.click("readToFilePushBtn");
@@ -146,12 +146,12 @@ private Q_SLOTS:
         QFETCH(const CalibrationCase, row);
         const CalibrationTab& tab = calibrationTab(row.adapter);
         HostileFile file(row);
-        file.place();
         SettingsFixture f;
         QVERIFY(f.connectFirst(tab.page));
         const QString held = textsOf(f, tab).constFirst();
         const QByteArray record = heldRecord();
         f.clearRecords();
+        file.place();
         file.strikeBetween(f.answers);
         f.answers.willChoose(row.file);
         const QByteArray printed = printedDuring([&] { f.click(tab.chooseButton); });

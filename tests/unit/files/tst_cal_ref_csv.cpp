@@ -232,7 +232,7 @@ private Q_SLOTS:
         QCOMPARE(CFileIO::BcdToDec(data.ambAdpSerialNo[3]), 21U);
     }
 
-    void nullArguments() {
+    void nullArguments() const {
         const TestFolder folder;
         folder.write("values.csv", calRefFile(m_adapter));
         QVERIFY(!(CFileIO().*calRefReader(m_adapter).read)("values.csv", nullptr));

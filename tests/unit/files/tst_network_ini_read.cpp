@@ -4,13 +4,6 @@
 
 namespace {
 
-/** A file that is refused for want of this key, or for its value. */
-struct RefusedRow {
-    QByteArray name;
-    QByteArray key;
-    QByteArray content;
-};
-
 QByteArray readContent(const QByteArray& content, const NetworkBytes& before = {}) {
     const TestFolder folder;
     folder.write("net.ini", content);
@@ -18,8 +11,6 @@ QByteArray readContent(const QByteArray& content, const NetworkBytes& before = {
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(RefusedRow)
 
 /** What is read from a network settings file: the tool's own, or one that a person, another program
     or an accident made. */
@@ -89,17 +80,17 @@ private Q_SLOTS:
     void texts() { checkValue({"SSID", "EncryptKey"}); }
 
     void missingKey_data() {
-        QVector<RefusedRow> rows;
+        QVector<TextCase> rows;
         for (const NetworkField& field : networkFields) {
             const QByteArray key(field.key);
             const QByteArray assignment = '\n' + key + '=';
             rows += {
-                {key + " is missing", key, iniWith(assignment, "\nX=")},
-                {key + " has no value", key, iniSetting(key, "")},
-                {key + " has a blank value", key, iniSetting(key, " \t ")},
-                {key + " has a carriage return", key, iniSetting(key, "\r")},
-                {key + " has a NUL byte", key, iniSetting(key, QByteArray(1, '\0'))},
-                {key + " has no sign", key, iniWith(assignment, '\n' + key + ' ')},
+                {key + " is missing", iniWith(assignment, "\nX="), key},
+                {key + " has no value", iniSetting(key, ""), key},
+                {key + " has a blank value", iniSetting(key, " \t "), key},
+                {key + " has a carriage return", iniSetting(key, "\r"), key},
+                {key + " has a NUL byte", iniSetting(key, QByteArray(1, '\0')), key},
+                {key + " has no sign", iniWith(assignment, '\n' + key + ' '), key},
             };
         }
         addRows(rows);
@@ -107,12 +98,12 @@ private Q_SLOTS:
     void missingKey() { checkRefused(); }
 
     void tooLong_data() {
-        QVector<RefusedRow> rows;
+        QVector<TextCase> rows;
         const auto add = [&rows](const QByteArray& key, const char* what,
                                  const QVector<int>& lengths) {
             for (const int length : lengths)
-                rows.append({what + (" of " + QByteArray::number(length)) + " bytes", key,
-                             iniSetting(key, QByteArray(length, 'x'))});
+                rows.append({what + (" of " + QByteArray::number(length)) + " bytes",
+                             iniSetting(key, QByteArray(length, 'x')), key});
         };
         add("SSID", "SSID", {33, 34, 64, 65, 511, 512, 513, 544, 577, 70000});
         add("EncryptKey", "key", {65, 66, 511, 512, 513, 576, 577, 70000});
@@ -271,11 +262,12 @@ private:
         }
     }
 
-    /** The fields of the keys before it are filled, the others are not reached. */
+    /** The fields of the keys before the one that the row expects are filled, the others are not
+        reached. */
     void checkRefused() {
-        QFETCH(const RefusedRow, row);
-        QCOMPARE(readContent(row.content),
-                 outcome(false, sampleNetwork().clearFrom(row.key).bytes()));
+        QFETCH(const TextCase, row);
+        QCOMPARE(readContent(row.given),
+                 outcome(false, sampleNetwork().clearFrom(row.expected).bytes()));
     }
 };
 
