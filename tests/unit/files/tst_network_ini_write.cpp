@@ -14,9 +14,10 @@ struct ContentRow {
     QByteArray value;
 };
 
+/** Whether it was written, and the record left alone. */
 bool write(const char* path, const NetworkBytes& network = sampleNetwork()) {
     const KVA_NETWORKINFO info = network.record();
-    return CFileIO().WriteNetworkIni(path, &info);
+    return CFileIO().WriteNetworkIni(path, &info) && bytesOf(info) == network.bytes();
 }
 
 #ifdef Q_OS_LINUX
@@ -48,7 +49,6 @@ private Q_SLOTS:
         const TestFolder folder;
         QVERIFY(write("net.ini"));
         QCOMPARE(folder.read("net.ini"), sampleNetworkIni());
-        QCOMPARE(folder.read("net.ini").count('\n'), 11);
     }
 
 #ifdef Q_OS_LINUX
@@ -111,13 +111,6 @@ private Q_SLOTS:
         struct stat status = {};
         QVERIFY(::stat("net.ini", &status) == 0);
         QCOMPARE(status.st_mode & 0777U, mode_t{0640});
-    }
-
-    void leavesTheRecordAlone() {
-        const TestFolder folder;
-        const auto info = patternedRecord<KVA_NETWORKINFO>();
-        QVERIFY(CFileIO().WriteNetworkIni("net.ini", &info));
-        QCOMPARE(bytesOf(info).toHex(), patternedNetwork().bytes().toHex());
     }
 
     void saysNothing() {
