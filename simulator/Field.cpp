@@ -136,7 +136,7 @@ void readText(const Json& value, const std::string& path, std::uint8_t* bytes, s
     if (text.size() > size)
         refuse(path, "is longer than " + std::to_string(size) + " bytes");
     std::memset(bytes, 0, size);
-    std::memcpy(bytes, text.data(), text.size());
+    std::copy(text.begin(), text.end(), bytes);
 }
 
 /** The text of a field as JSON; null where it is not UTF-8. */

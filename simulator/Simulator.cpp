@@ -190,18 +190,20 @@ KVA_RESULT Simulator::read(const CallEffects& effects,
     const Json* const instrument = connected(result);
     if (instrument == nullptr)
         return result;
-    const auto former = m_formerAnswers.find(serialNumberOf(*instrument));
-    const bool isStale = effects.stale && former != m_formerAnswers.end();
-    reader(isStale ? former->second : *instrument);
+    Json answer = *instrument;
+    const auto former = m_formerAnswers.find(serialNumberOf(answer));
+    if (effects.stale && former != m_formerAnswers.end())
+        answer.update(former->second);
+    reader(answer);
     return result;
 }
 
 KVA_RESULT Simulator::write(const CallEffects& effects,
                             const std::function<KVA_RESULT(Json&)>& writer) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    if (!loaded())
-        return KVA_ERROR;
     KVA_RESULT result = KVA_ERROR;
+    if (connected(result) == nullptr)
+        return result;
     Json before;
     changeLocked([&](Bench& next) {
         const Json* const instrument = connected(result);
@@ -217,7 +219,7 @@ KVA_RESULT Simulator::write(const CallEffects& effects,
 }
 
 void Simulator::keepFormerAnswers(const Json& before, const Json& after) {
-    Json& former = m_formerAnswers.try_emplace(serialNumberOf(after), before).first->second;
+    Json& former = m_formerAnswers.try_emplace(serialNumberOf(after), Json::object()).first->second;
     if (networkOf(before) != networkOf(after))
         former["network"] = before["network"];
     if (before["powerOffMode"] != after["powerOffMode"])

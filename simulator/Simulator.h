@@ -127,7 +127,8 @@ private:
     std::unique_ptr<BenchStore> m_store; // null: not loaded
     std::optional<Connection> m_connection;
     FaultCounters m_faults;
-    // By serial number: an instrument with what was there before the last write that changed it.
+    // By serial number: the parts of an instrument as they were before the last write that changed
+    // them.
     std::map<std::int32_t, Json> m_formerAnswers;
     std::optional<std::vector<KVA_PORTINFO>> m_formerPorts;
 
