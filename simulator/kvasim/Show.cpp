@@ -1,7 +1,5 @@
 #include "simulator/kvasim/Show.h"
 
-#include "simulator/BenchFile.h"
-
 #include <algorithm>
 #include <chrono>
 #include <cstddef>
@@ -119,6 +117,20 @@ void readLines(std::ifstream& file, const std::function<void(const Json&)>& take
 }
 
 } // namespace
+
+Json listOf(const BenchStore& store) {
+    Json list = Json::array();
+    for (const Json& instrument : store.bench().instruments) {
+        const std::int32_t serialNumber = serialNumberOf(instrument);
+        const bool isStarting = isPlugged(instrument) && !isReady(instrument);
+        list.push_back({{"serialNumber", serialNumber},
+                        {"plugged", instrument["plugged"]},
+                        {"starting", isStarting},
+                        {"connected", store.lock()->isHeld(serialNumber)},
+                        {"port", instrument["port"]}});
+    }
+    return list;
+}
 
 std::string listAsText(const Json& instruments) {
     std::vector<Row> rows = {{"SERIAL", "STATE", "PORT"}};

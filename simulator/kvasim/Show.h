@@ -1,17 +1,20 @@
 /**
- * What the command prints: JSON of the program as text for people.
+ * What the command prints: JSON as text for people.
  */
 #ifndef SIMULATOR_KVASIM_SHOW_H
 #define SIMULATOR_KVASIM_SHOW_H
 
-#include "simulator/Json.h"
+#include "simulator/BenchStore.h"
 
 #include <functional>
 #include <string>
 
 namespace kvasim {
 
-/** The answer to "list", a line each. */
+/** The instruments of a bench, an object each, as `kvasim list --json` prints them. */
+Json listOf(const BenchStore& store);
+
+/** The same, a line each. */
 std::string listAsText(const Json& instruments);
 
 /** An instrument as a table: what it is; its network settings, active and pending; its calibration

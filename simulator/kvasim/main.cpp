@@ -58,22 +58,8 @@ void change(const Options& options, const std::function<void(Bench&)>& make) {
     open(options)->change(makeAndSave, [](const Bench&) {});
 }
 
-Json listOf(const BenchStore& store) {
-    Json list = Json::array();
-    for (const Json& instrument : store.bench().instruments) {
-        const std::int32_t serialNumber = kvasim::serialNumberOf(instrument);
-        const bool isStarting = kvasim::isPlugged(instrument) && !kvasim::isReady(instrument);
-        list.push_back({{"serialNumber", serialNumber},
-                        {"plugged", instrument["plugged"]},
-                        {"starting", isStarting},
-                        {"connected", store.lock()->isHeld(serialNumber)},
-                        {"port", instrument["port"]}});
-    }
-    return list;
-}
-
 void list(const Options& options) {
-    const Json instruments = listOf(*open(options));
+    const Json instruments = kvasim::listOf(*open(options));
     if (options.json)
         return print(kvasim::formatJson(instruments));
     if (!options.serialNumbersOnly)
