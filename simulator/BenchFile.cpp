@@ -138,7 +138,10 @@ Stamp writeBenchFile(const std::string& path, const Bench& bench) {
     if (file < 0)
         fail(path, "cannot be saved", errno);
     Stamp stamp{};
-    int error = writeBeside(::fdopen(file, "wb"), path, text, stamp);
+    std::FILE* stream = ::fdopen(file, "wb");
+    int error = stream ? writeBeside(stream, path, text, stamp) : errno;
+    if (!stream)
+        ::close(file);
     if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0)
         error = errno;
     if (error != 0) {

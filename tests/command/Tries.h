@@ -8,6 +8,15 @@
 #include <future>
 #include <vector>
 
+/** How much of what could be tried is tried, by VQTL4_SWEEP: "full" takes all, "sample" a seventh
+   of the usual (under sanitizers, where each try takes longer); else the usual. */
+inline bool isFullSweep() {
+    return qgetenv("VQTL4_SWEEP") == "full";
+}
+inline std::size_t sweepStride() {
+    return qgetenv("VQTL4_SWEEP") == "sample" ? 7 : 1;
+}
+
 /** Makes all tries, several at a time: they mostly wait for the disk.
     @param attempt  takes the number of a try, from 0; empty where nothing is wrong */
 template <typename Try>
