@@ -72,12 +72,8 @@ FaultKind corruption(const char* name) {
 }
 
 FaultKind unplugging(const char* moment, Effect effect) {
-    return {QString("unplugged ") + moment,
-            effect,
-            always("unplug", moment),
-            [](const QString&) { return true; },
-            false,
-            nullptr};
+    return {QString("unplugged ") + moment,      effect, always("unplug", moment),
+            [](const QString&) { return true; }, false,  nullptr};
 }
 
 bool any(const QString&) {
