@@ -2,6 +2,7 @@
 
 #include "simulator/Simulator.h"
 
+#include <algorithm>
 #include <cstring>
 #include <exception>
 #include <utility>
@@ -22,8 +23,10 @@ const Json* counterpart(const Bench& before, const Bench& now, std::size_t index
 }
 
 bool isSameList(const std::vector<KVA_PORTINFO>& left, const std::vector<KVA_PORTINFO>& right) {
-    return left.size() == right.size() &&
-           std::memcmp(left.data(), right.data(), left.size() * sizeof(KVA_PORTINFO)) == 0;
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [](const KVA_PORTINFO& a, const KVA_PORTINFO& b) {
+                          return std::memcmp(&a, &b, sizeof a) == 0;
+                      });
 }
 
 } // namespace
