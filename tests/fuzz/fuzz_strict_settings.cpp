@@ -8,7 +8,7 @@
 #include <cstring>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    const FuzzFile onDisk(data, size);
+    const FuzzFile onDisk(textOf(data, size));
     Faults faults;
     const auto file = InputFile::read(QString::fromLatin1(onDisk.path()), faults);
     if (!file)
