@@ -1,6 +1,6 @@
-// The check of snapshots: what it accepts is, written again, the same in every field; what it refuses,
-// it says why. Each input is tried as it is, and with a hash that fits, since almost every change is
-// refused for its hash alone.
+// The check of snapshots: what it accepts is, written again, the same in every field; what it
+// refuses, it says why. Each input is tried as it is, and with a hash that fits, since almost every
+// change is refused for its hash alone.
 #include "command/Snapshot.h"
 #include "tests/fuzz/FuzzFile.h"
 
