@@ -480,13 +480,14 @@ void TestCommand::asks() {
     QStringList arguments = run.applyAll();
     arguments.removeAll("--yes");
     arguments.removeAll("--json");
-    // script(1) gives it a terminal.
+    // script(1) gives it a terminal. A shell that stayed between would itself die of Ctrl-C.
     const auto list = run.start({"list"});
     CommandRun::finish(*list);
     QProcess process;
     process.setProcessEnvironment(list->processEnvironment());
     process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start("script", {"-qefc", (QStringList(VQTL4CTL) + arguments).join(' '), "/dev/null"});
+    process.start("script",
+                  {"-qefc", "exec " + (QStringList(VQTL4CTL) + arguments).join(' '), "/dev/null"});
     QByteArray shown;
     QTRY_VERIFY2_WITH_TIMEOUT((shown += process.readAll()).contains("[y/N]"), shown.constData(),
                               10000);
