@@ -128,7 +128,7 @@ QByteArray CommandRun::read(const QString& name) const {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void CommandRun::setBench(const QJsonObject& instrument, const QJsonArray& faults) {
+void CommandRun::setBench(const QJsonObject& instrument, const QJsonArray& faults) const {
     const QJsonObject bench = {
         {"version", 1}, {"instruments", QJsonArray{instrument}}, {"faults", faults}};
     write("bench.json", QJsonDocument(bench).toJson());
@@ -141,7 +141,7 @@ QJsonObject CommandRun::instrument() const {
         .toObject();
 }
 
-void CommandRun::setFaults(const QJsonArray& faults) {
+void CommandRun::setFaults(const QJsonArray& faults) const {
     setBench(instrument(), faults);
 }
 

@@ -42,9 +42,9 @@ public:
     static QJsonObject wantedInstrument();
 
     /** Replaces the bench: this instrument, these rules for faults. */
-    void setBench(const QJsonObject& instrument, const QJsonArray& faults = {});
+    void setBench(const QJsonObject& instrument, const QJsonArray& faults = {}) const;
     /** The instrument, with other rules. */
-    void setFaults(const QJsonArray& faults);
+    void setFaults(const QJsonArray& faults) const;
     /** The instrument as the bench has it now. */
     QJsonObject instrument() const;
 

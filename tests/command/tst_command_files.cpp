@@ -6,9 +6,9 @@
 #include "files/CFileIO.h"
 #include "tests/support/StandardOutput.h"
 #include "tests/support/TestFolder.h"
+#include "tests/support/TestMain.h"
 
 #include <QFileInfo>
-#include <QtTest>
 
 #include <cstring>
 #include <sys/stat.h>
@@ -393,5 +393,5 @@ void TestCommandFiles::texts() {
     QVERIFY(Text().isEmpty());
 }
 
-QTEST_GUILESS_MAIN(TestCommandFiles)
+TEST_CLASS(TestCommandFiles)
 #include "tst_command_files.moc"

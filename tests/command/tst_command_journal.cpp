@@ -2,6 +2,7 @@
 // writes to an instrument without it.
 #include "CommandRun.h"
 #include "command/Journal.h"
+#include "tests/support/TestMain.h"
 
 #include <QCryptographicHash>
 #include <QDir>
@@ -9,7 +10,6 @@
 #include <QJsonDocument>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QtTest>
 
 #include <random>
 #include <sys/stat.h>
@@ -378,5 +378,5 @@ void TestCommandJournal::outlivesDamage() {
     QVERIFY(read > 0);
 }
 
-QTEST_GUILESS_MAIN(TestCommandJournal)
+TEST_CLASS(TestCommandJournal)
 #include "tst_command_journal.moc"

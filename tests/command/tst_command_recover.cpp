@@ -7,12 +7,12 @@
  */
 #include "CommandRun.h"
 #include "Tries.h"
+#include "tests/support/TestMain.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QTest>
 
 namespace {
 
@@ -320,5 +320,5 @@ void TestCommandRecover::seesTheMarkOfTheUsualJournal() {
     QCOMPARE(run.calls(), QStringList());
 }
 
-QTEST_GUILESS_MAIN(TestCommandRecover)
+TEST_CLASS(TestCommandRecover)
 #include "tst_command_recover.moc"

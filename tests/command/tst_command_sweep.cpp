@@ -8,12 +8,12 @@
  */
 #include "CommandRun.h"
 #include "Tries.h"
+#include "tests/support/TestMain.h"
 
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonDocument>
-#include <QTest>
 
 #include <set>
 #include <vector>
@@ -271,5 +271,5 @@ void TestCommandSweep::survivesBeingKilled() {
     QCOMPARE(problems.size(), 0);
 }
 
-QTEST_GUILESS_MAIN(TestCommandSweep)
+TEST_CLASS(TestCommandSweep)
 #include "tst_command_sweep.moc"

@@ -3,8 +3,7 @@
 #include "command/Plausibility.h"
 #include "files/CFileIO.h"
 #include "tests/command/PlausibilityFigures.h"
-
-#include <QtTest>
+#include "tests/support/TestMain.h"
 
 #include <cmath>
 #include <limits>
@@ -212,5 +211,5 @@ void TestPlausibility::figures() {
         QVERIFY(caught(accessory, false, damage.damage, samples).found <= 1);
 }
 
-QTEST_GUILESS_MAIN(TestPlausibility)
+TEST_CLASS(TestPlausibility)
 #include "tst_plausibility.moc"
