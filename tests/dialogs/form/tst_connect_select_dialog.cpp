@@ -98,285 +98,263 @@ class TestConnectSelectDialog : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void afterConstruction();
-    void controllerIsShared();
-    void listed_data();
-    void listed();
-    void preparedWindow();
-    void titleIsTranslatedWhenPrepared();
-    void selectionIsLogged();
-    void returnPressesOk();
-    void escapeIsNoChoice();
-    void reused_data();
-    void reused();
-    void emptyOnFirstUse();
-    void chosen();
-    void chosenOnceMore();
-    void chooseShowsTheWindowAgain();
-    void chooseIsAbandoned();
-    void chooseIsAbandonedAtOnce();
-    void waitingSleeps();
-};
-
-void TestConnectSelectDialog::afterConstruction() {
-    const Dialog dialog;
-    QVERIFY(!dialog.isFinished);
-    QCOMPARE(dialog.portNum, 0);
-    QCOMPARE(dialog.rows(), QStringList());
-    QVERIFY(dialog.okButton().styleSheet().isEmpty());
-}
-
-void TestConnectSelectDialog::controllerIsShared() {
-    TestBench::load({});
-    const auto first = std::make_shared<CKvaSdk_Ctrl>();
-    const auto second = std::make_shared<CKvaSdk_Ctrl>();
-    TestBench::clearCalls();
-    {
-        Dialog dialog;
-        dialog.setSdkCtrl(first);
-        QCOMPARE(first.use_count(), 2L);
-        dialog.setSdkCtrl(second);
-        QCOMPARE(first.use_count(), 1L);
-        QCOMPARE(second.use_count(), 2L);
-        dialog.open(three);
-        dialog.clickOk();
-        QCOMPARE(second.use_count(), 2L);
+    void afterConstruction() {
+        const Dialog dialog;
+        QVERIFY(!dialog.isFinished);
+        QCOMPARE(dialog.portNum, 0);
+        QCOMPARE(dialog.rows(), QStringList());
+        QVERIFY(dialog.okButton().styleSheet().isEmpty());
     }
-    QCOMPARE(second.use_count(), 1L);
-    QCOMPARE(TestBench::calls(), QStringList());
-}
 
-void TestConnectSelectDialog::listed_data() {
-    QStringList many;
-    for (int i = 0; i < 150; ++i)
-        many.append(QString("VARNE-1(USB,Serial#%1)").arg(i));
-    addRows(QVector<ListedRow>{
-        {"one", {three[0]}},
-        {"three", three},
-        {"150", many},
-        {"same twice", {three[0], three[0]}},
-        {"not sorted", {three[2], three[0], three[1]}},
-        {"placeholders", {"VARNE-1(%1,Serial#%2)", "100%", "%s%n"}},
-        {"markup", {"<b>VARNE-1</b>", "&a"}},
-        {"empty text", {"", three[0]}},
-        {"Japanese", {"測定器", three[0]}},
-    });
-}
-
-void TestConnectSelectDialog::listed() {
-    QFETCH(const ListedRow, row);
-    Dialog dialog;
-    const DebugLog log;
-    dialog.setDeviceList(row.devices);
-    QCOMPARE(dialog.rows(), row.devices);
-    QCOMPARE(dialog.list().currentRow(), 0);
-    QCOMPARE(dialog.list().selectedItems(), {dialog.list().item(0)});
-    QCOMPARE(dialog.portNum, 0);
-    QVERIFY(!dialog.isFinished);
-    QCOMPARE(log.lines(), QStringList(selectedLine(0)));
-}
-
-void TestConnectSelectDialog::preparedWindow() {
-    Dialog dialog;
-    // The same each time.
-    for (const QStringList& devices : {three, two}) {
-        dialog.setDeviceList(devices);
-        QCOMPARE(iconOf(dialog), programIcon());
-        QCOMPARE(dialog.windowFlags(), titledFlags());
-        QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
-        QCOMPARE(dialog.okButton().styleSheet(),
-                 QString("QPushButton:default{background-color:gainsboro;}"));
-        QCOMPARE(dialog.minimumSize(), QSize(520, 213));
-        QCOMPARE(dialog.maximumSize(), QSize(520, 213));
-        QCOMPARE(dialog.size(), QSize(520, 213));
-        QCOMPARE(dialog.windowTitle(), QString("Select Device"));
-        QVERIFY(!dialog.isVisible());
+    void controllerIsShared() {
+        TestBench::load({});
+        const auto first = std::make_shared<CKvaSdk_Ctrl>();
+        const auto second = std::make_shared<CKvaSdk_Ctrl>();
+        TestBench::clearCalls();
+        {
+            Dialog dialog;
+            dialog.setSdkCtrl(first);
+            QCOMPARE(first.use_count(), 2L);
+            dialog.setSdkCtrl(second);
+            QCOMPARE(first.use_count(), 1L);
+            QCOMPARE(second.use_count(), 2L);
+            dialog.open(three);
+            dialog.clickOk();
+            QCOMPARE(second.use_count(), 2L);
+        }
+        QCOMPARE(second.use_count(), 1L);
+        QCOMPARE(TestBench::calls(), QStringList());
     }
-}
 
-void TestConnectSelectDialog::titleIsTranslatedWhenPrepared() {
-    Dialog dialog;
-    const InstalledTranslation japanese("jp");
-    QCOMPARE(dialog.windowTitle(), QString("Select Device"));
-    dialog.setDeviceList(three);
-    QCOMPARE(dialog.windowTitle(), QString("測定器の選択"));
-    QCOMPARE(dialog.rows(), three);
-    const MarkingTranslator marking;
-    dialog.setDeviceList(three);
-    QCOMPARE(dialog.windowTitle(),
-             MarkingTranslator::marked("ConnectSelectDialog", "Select Device"));
-    QCOMPARE(dialog.rows(), three);
-}
+    void listed_data() {
+        QStringList many;
+        for (int i = 0; i < 150; ++i)
+            many.append(QString("VARNE-1(USB,Serial#%1)").arg(i));
+        addRows(QVector<ListedRow>{
+            {"one", {three[0]}},
+            {"three", three},
+            {"150", many},
+            {"same twice", {three[0], three[0]}},
+            {"not sorted", {three[2], three[0], three[1]}},
+            {"placeholders", {"VARNE-1(%1,Serial#%2)", "100%", "%s%n"}},
+            {"markup", {"<b>VARNE-1</b>", "&a"}},
+            {"empty text", {"", three[0]}},
+            {"Japanese", {"測定器", three[0]}},
+        });
+    }
 
-void TestConnectSelectDialog::selectionIsLogged() {
-    Dialog dialog;
-    dialog.open(three);
-    const DebugLog log;
-    dialog.clickRow(2);
-    QCOMPARE(dialog.portNum, 2);
-    QVERIFY(!dialog.isFinished);
-    dialog.clickRow(1);
-    QTest::keyClick(&dialog.list(), Qt::Key_Up);
-    QCOMPARE(log.lines(), QStringList({selectedLine(2), selectedLine(1), selectedLine(0)}));
-    QCOMPARE(dialog.portNum, 0);
-}
-
-void TestConnectSelectDialog::returnPressesOk() {
-    Dialog dialog;
-    dialog.open(three);
-    QVERIFY(QTest::qWaitForWindowActive(&dialog));
-    QTest::keyClick(&dialog, Qt::Key_Return);
-    QVERIFY(dialog.isFinished);
-    QVERIFY(!dialog.isVisible());
-}
-
-/** Nor is it one when the window is closed. */
-void TestConnectSelectDialog::escapeIsNoChoice() {
-    Dialog dialog;
-    dialog.open(three);
-    QTest::keyClick(&dialog, Qt::Key_Escape);
-    QTest::keyClick(&dialog.list(), Qt::Key_Escape);
-    QVERIFY(dialog.isVisible());
-    QVERIFY(!dialog.isFinished);
-    dialog.close();
-    QVERIFY(!dialog.isFinished);
-}
-
-void TestConnectSelectDialog::reused_data() {
-    addRows(QVector<ListedRow>{{"with fewer", two}, {"empty", {}}});
-}
-
-void TestConnectSelectDialog::reused() {
-    QFETCH(const ListedRow, row);
-    const bool isEmpty = row.devices.isEmpty();
-    Dialog dialog;
-    dialog.open(three, 2);
-    dialog.clickOk();
-    QVERIFY(dialog.isFinished);
-    QCOMPARE(dialog.portNum, 2);
-    const DebugLog log;
-    dialog.setDeviceList(row.devices);
-    QVERIFY(dialog.isFinished); // its owner clears it
-    dialog.isFinished = false;
-    const int portNum = isEmpty ? dialog.portNum : 0;
-    QCOMPARE(dialog.rows(), row.devices);
-    QCOMPARE(dialog.list().currentRow(), isEmpty ? -1 : 0);
-    QCOMPARE(dialog.list().selectedItems().size(), isEmpty ? 0 : 1);
-    QCOMPARE(dialog.portNum, portNum);
-    QVERIFY(isEmpty || log.lines().endsWith(selectedLine(0)));
-    dialog.show();
-    dialog.clickOk();
-    QVERIFY(dialog.isFinished);
-    QCOMPARE(dialog.portNum, portNum);
-}
-
-void TestConnectSelectDialog::emptyOnFirstUse() {
-    Dialog dialog;
-    const DebugLog log;
-    dialog.open({});
-    QCOMPARE(dialog.list().count(), 0);
-    QCOMPARE(dialog.list().currentRow(), -1);
-    dialog.clickOk();
-    QVERIFY(dialog.isFinished);
-    QCOMPARE(dialog.portNum, 0);
-    QCOMPARE(log.lines(), QStringList());
-}
-
-/** Each row, and none, which is OK at once. */
-void TestConnectSelectDialog::chosen() {
-    for (const int row : {-1, 0, 1, 2}) {
+    void listed() {
+        QFETCH(const ListedRow, row);
         Dialog dialog;
-        const User user(dialog, {[&] {
-                            dialog.clickRow(row);
-                            dialog.clickOk();
-                        }});
         const DebugLog log;
-        QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
-        QVERIFY(user.isDone());
+        dialog.setDeviceList(row.devices);
+        QCOMPARE(dialog.rows(), row.devices);
+        QCOMPARE(dialog.list().currentRow(), 0);
+        QCOMPARE(dialog.list().selectedItems(), {dialog.list().item(0)});
+        QCOMPARE(dialog.portNum, 0);
+        QVERIFY(!dialog.isFinished);
+        QCOMPARE(log.lines(), QStringList(selectedLine(0)));
+    }
+
+    void preparedWindow() {
+        Dialog dialog;
+        // The same each time.
+        for (const QStringList& devices : {three, two}) {
+            dialog.setDeviceList(devices);
+            QCOMPARE(iconOf(dialog), programIcon());
+            QCOMPARE(dialog.windowFlags(), titledFlags());
+            QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
+            QCOMPARE(dialog.okButton().styleSheet(),
+                     QString("QPushButton:default{background-color:gainsboro;}"));
+            QCOMPARE(dialog.minimumSize(), QSize(520, 213));
+            QCOMPARE(dialog.maximumSize(), QSize(520, 213));
+            QCOMPARE(dialog.size(), QSize(520, 213));
+            QCOMPARE(dialog.windowTitle(), QString("Select Device"));
+            QVERIFY(!dialog.isVisible());
+        }
+    }
+
+    void titleIsTranslatedWhenPrepared() {
+        Dialog dialog;
+        const InstalledTranslation japanese("jp");
+        QCOMPARE(dialog.windowTitle(), QString("Select Device"));
+        dialog.setDeviceList(three);
+        QCOMPARE(dialog.windowTitle(), QString("測定器の選択"));
+        QCOMPARE(dialog.rows(), three);
+        const MarkingTranslator marking;
+        dialog.setDeviceList(three);
+        QCOMPARE(dialog.windowTitle(),
+                 MarkingTranslator::marked("ConnectSelectDialog", "Select Device"));
+        QCOMPARE(dialog.rows(), three);
+    }
+
+    void selectionIsLogged() {
+        Dialog dialog;
+        dialog.open(three);
+        const DebugLog log;
+        dialog.clickRow(2);
+        QCOMPARE(dialog.portNum, 2);
+        QVERIFY(!dialog.isFinished);
+        dialog.clickRow(1);
+        QTest::keyClick(&dialog.list(), Qt::Key_Up);
+        QCOMPARE(log.lines(), QStringList({selectedLine(2), selectedLine(1), selectedLine(0)}));
+        QCOMPARE(dialog.portNum, 0);
+    }
+
+    void returnPressesOk() {
+        Dialog dialog;
+        dialog.open(three);
+        QVERIFY(QTest::qWaitForWindowActive(&dialog));
+        QTest::keyClick(&dialog, Qt::Key_Return);
         QVERIFY(dialog.isFinished);
         QVERIFY(!dialog.isVisible());
-        QVERIFY(!dialog.isModal());
-        QCOMPARE(dialog.portNum, std::max(row, 0));
-        QStringList lines = {selectedLine(0)};
-        if (row > 0)
-            lines.append(selectedLine(row));
-        QCOMPARE(log.lines(), lines + QStringList(chosenLine(dialog.portNum)));
     }
-}
 
-void TestConnectSelectDialog::chosenOnceMore() {
-    Dialog dialog;
-    for (const QStringList& devices : {three, two}) {
-        const User user(dialog, {[&] {
-                            QCOMPARE(dialog.rows(), devices);
-                            QCOMPARE(dialog.portNum, 0);
-                            dialog.clickRow(devices.size() - 1);
-                            dialog.clickOk();
-                        }});
-        QVERIFY(dialog.choose(devices, [&] { return user.hasGivenUp(); }));
-        QCOMPARE(dialog.portNum, devices.size() - 1);
-        dialog.isFinished = false; // as its owner does
-    }
-}
-
-/** A window manager may close a window that has no close button. */
-void TestConnectSelectDialog::chooseShowsTheWindowAgain() {
-    Dialog dialog;
-    const User user(dialog, {[&] { dialog.close(); }, [&] { dialog.hide(); },
-                             [&] {
-                                 dialog.clickRow(1);
-                                 dialog.clickOk();
-                             }});
-    QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
-    QVERIFY(user.isDone());
-    QCOMPARE(dialog.portNum, 1);
-    QVERIFY(!dialog.isVisible());
-}
-
-/** Also in the moment in which it was made. */
-void TestConnectSelectDialog::chooseIsAbandoned() {
-    for (const bool pressesOk : {false, true}) {
+    /** Nor is it one when the window is closed. */
+    void escapeIsNoChoice() {
         Dialog dialog;
-        bool isAbandoned = false;
-        const User user(dialog, {[&] {
-                            dialog.clickRow(2);
-                            if (pressesOk)
-                                dialog.clickOk();
-                            isAbandoned = true;
-                        }});
+        dialog.open(three);
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QTest::keyClick(&dialog.list(), Qt::Key_Escape);
+        QVERIFY(dialog.isVisible());
+        QVERIFY(!dialog.isFinished);
+        dialog.close();
+        QVERIFY(!dialog.isFinished);
+    }
+
+    void reused_data() { addRows(QVector<ListedRow>{{"with fewer", two}, {"empty", {}}}); }
+    void reused() {
+        QFETCH(const ListedRow, row);
+        const bool isEmpty = row.devices.isEmpty();
+        Dialog dialog;
+        dialog.open(three, 2);
+        dialog.clickOk();
+        QVERIFY(dialog.isFinished);
+        QCOMPARE(dialog.portNum, 2);
         const DebugLog log;
-        QVERIFY(!dialog.choose(three, [&] { return isAbandoned || user.hasGivenUp(); }));
-        QVERIFY(user.isDone());
-        QVERIFY(!dialog.isVisible());
-        QCOMPARE(dialog.isFinished, pressesOk);
-        QVERIFY(!log.lines().contains(chosenLine(2)));
+        dialog.setDeviceList(row.devices);
+        QVERIFY(dialog.isFinished); // its owner clears it
+        dialog.isFinished = false;
+        const int portNum = isEmpty ? dialog.portNum : 0;
+        QCOMPARE(dialog.rows(), row.devices);
+        QCOMPARE(dialog.list().currentRow(), isEmpty ? -1 : 0);
+        QCOMPARE(dialog.list().selectedItems().size(), isEmpty ? 0 : 1);
+        QCOMPARE(dialog.portNum, portNum);
+        QVERIFY(isEmpty || log.lines().endsWith(selectedLine(0)));
+        dialog.show();
+        dialog.clickOk();
+        QVERIFY(dialog.isFinished);
+        QCOMPARE(dialog.portNum, portNum);
     }
-}
 
-/** The flag, of an earlier choice perhaps, is left to its owner. */
-void TestConnectSelectDialog::chooseIsAbandonedAtOnce() {
-    for (const bool isFinished : {false, true}) {
+    void emptyOnFirstUse() {
         Dialog dialog;
-        dialog.isFinished = isFinished;
-        QVERIFY(!dialog.choose(three, [] { return true; }));
-        QVERIFY(!dialog.isVisible());
-        QCOMPARE(dialog.isFinished, isFinished);
+        const DebugLog log;
+        dialog.open({});
+        QCOMPARE(dialog.list().count(), 0);
+        QCOMPARE(dialog.list().currentRow(), -1);
+        dialog.clickOk();
+        QVERIFY(dialog.isFinished);
+        QCOMPARE(dialog.portNum, 0);
+        QCOMPARE(log.lines(), QStringList());
     }
-}
 
-/** A wait without sleep keeps a processor core busy. However busy the machine is, a pass takes no
-    less than its 10 ms. */
-void TestConnectSelectDialog::waitingSleeps() {
-    constexpr int duration = 300; // ms
-    int asked = 0;
-    QElapsedTimer elapsed;
-    elapsed.start();
-    DialogSupport::waitUntil([&] {
-        ++asked;
-        return elapsed.hasExpired(duration);
-    });
-    QVERIFY2(asked <= duration / 10 + 2, qPrintable(QString::number(asked)));
-}
+    /** Each row, and none, which is OK at once. */
+    void chosen() {
+        for (const int row : {-1, 0, 1, 2}) {
+            Dialog dialog;
+            const User user(dialog, {[&] {
+                                dialog.clickRow(row);
+                                dialog.clickOk();
+                            }});
+            const DebugLog log;
+            QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
+            QVERIFY(user.isDone());
+            QVERIFY(dialog.isFinished);
+            QVERIFY(!dialog.isVisible());
+            QVERIFY(!dialog.isModal());
+            QCOMPARE(dialog.portNum, std::max(row, 0));
+            QStringList lines = {selectedLine(0)};
+            if (row > 0)
+                lines.append(selectedLine(row));
+            QCOMPARE(log.lines(), lines + QStringList(chosenLine(dialog.portNum)));
+        }
+    }
+
+    void chosenOnceMore() {
+        Dialog dialog;
+        for (const QStringList& devices : {three, two}) {
+            const User user(dialog, {[&] {
+                                QCOMPARE(dialog.rows(), devices);
+                                QCOMPARE(dialog.portNum, 0);
+                                dialog.clickRow(devices.size() - 1);
+                                dialog.clickOk();
+                            }});
+            QVERIFY(dialog.choose(devices, [&] { return user.hasGivenUp(); }));
+            QCOMPARE(dialog.portNum, devices.size() - 1);
+            dialog.isFinished = false; // as its owner does
+        }
+    }
+
+    /** A window manager may close a window that has no close button. */
+    void chooseShowsTheWindowAgain() {
+        Dialog dialog;
+        const User user(dialog, {[&] { dialog.close(); }, [&] { dialog.hide(); },
+                                 [&] {
+                                     dialog.clickRow(1);
+                                     dialog.clickOk();
+                                 }});
+        QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
+        QVERIFY(user.isDone());
+        QCOMPARE(dialog.portNum, 1);
+        QVERIFY(!dialog.isVisible());
+    }
+
+    /** Also in the moment in which it was made. */
+    void chooseIsAbandoned() {
+        for (const bool pressesOk : {false, true}) {
+            Dialog dialog;
+            bool isAbandoned = false;
+            const User user(dialog, {[&] {
+                                dialog.clickRow(2);
+                                if (pressesOk)
+                                    dialog.clickOk();
+                                isAbandoned = true;
+                            }});
+            const DebugLog log;
+            QVERIFY(!dialog.choose(three, [&] { return isAbandoned || user.hasGivenUp(); }));
+            QVERIFY(user.isDone());
+            QVERIFY(!dialog.isVisible());
+            QCOMPARE(dialog.isFinished, pressesOk);
+            QVERIFY(!log.lines().contains(chosenLine(2)));
+        }
+    }
+
+    /** The flag, of an earlier choice perhaps, is left to its owner. */
+    void chooseIsAbandonedAtOnce() {
+        for (const bool isFinished : {false, true}) {
+            Dialog dialog;
+            dialog.isFinished = isFinished;
+            QVERIFY(!dialog.choose(three, [] { return true; }));
+            QVERIFY(!dialog.isVisible());
+            QCOMPARE(dialog.isFinished, isFinished);
+        }
+    }
+
+    /** A wait without sleep keeps a processor core busy. However busy the machine is, a pass takes
+       no less than its 10 ms. */
+    void waitingSleeps() {
+        constexpr int duration = 300; // ms
+        int asked = 0;
+        QElapsedTimer elapsed;
+        elapsed.start();
+        DialogSupport::waitUntil([&] {
+            ++asked;
+            return elapsed.hasExpired(duration);
+        });
+        QVERIFY2(asked <= duration / 10 + 2, qPrintable(QString::number(asked)));
+    }
+};
 
 TEST_CLASS(TestConnectSelectDialog)
 #include "tst_connect_select_dialog.moc"

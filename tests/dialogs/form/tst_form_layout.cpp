@@ -88,183 +88,176 @@ class TestFormLayout : public QObject {
 
 private Q_SLOTS:
     void form_data() { addRows(allForms()); }
-    void form();
+    void form() {
+        QFETCH(const FormTable, row);
+        const auto dialog = row.create();
+        QCOMPARE(dialog->metaObject()->className(), row.name);
+        QCOMPARE(dialog->metaObject()->superClass(), &QDialog::staticMetaObject);
+        QCOMPARE(dialog->objectName(), QString(row.name));
+        QCOMPARE(dialog->windowTitle(), QString(row.title));
+        QCOMPARE(dialog->size(), row.size);
+        QCOMPARE(comparable(dialog->sizePolicy(), false),
+                 comparable(QSizePolicy(row.sizePolicy, row.sizePolicy), false));
+        QVERIFY(!dialog->parentWidget());
+        QVERIFY(!dialog->layout());
+        QVERIFY(!dialog->isVisible());
+        QVERIFY(!dialog->isModal());
+        QVERIFY(dialog->isEnabled());
+        QVERIFY(dialog->windowIcon().isNull());
+        QVERIFY(dialog->styleSheet().isEmpty());
+        // Until it is prepared for its use, a window can still be resized.
+        QCOMPARE(dialog->minimumSize(), QSize(0, 0));
+        QCOMPARE(dialog->maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
+        QStringList names;
+        for (const WidgetRow& widget : row.widgets)
+            names.append(widget.name);
+        QCOMPARE(namesBelow(*dialog), names);
+    }
+
     void widget_data() { addRows(allWidgets()); }
-    void widget();
+    void widget() {
+        QFETCH(const FormWidget, row);
+        const auto dialog = row.form.create();
+        QWidget* widget = findWidget(*dialog, row.widget.name);
+        QVERIFY(widget);
+        QCOMPARE(widget->metaObject()->className(), row.widget.className);
+        QVERIFY(!widget->layout());
+        QWidget* parent = findWidget(*dialog, row.widget.parent);
+        QVERIFY(parent);
+        if (const auto* tabs = qobject_cast<QTabWidget*>(parent)) {
+            QVERIFY(tabs->indexOf(widget) >= 0);
+        } else {
+            QCOMPARE(widget->parentWidget(), parent);
+            QCOMPARE(widget->geometry(), row.widget.geometry);
+        }
+        for (const Setting& setting : row.widget.settings)
+            QVERIFY2(valueOf(*widget, setting.property) == comparable(setting.value, false),
+                     setting.property);
+        // Everything else is as in a plain widget with the row's settings, what follows from them
+        // included.
+        QDialog plainDialog;
+        QWidget* plain = newWidget(row.widget.className, &plainDialog);
+        QVERIFY(plain);
+        for (const Setting& setting : row.widget.settings)
+            QVERIFY2(plain->setProperty(setting.property, setting.value), setting.property);
+        int compared = 0;
+        for (int i = 0; i < plain->metaObject()->propertyCount(); ++i) {
+            const char* property = plain->metaObject()->property(i).name();
+            if (otherwiseTested.contains(property))
+                continue;
+            QVERIFY2(valueOf(*widget, property) == valueOf(*plain, property), property);
+            ++compared;
+        }
+        QVERIFY(compared > 30);
+    }
+
     void tabOrder_data() { addRows(allForms()); }
-    void tabOrder();
-    void tabPages();
-    void leftToRightAndLocaleAreKept();
-    void powerOffTimesExclude();
-    void networkSwitchesAreIndependent();
-    void buttonsAndEdits();
+    void tabOrder() {
+        QFETCH(const FormTable, row);
+        const auto dialog = row.create();
+        QStringList names;
+        for (const WidgetRow& each : row.widgets) {
+            const QWidget* widget = findWidget(*dialog, each.name);
+            QVERIFY(widget);
+            if (widget->focusPolicy() & Qt::TabFocus)
+                names.append(widget->objectName());
+        }
+        QVERIFY(!names.isEmpty());
+        QStringList chain;
+        for (QWidget* w = dialog->nextInFocusChain(); w != dialog.get();
+             w = w->nextInFocusChain()) {
+            if (names.contains(w->objectName()))
+                chain.append(w->objectName());
+        }
+        QCOMPARE(chain, names);
+    }
+
+    void tabPages() {
+        const auto dialog = settingForm().create();
+        const auto* tabs = dialog->findChild<QTabWidget*>("setBasetabWidget");
+        QVERIFY(tabs);
+        QStringList pages;
+        for (int i = 0; i < tabs->count(); ++i)
+            pages.append(tabs->widget(i)->objectName());
+        QCOMPARE(pages, QStringList({"networkSetTab", "autoPowerOfftab", "wCalibPlateTab",
+                                     "ambLightAdpTab"}));
+        QCOMPARE(tabs->currentIndex(), 0);
+    }
+
+    /** What the form sets itself does not follow the dialog. */
+    void leftToRightAndLocaleAreKept() {
+        const auto dialog = settingForm().create();
+        dialog->setLayoutDirection(Qt::RightToLeft);
+        dialog->setLocale(QLocale(QLocale::German));
+        QStringList leftToRight;
+        QStringList japanese;
+        for (const WidgetRow& row : settingForm().widgets) {
+            const QWidget* widget = findWidget(*dialog, row.name);
+            QVERIFY(widget);
+            if (widget->layoutDirection() == Qt::LeftToRight)
+                leftToRight.append(row.name);
+            if (widget->locale() == QLocale(QLocale::Japanese, QLocale::Japan))
+                japanese.append(row.name);
+        }
+        QCOMPARE(leftToRight,
+                 QStringList({"curWCalibPlateSerialNoTlabel", "selFileSerialNoTlabel"}));
+        QCOMPARE(japanese, QStringList("ConnectPushBtn"));
+    }
+
+    void powerOffTimesExclude() {
+        const auto dialog = settingForm().create();
+        const QStringList names = {"invalidradioBtn", "fifteenRadioBtn", "thirtyRadioBtn",
+                                   "sixtyRadioBtn"};
+        for (const QString& chosen : names) {
+            dialog->findChild<QRadioButton*>(chosen)->setChecked(true);
+            for (const QString& name : names)
+                QCOMPARE(dialog->findChild<QRadioButton*>(name)->isChecked(), name == chosen);
+        }
+    }
+
+    void networkSwitchesAreIndependent() {
+        const auto dialog = settingForm().create();
+        const auto radio = [&](const char* name) { return dialog->findChild<QRadioButton*>(name); };
+        radio("enableRadioBtn")->setChecked(true);
+        radio("dhcpOnRadioBtn")->setChecked(true);
+        radio("sixtyRadioBtn")->setChecked(true);
+        QVERIFY(radio("enableRadioBtn")->isChecked());
+        QVERIFY(radio("dhcpOnRadioBtn")->isChecked());
+        radio("disableRadioBtn")->setChecked(true);
+        QVERIFY(!radio("enableRadioBtn")->isChecked());
+        QVERIFY(radio("dhcpOnRadioBtn")->isChecked());
+        radio("dhcpOffRadioBtn")->setChecked(true);
+        QVERIFY(!radio("dhcpOnRadioBtn")->isChecked());
+        QVERIFY(radio("disableRadioBtn")->isChecked());
+        QVERIFY(radio("sixtyRadioBtn")->isChecked());
+    }
+
+    /** No radio button is checked and no push button is a default one, shown or not. No edit has a
+        mask, a validator or a completer. */
+    void buttonsAndEdits() {
+        const auto dialog = settingForm().create();
+        const auto radioButtons = dialog->findChildren<QRadioButton*>();
+        QCOMPARE(radioButtons.size(), 8);
+        for (const QRadioButton* button : radioButtons) {
+            QVERIFY2(!button->isChecked(), qPrintable(button->objectName()));
+            QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
+        }
+        dialog->show();
+        const auto pushButtons = dialog->findChildren<QPushButton*>();
+        QCOMPARE(pushButtons.size(), 13);
+        for (const QPushButton* button : pushButtons) {
+            QVERIFY2(!button->autoDefault(), qPrintable(button->objectName()));
+            QVERIFY2(!button->isDefault(), qPrintable(button->objectName()));
+        }
+        const auto edits = dialog->findChildren<QLineEdit*>();
+        QCOMPARE(edits.size(), 18);
+        for (const QLineEdit* edit : edits) {
+            QVERIFY2(edit->inputMask().isEmpty(), qPrintable(edit->objectName()));
+            QVERIFY2(!edit->validator(), qPrintable(edit->objectName()));
+            QVERIFY2(!edit->completer(), qPrintable(edit->objectName()));
+        }
+    }
 };
-
-void TestFormLayout::form() {
-    QFETCH(const FormTable, row);
-    const auto dialog = row.create();
-    QCOMPARE(dialog->metaObject()->className(), row.name);
-    QCOMPARE(dialog->metaObject()->superClass(), &QDialog::staticMetaObject);
-    QCOMPARE(dialog->objectName(), QString(row.name));
-    QCOMPARE(dialog->windowTitle(), QString(row.title));
-    QCOMPARE(dialog->size(), row.size);
-    QCOMPARE(comparable(dialog->sizePolicy(), false),
-             comparable(QSizePolicy(row.sizePolicy, row.sizePolicy), false));
-    QVERIFY(!dialog->parentWidget());
-    QVERIFY(!dialog->layout());
-    QVERIFY(!dialog->isVisible());
-    QVERIFY(!dialog->isModal());
-    QVERIFY(dialog->isEnabled());
-    QVERIFY(dialog->windowIcon().isNull());
-    QVERIFY(dialog->styleSheet().isEmpty());
-    // Until it is prepared for its use, a window can still be resized.
-    QCOMPARE(dialog->minimumSize(), QSize(0, 0));
-    QCOMPARE(dialog->maximumSize(), QSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX));
-    QStringList names;
-    for (const WidgetRow& widget : row.widgets)
-        names.append(widget.name);
-    QCOMPARE(namesBelow(*dialog), names);
-}
-
-void TestFormLayout::widget() {
-    QFETCH(const FormWidget, row);
-    const auto dialog = row.form.create();
-    QWidget* widget = findWidget(*dialog, row.widget.name);
-    QVERIFY(widget);
-    QCOMPARE(widget->metaObject()->className(), row.widget.className);
-    QVERIFY(!widget->layout());
-    QWidget* parent = findWidget(*dialog, row.widget.parent);
-    QVERIFY(parent);
-    if (const auto* tabs = qobject_cast<QTabWidget*>(parent)) {
-        QVERIFY(tabs->indexOf(widget) >= 0);
-    } else {
-        QCOMPARE(widget->parentWidget(), parent);
-        QCOMPARE(widget->geometry(), row.widget.geometry);
-    }
-    for (const Setting& setting : row.widget.settings)
-        QVERIFY2(valueOf(*widget, setting.property) == comparable(setting.value, false),
-                 setting.property);
-    // Everything else is as in a plain widget with the row's settings, what follows from them
-    // included.
-    QDialog plainDialog;
-    QWidget* plain = newWidget(row.widget.className, &plainDialog);
-    QVERIFY(plain);
-    for (const Setting& setting : row.widget.settings)
-        QVERIFY2(plain->setProperty(setting.property, setting.value), setting.property);
-    int compared = 0;
-    for (int i = 0; i < plain->metaObject()->propertyCount(); ++i) {
-        const char* property = plain->metaObject()->property(i).name();
-        if (otherwiseTested.contains(property))
-            continue;
-        QVERIFY2(valueOf(*widget, property) == valueOf(*plain, property), property);
-        ++compared;
-    }
-    QVERIFY(compared > 30);
-}
-
-void TestFormLayout::tabOrder() {
-    QFETCH(const FormTable, row);
-    const auto dialog = row.create();
-    QStringList names;
-    for (const WidgetRow& each : row.widgets) {
-        const QWidget* widget = findWidget(*dialog, each.name);
-        QVERIFY(widget);
-        if (widget->focusPolicy() & Qt::TabFocus)
-            names.append(widget->objectName());
-    }
-    QVERIFY(!names.isEmpty());
-    QStringList chain;
-    for (QWidget* w = dialog->nextInFocusChain(); w != dialog.get(); w = w->nextInFocusChain()) {
-        if (names.contains(w->objectName()))
-            chain.append(w->objectName());
-    }
-    QCOMPARE(chain, names);
-}
-
-void TestFormLayout::tabPages() {
-    const auto dialog = settingForm().create();
-    const auto* tabs = dialog->findChild<QTabWidget*>("setBasetabWidget");
-    QVERIFY(tabs);
-    QStringList pages;
-    for (int i = 0; i < tabs->count(); ++i)
-        pages.append(tabs->widget(i)->objectName());
-    QCOMPARE(pages,
-             QStringList({"networkSetTab", "autoPowerOfftab", "wCalibPlateTab", "ambLightAdpTab"}));
-    QCOMPARE(tabs->currentIndex(), 0);
-}
-
-/** What the form sets itself does not follow the dialog. */
-void TestFormLayout::leftToRightAndLocaleAreKept() {
-    const auto dialog = settingForm().create();
-    dialog->setLayoutDirection(Qt::RightToLeft);
-    dialog->setLocale(QLocale(QLocale::German));
-    QStringList leftToRight;
-    QStringList japanese;
-    for (const WidgetRow& row : settingForm().widgets) {
-        const QWidget* widget = findWidget(*dialog, row.name);
-        QVERIFY(widget);
-        if (widget->layoutDirection() == Qt::LeftToRight)
-            leftToRight.append(row.name);
-        if (widget->locale() == QLocale(QLocale::Japanese, QLocale::Japan))
-            japanese.append(row.name);
-    }
-    QCOMPARE(leftToRight, QStringList({"curWCalibPlateSerialNoTlabel", "selFileSerialNoTlabel"}));
-    QCOMPARE(japanese, QStringList("ConnectPushBtn"));
-}
-
-void TestFormLayout::powerOffTimesExclude() {
-    const auto dialog = settingForm().create();
-    const QStringList names = {"invalidradioBtn", "fifteenRadioBtn", "thirtyRadioBtn",
-                               "sixtyRadioBtn"};
-    for (const QString& chosen : names) {
-        dialog->findChild<QRadioButton*>(chosen)->setChecked(true);
-        for (const QString& name : names)
-            QCOMPARE(dialog->findChild<QRadioButton*>(name)->isChecked(), name == chosen);
-    }
-}
-
-void TestFormLayout::networkSwitchesAreIndependent() {
-    const auto dialog = settingForm().create();
-    const auto radio = [&](const char* name) { return dialog->findChild<QRadioButton*>(name); };
-    radio("enableRadioBtn")->setChecked(true);
-    radio("dhcpOnRadioBtn")->setChecked(true);
-    radio("sixtyRadioBtn")->setChecked(true);
-    QVERIFY(radio("enableRadioBtn")->isChecked());
-    QVERIFY(radio("dhcpOnRadioBtn")->isChecked());
-    radio("disableRadioBtn")->setChecked(true);
-    QVERIFY(!radio("enableRadioBtn")->isChecked());
-    QVERIFY(radio("dhcpOnRadioBtn")->isChecked());
-    radio("dhcpOffRadioBtn")->setChecked(true);
-    QVERIFY(!radio("dhcpOnRadioBtn")->isChecked());
-    QVERIFY(radio("disableRadioBtn")->isChecked());
-    QVERIFY(radio("sixtyRadioBtn")->isChecked());
-}
-
-/** No radio button is checked and no push button is a default one, shown or not. No edit has a
-    mask, a validator or a completer. */
-void TestFormLayout::buttonsAndEdits() {
-    const auto dialog = settingForm().create();
-    const auto radioButtons = dialog->findChildren<QRadioButton*>();
-    QCOMPARE(radioButtons.size(), 8);
-    for (const QRadioButton* button : radioButtons) {
-        QVERIFY2(!button->isChecked(), qPrintable(button->objectName()));
-        QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
-    }
-    dialog->show();
-    const auto pushButtons = dialog->findChildren<QPushButton*>();
-    QCOMPARE(pushButtons.size(), 13);
-    for (const QPushButton* button : pushButtons) {
-        QVERIFY2(!button->autoDefault(), qPrintable(button->objectName()));
-        QVERIFY2(!button->isDefault(), qPrintable(button->objectName()));
-    }
-    const auto edits = dialog->findChildren<QLineEdit*>();
-    QCOMPARE(edits.size(), 18);
-    for (const QLineEdit* edit : edits) {
-        QVERIFY2(edit->inputMask().isEmpty(), qPrintable(edit->objectName()));
-        QVERIFY2(!edit->validator(), qPrintable(edit->objectName()));
-        QVERIFY2(!edit->completer(), qPrintable(edit->objectName()));
-    }
-}
 
 TEST_CLASS(TestFormLayout)
 #include "tst_form_layout.moc"

@@ -46,62 +46,60 @@ class TestFormSlots : public QObject {
 
 private Q_SLOTS:
     void table_data() { addRows(allForms()); }
-    void table();
-    void slot_data();
-    void slot();
-};
-
-/** The slots in their order, and nothing else. */
-void TestFormSlots::table() {
-    QFETCH(const FormTable, row);
-    const auto dialog = row.create();
-    const QMetaObject* meta = dialog->metaObject();
-    QVector<QByteArray> signatures;
-    for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
-        signatures.append(meta->method(i).methodSignature());
-    QCOMPARE(signatures, slotsOf(row));
-    QCOMPARE(meta->propertyCount(), meta->propertyOffset());
-    QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
-    QCOMPARE(meta->classInfoCount(), meta->classInfoOffset());
-    QCOMPARE(meta->constructorCount(), 0);
-    QVERIFY(dialog->dynamicPropertyNames().isEmpty());
-}
-
-void TestFormSlots::slot_data() {
-    QVector<SlotRow> rows;
-    for (const FormTable& form : allForms()) {
-        for (const QByteArray& slot : slotsOf(form))
-            rows.append({QByteArray(form.name) + '.' + slot, form, slotsOf(form).indexOf(slot)});
+    /** The slots in their order, and nothing else. */
+    void table() {
+        QFETCH(const FormTable, row);
+        const auto dialog = row.create();
+        const QMetaObject* meta = dialog->metaObject();
+        QVector<QByteArray> signatures;
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
+            signatures.append(meta->method(i).methodSignature());
+        QCOMPARE(signatures, slotsOf(row));
+        QCOMPARE(meta->propertyCount(), meta->propertyOffset());
+        QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
+        QCOMPARE(meta->classInfoCount(), meta->classInfoOffset());
+        QCOMPARE(meta->constructorCount(), 0);
+        QVERIFY(dialog->dynamicPropertyNames().isEmpty());
     }
-    addRows(rows);
-}
 
-/** What can be disconnected was connected; what can be disconnected twice was connected twice. */
-void TestFormSlots::slot() {
-    QFETCH(const SlotRow, row);
-    const QByteArray signature = slotsOf(row.form)[row.index];
-    const auto dialog = row.form.create();
-    const int index = dialog->metaObject()->methodOffset() + row.index;
-    const QMetaMethod method = dialog->metaObject()->method(index);
-    QCOMPARE(method.methodSignature(), signature);
-    QCOMPARE(method.methodType(), QMetaMethod::Slot);
-    QCOMPARE(method.access(), QMetaMethod::Private);
-    QCOMPARE(method.returnType(), int(QMetaType::Void));
-    QCOMPARE(method.parameterNames(),
-             signature.endsWith("(int)") ? QList<QByteArray>{"index"} : QList<QByteArray>());
-    if (!signature.startsWith("on_"))
-        return; // not connected by its name
-    // on_<object>_<signal>; the slots leave out what "clicked" brings.
-    QByteArray signal = signature.mid(signature.lastIndexOf('_') + 1);
-    signal.replace("clicked()", "clicked(bool)");
-    const QByteArray object = signature.mid(3, signature.lastIndexOf('_') - 3);
-    const QWidget* sender = findWidget(*dialog, object.constData());
-    QVERIFY(sender);
-    const int sent = sender->metaObject()->indexOfSignal(signal.constData());
-    QVERIFY(sent >= 0);
-    QVERIFY(QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
-    QVERIFY(!QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
-}
+    void slot_data() {
+        QVector<SlotRow> rows;
+        for (const FormTable& form : allForms()) {
+            for (const QByteArray& slot : slotsOf(form))
+                rows.append(
+                    {QByteArray(form.name) + '.' + slot, form, slotsOf(form).indexOf(slot)});
+        }
+        addRows(rows);
+    }
+
+    /** What can be disconnected was connected; what can be disconnected twice was connected twice.
+     */
+    void slot() {
+        QFETCH(const SlotRow, row);
+        const QByteArray signature = slotsOf(row.form)[row.index];
+        const auto dialog = row.form.create();
+        const int index = dialog->metaObject()->methodOffset() + row.index;
+        const QMetaMethod method = dialog->metaObject()->method(index);
+        QCOMPARE(method.methodSignature(), signature);
+        QCOMPARE(method.methodType(), QMetaMethod::Slot);
+        QCOMPARE(method.access(), QMetaMethod::Private);
+        QCOMPARE(method.returnType(), int(QMetaType::Void));
+        QCOMPARE(method.parameterNames(),
+                 signature.endsWith("(int)") ? QList<QByteArray>{"index"} : QList<QByteArray>());
+        if (!signature.startsWith("on_"))
+            return; // not connected by its name
+        // on_<object>_<signal>; the slots leave out what "clicked" brings.
+        QByteArray signal = signature.mid(signature.lastIndexOf('_') + 1);
+        signal.replace("clicked()", "clicked(bool)");
+        const QByteArray object = signature.mid(3, signature.lastIndexOf('_') - 3);
+        const QWidget* sender = findWidget(*dialog, object.constData());
+        QVERIFY(sender);
+        const int sent = sender->metaObject()->indexOfSignal(signal.constData());
+        QVERIFY(sent >= 0);
+        QVERIFY(QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
+        QVERIFY(!QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
+    }
+};
 
 TEST_CLASS(TestFormSlots)
 #include "tst_form_slots.moc"

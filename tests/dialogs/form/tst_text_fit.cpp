@@ -126,229 +126,216 @@ class TestTextFit : public QObject {
 private Q_SLOTS:
     void initTestCase() { QVERIFY(m_font.isInUse()); }
     void glyphs_data() { addRows(languages); }
-    void glyphs();
+    void glyphs() {
+        QFETCH(const LanguageRow, row);
+        for (const TranslationEntry& entry : entriesOf(row.name))
+            QCOMPARE(Measure::missingGlyphs(entry.translation), QString());
+        // U+FDD0 is no character; no font has it.
+        QCOMPARE(Measure::missingGlyphs(QChar(0xFDD0)), QString(QChar(0xFDD0)));
+    }
+
     void windows_data() { addRows(QVector<LanguageRow>{{"untranslated"}} + languages); }
-    void windows();
-    void values_data();
-    void values();
-    void octets();
-    void instruments();
-    void allMessagesAreListed();
-    void message_data();
-    void message();
-    void qtFileDialog_data();
-    void qtFileDialog();
-    void qtMessageBox();
-    void misfitIsSeen_data();
-    void misfitIsSeen();
+    void windows() {
+        QFETCH(const LanguageRow, row);
+        const auto translation = install(row);
+        const auto dialog = shownSettings();
+        QStringList measured;
+        for (int tab = 0; tab < tabsOf(*dialog).count(); ++tab) {
+            tabsOf(*dialog).setCurrentIndex(tab);
+            QCOMPARE(misfits(*dialog), QString());
+            measured += Measure::measuredTexts(*dialog);
+        }
+        for (const WidgetRow& widget : settingForm().widgets) {
+            const QString text = shownText(*dialog, widget);
+            QVERIFY2(measured.contains(text) || text.isEmpty(), widget.name);
+        }
+
+        LangSelectDialog language;
+        language.setLanguage(Language::english);
+        language.show();
+        QCOMPARE(misfits(language), QString());
+        QCOMPARE(Measure::measuredTexts(language).size(), 4);
+
+        ConnectSelectDialog selection;
+        selection.setDeviceList({"VARNE-1(USB,Serial#1000001)"});
+        selection.show();
+        QCOMPARE(misfits(selection), QString());
+        QCOMPARE(Measure::measuredTexts(selection).size(), 1);
+    }
+
+    void values_data() {
+        addRows(QVector<ValueRow>{
+            {"serial number", "serialNolabel", "4294967295"},
+            {"firmware version", "firmVersionlabel", "4294967295.-2147483648.-2147483648"},
+            {"MAC address", "MACAddresslabel", "DD:DD:DD:DD:DD:DD"},
+            {"plate", "curWCalibPlateSerialNolabel", "88888888"},
+            {"plate of file", "selFileSerialNolabel", "88888888"},
+            {"adapter", "curAmbAdpSerialNolabel", "88888888"},
+            {"adapter of file", "selAmbAdpFSerialNolabel", "88888888"},
+        });
+    }
+
+    void values() {
+        QFETCH(const ValueRow, row);
+        const auto dialog = shownSettings(row.widget);
+        auto* label = dialog->findChild<QLabel*>(row.widget);
+        QVERIFY(label && label->isVisible());
+        label->setText(row.value);
+        QVERIFY(Measure::measuredTexts(*dialog).contains(row.value));
+        QCOMPARE(misfits(*dialog), QString());
+    }
+
+    void octets() {
+        constexpr int marginBesideText = 2; // QLineEdit's own, on either side
+        const auto dialog = shownSettings();
+        const auto edits = dialog->findChild<QWidget*>("tcpIPGroupBox")->findChildren<QLineEdit*>();
+        QCOMPARE(edits.size(), 16);
+        for (const QLineEdit* edit : edits) {
+            QStyleOptionFrame option;
+            option.initFrom(edit);
+            option.lineWidth =
+                edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, edit);
+            const QRect space =
+                edit->style()->subElementRect(QStyle::SE_LineEditContents, &option, edit);
+            const QFontMetrics metrics = edit->fontMetrics();
+            QVERIFY2(metrics.horizontalAdvance("255") + 2 * marginBesideText <= space.width(),
+                     qPrintable(edit->objectName()));
+            QVERIFY2(metrics.height() <= space.height(), qPrintable(edit->objectName()));
+        }
+    }
+
+    void instruments() {
+        for (const char* device :
+             {"VARNE-1(USB,Serial#2147483647)", "VARNE-1(255.255.255.255,Serial#2147483647)"}) {
+            ConnectSelectDialog dialog;
+            dialog.setDeviceList({device});
+            dialog.show();
+            const auto* list = dialog.findChild<QListWidget*>("connectlistWidget");
+            QVERIFY2(list->sizeHintForColumn(0) <= list->viewport()->width(), device);
+            QVERIFY2(!list->horizontalScrollBar()->isVisible(), device);
+            QCOMPARE(list->textElideMode(), Qt::ElideRight);
+        }
+    }
+
+    /** All sentences of the translation are messages, and the other way round. */
+    void allMessagesAreListed() {
+        QStringList sentences;
+        for (const TranslationEntry& entry : entriesOf("jp")) {
+            if (entry.translation.endsWith("。"))
+                sentences.append(entry.source);
+        }
+        sentences.removeDuplicates();
+        sentences.sort();
+        QStringList listed = messages;
+        listed.sort();
+        QCOMPARE(sentences, listed);
+    }
+
+    void message_data() {
+        QVector<MessageRow> rows;
+        for (const LanguageRow& language : languages) {
+            for (const TranslationEntry& entry : entriesOf(language.name)) {
+                const QString name =
+                    QString(language.name) + ' ' + entry.context + ": " + entry.source;
+                if (messages.contains(entry.source))
+                    rows.append({name.toUtf8(), language.name, entry.translation});
+            }
+        }
+        addRows(rows);
+    }
+
+    /** Every message is shown whole, as plain text. */
+    void message() {
+        QFETCH(const MessageRow, row);
+        const InstalledTranslation translation(row.language);
+        QVERIFY(!Qt::mightBeRichText(row.text));
+        QCOMPARE(Measure::missingGlyphs(row.text), QString());
+        InitSettingDialog dialog;
+        ModalAnswerer answerer;
+        answerer.onBox = [&](QMessageBox& box) {
+            QCOMPARE(misfits(box), QString());
+            QVERIFY(Measure::measuredTexts(box).contains(row.text));
+            QVERIFY(box.screen()->availableGeometry().contains(box.geometry()));
+            QVERIFY(box.fontMetrics().horizontalAdvance(box.windowTitle()) < box.width());
+        };
+        dialog.showErrorMessage(row.text);
+        QCOMPARE(answerer.boxes.size(), 1);
+    }
+
+    void qtFileDialog_data() {
+        const char* open = "on_readToFilePushBtn_clicked";
+        const char* save = "on_writeFilePushBtn_clicked";
+        addRows(QVector<FileDialogRow>{
+            {"open, English", "en", open, {"&Open", "Cancel"}, "File &name:"},
+            {"save, English", "en", save, {"&Save", "Cancel"}, "File &name:"},
+            {"open, Japanese", "jp", open, {"キャンセル", "開く(&O)"}, "ファイル名(&N):"},
+            {"save, Japanese", "jp", save, {"キャンセル", "保存(&S)"}, "ファイル名(&N):"},
+        });
+    }
+
+    /** Qt's own windows speak the language of the tool. */
+    void qtFileDialog() {
+        QFETCH(const FileDialogRow, row);
+        const InstalledTranslation translation(row.language);
+        InitSettingDialog window;
+        ModalAnswerer answerer;
+        answerer.willCancel();
+        answerer.onFileDialog = [&](QFileDialog& dialog) {
+            QCOMPARE(buttonTexts(dialog), row.buttons);
+            QCOMPARE(dialog.labelText(QFileDialog::FileName), QString(row.fileName));
+        };
+        QVERIFY(QMetaObject::invokeMethod(&window, row.slot));
+        QCOMPARE(answerer.fileDialogs.size(), 1);
+    }
+
+    /** Such as the file dialog's question whether to replace a file. */
+    void qtMessageBox() {
+        const auto shown = [](const char* language) {
+            const InstalledTranslation translation(language);
+            return buttonTexts(QMessageBox(QMessageBox::Question, "", "",
+                                           QMessageBox::Ok | QMessageBox::Yes | QMessageBox::No));
+        };
+        QCOMPARE(shown("en"), QStringList({"&No", "&Yes", "OK"}));
+        QCOMPARE(shown("jp"), QStringList({"OK", "いいえ(&N)", "はい(&Y)"}));
+    }
+
+    void misfitIsSeen_data() {
+        addRows(QVector<ValueRow>{
+            {"label", "serialNoTLabel", "text"},
+            {"right-aligned label", "curWCalibPlateSerialNoTlabel", "text"},
+            {"label out of its box", "selWCPFileTlabel", "text"},
+            {"button", "ConnectPushBtn", "text"},
+            {"radio button", "enableRadioBtn", "text"},
+            {"group", "wLanFileCtrlGroupBox", "title"},
+            {"tab", "setBasetabWidget", nullptr},
+        });
+    }
+
+    /** The measure itself: a text that is made longer, sign by sign, is found in the end. It is not
+        found before it is as wide as its widget may show. */
+    void misfitIsSeen() {
+        QFETCH(const ValueRow, row);
+        const auto dialog = shownSettings(row.widget);
+        QWidget* widget = findWidget(*dialog, row.widget);
+        QVERIFY(widget && widget->isVisible());
+        QCOMPARE(misfits(*dialog), QString());
+        QString text;
+        while (misfits(*dialog).isEmpty() && text.size() < 400) {
+            text.append('n');
+            if (row.value)
+                widget->setProperty(row.value, text);
+            else
+                tabsOf(*dialog).setTabText(3, text);
+            tabsOf(*dialog).repaint();
+        }
+        const int width = widget->fontMetrics().horizontalAdvance(text);
+        QVERIFY(width > widget->width() / 4);
+        QVERIFY(width <= widget->width() + widget->fontMetrics().horizontalAdvance('n'));
+    }
 
 private:
     const Measure::ProgramFont m_font;
 };
-
-void TestTextFit::glyphs() {
-    QFETCH(const LanguageRow, row);
-    for (const TranslationEntry& entry : entriesOf(row.name))
-        QCOMPARE(Measure::missingGlyphs(entry.translation), QString());
-    // U+FDD0 is no character; no font has it.
-    QCOMPARE(Measure::missingGlyphs(QChar(0xFDD0)), QString(QChar(0xFDD0)));
-}
-
-void TestTextFit::windows() {
-    QFETCH(const LanguageRow, row);
-    const auto translation = install(row);
-    const auto dialog = shownSettings();
-    QStringList measured;
-    for (int tab = 0; tab < tabsOf(*dialog).count(); ++tab) {
-        tabsOf(*dialog).setCurrentIndex(tab);
-        QCOMPARE(misfits(*dialog), QString());
-        measured += Measure::measuredTexts(*dialog);
-    }
-    for (const WidgetRow& widget : settingForm().widgets) {
-        const QString text = shownText(*dialog, widget);
-        QVERIFY2(measured.contains(text) || text.isEmpty(), widget.name);
-    }
-
-    LangSelectDialog language;
-    language.setLanguage(Language::english);
-    language.show();
-    QCOMPARE(misfits(language), QString());
-    QCOMPARE(Measure::measuredTexts(language).size(), 4);
-
-    ConnectSelectDialog selection;
-    selection.setDeviceList({"VARNE-1(USB,Serial#1000001)"});
-    selection.show();
-    QCOMPARE(misfits(selection), QString());
-    QCOMPARE(Measure::measuredTexts(selection).size(), 1);
-}
-
-void TestTextFit::values_data() {
-    addRows(QVector<ValueRow>{
-        {"serial number", "serialNolabel", "4294967295"},
-        {"firmware version", "firmVersionlabel", "4294967295.-2147483648.-2147483648"},
-        {"MAC address", "MACAddresslabel", "DD:DD:DD:DD:DD:DD"},
-        {"plate", "curWCalibPlateSerialNolabel", "88888888"},
-        {"plate of file", "selFileSerialNolabel", "88888888"},
-        {"adapter", "curAmbAdpSerialNolabel", "88888888"},
-        {"adapter of file", "selAmbAdpFSerialNolabel", "88888888"},
-    });
-}
-
-void TestTextFit::values() {
-    QFETCH(const ValueRow, row);
-    const auto dialog = shownSettings(row.widget);
-    auto* label = dialog->findChild<QLabel*>(row.widget);
-    QVERIFY(label && label->isVisible());
-    label->setText(row.value);
-    QVERIFY(Measure::measuredTexts(*dialog).contains(row.value));
-    QCOMPARE(misfits(*dialog), QString());
-}
-
-void TestTextFit::octets() {
-    constexpr int marginBesideText = 2; // QLineEdit's own, on either side
-    const auto dialog = shownSettings();
-    const auto edits = dialog->findChild<QWidget*>("tcpIPGroupBox")->findChildren<QLineEdit*>();
-    QCOMPARE(edits.size(), 16);
-    for (const QLineEdit* edit : edits) {
-        QStyleOptionFrame option;
-        option.initFrom(edit);
-        option.lineWidth = edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, &option, edit);
-        const QRect space =
-            edit->style()->subElementRect(QStyle::SE_LineEditContents, &option, edit);
-        const QFontMetrics metrics = edit->fontMetrics();
-        QVERIFY2(metrics.horizontalAdvance("255") + 2 * marginBesideText <= space.width(),
-                 qPrintable(edit->objectName()));
-        QVERIFY2(metrics.height() <= space.height(), qPrintable(edit->objectName()));
-    }
-}
-
-void TestTextFit::instruments() {
-    for (const char* device :
-         {"VARNE-1(USB,Serial#2147483647)", "VARNE-1(255.255.255.255,Serial#2147483647)"}) {
-        ConnectSelectDialog dialog;
-        dialog.setDeviceList({device});
-        dialog.show();
-        const auto* list = dialog.findChild<QListWidget*>("connectlistWidget");
-        QVERIFY2(list->sizeHintForColumn(0) <= list->viewport()->width(), device);
-        QVERIFY2(!list->horizontalScrollBar()->isVisible(), device);
-        QCOMPARE(list->textElideMode(), Qt::ElideRight);
-    }
-}
-
-/** All sentences of the translation are messages, and the other way round. */
-void TestTextFit::allMessagesAreListed() {
-    QStringList sentences;
-    for (const TranslationEntry& entry : entriesOf("jp")) {
-        if (entry.translation.endsWith("。"))
-            sentences.append(entry.source);
-    }
-    sentences.removeDuplicates();
-    sentences.sort();
-    QStringList listed = messages;
-    listed.sort();
-    QCOMPARE(sentences, listed);
-}
-
-void TestTextFit::message_data() {
-    QVector<MessageRow> rows;
-    for (const LanguageRow& language : languages) {
-        for (const TranslationEntry& entry : entriesOf(language.name)) {
-            const QString name = QString(language.name) + ' ' + entry.context + ": " + entry.source;
-            if (messages.contains(entry.source))
-                rows.append({name.toUtf8(), language.name, entry.translation});
-        }
-    }
-    addRows(rows);
-}
-
-/** Every message is shown whole, as plain text. */
-void TestTextFit::message() {
-    QFETCH(const MessageRow, row);
-    const InstalledTranslation translation(row.language);
-    QVERIFY(!Qt::mightBeRichText(row.text));
-    QCOMPARE(Measure::missingGlyphs(row.text), QString());
-    InitSettingDialog dialog;
-    ModalAnswerer answerer;
-    answerer.onBox = [&](QMessageBox& box) {
-        QCOMPARE(misfits(box), QString());
-        QVERIFY(Measure::measuredTexts(box).contains(row.text));
-        QVERIFY(box.screen()->availableGeometry().contains(box.geometry()));
-        QVERIFY(box.fontMetrics().horizontalAdvance(box.windowTitle()) < box.width());
-    };
-    dialog.showErrorMessage(row.text);
-    QCOMPARE(answerer.boxes.size(), 1);
-}
-
-void TestTextFit::qtFileDialog_data() {
-    const char* open = "on_readToFilePushBtn_clicked";
-    const char* save = "on_writeFilePushBtn_clicked";
-    addRows(QVector<FileDialogRow>{
-        {"open, English", "en", open, {"&Open", "Cancel"}, "File &name:"},
-        {"save, English", "en", save, {"&Save", "Cancel"}, "File &name:"},
-        {"open, Japanese", "jp", open, {"キャンセル", "開く(&O)"}, "ファイル名(&N):"},
-        {"save, Japanese", "jp", save, {"キャンセル", "保存(&S)"}, "ファイル名(&N):"},
-    });
-}
-
-/** Qt's own windows speak the language of the tool. */
-void TestTextFit::qtFileDialog() {
-    QFETCH(const FileDialogRow, row);
-    const InstalledTranslation translation(row.language);
-    InitSettingDialog window;
-    ModalAnswerer answerer;
-    answerer.willCancel();
-    answerer.onFileDialog = [&](QFileDialog& dialog) {
-        QCOMPARE(buttonTexts(dialog), row.buttons);
-        QCOMPARE(dialog.labelText(QFileDialog::FileName), QString(row.fileName));
-    };
-    QVERIFY(QMetaObject::invokeMethod(&window, row.slot));
-    QCOMPARE(answerer.fileDialogs.size(), 1);
-}
-
-/** Such as the file dialog's question whether to replace a file. */
-void TestTextFit::qtMessageBox() {
-    const auto shown = [](const char* language) {
-        const InstalledTranslation translation(language);
-        return buttonTexts(QMessageBox(QMessageBox::Question, "", "",
-                                       QMessageBox::Ok | QMessageBox::Yes | QMessageBox::No));
-    };
-    QCOMPARE(shown("en"), QStringList({"&No", "&Yes", "OK"}));
-    QCOMPARE(shown("jp"), QStringList({"OK", "いいえ(&N)", "はい(&Y)"}));
-}
-
-void TestTextFit::misfitIsSeen_data() {
-    addRows(QVector<ValueRow>{
-        {"label", "serialNoTLabel", "text"},
-        {"right-aligned label", "curWCalibPlateSerialNoTlabel", "text"},
-        {"label out of its box", "selWCPFileTlabel", "text"},
-        {"button", "ConnectPushBtn", "text"},
-        {"radio button", "enableRadioBtn", "text"},
-        {"group", "wLanFileCtrlGroupBox", "title"},
-        {"tab", "setBasetabWidget", nullptr},
-    });
-}
-
-/** The measure itself: a text that is made longer, sign by sign, is found in the end. It is not
-    found before it is as wide as its widget may show. */
-void TestTextFit::misfitIsSeen() {
-    QFETCH(const ValueRow, row);
-    const auto dialog = shownSettings(row.widget);
-    QWidget* widget = findWidget(*dialog, row.widget);
-    QVERIFY(widget && widget->isVisible());
-    QCOMPARE(misfits(*dialog), QString());
-    QString text;
-    while (misfits(*dialog).isEmpty() && text.size() < 400) {
-        text.append('n');
-        if (row.value)
-            widget->setProperty(row.value, text);
-        else
-            tabsOf(*dialog).setTabText(3, text);
-        tabsOf(*dialog).repaint();
-    }
-    const int width = widget->fontMetrics().horizontalAdvance(text);
-    QVERIFY(width > widget->width() / 4);
-    QVERIFY(width <= widget->width() + widget->fontMetrics().horizontalAdvance('n'));
-}
 
 TEST_CLASS(TestTextFit)
 #include "tst_text_fit.moc"

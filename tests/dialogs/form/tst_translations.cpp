@@ -54,138 +54,131 @@ class TestTranslations : public QObject {
 
 private Q_SLOTS:
     void complete_data() { addRows(languages); }
-    void complete();
+    /** Every text that the program looks up has its entry, there is no other, and all are finished.
+     */
+    void complete() {
+        QFETCH(const LanguageRow, row);
+        const QStringList used = keysOf(freshEntries());
+        QVERIFY(used.size() > 80);
+        QCOMPARE(keysOf(entriesOf(row.name)).join('\n'), used.join('\n'));
+        for (const TranslationEntry& entry : entriesOf(row.name)) {
+            QVERIFY2(entry.type.isEmpty(), qUtf8Printable(entry.source));
+            QVERIFY2(!entry.source.isEmpty(), qUtf8Printable(entry.context));
+            QVERIFY2(!entry.translation.isEmpty(), qUtf8Printable(entry.source));
+            QCOMPARE(entry.translation.trimmed(), entry.translation);
+        }
+    }
+
     void compiled_data() { addRows(languages); }
-    void compiled();
-    void englishIsTheSource();
-    void japaneseDiffers();
-    void japaneseKeepsTheForm();
-    void japaneseSays_data();
-    void japaneseSays();
-    void japaneseSentencesDiffer();
-    void japaneseTerms();
-    void startUpMessages();
+    /** The compiled file holds the entries of its source, and nothing else. */
+    void compiled() {
+        QFETCH(const LanguageRow, row);
+        const InstalledTranslation translation(row.name);
+        for (const TranslationEntry& entry : entriesOf(row.name))
+            QCOMPARE(QCoreApplication::translate(qUtf8Printable(entry.context),
+                                                 qUtf8Printable(entry.source)),
+                     entry.translation);
+        for (const char* context : {"InitSettingDialog", "LangSelectDialog", "QObject"}) {
+            QCOMPARE(QCoreApplication::translate(context, ""), QString());
+            QCOMPARE(QCoreApplication::translate(context, "no such text"), QString("no such text"));
+        }
+        QCOMPARE(QCoreApplication::translate("NoSuchContext", "Enable"), QString("Enable"));
+    }
+
+    void englishIsTheSource() {
+        for (const TranslationEntry& entry : entriesOf("en"))
+            QCOMPARE(entry.translation, entry.source);
+    }
+
+    /** All but names, signs and file filters is in Japanese. */
+    void japaneseDiffers() {
+        QStringList same;
+        for (const TranslationEntry& entry : entriesOf("jp")) {
+            if (entry.translation == entry.source)
+                same.append(entry.source);
+            else
+                QVERIFY2(hasJapanese(entry.translation), qUtf8Printable(entry.source));
+        }
+        same.removeDuplicates();
+        same.sort();
+        QCOMPARE(same, QStringList({"*(*.*)", ".", "DHCP:", "English", "OFF", "OK", "ON", "SSID",
+                                    "SSID:", "TCP/IP", "csv(*.csv)", "ini(*.ini)"}));
+    }
+
+    /** A translation ends as its source does: colon, dots, full stop; names and extensions stay. */
+    void japaneseKeepsTheForm() {
+        for (const TranslationEntry& entry : entriesOf("jp")) {
+            const QByteArray source = entry.source.toUtf8();
+            const auto sameEnd = [&](const char* end, const char* japaneseEnd) {
+                return entry.source.endsWith(end) == entry.translation.endsWith(japaneseEnd);
+            };
+            const bool isMessage = entry.source.contains(' ') && entry.source.endsWith('.') &&
+                                   !entry.source.endsWith("...");
+            QVERIFY2(sameEnd(":", ":"), source.constData());
+            QVERIFY2(sameEnd("...", "..."), source.constData());
+            QVERIFY2(isMessage == entry.translation.endsWith("。"), source.constData());
+            for (const char* name :
+                 {"VQ-TL4", "(.csv)", "Ver.1.10.0008", "LAN", "MAC", "DNS", "->"})
+                QVERIFY2(!entry.source.contains(name) || entry.translation.contains(name),
+                         source.constData());
+        }
+    }
+
+    void japaneseSays_data() {
+        addRows(QVector<PartRow>{
+            {"English", "LangSelectDialog", "English"},
+            {"Japanese", "LangSelectDialog", "日本語"},
+            {"Wireless LAN is invalid.", "InitSettingDialog", "モジュールがありません"},
+            {"Failed to write WhiteCalibPlate file.", "InitSettingDialog", "選択されていません"},
+            {"Failed to write AmbientLightAdapter file.", "InitSettingDialog",
+             "選択されていません"},
+            {"Failed to disconnect device.", "InitSettingDialog", "終了時"},
+        });
+    }
+
+    /** Where the source text leaves open what is meant, or means something else than it says. */
+    void japaneseSays() {
+        QFETCH(const PartRow, row);
+        const QString text = translationOf("jp", row.context, row.name);
+        QVERIFY2(text.contains(row.part), qUtf8Printable(text));
+    }
+
+    /** Two sentences of a window stay two. */
+    void japaneseSentencesDiffer() {
+        QMap<QString, QString> sources;
+        for (const TranslationEntry& entry : entriesOf("jp")) {
+            if (!entry.translation.endsWith("。"))
+                continue;
+            const QString key = entry.context + " | " + entry.translation;
+            QVERIFY2(!sources.contains(key),
+                     qUtf8Printable(entry.source + ", " + sources.value(key)));
+            sources.insert(key, entry.source);
+        }
+        QVERIFY(sources.size() > 20);
+    }
+
+    /** One term for one thing: these have another. */
+    void japaneseTerms() {
+        for (const TranslationEntry& entry : entriesOf("jp")) {
+            for (const char* other : {"本体", "装置", "機器", "計測器", "デバイス",
+                                      "ネットワーク情報", "パワーオフの時間"})
+                QVERIFY2(!entry.translation.contains(other), qUtf8Printable(entry.translation));
+        }
+    }
+
+    /** What the start of the program shows is looked up in a context of its own. */
+    void startUpMessages() {
+        for (const char* source :
+             {"Spectrophotometer Configuration Tool VQ-TL4", "Failed to set default language.",
+              "Failed to set select(japanese) language.", "Failed to set select(English) language.",
+              "The measuring instruments is not connected."}) {
+            const InstalledTranslation english("en");
+            QCOMPARE(QObject::tr(source), QString(source));
+            const InstalledTranslation japanese("jp");
+            QVERIFY2(hasJapanese(QObject::tr(source)), source);
+        }
+    }
 };
-
-/** Every text that the program looks up has its entry, there is no other, and all are finished. */
-void TestTranslations::complete() {
-    QFETCH(const LanguageRow, row);
-    const QStringList used = keysOf(freshEntries());
-    QVERIFY(used.size() > 80);
-    QCOMPARE(keysOf(entriesOf(row.name)).join('\n'), used.join('\n'));
-    for (const TranslationEntry& entry : entriesOf(row.name)) {
-        QVERIFY2(entry.type.isEmpty(), qUtf8Printable(entry.source));
-        QVERIFY2(!entry.source.isEmpty(), qUtf8Printable(entry.context));
-        QVERIFY2(!entry.translation.isEmpty(), qUtf8Printable(entry.source));
-        QCOMPARE(entry.translation.trimmed(), entry.translation);
-    }
-}
-
-/** The compiled file holds the entries of its source, and nothing else. */
-void TestTranslations::compiled() {
-    QFETCH(const LanguageRow, row);
-    const InstalledTranslation translation(row.name);
-    for (const TranslationEntry& entry : entriesOf(row.name))
-        QCOMPARE(QCoreApplication::translate(qUtf8Printable(entry.context),
-                                             qUtf8Printable(entry.source)),
-                 entry.translation);
-    for (const char* context : {"InitSettingDialog", "LangSelectDialog", "QObject"}) {
-        QCOMPARE(QCoreApplication::translate(context, ""), QString());
-        QCOMPARE(QCoreApplication::translate(context, "no such text"), QString("no such text"));
-    }
-    QCOMPARE(QCoreApplication::translate("NoSuchContext", "Enable"), QString("Enable"));
-}
-
-void TestTranslations::englishIsTheSource() {
-    for (const TranslationEntry& entry : entriesOf("en"))
-        QCOMPARE(entry.translation, entry.source);
-}
-
-/** All but names, signs and file filters is in Japanese. */
-void TestTranslations::japaneseDiffers() {
-    QStringList same;
-    for (const TranslationEntry& entry : entriesOf("jp")) {
-        if (entry.translation == entry.source)
-            same.append(entry.source);
-        else
-            QVERIFY2(hasJapanese(entry.translation), qUtf8Printable(entry.source));
-    }
-    same.removeDuplicates();
-    same.sort();
-    QCOMPARE(same, QStringList({"*(*.*)", ".", "DHCP:", "English", "OFF", "OK", "ON", "SSID",
-                                "SSID:", "TCP/IP", "csv(*.csv)", "ini(*.ini)"}));
-}
-
-/** A translation ends as its source does: colon, dots, full stop; names and extensions stay. */
-void TestTranslations::japaneseKeepsTheForm() {
-    for (const TranslationEntry& entry : entriesOf("jp")) {
-        const QByteArray source = entry.source.toUtf8();
-        const auto sameEnd = [&](const char* end, const char* japaneseEnd) {
-            return entry.source.endsWith(end) == entry.translation.endsWith(japaneseEnd);
-        };
-        const bool isMessage = entry.source.contains(' ') && entry.source.endsWith('.') &&
-                               !entry.source.endsWith("...");
-        QVERIFY2(sameEnd(":", ":"), source.constData());
-        QVERIFY2(sameEnd("...", "..."), source.constData());
-        QVERIFY2(isMessage == entry.translation.endsWith("。"), source.constData());
-        for (const char* name : {"VQ-TL4", "(.csv)", "Ver.1.10.0008", "LAN", "MAC", "DNS", "->"})
-            QVERIFY2(!entry.source.contains(name) || entry.translation.contains(name),
-                     source.constData());
-    }
-}
-
-void TestTranslations::japaneseSays_data() {
-    addRows(QVector<PartRow>{
-        {"English", "LangSelectDialog", "English"},
-        {"Japanese", "LangSelectDialog", "日本語"},
-        {"Wireless LAN is invalid.", "InitSettingDialog", "モジュールがありません"},
-        {"Failed to write WhiteCalibPlate file.", "InitSettingDialog", "選択されていません"},
-        {"Failed to write AmbientLightAdapter file.", "InitSettingDialog", "選択されていません"},
-        {"Failed to disconnect device.", "InitSettingDialog", "終了時"},
-    });
-}
-
-/** Where the source text leaves open what is meant, or means something else than it says. */
-void TestTranslations::japaneseSays() {
-    QFETCH(const PartRow, row);
-    const QString text = translationOf("jp", row.context, row.name);
-    QVERIFY2(text.contains(row.part), qUtf8Printable(text));
-}
-
-/** Two sentences of a window stay two. */
-void TestTranslations::japaneseSentencesDiffer() {
-    QMap<QString, QString> sources;
-    for (const TranslationEntry& entry : entriesOf("jp")) {
-        if (!entry.translation.endsWith("。"))
-            continue;
-        const QString key = entry.context + " | " + entry.translation;
-        QVERIFY2(!sources.contains(key), qUtf8Printable(entry.source + ", " + sources.value(key)));
-        sources.insert(key, entry.source);
-    }
-    QVERIFY(sources.size() > 20);
-}
-
-/** One term for one thing: these have another. */
-void TestTranslations::japaneseTerms() {
-    for (const TranslationEntry& entry : entriesOf("jp")) {
-        for (const char* other :
-             {"本体", "装置", "機器", "計測器", "デバイス", "ネットワーク情報", "パワーオフの時間"})
-            QVERIFY2(!entry.translation.contains(other), qUtf8Printable(entry.translation));
-    }
-}
-
-/** What the start of the program shows is looked up in a context of its own. */
-void TestTranslations::startUpMessages() {
-    for (const char* source :
-         {"Spectrophotometer Configuration Tool VQ-TL4", "Failed to set default language.",
-          "Failed to set select(japanese) language.", "Failed to set select(English) language.",
-          "The measuring instruments is not connected."}) {
-        const InstalledTranslation english("en");
-        QCOMPARE(QObject::tr(source), QString(source));
-        const InstalledTranslation japanese("jp");
-        QVERIFY2(hasJapanese(QObject::tr(source)), source);
-    }
-}
 
 TEST_CLASS(TestTranslations)
 #include "tst_translations.moc"

@@ -84,15 +84,6 @@ KVA_RESULT KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA(KVA_JIG_ACTIONOPTIONFACTORYD
         data);
 }
 
-/** The busy cursor: there while the library works, gone when a message comes up. */
-class TestBusyCursor : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void duringEachCall_data();
-    void duringEachCall();
-};
-
 namespace {
 
 struct Action {
@@ -127,47 +118,53 @@ QVector<Action> actions() {
 
 Q_DECLARE_METATYPE(Action)
 
-void TestBusyCursor::duringEachCall_data() {
-    QVector<Action> rows;
-    for (const Action& action : actions()) {
-        QStringList functions = QStringList(action.failing) + action.calls;
-        functions.removeDuplicates();
-        for (const QString& function : functions) {
-            rows.append(action);
-            rows.last().name += ", " + function.toLatin1() + " fails";
-            rows.last().failing = function;
+/** The busy cursor: there while the library works, gone when a message comes up. */
+class TestBusyCursor : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void duringEachCall_data() {
+        QVector<Action> rows;
+        for (const Action& action : actions()) {
+            QStringList functions = QStringList(action.failing) + action.calls;
+            functions.removeDuplicates();
+            for (const QString& function : functions) {
+                rows.append(action);
+                rows.last().name += ", " + function.toLatin1() + " fails";
+                rows.last().failing = function;
+            }
         }
+        addRows(rows);
     }
-    addRows(rows);
-}
 
-void TestBusyCursor::duringEachCall() {
-    QFETCH(const Action, row);
-    ConnectedFixture f(row.page);
-    if (row.page >= SettingsFixture::WhitePlate) {
-        const CalibrationTab& tab = calibrationTab(row.page == SettingsFixture::AmbientAdapter);
-        f.choose(tab.chooseButton, f.folder.write("values.csv", tab.file()));
+    void duringEachCall() {
+        QFETCH(const Action, row);
+        ConnectedFixture f(row.page);
+        if (row.page >= SettingsFixture::WhitePlate) {
+            const CalibrationTab& tab = calibrationTab(row.page == SettingsFixture::AmbientAdapter);
+            f.choose(tab.chooseButton, f.folder.write("values.csv", tab.file()));
+        }
+        if (row.button == "ConnectPushBtn")
+            f.click("disConnectPushBtn");
+        f.clearRecords();
+        const bool isFailing = row.calls.contains(row.failing);
+        if (isFailing)
+            TestBench::answer(row.failing);
+        called.clear();
+        bool isBusyBehindABox = false;
+        f.answers.onBox = [&](QMessageBox&) { isBusyBehindABox = isBusyBehindABox || isBusy(); };
+        if (row.button.isEmpty())
+            f.dialog.close();
+        else
+            f.click(row.button);
+
+        QVERIFY(!called.isEmpty());
+        QCOMPARE(called.filter("!"), QStringList());
+        QCOMPARE(called, isFailing ? f.calls() : row.calls);
+        QVERIFY(!isBusyBehindABox);
+        QVERIFY(!QApplication::overrideCursor());
     }
-    if (row.button == "ConnectPushBtn")
-        f.click("disConnectPushBtn");
-    f.clearRecords();
-    const bool isFailing = row.calls.contains(row.failing);
-    if (isFailing)
-        TestBench::answer(row.failing);
-    called.clear();
-    bool isBusyBehindABox = false;
-    f.answers.onBox = [&](QMessageBox&) { isBusyBehindABox = isBusyBehindABox || isBusy(); };
-    if (row.button.isEmpty())
-        f.dialog.close();
-    else
-        f.click(row.button);
-
-    QVERIFY(!called.isEmpty());
-    QCOMPARE(called.filter("!"), QStringList());
-    QCOMPARE(called, isFailing ? f.calls() : row.calls);
-    QVERIFY(!isBusyBehindABox);
-    QVERIFY(!QApplication::overrideCursor());
-}
+};
 
 TEST_CLASS(TestBusyCursor)
 #include "tst_busy_cursor.moc"

@@ -2,42 +2,6 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
-/** The calibration tabs' buttons "Read From File..." and "Write To Body". Each test runs on both
-    tabs. */
-class TestCalibration : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void initTestCase_data() { addCalibrationTabs(); }
-    void init();
-    void cleanup() { f.reset(); }
-    void acceptsAFile_data();
-    void acceptsAFile();
-    void refusesAFile_data();
-    void refusesAFile();
-    void withoutAFile();
-    void registers();
-    void showsNoNumberThatCannotBeRead();
-    void failingCall_data();
-    void failingCall();
-    void readsTheFileAgain_data();
-    void readsTheFileAgain();
-    void triesARefusedFileAgain();
-    void registersTwice();
-
-private:
-    /** Chooses a good file and forgets the records. False unless it was accepted. */
-    bool chooseGoodFile();
-    /** The three texts of the tab: instrument's serial number, file name, file's serial number. */
-    QStringList texts() { return f->calibrationTexts().mid(tab->firstText, 3); }
-    QStringList buttons() const { return {tab->chooseButton, tab->writeButton}; }
-
-    const CalibrationTab* tab = nullptr;
-    const CalibrationTab* other = nullptr; ///< the tab that is not tested
-    std::unique_ptr<ConnectedFixture> f;   ///< with the tab on top
-    QString path;                          ///< of the file that is chosen
-};
-
 namespace {
 
 const QString getCall = "KVA_JIG_GetFactoryCalib_CALREFDATA";
@@ -100,224 +64,246 @@ Q_DECLARE_METATYPE(RefusedFile)
 Q_DECLARE_METATYPE(FailingCall)
 Q_DECLARE_METATYPE(ChangedFile)
 
-void TestCalibration::init() {
-    QFETCH_GLOBAL(bool, adapter);
-    tab = &calibrationTab(adapter);
-    other = &calibrationTab(!adapter);
-    f = std::make_unique<ConnectedFixture>(tab->page);
-    path = f->folder.path("値.csv");
-}
+/** The calibration tabs' buttons "Read From File..." and "Write To Body". Each test runs on both
+    tabs. */
+class TestCalibration : public QObject {
+    Q_OBJECT
 
-bool TestCalibration::chooseGoodFile() {
-    f->clearRecords();
-    f->choose(tab->chooseButton, writeFile(path, tab->file()));
-    const bool isAccepted = f->boxes() == QStringList(readSuccess);
-    f->clearRecords();
-    return isAccepted;
-}
+private Q_SLOTS:
+    void initTestCase_data() { addCalibrationTabs(); }
+    void init() {
+        QFETCH_GLOBAL(bool, adapter);
+        tab = &calibrationTab(adapter);
+        other = &calibrationTab(!adapter);
+        f = std::make_unique<ConnectedFixture>(tab->page);
+        path = f->folder.path("値.csv");
+    }
 
-void TestCalibration::acceptsAFile_data() {
-    const auto serialLine = &CalibrationTab::serialLine;
-    addRows(QVector<AcceptedFile>{
-        {"plain", "values.csv", "values", serialLine},
-        {"several dots", "calib.2024.csv", "calib", serialLine},
-        {"no dot", "calib", "calib", serialLine},
-        {"Japanese name", "校正 値.csv", "校正 値", serialLine},
-        {"lowest number", "values.csv", "values", &CalibrationTab::lowestSerialLine},
-        {"highest number", "values.csv", "values", &CalibrationTab::highestSerialLine},
-    });
-}
+    void cleanup() { f.reset(); }
+    void acceptsAFile_data() {
+        const auto serialLine = &CalibrationTab::serialLine;
+        addRows(QVector<AcceptedFile>{
+            {"plain", "values.csv", "values", serialLine},
+            {"several dots", "calib.2024.csv", "calib", serialLine},
+            {"no dot", "calib", "calib", serialLine},
+            {"Japanese name", "校正 値.csv", "校正 値", serialLine},
+            {"lowest number", "values.csv", "values", &CalibrationTab::lowestSerialLine},
+            {"highest number", "values.csv", "values", &CalibrationTab::highestSerialLine},
+        });
+    }
 
-void TestCalibration::acceptsAFile() {
-    QFETCH(const AcceptedFile, row);
-    const QByteArray serialLine = tab->*row.serialLine;
-    const QString held = texts().constFirst();
-    path = f->folder.write(row.file, valueFile(serialLine, tab->valueCount));
-    f->choose(tab->chooseButton, path);
+    void acceptsAFile() {
+        QFETCH(const AcceptedFile, row);
+        const QByteArray serialLine = tab->*row.serialLine;
+        const QString held = texts().constFirst();
+        path = f->folder.write(row.file, valueFile(serialLine, tab->valueCount));
+        f->choose(tab->chooseButton, path);
 
-    QCOMPARE(f->records(), QStringList(readSuccess) + checkLines(serialLine, tab->valueCount));
-    QCOMPARE(texts(), (QStringList{held, row.shownName, serialLine}));
-    QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected, tab->writeButton));
-    QCOMPARE(f->fileToolTips()[tab->firstText / 3], path);
-    QCOMPARE(f->fileToolTips()[other->firstText / 3], QString());
-    QCOMPARE(f->everything(), f->atBox.everything);
+        QCOMPARE(f->records(), QStringList(readSuccess) + checkLines(serialLine, tab->valueCount));
+        QCOMPARE(texts(), (QStringList{held, row.shownName, serialLine}));
+        QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected, tab->writeButton));
+        QCOMPARE(f->fileToolTips()[tab->firstText / 3], path);
+        QCOMPARE(f->fileToolTips()[other->firstText / 3], QString());
+        QCOMPARE(f->everything(), f->atBox.everything);
 
-    f->click("disConnectPushBtn");
-    QCOMPARE(f->fileToolTips().join(""), QString());
-}
+        f->click("disConnectPushBtn");
+        QCOMPARE(f->fileToolTips().join(""), QString());
+    }
 
-void TestCalibration::refusesAFile_data() {
-    using Tab = const CalibrationTab&;
-    addRows(QVector<RefusedFile>{
-        {"number too low", [](Tab t) { return t.tooLowFile(); }, true},
-        {"number 0", [](Tab t) { return valueFile("00000000", t.valueCount); }, true},
-        // Too low on the one tab, too high on the other.
-        {"number 100000", [](Tab t) { return valueFile("00100000", t.valueCount); }, true},
-        {"a value missing", [](Tab t) { return valueFile(t.serialLine, t.valueCount - 1); }, false},
-        {"a value too many", [](Tab t) { return valueFile(t.serialLine, t.valueCount + 1); },
-         false},
-        {"of the other kind",
-         [](Tab t) { return calibrationTab(&t == &calibrationTab(false)).file(); }, false},
-    });
-}
+    void refusesAFile_data() {
+        using Tab = const CalibrationTab&;
+        addRows(QVector<RefusedFile>{
+            {"number too low", [](Tab t) { return t.tooLowFile(); }, true},
+            {"number 0", [](Tab t) { return valueFile("00000000", t.valueCount); }, true},
+            // Too low on the one tab, too high on the other.
+            {"number 100000", [](Tab t) { return valueFile("00100000", t.valueCount); }, true},
+            {"a value missing", [](Tab t) { return valueFile(t.serialLine, t.valueCount - 1); },
+             false},
+            {"a value too many", [](Tab t) { return valueFile(t.serialLine, t.valueCount + 1); },
+             false},
+            {"of the other kind",
+             [](Tab t) { return calibrationTab(&t == &calibrationTab(false)).file(); }, false},
+        });
+    }
 
-// What was chosen on the tab before is taken back; what was chosen on the other one stays.
-void TestCalibration::refusesAFile() {
-    QFETCH(const RefusedFile, row);
-    const QByteArray content = row.content(*tab);
-    f->openPage(other->page);
-    f->choose(other->chooseButton, f->folder.write("other.csv", other->file()));
-    f->openPage(tab->page);
-    QVERIFY(chooseGoodFile());
-    QStringList shown = f->calibrationTexts();
-    shown[tab->firstText + 1] = "refused";
-    shown[tab->firstText + 2] = "";
-    path = f->folder.write("refused.2.csv", content);
-    f->choose(tab->chooseButton, path);
+    // What was chosen on the tab before is taken back; what was chosen on the other one stays.
+    void refusesAFile() {
+        QFETCH(const RefusedFile, row);
+        const QByteArray content = row.content(*tab);
+        f->openPage(other->page);
+        f->choose(other->chooseButton, f->folder.write("other.csv", other->file()));
+        f->openPage(tab->page);
+        QVERIFY(chooseGoodFile());
+        QStringList shown = f->calibrationTexts();
+        shown[tab->firstText + 1] = "refused";
+        shown[tab->firstText + 2] = "";
+        path = f->folder.write("refused.2.csv", content);
+        f->choose(tab->chooseButton, path);
 
-    const QByteArray serialLine = content.split('\n')[2];
-    QCOMPARE(f->boxes(), QStringList(readFailure));
-    QCOMPARE(f->lines(), row.isRead ? checkLines(serialLine, tab->valueCount) : QStringList());
-    QCOMPARE(f->calls(), QStringList());
-    QCOMPARE(f->calibrationTexts(), shown);
-    QCOMPARE(f->disabled(), without(SettingsFixture::disabledWhenConnected, other->writeButton));
-    QCOMPARE(f->fileToolTips()[tab->firstText / 3], path);
-    QCOMPARE(f->everything(), f->atBox.everything);
-}
+        const QByteArray serialLine = content.split('\n')[2];
+        QCOMPARE(f->boxes(), QStringList(readFailure));
+        QCOMPARE(f->lines(), row.isRead ? checkLines(serialLine, tab->valueCount) : QStringList());
+        QCOMPARE(f->calls(), QStringList());
+        QCOMPARE(f->calibrationTexts(), shown);
+        QCOMPARE(f->disabled(),
+                 without(SettingsFixture::disabledWhenConnected, other->writeButton));
+        QCOMPARE(f->fileToolTips()[tab->firstText / 3], path);
+        QCOMPARE(f->everything(), f->atBox.everything);
+    }
 
-void TestCalibration::withoutAFile() {
-    const QStringList before = f->calibrationTexts();
-    f->invoke(tab->writeSlot);
+    void withoutAFile() {
+        const QStringList before = f->calibrationTexts();
+        f->invoke(tab->writeSlot);
 
-    QCOMPARE(f->records(), QStringList(tab->noFileBox));
-    QCOMPARE(f->busyAtBox(), buttons());
-    QCOMPARE(f->calibrationTexts(), before);
-}
+        QCOMPARE(f->records(), QStringList(tab->noFileBox));
+        QCOMPARE(f->busyAtBox(), buttons());
+        QCOMPARE(f->calibrationTexts(), before);
+    }
 
-void TestCalibration::registers() {
-    QVERIFY(chooseGoodFile());
-    const QStringList chosen = f->everything();
-    f->answers.willCancel();
-    f->click(tab->chooseButton);
-    QCOMPARE(f->everything(), chosen); // a cancelled file dialog keeps the choice
-    // Only the tab's own number is refreshed.
-    TestBench::set(R"({"calibration": {"committed": {")" + other->ownPart.toLatin1() +
-                   R"(": {"serialNumber": "11112222"}}}})");
-    QJsonObject expected = calibration("committed");
-    expected[tab->ownPart] = registeredPart(*tab);
-    QStringList shown = f->calibrationTexts();
-    const QStringList before = f->texts();
-    f->click(tab->writeButton);
+    void registers() {
+        QVERIFY(chooseGoodFile());
+        const QStringList chosen = f->everything();
+        f->answers.willCancel();
+        f->click(tab->chooseButton);
+        QCOMPARE(f->everything(), chosen); // a cancelled file dialog keeps the choice
+        // Only the tab's own number is refreshed.
+        TestBench::set(R"({"calibration": {"committed": {")" + other->ownPart.toLatin1() +
+                       R"(": {"serialNumber": "11112222"}}}})");
+        QJsonObject expected = calibration("committed");
+        expected[tab->ownPart] = registeredPart(*tab);
+        QStringList shown = f->calibrationTexts();
+        const QStringList before = f->texts();
+        f->click(tab->writeButton);
 
-    const QStringList calls = {getCall, setCall, commitCall, getCall};
-    QCOMPARE(f->records(), QStringList(success) + calls << getCall);
-    QCOMPARE(f->atBox.calls, calls);
-    QCOMPARE(calibration("committed"), expected);
-    QCOMPARE(calibration("staged"), QJsonObject());
-    QCOMPARE(f->busyAtBox(), buttons());
-    QCOMPARE(f->atBox.texts, before); // refreshed when the box is gone
-    shown[tab->firstText] = tab->serialLine;
-    QCOMPARE(f->calibrationTexts(), shown);
-}
+        const QStringList calls = {getCall, setCall, commitCall, getCall};
+        QCOMPARE(f->records(), QStringList(success) + calls << getCall);
+        QCOMPARE(f->atBox.calls, calls);
+        QCOMPARE(calibration("committed"), expected);
+        QCOMPARE(calibration("staged"), QJsonObject());
+        QCOMPARE(f->busyAtBox(), buttons());
+        QCOMPARE(f->atBox.texts, before); // refreshed when the box is gone
+        shown[tab->firstText] = tab->serialLine;
+        QCOMPARE(f->calibrationTexts(), shown);
+    }
 
-void TestCalibration::showsNoNumberThatCannotBeRead() {
-    QVERIFY(chooseGoodFile());
-    TestBench::answer(getCall, KVA_ERROR, 3);
-    QStringList shown = f->calibrationTexts();
-    f->click(tab->writeButton);
+    void showsNoNumberThatCannotBeRead() {
+        QVERIFY(chooseGoodFile());
+        TestBench::answer(getCall, KVA_ERROR, 3);
+        QStringList shown = f->calibrationTexts();
+        f->click(tab->writeButton);
 
-    QCOMPARE(f->boxes(), QStringList(success));
-    shown[tab->firstText].clear();
-    QCOMPARE(f->calibrationTexts(), shown);
-    QCOMPARE(f->busyAtBox(), buttons());
-}
+        QCOMPARE(f->boxes(), QStringList(success));
+        shown[tab->firstText].clear();
+        QCOMPARE(f->calibrationTexts(), shown);
+        QCOMPARE(f->busyAtBox(), buttons());
+    }
 
-void TestCalibration::failingCall_data() {
-    const QString getLine = "KVA_JIG_GetFactoryCalib_CALREFDATA() failed.\n";
-    const QString setLine = "file.KVA_JIG_SetFactoryCalib_CALREFDATA() failed.\n";
-    const QString commitLine = "KVA_JIG_SetFactoryCalib_WriteSector() failed.\n";
-    const QStringList calls = {getCall, setCall, commitCall, getCall};
-    addRows(QVector<FailingCall>{
-        {"fetch", getCall, 1, calls.mid(0, 1), getLine, false, false},
-        {"set", setCall, 1, calls.mid(0, 2), setLine, false, false},
-        {"commit", commitCall, 1, calls.mid(0, 3), commitLine, true, false},
-        {"read back", getCall, 2, calls, getLine, false, true},
-    });
-}
+    void failingCall_data() {
+        const QString getLine = "KVA_JIG_GetFactoryCalib_CALREFDATA() failed.\n";
+        const QString setLine = "file.KVA_JIG_SetFactoryCalib_CALREFDATA() failed.\n";
+        const QString commitLine = "KVA_JIG_SetFactoryCalib_WriteSector() failed.\n";
+        const QStringList calls = {getCall, setCall, commitCall, getCall};
+        addRows(QVector<FailingCall>{
+            {"fetch", getCall, 1, calls.mid(0, 1), getLine, false, false},
+            {"set", setCall, 1, calls.mid(0, 2), setLine, false, false},
+            {"commit", commitCall, 1, calls.mid(0, 3), commitLine, true, false},
+            {"read back", getCall, 2, calls, getLine, false, true},
+        });
+    }
 
-void TestCalibration::failingCall() {
-    QFETCH(const FailingCall, row);
-    QVERIFY(chooseGoodFile());
-    TestBench::answer(row.function, KVA_ERROR_NAK, row.call);
-    const QJsonObject before = calibration("committed");
-    QJsonObject registered = before;
-    registered[tab->ownPart] = registeredPart(*tab);
-    const QStringList shown = f->calibrationTexts();
-    f->click(tab->writeButton);
+    void failingCall() {
+        QFETCH(const FailingCall, row);
+        QVERIFY(chooseGoodFile());
+        TestBench::answer(row.function, KVA_ERROR_NAK, row.call);
+        const QJsonObject before = calibration("committed");
+        QJsonObject registered = before;
+        registered[tab->ownPart] = registeredPart(*tab);
+        const QStringList shown = f->calibrationTexts();
+        f->click(tab->writeButton);
 
-    QCOMPARE(f->records(), QStringList(tab->failureBox) + row.calls << row.line);
-    QCOMPARE(f->busyAtBox(), buttons());
-    QCOMPARE(f->calibrationTexts(), shown);
-    QCOMPARE(calibration("committed"), row.isCommitted ? registered : before);
-    QCOMPARE(calibration("staged"), row.isStaged ? registered : QJsonObject());
-}
+        QCOMPARE(f->records(), QStringList(tab->failureBox) + row.calls << row.line);
+        QCOMPARE(f->busyAtBox(), buttons());
+        QCOMPARE(f->calibrationTexts(), shown);
+        QCOMPARE(calibration("committed"), row.isCommitted ? registered : before);
+        QCOMPARE(calibration("staged"), row.isStaged ? registered : QJsonObject());
+    }
 
-void TestCalibration::readsTheFileAgain_data() {
-    using Tab = const CalibrationTab&;
-    const QStringList unreadable("file.GetCalRefDataFromFile() failed.");
-    addRows(QVector<ChangedFile>{
-        {"gone", nullptr, unreadable},
-        {"damaged", [](Tab t) { return valueFile(t.serialLine, 3); }, unreadable},
-        {"invalid number", [](Tab t) { return t.tooLowFile(); }, {}},
-    });
-}
+    void readsTheFileAgain_data() {
+        using Tab = const CalibrationTab&;
+        const QStringList unreadable("file.GetCalRefDataFromFile() failed.");
+        addRows(QVector<ChangedFile>{
+            {"gone", nullptr, unreadable},
+            {"damaged", [](Tab t) { return valueFile(t.serialLine, 3); }, unreadable},
+            {"invalid number", [](Tab t) { return t.tooLowFile(); }, {}},
+        });
+    }
 
-void TestCalibration::readsTheFileAgain() {
-    QFETCH(const ChangedFile, row);
-    QVERIFY(chooseGoodFile());
-    const QJsonObject before = TestBench::state();
-    QVERIFY(QFile::remove(path));
-    if (row.content)
-        QCOMPARE(writeFile(path, row.content(*tab)), path);
-    f->click(tab->writeButton);
+    void readsTheFileAgain() {
+        QFETCH(const ChangedFile, row);
+        QVERIFY(chooseGoodFile());
+        const QJsonObject before = TestBench::state();
+        QVERIFY(QFile::remove(path));
+        if (row.content)
+            QCOMPARE(writeFile(path, row.content(*tab)), path);
+        f->click(tab->writeButton);
 
-    QCOMPARE(f->records(), (QStringList{tab->failureBox, getCall} + row.lines));
-    QCOMPARE(TestBench::state(), before);
-    QCOMPARE(f->busyAtBox(), buttons());
-}
+        QCOMPARE(f->records(), (QStringList{tab->failureBox, getCall} + row.lines));
+        QCOMPARE(TestBench::state(), before);
+        QCOMPARE(f->busyAtBox(), buttons());
+    }
 
-// The path of a refused file is kept. The button is disabled then, but its slot would try.
-void TestCalibration::triesARefusedFileAgain() {
-    f->choose(tab->chooseButton, writeFile(path, tab->tooLowFile()));
-    f->clearRecords();
-    f->invoke(tab->writeSlot);
-    QCOMPARE(f->boxes(), QStringList(tab->failureBox));
-    QCOMPARE(f->calls(), QStringList(getCall));
-    QCOMPARE(f->busyAtBox(), buttons());
+    // The path of a refused file is kept. The button is disabled then, but its slot would try.
+    void triesARefusedFileAgain() {
+        f->choose(tab->chooseButton, writeFile(path, tab->tooLowFile()));
+        f->clearRecords();
+        f->invoke(tab->writeSlot);
+        QCOMPARE(f->boxes(), QStringList(tab->failureBox));
+        QCOMPARE(f->calls(), QStringList(getCall));
+        QCOMPARE(f->busyAtBox(), buttons());
 
-    // The button is enabled now, as after every registration.
-    QCOMPARE(writeFile(path, tab->file()), path);
-    f->clearRecords();
-    f->click(tab->writeButton);
-    QCOMPARE(f->boxes(), QStringList(success));
-    QCOMPARE(calibration("committed")[tab->ownPart].toObject(), registeredPart(*tab));
-}
+        // The button is enabled now, as after every registration.
+        QCOMPARE(writeFile(path, tab->file()), path);
+        f->clearRecords();
+        f->click(tab->writeButton);
+        QCOMPARE(f->boxes(), QStringList(success));
+        QCOMPARE(calibration("committed")[tab->ownPart].toObject(), registeredPart(*tab));
+    }
 
-// One after the other, from both tabs: neither disturbs what the other has written.
-void TestCalibration::registersTwice() {
-    QVERIFY(chooseGoodFile());
-    QJsonObject expected = calibration("committed");
-    f->click(tab->writeButton);
-    f->openPage(other->page);
-    f->choose(other->chooseButton, f->folder.write("second.csv", other->file()));
-    f->click(other->writeButton);
+    // One after the other, from both tabs: neither disturbs what the other has written.
+    void registersTwice() {
+        QVERIFY(chooseGoodFile());
+        QJsonObject expected = calibration("committed");
+        f->click(tab->writeButton);
+        f->openPage(other->page);
+        f->choose(other->chooseButton, f->folder.write("second.csv", other->file()));
+        f->click(other->writeButton);
 
-    expected[tab->ownPart] = registeredPart(*tab);
-    expected[other->ownPart] = registeredPart(*other);
-    QCOMPARE(calibration("committed"), expected);
-    TestBench::powerCycle();
-    QCOMPARE(calibration("committed"), expected);
-}
+        expected[tab->ownPart] = registeredPart(*tab);
+        expected[other->ownPart] = registeredPart(*other);
+        QCOMPARE(calibration("committed"), expected);
+        TestBench::powerCycle();
+        QCOMPARE(calibration("committed"), expected);
+    }
+
+private:
+    /** Chooses a good file and forgets the records. False unless it was accepted. */
+    bool chooseGoodFile() {
+        f->clearRecords();
+        f->choose(tab->chooseButton, writeFile(path, tab->file()));
+        const bool isAccepted = f->boxes() == QStringList(readSuccess);
+        f->clearRecords();
+        return isAccepted;
+    }
+
+    /** The three texts of the tab: instrument's serial number, file name, file's serial number. */
+    QStringList texts() { return f->calibrationTexts().mid(tab->firstText, 3); }
+    QStringList buttons() const { return {tab->chooseButton, tab->writeButton}; }
+
+    const CalibrationTab* tab = nullptr;
+    const CalibrationTab* other = nullptr; ///< the tab that is not tested
+    std::unique_ptr<ConnectedFixture> f;   ///< with the tab on top
+    QString path;                          ///< of the file that is chosen
+};
 
 TEST_CLASS(TestCalibration)
 #include "tst_calibration.moc"

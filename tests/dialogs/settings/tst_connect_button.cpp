@@ -4,22 +4,6 @@
 #include <QListWidget>
 #include <QPushButton>
 
-/** The Connect button, with the choice of an instrument where there are several. */
-class TestConnectButton : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void withoutChoice_data();
-    void withoutChoice();
-    void choice_data();
-    void choice();
-    void choiceOffersAFreshListEachTime();
-    void choiceHasNoOtherWayOut();
-    void connectPressedAgainDuringTheChoice();
-    void dialogClosedDuringTheChoice_data();
-    void dialogClosedDuringTheChoice();
-};
-
 namespace {
 
 const QString connectButton = "ConnectPushBtn";
@@ -116,170 +100,180 @@ Q_DECLARE_METATYPE(NoChoice)
 Q_DECLARE_METATYPE(ChosenRow)
 Q_DECLARE_METATYPE(Leave)
 
-void TestConnectButton::withoutChoice_data() {
-    const QString none = "information: The measuring instruments is not connected.";
-    addRows(QVector<NoChoice>{
-        {"none attached", 0, "", 0, {none, listCall, listCall, "port count[0] \n"}},
-        {"they cannot be counted", 1, listCall, 1, {none, listCall, "port count[1] \n"}},
-        {"they cannot be listed", 2, listCall, 2, {none, listCall, listCall, "port count[2] \n"}},
-        {"it cannot be connected",
-         1,
-         "KVA_Connect",
-         1,
-         {"error: Failed to connect device.", listCall, listCall, "KVA_Connect", "port count[1] \n",
-          "conect error \n"}},
-        {"one instrument", 1, "", 0, listedAndConnected() + SettingsFixture::connectLines()},
-    });
-}
+/** The Connect button, with the choice of an instrument where there are several. */
+class TestConnectButton : public QObject {
+    Q_OBJECT
 
-void TestConnectButton::withoutChoice() {
-    QFETCH(const NoChoice, row);
-    UnconnectedFixture f(row.attached);
-    if (row.failingCall > 0)
-        TestBench::answer(row.failingFunction, KVA_ERROR_CONNECT_TIMEOUT, row.failingCall);
-    bool isOffered = false;
-    f.whenOffered([&](Choice) { isOffered = true; });
-    const Qt::WindowFlags flags = f.dialog.windowFlags();
-    f.click(connectButton);
+private Q_SLOTS:
+    void withoutChoice_data() {
+        const QString none = "information: The measuring instruments is not connected.";
+        addRows(QVector<NoChoice>{
+            {"none attached", 0, "", 0, {none, listCall, listCall, "port count[0] \n"}},
+            {"they cannot be counted", 1, listCall, 1, {none, listCall, "port count[1] \n"}},
+            {"they cannot be listed",
+             2,
+             listCall,
+             2,
+             {none, listCall, listCall, "port count[2] \n"}},
+            {"it cannot be connected",
+             1,
+             "KVA_Connect",
+             1,
+             {"error: Failed to connect device.", listCall, listCall, "KVA_Connect",
+              "port count[1] \n", "conect error \n"}},
+            {"one instrument", 1, "", 0, listedAndConnected() + SettingsFixture::connectLines()},
+        });
+    }
 
-    const bool isConnected = f.boxes().isEmpty();
-    QCOMPARE(f.records(), row.records);
-    QCOMPARE(f.disabled(), isConnected ? SettingsFixture::disabledWhenConnected
-                                       : SettingsFixture::disabledWhenNotConnected);
-    QCOMPARE(f.dialog.focusWidget() == &f.child(connectButton), !isConnected);
-    QCOMPARE(watchOf(f.dialog).isActive(), isConnected);
-    QVERIFY(!isOffered);
-    QVERIFY(!f.selection.isVisible());
-    QCOMPARE(f.dialog.windowFlags(), flags);
-}
+    void withoutChoice() {
+        QFETCH(const NoChoice, row);
+        UnconnectedFixture f(row.attached);
+        if (row.failingCall > 0)
+            TestBench::answer(row.failingFunction, KVA_ERROR_CONNECT_TIMEOUT, row.failingCall);
+        bool isOffered = false;
+        f.whenOffered([&](Choice) { isOffered = true; });
+        const Qt::WindowFlags flags = f.dialog.windowFlags();
+        f.click(connectButton);
 
-void TestConnectButton::choice_data() {
-    addRows(QVector<ChosenRow>{{"two, the first as offered", 2, 0, "00000042"},
-                               {"two, the second", 2, 1, "00000043"},
-                               {"three, the third", 3, 2, "00000044"}});
-}
+        const bool isConnected = f.boxes().isEmpty();
+        QCOMPARE(f.records(), row.records);
+        QCOMPARE(f.disabled(), isConnected ? SettingsFixture::disabledWhenConnected
+                                           : SettingsFixture::disabledWhenNotConnected);
+        QCOMPARE(f.dialog.focusWidget() == &f.child(connectButton), !isConnected);
+        QCOMPARE(watchOf(f.dialog).isActive(), isConnected);
+        QVERIFY(!isOffered);
+        QVERIFY(!f.selection.isVisible());
+        QCOMPARE(f.dialog.windowFlags(), flags);
+    }
 
-void TestConnectButton::choice() {
-    QFETCH(const ChosenRow, row);
-    UnconnectedFixture f(row.attached);
-    QStringList rows;
-    QStringList callsBefore;
-    QStringList disabledBefore;
-    f.whenOffered([&](Choice choice) {
-        rows = choice.rows();
-        callsBefore = f.calls();
-        disabledBefore = f.disabled();
-        if (row.row != choice.currentRow())
-            choice.select(row.row);
-        choice.accept();
-    });
-    f.click(connectButton);
+    void choice_data() {
+        addRows(QVector<ChosenRow>{{"two, the first as offered", 2, 0, "00000042"},
+                                   {"two, the second", 2, 1, "00000043"},
+                                   {"three, the third", 3, 2, "00000044"}});
+    }
 
-    QCOMPARE(rows,
-             QStringList({"VARNE-1(USB,Serial#00000042)", "VARNE-1(192.168.0.10,Serial#00000043)",
-                          "VARNE-1(USB,Serial#00000044)"})
-                 .mid(0, row.attached));
-    QCOMPARE(callsBefore, (QStringList{listCall, listCall}));
-    QCOMPARE(disabledBefore, SettingsFixture::disabledWhenNotConnected);
-    QStringList lines = SettingsFixture::connectLines(row.attached);
-    lines.insert(1, takenLine(row.row));
-    lines.insert(1, chosenLine(0));
-    if (row.row != 0)
-        lines.insert(2, chosenLine(row.row));
-    QCOMPARE(f.lines(), lines);
-    QCOMPARE(f.calls(), listedAndConnected());
-    QCOMPARE(f.identity().constFirst(), row.serialNo);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
-    QVERIFY(!f.selection.isVisible());
-}
-
-void TestConnectButton::choiceOffersAFreshListEachTime() {
-    UnconnectedFixture f(3);
-    f.whenOffered([](Choice choice) {
-        choice.select(2);
-        choice.accept();
-    });
-    f.click(connectButton);
-    f.click("disConnectPushBtn");
-    TestBench::unplug(42);
-    f.clearRecords();
-
-    QStringList rows;
-    int current = -1;
-    f.whenOffered([&](Choice choice) {
-        rows = choice.rows();
-        current = choice.currentRow();
-        choice.accept();
-    });
-    f.click(connectButton);
-    QCOMPARE(rows, (QStringList{"VARNE-1(192.168.0.10,Serial#00000043)",
-                                "VARNE-1(USB,Serial#00000044)"}));
-    QCOMPARE(current, 0);
-    QCOMPARE(f.lines().constFirst(), "port count[2] \n");
-    QCOMPARE(f.lines().indexOf(takenLine(0)), f.lines().indexOf(chosenLine(0)) + 1);
-    QCOMPARE(f.identity().constFirst(), "00000043");
-}
-
-void TestConnectButton::choiceHasNoOtherWayOut() {
-    UnconnectedFixture f(2);
-    f.whenOffered([&](Choice) {
-        QTest::keyClick(&f.selection, Qt::Key_Escape);
-        QVERIFY(f.selection.isVisible());
-        f.selection.close(); // as a window manager may
-        f.whenOffered([](Choice choice) { choice.accept(); });
-    });
-    f.click(connectButton);
-    QCOMPARE(f.calls(), listedAndConnected());
-}
-
-void TestConnectButton::connectPressedAgainDuringTheChoice() {
-    UnconnectedFixture f(2);
-    f.whenOffered([&](Choice) {
-        // Prepared before the button is pressed: a second choice would not come back by itself.
-        f.whenOffered([](Choice choice) {
-            choice.select(1);
+    void choice() {
+        QFETCH(const ChosenRow, row);
+        UnconnectedFixture f(row.attached);
+        QStringList rows;
+        QStringList callsBefore;
+        QStringList disabledBefore;
+        f.whenOffered([&](Choice choice) {
+            rows = choice.rows();
+            callsBefore = f.calls();
+            disabledBefore = f.disabled();
+            if (row.row != choice.currentRow())
+                choice.select(row.row);
             choice.accept();
         });
         f.click(connectButton);
-        QVERIFY(f.selection.isVisible());
-        QCOMPARE(f.calls(), (QStringList{listCall, listCall}));
-    });
-    f.click(connectButton);
 
-    QCOMPARE(f.calls(), listedAndConnected());
-    QCOMPARE(f.lines().count(takenLine(1)), 1);
-    QCOMPARE(f.identity().constFirst(), "00000043");
-    QCOMPARE(f.boxes(), QStringList());
-    QVERIFY(!f.selection.isVisible());
-}
+        QCOMPARE(rows, QStringList({"VARNE-1(USB,Serial#00000042)",
+                                    "VARNE-1(192.168.0.10,Serial#00000043)",
+                                    "VARNE-1(USB,Serial#00000044)"})
+                           .mid(0, row.attached));
+        QCOMPARE(callsBefore, (QStringList{listCall, listCall}));
+        QCOMPARE(disabledBefore, SettingsFixture::disabledWhenNotConnected);
+        QStringList lines = SettingsFixture::connectLines(row.attached);
+        lines.insert(1, takenLine(row.row));
+        lines.insert(1, chosenLine(0));
+        if (row.row != 0)
+            lines.insert(2, chosenLine(row.row));
+        QCOMPARE(f.lines(), lines);
+        QCOMPARE(f.calls(), listedAndConnected());
+        QCOMPARE(f.identity().constFirst(), row.serialNo);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
+        QVERIFY(!f.selection.isVisible());
+    }
 
-void TestConnectButton::dialogClosedDuringTheChoice_data() {
-    addRows(QVector<Leave>{{"by the Close button", true, false},
-                           {"by the title bar", false, false},
-                           {"by the Close button, in one pass with OK", true, true},
-                           {"by the title bar, in one pass with OK", false, true}});
-}
-
-void TestConnectButton::dialogClosedDuringTheChoice() {
-    QFETCH(const Leave, row);
-    UnconnectedFixture f(2);
-    f.whenOffered([&](Choice choice) {
-        if (row.isAfterOk)
+    void choiceOffersAFreshListEachTime() {
+        UnconnectedFixture f(3);
+        f.whenOffered([](Choice choice) {
+            choice.select(2);
             choice.accept();
-        if (row.isByButton)
-            f.click("ClosePushBtn");
-        else
-            f.dialog.close();
-    });
-    f.click(connectButton);
+        });
+        f.click(connectButton);
+        f.click("disConnectPushBtn");
+        TestBench::unplug(42);
+        f.clearRecords();
 
-    QVERIFY(f.dialog.isFinished);
-    QVERIFY(!f.dialog.isVisible());
-    QVERIFY(!f.selection.isVisible());
-    QCOMPARE(f.records(), (QStringList{listCall, listCall, "port count[2] \n", chosenLine(0)}));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-    QVERIFY(!watchOf(f.dialog).isActive());
-}
+        QStringList rows;
+        int current = -1;
+        f.whenOffered([&](Choice choice) {
+            rows = choice.rows();
+            current = choice.currentRow();
+            choice.accept();
+        });
+        f.click(connectButton);
+        QCOMPARE(rows, (QStringList{"VARNE-1(192.168.0.10,Serial#00000043)",
+                                    "VARNE-1(USB,Serial#00000044)"}));
+        QCOMPARE(current, 0);
+        QCOMPARE(f.lines().constFirst(), "port count[2] \n");
+        QCOMPARE(f.lines().indexOf(takenLine(0)), f.lines().indexOf(chosenLine(0)) + 1);
+        QCOMPARE(f.identity().constFirst(), "00000043");
+    }
+
+    void choiceHasNoOtherWayOut() {
+        UnconnectedFixture f(2);
+        f.whenOffered([&](Choice) {
+            QTest::keyClick(&f.selection, Qt::Key_Escape);
+            QVERIFY(f.selection.isVisible());
+            f.selection.close(); // as a window manager may
+            f.whenOffered([](Choice choice) { choice.accept(); });
+        });
+        f.click(connectButton);
+        QCOMPARE(f.calls(), listedAndConnected());
+    }
+
+    void connectPressedAgainDuringTheChoice() {
+        UnconnectedFixture f(2);
+        f.whenOffered([&](Choice) {
+            // Prepared before the button is pressed: a second choice would not come back by itself.
+            f.whenOffered([](Choice choice) {
+                choice.select(1);
+                choice.accept();
+            });
+            f.click(connectButton);
+            QVERIFY(f.selection.isVisible());
+            QCOMPARE(f.calls(), (QStringList{listCall, listCall}));
+        });
+        f.click(connectButton);
+
+        QCOMPARE(f.calls(), listedAndConnected());
+        QCOMPARE(f.lines().count(takenLine(1)), 1);
+        QCOMPARE(f.identity().constFirst(), "00000043");
+        QCOMPARE(f.boxes(), QStringList());
+        QVERIFY(!f.selection.isVisible());
+    }
+
+    void dialogClosedDuringTheChoice_data() {
+        addRows(QVector<Leave>{{"by the Close button", true, false},
+                               {"by the title bar", false, false},
+                               {"by the Close button, in one pass with OK", true, true},
+                               {"by the title bar, in one pass with OK", false, true}});
+    }
+
+    void dialogClosedDuringTheChoice() {
+        QFETCH(const Leave, row);
+        UnconnectedFixture f(2);
+        f.whenOffered([&](Choice choice) {
+            if (row.isAfterOk)
+                choice.accept();
+            if (row.isByButton)
+                f.click("ClosePushBtn");
+            else
+                f.dialog.close();
+        });
+        f.click(connectButton);
+
+        QVERIFY(f.dialog.isFinished);
+        QVERIFY(!f.dialog.isVisible());
+        QVERIFY(!f.selection.isVisible());
+        QCOMPARE(f.records(), (QStringList{listCall, listCall, "port count[2] \n", chosenLine(0)}));
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+        QVERIFY(!watchOf(f.dialog).isActive());
+    }
+};
 
 TEST_CLASS(TestConnectButton)
 #include "tst_connect_button.moc"

@@ -6,26 +6,6 @@
 #include <QLabel>
 #include <QRadioButton>
 
-/** The Disconnect and Close buttons, and the not-connected state that a connection ends in. */
-class TestDisconnect : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void disconnects_data();
-    void disconnects();
-    void keepsASwitchThatIsTheOnlyOne();
-    void closedWhileConnecting();
-    void forgetsTheValueFiles();
-    void failingDisconnect();
-    void disconnectWithoutConnection();
-    void connectsAgain();
-    void closesWithoutConnection_data();
-    void closesWithoutConnection();
-    void closesWhileConnected_data();
-    void closesWhileConnected();
-    void closesAfterALoss();
-};
-
 namespace {
 
 const QString disconnectButton = "disConnectPushBtn";
@@ -53,210 +33,216 @@ struct Closing {
 Q_DECLARE_METATYPE(ModeAndSwitches)
 Q_DECLARE_METATYPE(Closing)
 
-void TestDisconnect::disconnects_data() {
-    addRows(QVector<ModeAndSwitches>{{"mode 0", 0, 0, 0},
-                                     {"mode 1", 1, 1, 0},
-                                     {"mode 2", 2, 0, 1},
-                                     {"mode 3", 3, 1, 1},
-                                     {"mode 4", 4, 0, 0}});
-}
+/** The Disconnect and Close buttons, and the not-connected state that a connection ends in. */
+class TestDisconnect : public QObject {
+    Q_OBJECT
 
-void TestDisconnect::disconnects() {
-    QFETCH(const ModeAndSwitches, row);
-    SettingsFixture f;
-    TestBench::set(networkPatch({{"APConnectUse", row.wireless}, {"DHCPUse", row.dhcp}}));
-    TestBench::set("{\"powerOffMode\": " + QByteArray::number(row.mode) + '}');
-    QVERIFY(f.connectFirst());
-    QCOMPARE(f.checked(), switchButtons(row.wireless, row.dhcp) + modeButtons.mid(row.mode, 1));
-    f.setOctets(octetsOf(networkValues()));
-    f.setNameAndKey("typed", "typed");
-    for (const char* name : {"selWCPFileNamelabel", "selFileSerialNolabel", "selAmbAdpFnamelabel",
-                             "selAmbAdpFSerialNolabel"})
-        f.child<QLabel>(name).setText("shown");
-    f.click(disconnectButton);
-
-    QCOMPARE(f.records(), QStringList(disconnectCall));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-    QCOMPARE(f.texts(), SettingsFixture::noTexts);
-    QCOMPARE(f.checked(), QStringList());
-    for (const QRadioButton* button : f.dialog.findChildren<QRadioButton*>())
-        QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
-    QVERIFY(!watchOf(f.dialog).isActive());
-    QVERIFY(!f.controller->m_connected);
-    QVERIFY(!f.dialog.isFinished);
-    QVERIFY(f.dialog.isVisible());
-}
-
-// The switch of the wireless LAN is unchecked directly: Qt lets that happen as long as another
-// button inside its group box is checked, which those of DHCP are, but not to a button that is
-// the only one.
-void TestDisconnect::keepsASwitchThatIsTheOnlyOne() {
-    SettingsFixture f;
-    TestBench::answer("KVA_GetNetworkInfo");
-    QVERIFY(f.connectFirst());
-    f.click("disableRadioBtn");
-    f.click(disconnectButton);
-
-    QCOMPARE(f.checked(), QStringList("disableRadioBtn"));
-    QVERIFY(f.child<QRadioButton>("disableRadioBtn").isCheckable());
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-}
-
-// While a message is open, as macOS' Quit does: first the message, then the window.
-void TestDisconnect::closedWhileConnecting() {
-    SettingsFixture f;
-    TestBench::set(R"({"wirelessModule": false})");
-    f.controller->GetDevicePortList();
-    f.answers.onBox = [&](QMessageBox&) { f.dialog.close(); };
-    f.dialog.connectDevice(0, false);
-
-    QVERIFY(f.dialog.isFinished);
-    QVERIFY(!f.controller->m_connected);
-    QCOMPARE(f.calls().constLast(), disconnectCall);
-    QCOMPARE(f.calls().count(disconnectCall), 1);
-    QVERIFY(!watchOf(f.dialog).isActive());
-}
-
-// After a connection has ended, what was chosen during it is not sent any more.
-void TestDisconnect::forgetsTheValueFiles() {
-    ConnectedFixture f;
-    QStringList boxes;
-    for (const bool adapter : {false, true}) {
-        const CalibrationTab& tab = calibrationTab(adapter);
-        boxes.append(tab.noFileBox);
-        f.openPage(tab.page);
-        // A refused file: its path is kept all the same, as long as the connection lasts.
-        f.choose(tab.chooseButton, f.folder.write("refused.csv", ""));
+private Q_SLOTS:
+    void disconnects_data() {
+        addRows(QVector<ModeAndSwitches>{{"mode 0", 0, 0, 0},
+                                         {"mode 1", 1, 1, 0},
+                                         {"mode 2", 2, 0, 1},
+                                         {"mode 3", 3, 1, 1},
+                                         {"mode 4", 4, 0, 0}});
     }
-    f.click(disconnectButton);
-    f.clearRecords();
 
-    f.invoke(calibrationTab(false).writeSlot);
-    f.invoke(calibrationTab(true).writeSlot);
-    QCOMPARE(f.boxes(), boxes);
-    QCOMPARE(f.calls(), QStringList());
-}
-
-void TestDisconnect::failingDisconnect() {
-    ConnectedFixture f;
-    const QStringList before = f.everything();
-    TestBench::answer(disconnectCall, KVA_ERROR_DISCONNECT, 1);
-    f.click(disconnectButton);
-
-    QCOMPARE(f.records(),
-             (QStringList{"error: Failed to device disconnect.", disconnectCall, disconnectLine}));
-    QCOMPARE(f.everything(), before);
-    QVERIFY(f.atBox.isWatching);
-    QVERIFY(watchOf(f.dialog).isActive());
-
-    f.clearRecords();
-    f.click(disconnectButton);
-    QCOMPARE(f.calls(), QStringList(disconnectCall));
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-}
-
-void TestDisconnect::disconnectWithoutConnection() {
-    SettingsFixture f;
-    f.dialog.connectDevice(-1, false);
-    const QStringList before = f.everything();
-    f.invoke("on_disConnectPushBtn_clicked");
-
-    QCOMPARE(f.records(), QStringList());
-    QCOMPARE(f.everything(), before);
-}
-
-void TestDisconnect::connectsAgain() {
-    ConnectedFixture f;
-    const QStringList connected = f.everything();
-    f.click(disconnectButton);
-    f.clearRecords();
-    f.click("ConnectPushBtn");
-
-    QCOMPARE(f.everything(), connected);
-    QCOMPARE(f.lines(), SettingsFixture::connectLines());
-    QVERIFY(watchOf(f.dialog).isActive());
-}
-
-void TestDisconnect::closesWithoutConnection_data() {
-    addRows(QVector<Closing>{{"button", false, false, false},
-                             {"title bar", true, false, false},
-                             {"button, after Disconnect", false, true, false},
-                             {"title bar, after Disconnect", true, true, false}});
-}
-
-void TestDisconnect::closesWithoutConnection() {
-    QFETCH(const Closing, row);
-    SettingsFixture f;
-    if (row.isAfterDisconnect) {
+    void disconnects() {
+        QFETCH(const ModeAndSwitches, row);
+        SettingsFixture f;
+        TestBench::set(networkPatch({{"APConnectUse", row.wireless}, {"DHCPUse", row.dhcp}}));
+        TestBench::set("{\"powerOffMode\": " + QByteArray::number(row.mode) + '}');
         QVERIFY(f.connectFirst());
+        QCOMPARE(f.checked(), switchButtons(row.wireless, row.dhcp) + modeButtons.mid(row.mode, 1));
+        f.setOctets(octetsOf(networkValues()));
+        f.setNameAndKey("typed", "typed");
+        for (const char* name : {"selWCPFileNamelabel", "selFileSerialNolabel",
+                                 "selAmbAdpFnamelabel", "selAmbAdpFSerialNolabel"})
+            f.child<QLabel>(name).setText("shown");
         f.click(disconnectButton);
-    } else {
-        f.dialog.connectDevice(-1, false);
-        f.dialog.show();
+
+        QCOMPARE(f.records(), QStringList(disconnectCall));
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+        QCOMPARE(f.texts(), SettingsFixture::noTexts);
+        QCOMPARE(f.checked(), QStringList());
+        for (const QRadioButton* button : f.dialog.findChildren<QRadioButton*>())
+            QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
+        QVERIFY(!watchOf(f.dialog).isActive());
+        QVERIFY(!f.controller->m_connected);
+        QVERIFY(!f.dialog.isFinished);
+        QVERIFY(f.dialog.isVisible());
     }
-    f.clearRecords();
-    const QSignalSpy finished(&f.dialog, &QDialog::finished);
-    if (row.isByTitleBar)
-        QVERIFY(f.dialog.close());
-    else
+
+    // The switch of the wireless LAN is unchecked directly: Qt lets that happen as long as another
+    // button inside its group box is checked, which those of DHCP are, but not to a button that is
+    // the only one.
+    void keepsASwitchThatIsTheOnlyOne() {
+        SettingsFixture f;
+        TestBench::answer("KVA_GetNetworkInfo");
+        QVERIFY(f.connectFirst());
+        f.click("disableRadioBtn");
+        f.click(disconnectButton);
+
+        QCOMPARE(f.checked(), QStringList("disableRadioBtn"));
+        QVERIFY(f.child<QRadioButton>("disableRadioBtn").isCheckable());
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+    }
+
+    // While a message is open, as macOS' Quit does: first the message, then the window.
+    void closedWhileConnecting() {
+        SettingsFixture f;
+        TestBench::set(R"({"wirelessModule": false})");
+        f.controller->GetDevicePortList();
+        f.answers.onBox = [&](QMessageBox&) { f.dialog.close(); };
+        f.dialog.connectDevice(0, false);
+
+        QVERIFY(f.dialog.isFinished);
+        QVERIFY(!f.controller->m_connected);
+        QCOMPARE(f.calls().constLast(), disconnectCall);
+        QCOMPARE(f.calls().count(disconnectCall), 1);
+        QVERIFY(!watchOf(f.dialog).isActive());
+    }
+
+    // After a connection has ended, what was chosen during it is not sent any more.
+    void forgetsTheValueFiles() {
+        ConnectedFixture f;
+        QStringList boxes;
+        for (const bool adapter : {false, true}) {
+            const CalibrationTab& tab = calibrationTab(adapter);
+            boxes.append(tab.noFileBox);
+            f.openPage(tab.page);
+            // A refused file: its path is kept all the same, as long as the connection lasts.
+            f.choose(tab.chooseButton, f.folder.write("refused.csv", ""));
+        }
+        f.click(disconnectButton);
+        f.clearRecords();
+
+        f.invoke(calibrationTab(false).writeSlot);
+        f.invoke(calibrationTab(true).writeSlot);
+        QCOMPARE(f.boxes(), boxes);
+        QCOMPARE(f.calls(), QStringList());
+    }
+
+    void failingDisconnect() {
+        ConnectedFixture f;
+        const QStringList before = f.everything();
+        TestBench::answer(disconnectCall, KVA_ERROR_DISCONNECT, 1);
+        f.click(disconnectButton);
+
+        QCOMPARE(f.records(), (QStringList{"error: Failed to device disconnect.", disconnectCall,
+                                           disconnectLine}));
+        QCOMPARE(f.everything(), before);
+        QVERIFY(f.atBox.isWatching);
+        QVERIFY(watchOf(f.dialog).isActive());
+
+        f.clearRecords();
+        f.click(disconnectButton);
+        QCOMPARE(f.calls(), QStringList(disconnectCall));
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+    }
+
+    void disconnectWithoutConnection() {
+        SettingsFixture f;
+        f.dialog.connectDevice(-1, false);
+        const QStringList before = f.everything();
+        f.invoke("on_disConnectPushBtn_clicked");
+
+        QCOMPARE(f.records(), QStringList());
+        QCOMPARE(f.everything(), before);
+    }
+
+    void connectsAgain() {
+        ConnectedFixture f;
+        const QStringList connected = f.everything();
+        f.click(disconnectButton);
+        f.clearRecords();
+        f.click("ConnectPushBtn");
+
+        QCOMPARE(f.everything(), connected);
+        QCOMPARE(f.lines(), SettingsFixture::connectLines());
+        QVERIFY(watchOf(f.dialog).isActive());
+    }
+
+    void closesWithoutConnection_data() {
+        addRows(QVector<Closing>{{"button", false, false, false},
+                                 {"title bar", true, false, false},
+                                 {"button, after Disconnect", false, true, false},
+                                 {"title bar, after Disconnect", true, true, false}});
+    }
+
+    void closesWithoutConnection() {
+        QFETCH(const Closing, row);
+        SettingsFixture f;
+        if (row.isAfterDisconnect) {
+            QVERIFY(f.connectFirst());
+            f.click(disconnectButton);
+        } else {
+            f.dialog.connectDevice(-1, false);
+            f.dialog.show();
+        }
+        f.clearRecords();
+        const QSignalSpy finished(&f.dialog, &QDialog::finished);
+        if (row.isByTitleBar)
+            QVERIFY(f.dialog.close());
+        else
+            f.click("ClosePushBtn");
+
+        QVERIFY(f.dialog.isFinished);
+        QVERIFY(!f.dialog.isVisible());
+        QCOMPARE(finished.count(), 1); // closed as any dialog is
+        QCOMPARE(f.records(), QStringList());
+    }
+
+    void closesWhileConnected_data() {
+        addRows(QVector<Closing>{{"title bar", true, false, false},
+                                 {"title bar, Disconnect fails", true, false, true},
+                                 {"slot", false, false, false},
+                                 {"slot, Disconnect fails", false, false, true}});
+    }
+
+    void closesWhileConnected() {
+        QFETCH(const Closing, row);
+        ConnectedFixture f;
+        if (row.fails)
+            TestBench::answer(disconnectCall);
+        bool isOpenBehindTheBox = false;
+        f.answers.onBox = [&](QMessageBox&) {
+            isOpenBehindTheBox = f.dialog.isVisible() && !f.dialog.isFinished;
+        };
+        if (row.isByTitleBar)
+            QVERIFY(f.dialog.close());
+        else
+            f.invoke("on_ClosePushBtn_clicked");
+
+        QVERIFY(f.dialog.isFinished);
+        QVERIFY(!f.dialog.isVisible());
+        QVERIFY(!watchOf(f.dialog).isActive());
+        const QStringList failure = {"error: Failed to disconnect device.", disconnectCall,
+                                     disconnectLine};
+        QCOMPARE(f.records(), row.fails ? failure : QStringList(disconnectCall));
+        QCOMPARE(isOpenBehindTheBox, row.fails);
+
+        // Closed once and for all: nothing is left to disconnect.
+        f.clearRecords();
+        f.dialog.close();
+        f.invoke("on_disConnectPushBtn_clicked");
+        QCOMPARE(f.calls(), QStringList());
+    }
+
+    // The watch leaves the controller's view of the connection alone; the dialog's own counts.
+    void closesAfterALoss() {
+        ConnectedFixture f;
+        TestBench::emitEvent(eEventCode_DisConnect);
+        f.invoke("timerHit");
+        QVERIFY(f.controller->m_connected);
+        f.clearRecords();
         f.click("ClosePushBtn");
 
-    QVERIFY(f.dialog.isFinished);
-    QVERIFY(!f.dialog.isVisible());
-    QCOMPARE(finished.count(), 1); // closed as any dialog is
-    QCOMPARE(f.records(), QStringList());
-}
-
-void TestDisconnect::closesWhileConnected_data() {
-    addRows(QVector<Closing>{{"title bar", true, false, false},
-                             {"title bar, Disconnect fails", true, false, true},
-                             {"slot", false, false, false},
-                             {"slot, Disconnect fails", false, false, true}});
-}
-
-void TestDisconnect::closesWhileConnected() {
-    QFETCH(const Closing, row);
-    ConnectedFixture f;
-    if (row.fails)
-        TestBench::answer(disconnectCall);
-    bool isOpenBehindTheBox = false;
-    f.answers.onBox = [&](QMessageBox&) {
-        isOpenBehindTheBox = f.dialog.isVisible() && !f.dialog.isFinished;
-    };
-    if (row.isByTitleBar)
-        QVERIFY(f.dialog.close());
-    else
-        f.invoke("on_ClosePushBtn_clicked");
-
-    QVERIFY(f.dialog.isFinished);
-    QVERIFY(!f.dialog.isVisible());
-    QVERIFY(!watchOf(f.dialog).isActive());
-    const QStringList failure = {"error: Failed to disconnect device.", disconnectCall,
-                                 disconnectLine};
-    QCOMPARE(f.records(), row.fails ? failure : QStringList(disconnectCall));
-    QCOMPARE(isOpenBehindTheBox, row.fails);
-
-    // Closed once and for all: nothing is left to disconnect.
-    f.clearRecords();
-    f.dialog.close();
-    f.invoke("on_disConnectPushBtn_clicked");
-    QCOMPARE(f.calls(), QStringList());
-}
-
-// The watch leaves the controller's view of the connection alone; the dialog's own counts.
-void TestDisconnect::closesAfterALoss() {
-    ConnectedFixture f;
-    TestBench::emitEvent(eEventCode_DisConnect);
-    f.invoke("timerHit");
-    QVERIFY(f.controller->m_connected);
-    f.clearRecords();
-    f.click("ClosePushBtn");
-
-    QVERIFY(f.dialog.isFinished);
-    QVERIFY(!f.dialog.isVisible());
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.boxes(), QStringList());
-}
+        QVERIFY(f.dialog.isFinished);
+        QVERIFY(!f.dialog.isVisible());
+        QCOMPARE(f.calls(), QStringList());
+        QCOMPARE(f.boxes(), QStringList());
+    }
+};
 
 TEST_CLASS(TestDisconnect)
 #include "tst_disconnect.moc"

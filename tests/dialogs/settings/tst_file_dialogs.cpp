@@ -3,19 +3,6 @@
 #include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
-/** The buttons that open a file dialog, up to the file that it answers. */
-class TestFileDialogs : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void asksForAFile_data();
-    void asksForAFile();
-    void vanishedFile_data();
-    void vanishedFile();
-    void afterALoss_data();
-    void afterALoss();
-};
-
 namespace {
 
 struct FileButton {
@@ -68,103 +55,103 @@ QStringList filesIn(const TestFolder& folder) {
 
 Q_DECLARE_METATYPE(FileButton)
 
-void TestFileDialogs::asksForAFile_data() {
-    addRows(allButtons());
-}
+/** The buttons that open a file dialog, up to the file that it answers. */
+class TestFileDialogs : public QObject {
+    Q_OBJECT
 
-void TestFileDialogs::asksForAFile() {
-    QFETCH(const FileButton, row);
-    ConnectedFixture f(row.page);
-    f.setOctets({}); // invalid, but nothing is checked
-    const QStringList before = f.everything();
-    QString name = "not looked at";
-    f.answers.onFileDialog = [&](QFileDialog& dialog) {
-        name = dialog.findChild<QLineEdit*>("fileNameEdit")->text();
-    };
-    f.click(row.button);
+private Q_SLOTS:
+    void asksForAFile_data() { addRows(allButtons()); }
+    void asksForAFile() {
+        QFETCH(const FileButton, row);
+        ConnectedFixture f(row.page);
+        f.setOctets({}); // invalid, but nothing is checked
+        const QStringList before = f.everything();
+        QString name = "not looked at";
+        f.answers.onFileDialog = [&](QFileDialog& dialog) {
+            name = dialog.findChild<QLineEdit*>("fileNameEdit")->text();
+        };
+        f.click(row.button);
 
-    const bool saves = row.content.isNull();
-    QCOMPARE(name, QString());
-    QCOMPARE(f.answers.fileDialogs.size(), 1);
-    const ModalAnswerer::FileDialog& shown = f.answers.fileDialogs[0];
-    QCOMPARE(shown.caption, saves ? "Save" : "Open");
-    QCOMPARE(shown.directory, QDir::currentPath());
-    QCOMPARE(shown.nameFilters, QStringList(row.nameFilter));
-    QCOMPARE(shown.selectedNameFilter, row.nameFilter);
-    QCOMPARE(shown.acceptMode, saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
-    QCOMPARE(shown.options, row.options);
-    QCOMPARE(shown.parent, &f.dialog);
-    // Cancelled, it was as if nothing had been.
-    QCOMPARE(f.records(), QStringList());
-    QCOMPARE(f.everything(), before);
-    QCOMPARE(filesIn(f.folder), QStringList());
-}
-
-void TestFileDialogs::vanishedFile_data() {
-    addRows(buttonsThatRead());
-}
-
-void TestFileDialogs::vanishedFile() {
-    QFETCH(const FileButton, row);
-    ConnectedFixture f(row.page);
-    QStringList expected = f.calibrationTexts();
-    if (row.page != SettingsFixture::Network)
-        expected[row.page == SettingsFixture::WhitePlate ? 1 : 4] = "gone";
-    const QStringList others = f.checked() + f.networkTexts();
-    f.answers.onFileDialog = [](QFileDialog& dialog) {
-        connect(&dialog, &QFileDialog::fileSelected,
-                [](const QString& path) { QVERIFY(QFile::remove(path)); });
-    };
-    f.choose(row.button, f.folder.write("gone.csv", row.content));
-
-    QCOMPARE(f.records(), row.failure);
-    QCOMPARE(f.calibrationTexts(), expected);
-    QCOMPARE(f.checked() + f.networkTexts(), others);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
-}
-
-void TestFileDialogs::afterALoss_data() {
-    QVector<FileButton> buttons = allButtons();
-    for (FileButton button : allButtons()) {
-        button.name += ", cancelled";
-        button.isCancelled = true;
-        buttons.append(button);
+        const bool saves = row.content.isNull();
+        QCOMPARE(name, QString());
+        QCOMPARE(f.answers.fileDialogs.size(), 1);
+        const ModalAnswerer::FileDialog& shown = f.answers.fileDialogs[0];
+        QCOMPARE(shown.caption, saves ? "Save" : "Open");
+        QCOMPARE(shown.directory, QDir::currentPath());
+        QCOMPARE(shown.nameFilters, QStringList(row.nameFilter));
+        QCOMPARE(shown.selectedNameFilter, row.nameFilter);
+        QCOMPARE(shown.acceptMode, saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+        QCOMPARE(shown.options, row.options);
+        QCOMPARE(shown.parent, &f.dialog);
+        // Cancelled, it was as if nothing had been.
+        QCOMPARE(f.records(), QStringList());
+        QCOMPARE(f.everything(), before);
+        QCOMPARE(filesIn(f.folder), QStringList());
     }
-    addRows(buttons);
-}
 
-void TestFileDialogs::afterALoss() {
-    QFETCH(const FileButton, row);
-    ConnectedFixture f(row.page);
-    QString report;
-    QStringList reset;
-    f.answers.onFileDialog = [&](QFileDialog& dialog) {
-        report = f.loseBehind(dialog);
-        reset = f.everything();
-    };
-    const QString path = f.folder.path("chosen");
-    if (!row.content.isNull())
-        f.folder.write("chosen", row.content);
-    const QStringList files = filesIn(f.folder);
-    f.choose(row.button, row.isCancelled ? QString() : path);
+    void vanishedFile_data() { addRows(buttonsThatRead()); }
+    void vanishedFile() {
+        QFETCH(const FileButton, row);
+        ConnectedFixture f(row.page);
+        QStringList expected = f.calibrationTexts();
+        if (row.page != SettingsFixture::Network)
+            expected[row.page == SettingsFixture::WhitePlate ? 1 : 4] = "gone";
+        const QStringList others = f.checked() + f.networkTexts();
+        f.answers.onFileDialog = [](QFileDialog& dialog) {
+            connect(&dialog, &QFileDialog::fileSelected,
+                    [](const QString& path) { QVERIFY(QFile::remove(path)); });
+        };
+        f.choose(row.button, f.folder.write("gone.csv", row.content));
 
-    QCOMPARE(report, SettingsFixture::lostBox);
-    QCOMPARE(f.answers.fileDialogs.size(), 1);
-    QCOMPARE(f.boxes(), QStringList());
-    QCOMPARE(f.lines().filter("length:"), QStringList()); // nor are the edits checked
-    QCOMPARE(filesIn(f.folder), files);
-    QCOMPARE(f.everything(), reset);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-    QCOMPARE(f.texts(), SettingsFixture::noTexts);
-    QVERIFY(f.controller->m_fileWCPSerialNo.isEmpty());
-    QVERIFY(f.controller->m_fileAmbAdpSerialNo.isEmpty());
+        QCOMPARE(f.records(), row.failure);
+        QCOMPARE(f.calibrationTexts(), expected);
+        QCOMPARE(f.checked() + f.networkTexts(), others);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
+    }
 
-    // Nor is its path kept for a later registration.
-    f.invoke(calibrationTab(false).writeSlot);
-    f.invoke(calibrationTab(true).writeSlot);
-    QCOMPARE(f.boxes(),
-             (QStringList{calibrationTab(false).noFileBox, calibrationTab(true).noFileBox}));
-}
+    void afterALoss_data() {
+        QVector<FileButton> buttons = allButtons();
+        for (FileButton button : allButtons()) {
+            button.name += ", cancelled";
+            button.isCancelled = true;
+            buttons.append(button);
+        }
+        addRows(buttons);
+    }
+
+    void afterALoss() {
+        QFETCH(const FileButton, row);
+        ConnectedFixture f(row.page);
+        QString report;
+        QStringList reset;
+        f.answers.onFileDialog = [&](QFileDialog& dialog) {
+            report = f.loseBehind(dialog);
+            reset = f.everything();
+        };
+        const QString path = f.folder.path("chosen");
+        if (!row.content.isNull())
+            f.folder.write("chosen", row.content);
+        const QStringList files = filesIn(f.folder);
+        f.choose(row.button, row.isCancelled ? QString() : path);
+
+        QCOMPARE(report, SettingsFixture::lostBox);
+        QCOMPARE(f.answers.fileDialogs.size(), 1);
+        QCOMPARE(f.boxes(), QStringList());
+        QCOMPARE(f.lines().filter("length:"), QStringList()); // nor are the edits checked
+        QCOMPARE(filesIn(f.folder), files);
+        QCOMPARE(f.everything(), reset);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
+        QCOMPARE(f.texts(), SettingsFixture::noTexts);
+        QVERIFY(f.controller->m_fileWCPSerialNo.isEmpty());
+        QVERIFY(f.controller->m_fileAmbAdpSerialNo.isEmpty());
+
+        // Nor is its path kept for a later registration.
+        f.invoke(calibrationTab(false).writeSlot);
+        f.invoke(calibrationTab(true).writeSlot);
+        QCOMPARE(f.boxes(),
+                 (QStringList{calibrationTab(false).noFileBox, calibrationTab(true).noFileBox}));
+    }
+};
 
 TEST_CLASS(TestFileDialogs)
 #include "tst_file_dialogs.moc"

@@ -2,23 +2,6 @@
 #include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
-/** The network tab's checks and switches, and the change of tabs. */
-class TestNetworkTab : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void digitsOnly_data();
-    void digitsOnly();
-    void checksTheEditsInOrder();
-    void checksEveryEdit();
-    void switchesTheEdits();
-    void dhcpOnKeepsTheTexts();
-    void dhcpOffEmptiesTheTexts();
-    void choosingTabs_data();
-    void choosingTabs();
-    void unknownTabs();
-};
-
 namespace {
 
 const QStringList sixteenOctets = words("10 1 2 3 4 5 6 7 8 9 11 12 13 14 15 16");
@@ -58,150 +41,157 @@ struct TabChange {
 Q_DECLARE_METATYPE(Digits)
 Q_DECLARE_METATYPE(TabChange)
 
-void TestNetworkTab::digitsOnly_data() {
-    addRows(QVector<Digits>{
-        {"empty", "", false, 0},
-        {"one digit", "0", true, 1},
-        {"all digits", "0123456789", true, 10},
-        {"leading zeros", "007", true, 3},
-        {"too great for an octet", "256", true, 3},
-        {"letter behind", "1a", false, 2},
-        {"letter in front", "a12", false, 1},
-        {"below 0", "1/2", false, 2},
-        {"above 9", "1:2", false, 2},
-        {"plus", "+12", false, 1},
-        {"minus", "-12", false, 1},
-        {"blank in front", " 12", false, 1},
-        {"blank behind", "12 ", false, 3},
-        {"blank", " ", false, 1},
-        {"full-width", "１２３", false, 1},
-        {"Arabic-Indic", "1٢3", false, 2},
-        {"superscript", "2²", false, 2},
-    });
-}
+/** The network tab's checks and switches, and the change of tabs. */
+class TestNetworkTab : public QObject {
+    Q_OBJECT
 
-void TestNetworkTab::digitsOnly() {
-    QFETCH(const Digits, row);
-    SettingsFixture f;
-    QCOMPARE(f.dialog.IsDigitsOnly(row.text), row.areDigits);
+private Q_SLOTS:
+    void digitsOnly_data() {
+        addRows(QVector<Digits>{
+            {"empty", "", false, 0},
+            {"one digit", "0", true, 1},
+            {"all digits", "0123456789", true, 10},
+            {"leading zeros", "007", true, 3},
+            {"too great for an octet", "256", true, 3},
+            {"letter behind", "1a", false, 2},
+            {"letter in front", "a12", false, 1},
+            {"below 0", "1/2", false, 2},
+            {"above 9", "1:2", false, 2},
+            {"plus", "+12", false, 1},
+            {"minus", "-12", false, 1},
+            {"blank in front", " 12", false, 1},
+            {"blank behind", "12 ", false, 3},
+            {"blank", " ", false, 1},
+            {"full-width", "１２３", false, 1},
+            {"Arabic-Indic", "1٢3", false, 2},
+            {"superscript", "2²", false, 2},
+        });
+    }
 
-    QStringList lines(QString("length:%1\n").arg(row.text.length()));
-    for (const QChar character : row.text.left(row.lookedAt))
-        lines.append(character);
-    QCOMPARE(f.lines(), lines);
-}
+    void digitsOnly() {
+        QFETCH(const Digits, row);
+        SettingsFixture f;
+        QCOMPARE(f.dialog.IsDigitsOnly(row.text), row.areDigits);
 
-void TestNetworkTab::checksTheEditsInOrder() {
-    SettingsFixture f;
-    f.setOctets(sixteenOctets);
-    QVERIFY(f.dialog.ValidateAddressEdits());
-    QCOMPARE(f.lines(), SettingsFixture::digitLines(sixteenOctets));
+        QStringList lines(QString("length:%1\n").arg(row.text.length()));
+        for (const QChar character : row.text.left(row.lookedAt))
+            lines.append(character);
+        QCOMPARE(f.lines(), lines);
+    }
 
-    f.clearRecords();
-    f.addressEdits()[2]->setText("x");
-    f.addressEdits()[9]->setText("");
-    QVERIFY(!f.dialog.ValidateAddressEdits());
-    QCOMPARE(f.lines(), SettingsFixture::digitLines({"10", "1", "x"}));
-}
-
-void TestNetworkTab::checksEveryEdit() {
-    SettingsFixture f;
-    for (int i = 0; i < 16; ++i) {
+    void checksTheEditsInOrder() {
+        SettingsFixture f;
         f.setOctets(sixteenOctets);
-        f.addressEdits()[i]->setText("");
-        QVERIFY2(!f.dialog.ValidateAddressEdits(), qPrintable(QString::number(i)));
+        QVERIFY(f.dialog.ValidateAddressEdits());
+        QCOMPARE(f.lines(), SettingsFixture::digitLines(sixteenOctets));
+
+        f.clearRecords();
+        f.addressEdits()[2]->setText("x");
+        f.addressEdits()[9]->setText("");
+        QVERIFY(!f.dialog.ValidateAddressEdits());
+        QCOMPARE(f.lines(), SettingsFixture::digitLines({"10", "1", "x"}));
     }
-}
 
-void TestNetworkTab::switchesTheEdits() {
-    ConnectedFixture f;
-    const QStringList checked = f.checked();
-    f.dialog.SetTcpIpEditsEnabled(false);
-    QCOMPARE(f.enabledAddressEdits(), 0);
-    QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
-    for (const char* name : {"dhcpOnRadioBtn", "dhcpOffRadioBtn", "tcpIPGroupBox", "WLanGroupBox",
-                             "AccessPointgroupBox", "SSIDlineEdit", "passwdlineEdit"})
-        QVERIFY2(f.child(name).isEnabled(), name);
-    f.dialog.SetTcpIpEditsEnabled(true);
-    QCOMPARE(f.enabledAddressEdits(), 16);
-    QCOMPARE(f.checked(), checked);
-    QCOMPARE(f.lines(), QStringList());
-}
-
-void TestNetworkTab::dhcpOnKeepsTheTexts() {
-    ConnectedFixture f;
-    const QStringList texts = f.networkTexts();
-    f.click("dhcpOnRadioBtn");
-
-    QCOMPARE(f.checked().mid(0, 2), switchButtons(1, 1));
-    QCOMPARE(f.enabledAddressEdits(), 0);
-    QCOMPARE(f.networkTexts(), texts);
-    QCOMPARE(f.records(), QStringList());
-}
-
-void TestNetworkTab::dhcpOffEmptiesTheTexts() {
-    ConnectedFixture f(SettingsFixture::Network, networkPatch({{"DHCPUse", 1}}));
-    QCOMPARE(f.enabledAddressEdits(), 0);
-    f.click("dhcpOffRadioBtn");
-    const QStringList emptied = words("press-hall spectral-key ... ... ... ...");
-    QCOMPARE(f.enabledAddressEdits(), 16);
-    QCOMPARE(f.networkTexts(), emptied);
-
-    // The button that is checked already as well.
-    f.setOctets(sixteenOctets);
-    f.click("dhcpOffRadioBtn");
-    QCOMPARE(f.networkTexts(), emptied);
-    QCOMPARE(f.calls(), QStringList());
-}
-
-void TestNetworkTab::choosingTabs_data() {
-    const QVector<Qt::FocusReason> other = {Qt::OtherFocusReason};
-    addRows(QVector<TabChange>{
-        {"network", 3, 0, "ConnectPushBtn", {}},
-        {"power-off", 0, 1, "autoPowerOfftab", other},
-        {"white plate", 0, 2, "curWCalibPlateSerialNolabel", other},
-        {"adapter", 0, 3, "curAmbAdpSerialNolabel", other},
-        {"power-off, from the adapter", 3, 1, "autoPowerOfftab", other},
-        {"power-off, disabled", -1, 1, "ConnectPushBtn", {}},
-        {"white plate, disabled", -1, 2, "ConnectPushBtn", {}},
-        {"adapter, disabled", -1, 3, "ConnectPushBtn", {}},
-    });
-}
-
-void TestNetworkTab::choosingTabs() {
-    QFETCH(const TabChange, row);
-    SettingsFixture f;
-    if (row.from < 0) {
-        f.dialog.connectDevice(-1, true);
-        f.dialog.show();
-    } else {
-        QVERIFY(f.connectFirst(SettingsFixture::Page(row.from)));
+    void checksEveryEdit() {
+        SettingsFixture f;
+        for (int i = 0; i < 16; ++i) {
+            f.setOctets(sixteenOctets);
+            f.addressEdits()[i]->setText("");
+            QVERIFY2(!f.dialog.ValidateAddressEdits(), qPrintable(QString::number(i)));
+        }
     }
-    QVERIFY(QTest::qWaitForWindowActive(&f.dialog));
-    auto& start = f.child("ConnectPushBtn"); // outside of the pages
-    if (row.from < 0)
-        QCOMPARE(f.dialog.focusWidget(), &start);
-    start.setEnabled(true);
-    start.setFocus();
-    f.clearRecords();
-    FocusReasons focus(f.child(row.focused));
-    f.openPage(SettingsFixture::Page(row.to));
 
-    QCOMPARE(f.records(), QStringList(QString("select tab:%1").arg(row.to)));
-    QVERIFY(f.dialog.focusWidget());
-    QCOMPARE(f.dialog.focusWidget()->objectName(), row.focused);
-    QCOMPARE(focus.reasons, row.reasons);
-}
+    void switchesTheEdits() {
+        ConnectedFixture f;
+        const QStringList checked = f.checked();
+        f.dialog.SetTcpIpEditsEnabled(false);
+        QCOMPARE(f.enabledAddressEdits(), 0);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
+        for (const char* name :
+             {"dhcpOnRadioBtn", "dhcpOffRadioBtn", "tcpIPGroupBox", "WLanGroupBox",
+              "AccessPointgroupBox", "SSIDlineEdit", "passwdlineEdit"})
+            QVERIFY2(f.child(name).isEnabled(), name);
+        f.dialog.SetTcpIpEditsEnabled(true);
+        QCOMPARE(f.enabledAddressEdits(), 16);
+        QCOMPARE(f.checked(), checked);
+        QCOMPARE(f.lines(), QStringList());
+    }
 
-void TestNetworkTab::unknownTabs() {
-    ConnectedFixture f;
-    const QWidget* focused = f.dialog.focusWidget();
-    for (const int index : {-1, 4, 1000})
-        QVERIFY(QMetaObject::invokeMethod(&f.dialog, "on_setBasetabWidget_currentChanged",
-                                          Qt::DirectConnection, Q_ARG(int, index)));
-    QCOMPARE(f.lines(), (QStringList{"select tab:-1", "select tab:4", "select tab:1000"}));
-    QCOMPARE(f.dialog.focusWidget(), focused);
-}
+    void dhcpOnKeepsTheTexts() {
+        ConnectedFixture f;
+        const QStringList texts = f.networkTexts();
+        f.click("dhcpOnRadioBtn");
+
+        QCOMPARE(f.checked().mid(0, 2), switchButtons(1, 1));
+        QCOMPARE(f.enabledAddressEdits(), 0);
+        QCOMPARE(f.networkTexts(), texts);
+        QCOMPARE(f.records(), QStringList());
+    }
+
+    void dhcpOffEmptiesTheTexts() {
+        ConnectedFixture f(SettingsFixture::Network, networkPatch({{"DHCPUse", 1}}));
+        QCOMPARE(f.enabledAddressEdits(), 0);
+        f.click("dhcpOffRadioBtn");
+        const QStringList emptied = words("press-hall spectral-key ... ... ... ...");
+        QCOMPARE(f.enabledAddressEdits(), 16);
+        QCOMPARE(f.networkTexts(), emptied);
+
+        // The button that is checked already as well.
+        f.setOctets(sixteenOctets);
+        f.click("dhcpOffRadioBtn");
+        QCOMPARE(f.networkTexts(), emptied);
+        QCOMPARE(f.calls(), QStringList());
+    }
+
+    void choosingTabs_data() {
+        const QVector<Qt::FocusReason> other = {Qt::OtherFocusReason};
+        addRows(QVector<TabChange>{
+            {"network", 3, 0, "ConnectPushBtn", {}},
+            {"power-off", 0, 1, "autoPowerOfftab", other},
+            {"white plate", 0, 2, "curWCalibPlateSerialNolabel", other},
+            {"adapter", 0, 3, "curAmbAdpSerialNolabel", other},
+            {"power-off, from the adapter", 3, 1, "autoPowerOfftab", other},
+            {"power-off, disabled", -1, 1, "ConnectPushBtn", {}},
+            {"white plate, disabled", -1, 2, "ConnectPushBtn", {}},
+            {"adapter, disabled", -1, 3, "ConnectPushBtn", {}},
+        });
+    }
+
+    void choosingTabs() {
+        QFETCH(const TabChange, row);
+        SettingsFixture f;
+        if (row.from < 0) {
+            f.dialog.connectDevice(-1, true);
+            f.dialog.show();
+        } else {
+            QVERIFY(f.connectFirst(SettingsFixture::Page(row.from)));
+        }
+        QVERIFY(QTest::qWaitForWindowActive(&f.dialog));
+        auto& start = f.child("ConnectPushBtn"); // outside of the pages
+        if (row.from < 0)
+            QCOMPARE(f.dialog.focusWidget(), &start);
+        start.setEnabled(true);
+        start.setFocus();
+        f.clearRecords();
+        FocusReasons focus(f.child(row.focused));
+        f.openPage(SettingsFixture::Page(row.to));
+
+        QCOMPARE(f.records(), QStringList(QString("select tab:%1").arg(row.to)));
+        QVERIFY(f.dialog.focusWidget());
+        QCOMPARE(f.dialog.focusWidget()->objectName(), row.focused);
+        QCOMPARE(focus.reasons, row.reasons);
+    }
+
+    void unknownTabs() {
+        ConnectedFixture f;
+        const QWidget* focused = f.dialog.focusWidget();
+        for (const int index : {-1, 4, 1000})
+            QVERIFY(QMetaObject::invokeMethod(&f.dialog, "on_setBasetabWidget_currentChanged",
+                                              Qt::DirectConnection, Q_ARG(int, index)));
+        QCOMPARE(f.lines(), (QStringList{"select tab:-1", "select tab:4", "select tab:1000"}));
+        QCOMPARE(f.dialog.focusWidget(), focused);
+    }
+};
 
 TEST_CLASS(TestNetworkTab)
 #include "tst_network_tab.moc"

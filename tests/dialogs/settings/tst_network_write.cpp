@@ -4,23 +4,6 @@
 
 #include <cstring>
 
-/** The network tab's buttons "Write To Body" and "Write To File...". */
-class TestNetworkWrite : public QObject {
-    Q_OBJECT
-
-private Q_SLOTS:
-    void writes_data();
-    void writes();
-    void fileGetsTheShownAddressesWithDhcp();
-    void invalidAddresses_data();
-    void invalidAddresses();
-    void sentTexts_data();
-    void sentTexts();
-    void fileGetsCutTexts();
-    void unwritableFile();
-    void writtenFileIsReadAgain();
-};
-
 namespace {
 
 const QString bodyButton = "writeBodyPushBtn";
@@ -104,198 +87,205 @@ Q_DECLARE_METATYPE(Write)
 Q_DECLARE_METATYPE(InvalidOctet)
 Q_DECLARE_METATYPE(SentText)
 
-void TestNetworkWrite::writes_data() {
-    const QStringList octets = octetsOf(networkValues());
-    addRows(QVector<Write>{
-        {"body, wireless 0, DHCP on", "", 0, 1, octets},
-        {"body, wireless 0, DHCP off", "", 0, 0, octets},
-        {"body, wireless 1, DHCP on", "", 1, 1, octets},
-        {"body, wireless 1, DHCP off", "", 1, 0, octets},
-        {"body, DHCP on, empty edits", "", 1, 1, {}},
-        {"body, DHCP on, invalid edits", "", 1, 1, {"1a", "256"}},
-        {"body, no switch checked", "", 2, 3, octets},
-        {"file, no switch checked", "saved.ini", 2, 3, octets},
-        {"file, wireless 0, DHCP on", "saved.ini", 0, 1, octets},
-        {"file, wireless 0, DHCP off", "saved.ini", 0, 0, octets},
-        {"file, wireless 1, DHCP on", "saved.ini", 1, 1, octets},
-        {"file, wireless 1, DHCP off", "saved.ini", 1, 0, octets},
-        {"file, no extension is added", "saved", 1, 0, octets},
-        {"file, another extension", "saved.txt", 1, 0, octets},
-        {"file, Japanese name", "保存 1.ini", 1, 0, octets},
-    });
-}
+/** The network tab's buttons "Write To Body" and "Write To File...". */
+class TestNetworkWrite : public QObject {
+    Q_OBJECT
 
-void TestNetworkWrite::writes() {
-    QFETCH(const Write, row);
-    const bool isForBody = row.file.isEmpty();
-    const bool sendsZeros = isForBody && row.dhcp == 1;
-    const bool keepsSwitches = row.wireless == 2;
-    const QJsonObject values = networkValues(row.wireless, row.dhcp);
-    ConnectedFixture f(SettingsFixture::Network, keepsSwitches ? networkPatch(values) : "{}");
-    const QJsonObject sent = sendsZeros ? withAddresses(values, "0.0.0.0") : values;
-    const QJsonObject state = isForBody ? stateWith(sent) : TestBench::state();
-    if (keepsSwitches) {
-        for (const QString& name : switchButtons(0, 0) + switchButtons(1, 1))
-            f.uncheck(name);
-    } else {
-        typeNetwork(f, values);
-        f.setOctets(row.octets);
+private Q_SLOTS:
+    void writes_data() {
+        const QStringList octets = octetsOf(networkValues());
+        addRows(QVector<Write>{
+            {"body, wireless 0, DHCP on", "", 0, 1, octets},
+            {"body, wireless 0, DHCP off", "", 0, 0, octets},
+            {"body, wireless 1, DHCP on", "", 1, 1, octets},
+            {"body, wireless 1, DHCP off", "", 1, 0, octets},
+            {"body, DHCP on, empty edits", "", 1, 1, {}},
+            {"body, DHCP on, invalid edits", "", 1, 1, {"1a", "256"}},
+            {"body, no switch checked", "", 2, 3, octets},
+            {"file, no switch checked", "saved.ini", 2, 3, octets},
+            {"file, wireless 0, DHCP on", "saved.ini", 0, 1, octets},
+            {"file, wireless 0, DHCP off", "saved.ini", 0, 0, octets},
+            {"file, wireless 1, DHCP on", "saved.ini", 1, 1, octets},
+            {"file, wireless 1, DHCP off", "saved.ini", 1, 0, octets},
+            {"file, no extension is added", "saved", 1, 0, octets},
+            {"file, another extension", "saved.txt", 1, 0, octets},
+            {"file, Japanese name", "保存 1.ini", 1, 0, octets},
+        });
     }
-    f.clearRecords();
-    const QStringList before = f.everything();
-    write(f, row.file);
 
-    const QStringList reports =
-        isForBody ? QStringList{bodySuccess, writeCall} : QStringList{fileSuccess};
-    const QStringList checks = SettingsFixture::digitLines(row.octets);
-    QCOMPARE(f.records(), reports + (sendsZeros ? QStringList() : checks));
-    QCOMPARE(TestBench::state(), state);
-    QCOMPARE(filesIn(f), isForBody ? QStringList() : QStringList(row.file));
-    QCOMPARE(f.folder.read(row.file), isForBody ? QByteArray() : settingsFile(values));
-    QCOMPARE(f.busyAtBox(), isForBody ? tabButtons : QStringList());
-    QCOMPARE(f.everything(), before);
-}
+    void writes() {
+        QFETCH(const Write, row);
+        const bool isForBody = row.file.isEmpty();
+        const bool sendsZeros = isForBody && row.dhcp == 1;
+        const bool keepsSwitches = row.wireless == 2;
+        const QJsonObject values = networkValues(row.wireless, row.dhcp);
+        ConnectedFixture f(SettingsFixture::Network, keepsSwitches ? networkPatch(values) : "{}");
+        const QJsonObject sent = sendsZeros ? withAddresses(values, "0.0.0.0") : values;
+        const QJsonObject state = isForBody ? stateWith(sent) : TestBench::state();
+        if (keepsSwitches) {
+            for (const QString& name : switchButtons(0, 0) + switchButtons(1, 1))
+                f.uncheck(name);
+        } else {
+            typeNetwork(f, values);
+            f.setOctets(row.octets);
+        }
+        f.clearRecords();
+        const QStringList before = f.everything();
+        write(f, row.file);
 
-// Unlike what the instrument gets, a file gets what the page shows.
-void TestNetworkWrite::fileGetsTheShownAddressesWithDhcp() {
-    ConnectedFixture f;
-    typeNetwork(f, networkValues(1, 1));
-    f.click(bodyButton);
-    f.clearRecords();
-    write(f, "saved.ini");
-
-    QCOMPARE(f.boxes(), QStringList(fileSuccess));
-    QCOMPARE(f.folder.read("saved.ini"), settingsFile(networkValues(1, 1)));
-}
-
-void TestNetworkWrite::invalidAddresses_data() {
-    QVector<InvalidOctet> rows = {
-        {"body, letter", false, false, 15, "1a", 16},
-        {"body, greatest", false, false, 15, "999", 16},
-        {"body, full-width", false, false, 15, "１２", 16},
-        {"body, plus", false, false, 15, "+1", 16},
-        {"body, minus", false, false, 15, "-1", 16},
-        {"body, blank in front", false, false, 15, " 1", 16},
-        {"body, blank behind", false, false, 15, "1 ", 16},
-        {"body, blank", false, false, 15, " ", 16},
-        {"file, empty, DHCP on", true, true, 0, "", 1},
-        {"file, letter", true, false, 3, "1a", 4},
-        {"file, letter, DHCP on", true, true, 3, "1a", 4},
-        {"file, full-width", true, false, 4, "１２", 5},
-        {"file, sign", true, false, 5, "-1", 6},
-        {"file, blank", true, false, 6, " ", 7},
-    };
-    for (int edit = 0; edit < 16; ++edit) {
-        const QByteArray name = "edit " + QByteArray::number(edit);
-        rows += {{"body, " + name + " empty", false, false, edit, "", edit + 1},
-                 {"body, " + name + " too great", false, false, edit, "256", 16},
-                 {"file, " + name + " empty", true, false, edit, "", edit + 1},
-                 {"file, " + name + " too great, DHCP on", true, true, edit, "256", 16}};
+        const QStringList reports =
+            isForBody ? QStringList{bodySuccess, writeCall} : QStringList{fileSuccess};
+        const QStringList checks = SettingsFixture::digitLines(row.octets);
+        QCOMPARE(f.records(), reports + (sendsZeros ? QStringList() : checks));
+        QCOMPARE(TestBench::state(), state);
+        QCOMPARE(filesIn(f), isForBody ? QStringList() : QStringList(row.file));
+        QCOMPARE(f.folder.read(row.file), isForBody ? QByteArray() : settingsFile(values));
+        QCOMPARE(f.busyAtBox(), isForBody ? tabButtons : QStringList());
+        QCOMPARE(f.everything(), before);
     }
-    addRows(rows);
-}
 
-void TestNetworkWrite::invalidAddresses() {
-    QFETCH(const InvalidOctet, row);
-    ConnectedFixture f;
-    const QJsonObject state = TestBench::state();
-    const KVA_NETWORKINFO record = f.controller->m_networkInfo;
-    typeNetwork(f, networkValues(0, row.isDhcp ? 1 : 0));
-    f.addressEdits()[row.edit]->setText(row.text);
-    const QStringList before = f.everything();
-    write(f, row.isForFile ? "saved.ini" : "");
+    // Unlike what the instrument gets, a file gets what the page shows.
+    void fileGetsTheShownAddressesWithDhcp() {
+        ConnectedFixture f;
+        typeNetwork(f, networkValues(1, 1));
+        f.click(bodyButton);
+        f.clearRecords();
+        write(f, "saved.ini");
 
-    QCOMPARE(f.answers.fileDialogs.size(), row.isForFile ? 1 : 0); // the name is asked for first
-    QCOMPARE(f.boxes(), QStringList("error: The input value is invalid."));
-    QCOMPARE(f.calls(), QStringList());
-    QCOMPARE(f.lines().filter("length:").size(), row.checkedEdits);
-    QCOMPARE(filesIn(f), QStringList());
-    QCOMPARE(TestBench::state(), state);
-    QCOMPARE(std::memcmp(&f.controller->m_networkInfo, &record, sizeof record), 0);
-    QCOMPARE(f.busyAtBox(), row.isForFile ? QStringList() : tabButtons);
-    QCOMPARE(f.everything(), before);
-}
+        QCOMPARE(f.boxes(), QStringList(fileSuccess));
+        QCOMPARE(f.folder.read("saved.ini"), settingsFile(networkValues(1, 1)));
+    }
 
-void TestNetworkWrite::sentTexts_data() {
-    const QString ssid(32, 's');
-    const QString key(64, 'k');
-    const QString tokyo = "東京 1階";
-    const QString kanji = "京";
-    // All octets alike: no rule but that of the octets themselves, so 0.0.0.0 is sent and a mask
-    // may have holes.
-    const auto octets = [](const char* name, const QString& typed, int sent) -> SentText {
-        const QString address = "%1.%1.%1.%1";
-        return {name, withAddresses(networkValues(), address.arg(typed)),
-                withAddresses(networkValues(), address.arg(sent))};
-    };
-    addRows(QVector<SentText>{
-        octets("lowest octets", "0", 0),
-        octets("highest octets", "255", 255),
-        octets("octets with leading zeros", "007", 7),
-        octets("octets that are not octal", "010", 10),
-        octets("octets of zeros", "000", 0),
-        {"empty texts", withTexts("", ""), withTexts("", "")},
-        {"longest texts", withTexts(ssid, key), withTexts(ssid, key)},
-        {"Japanese texts", withTexts(tokyo, tokyo), withTexts(tokyo, tokyo)},
-        {"more bytes than room", withTexts(kanji.repeated(32), kanji.repeated(64)),
-         withTexts(hexField(kanji.repeated(11).toUtf8().left(32) + '\0'),
-                   hexField(kanji.repeated(22).toUtf8().left(64) + '\0'))},
-        {"cut between two characters",
-         withTexts("ab" + kanji.repeated(30), "a" + kanji.repeated(63)),
-         withTexts("ab" + kanji.repeated(10), "a" + kanji.repeated(21))},
-    });
-}
+    void invalidAddresses_data() {
+        QVector<InvalidOctet> rows = {
+            {"body, letter", false, false, 15, "1a", 16},
+            {"body, greatest", false, false, 15, "999", 16},
+            {"body, full-width", false, false, 15, "１２", 16},
+            {"body, plus", false, false, 15, "+1", 16},
+            {"body, minus", false, false, 15, "-1", 16},
+            {"body, blank in front", false, false, 15, " 1", 16},
+            {"body, blank behind", false, false, 15, "1 ", 16},
+            {"body, blank", false, false, 15, " ", 16},
+            {"file, empty, DHCP on", true, true, 0, "", 1},
+            {"file, letter", true, false, 3, "1a", 4},
+            {"file, letter, DHCP on", true, true, 3, "1a", 4},
+            {"file, full-width", true, false, 4, "１２", 5},
+            {"file, sign", true, false, 5, "-1", 6},
+            {"file, blank", true, false, 6, " ", 7},
+        };
+        for (int edit = 0; edit < 16; ++edit) {
+            const QByteArray name = "edit " + QByteArray::number(edit);
+            rows += {{"body, " + name + " empty", false, false, edit, "", edit + 1},
+                     {"body, " + name + " too great", false, false, edit, "256", 16},
+                     {"file, " + name + " empty", true, false, edit, "", edit + 1},
+                     {"file, " + name + " too great, DHCP on", true, true, edit, "256", 16}};
+        }
+        addRows(rows);
+    }
 
-void TestNetworkWrite::sentTexts() {
-    QFETCH(const SentText, row);
-    ConnectedFixture f;
-    const QJsonObject expected = stateWith(row.sent);
-    typeNetwork(f, row.typed);
-    const QStringList before = f.everything();
-    f.click(bodyButton);
+    void invalidAddresses() {
+        QFETCH(const InvalidOctet, row);
+        ConnectedFixture f;
+        const QJsonObject state = TestBench::state();
+        const KVA_NETWORKINFO record = f.controller->m_networkInfo;
+        typeNetwork(f, networkValues(0, row.isDhcp ? 1 : 0));
+        f.addressEdits()[row.edit]->setText(row.text);
+        const QStringList before = f.everything();
+        write(f, row.isForFile ? "saved.ini" : "");
 
-    QCOMPARE(f.boxes(), QStringList(bodySuccess));
-    QCOMPARE(f.everything(), before);
-    QCOMPARE(TestBench::state(), expected);
-}
+        QCOMPARE(f.answers.fileDialogs.size(),
+                 row.isForFile ? 1 : 0); // the name is asked for first
+        QCOMPARE(f.boxes(), QStringList("error: The input value is invalid."));
+        QCOMPARE(f.calls(), QStringList());
+        QCOMPARE(f.lines().filter("length:").size(), row.checkedEdits);
+        QCOMPARE(filesIn(f), QStringList());
+        QCOMPARE(TestBench::state(), state);
+        QCOMPARE(std::memcmp(&f.controller->m_networkInfo, &record, sizeof record), 0);
+        QCOMPARE(f.busyAtBox(), row.isForFile ? QStringList() : tabButtons);
+        QCOMPARE(f.everything(), before);
+    }
 
-void TestNetworkWrite::fileGetsCutTexts() {
-    ConnectedFixture f;
-    typeNetwork(f);
-    const QString kanji = "京";
-    f.setNameAndKey(kanji.repeated(32), kanji.repeated(64));
-    write(f, "saved.ini");
+    void sentTexts_data() {
+        const QString ssid(32, 's');
+        const QString key(64, 'k');
+        const QString tokyo = "東京 1階";
+        const QString kanji = "京";
+        // All octets alike: no rule but that of the octets themselves, so 0.0.0.0 is sent and a
+        // mask may have holes.
+        const auto octets = [](const char* name, const QString& typed, int sent) -> SentText {
+            const QString address = "%1.%1.%1.%1";
+            return {name, withAddresses(networkValues(), address.arg(typed)),
+                    withAddresses(networkValues(), address.arg(sent))};
+        };
+        addRows(QVector<SentText>{
+            octets("lowest octets", "0", 0),
+            octets("highest octets", "255", 255),
+            octets("octets with leading zeros", "007", 7),
+            octets("octets that are not octal", "010", 10),
+            octets("octets of zeros", "000", 0),
+            {"empty texts", withTexts("", ""), withTexts("", "")},
+            {"longest texts", withTexts(ssid, key), withTexts(ssid, key)},
+            {"Japanese texts", withTexts(tokyo, tokyo), withTexts(tokyo, tokyo)},
+            {"more bytes than room", withTexts(kanji.repeated(32), kanji.repeated(64)),
+             withTexts(hexField(kanji.repeated(11).toUtf8().left(32) + '\0'),
+                       hexField(kanji.repeated(22).toUtf8().left(64) + '\0'))},
+            {"cut between two characters",
+             withTexts("ab" + kanji.repeated(30), "a" + kanji.repeated(63)),
+             withTexts("ab" + kanji.repeated(10), "a" + kanji.repeated(21))},
+        });
+    }
 
-    QByteArray expected = settingsFile();
-    expected.replace("typed name", kanji.repeated(32).toUtf8().left(32));
-    expected.replace("typed key", kanji.repeated(64).toUtf8().left(64));
-    QCOMPARE(f.folder.read("saved.ini"), expected);
-}
+    void sentTexts() {
+        QFETCH(const SentText, row);
+        ConnectedFixture f;
+        const QJsonObject expected = stateWith(row.sent);
+        typeNetwork(f, row.typed);
+        const QStringList before = f.everything();
+        f.click(bodyButton);
 
-void TestNetworkWrite::unwritableFile() {
-    ConnectedFixture f;
-    typeNetwork(f);
-    const QStringList before = f.everything();
-    write(f, "no-such-folder/saved.ini");
+        QCOMPARE(f.boxes(), QStringList(bodySuccess));
+        QCOMPARE(f.everything(), before);
+        QCOMPARE(TestBench::state(), expected);
+    }
 
-    QCOMPARE(f.records(), QStringList("error: Failed to write Network Infomation file data.") +
-                                  SettingsFixture::digitLines(octetsOf(networkValues()))
-                              << "Failed to write network setting file. \n");
-    QCOMPARE(f.everything(), before);
-}
+    void fileGetsCutTexts() {
+        ConnectedFixture f;
+        typeNetwork(f);
+        const QString kanji = "京";
+        f.setNameAndKey(kanji.repeated(32), kanji.repeated(64));
+        write(f, "saved.ini");
 
-void TestNetworkWrite::writtenFileIsReadAgain() {
-    ConnectedFixture f;
-    const QStringList before = f.everything();
-    write(f, "saved.ini");
-    f.click("disableRadioBtn");
-    f.click("dhcpOffRadioBtn");
-    f.setNameAndKey("", "");
-    f.choose("readToFilePushBtn", f.folder.path("saved.ini"));
+        QByteArray expected = settingsFile();
+        expected.replace("typed name", kanji.repeated(32).toUtf8().left(32));
+        expected.replace("typed key", kanji.repeated(64).toUtf8().left(64));
+        QCOMPARE(f.folder.read("saved.ini"), expected);
+    }
 
-    QCOMPARE(f.boxes(), (QStringList{fileSuccess, "information: Successful read file data."}));
-    QCOMPARE(f.everything(), before);
-}
+    void unwritableFile() {
+        ConnectedFixture f;
+        typeNetwork(f);
+        const QStringList before = f.everything();
+        write(f, "no-such-folder/saved.ini");
+
+        QCOMPARE(f.records(), QStringList("error: Failed to write Network Infomation file data.") +
+                                      SettingsFixture::digitLines(octetsOf(networkValues()))
+                                  << "Failed to write network setting file. \n");
+        QCOMPARE(f.everything(), before);
+    }
+
+    void writtenFileIsReadAgain() {
+        ConnectedFixture f;
+        const QStringList before = f.everything();
+        write(f, "saved.ini");
+        f.click("disableRadioBtn");
+        f.click("dhcpOffRadioBtn");
+        f.setNameAndKey("", "");
+        f.choose("readToFilePushBtn", f.folder.path("saved.ini"));
+
+        QCOMPARE(f.boxes(), (QStringList{fileSuccess, "information: Successful read file data."}));
+        QCOMPARE(f.everything(), before);
+    }
+};
 
 TEST_CLASS(TestNetworkWrite)
 #include "tst_network_write.moc"

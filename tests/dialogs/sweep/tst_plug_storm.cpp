@@ -108,16 +108,148 @@ class TestPlugStorm : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase();
-    void cleanupTestCase();
-    void survivesAndStillWatches();
+    void initTestCase() {
+        QVERIFY(m_folder.isValid());
+        m_startFolder = QDir::currentPath();
+        QVERIFY(QDir::setCurrent(m_folder.path()));
+        const QString plate = writeFile(m_folder.filePath(QStringLiteral("plate.csv")),
+                                        valueFile("87654321", KVA_WHITE_PLATE_VALUES));
+        const QString adapter = writeFile(m_folder.filePath(QStringLiteral("adapter.csv")),
+                                          valueFile("00054321", KVA_AMBIENT_ADAPTER_VALUES));
+        QVERIFY(!plate.isEmpty() && !adapter.isEmpty());
+        const QJsonObject bench = {
+            {QStringLiteral("version"), 1},
+            {QStringLiteral("instruments"), QJsonArray{SettingsFixture::instrument()}}};
+        m_bench = writeFile(m_folder.filePath(QStringLiteral("bench.json")),
+                            QJsonDocument(bench).toJson());
+        QVERIFY(!m_bench.isEmpty());
+        using F = SettingsFixture;
+        m_buttons = {
+            {F::Network, QStringLiteral("ConnectPushBtn"), {}},
+            {F::Network, QStringLiteral("readBodyPushBtn"), {}},
+            {F::Network, QStringLiteral("writeBodyPushBtn"), {}},
+            {F::PowerOff, QStringLiteral("getAutoPWOffPushBtn"), {}},
+            {F::PowerOff, QStringLiteral("setAutoPWOffPushBtn"), {}},
+            {F::WhitePlate, QStringLiteral("selWCPFilePushBtn"), plate},
+            {F::WhitePlate, QStringLiteral("setWCPValPushBtn"), {}},
+            {F::AmbientAdapter, QStringLiteral("selAmbLightAdpFilePushBtn"), adapter},
+            {F::AmbientAdapter, QStringLiteral("setAmbAdpBodyPushBtn"), {}},
+            {F::Network, QStringLiteral("disConnectPushBtn"), {}},
+        };
+    }
+
+    void cleanupTestCase() {
+        m_fixture.reset();
+        QVERIFY(QDir::setCurrent(m_startFolder));
+    }
+
+    void survivesAndStillWatches() {
+        const auto seed = static_cast<unsigned int>(
+            numberFrom("VQTL4_STORM_SEED", static_cast<int>(std::random_device()() & 0x7FFFFFFFU)));
+        const int seconds = numberFrom("VQTL4_STORM_SECONDS", defaultSeconds);
+        qInfo("seed %u, %d seconds", seed, seconds);
+        std::mt19937 random(seed);
+        open();
+        if (QTest::currentTestFailed())
+            return;
+        Plugger plugger;
+        QVERIFY(plugger.start(m_bench, seed + 1));
+        weather(QDeadlineTimer(1000 * seconds), random);
+        const int plugs = plugger.stop();
+        if (QTest::currentTestFailed())
+            return;
+        QVERIFY(plugs > 0);
+        connectAgain();
+        if (QTest::currentTestFailed())
+            return;
+        // Once more, with the watch as the dialog itself sets it.
+        watchOf(m_fixture->dialog).setInterval(m_ownInterval);
+        act(m_buttons.last());
+        connectAgain();
+        if (QTest::currentTestFailed())
+            return;
+        std::thread hand([] { KvaSim_Unplug(SettingsFixture::serialNumber); });
+        hand.join();
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->boxes(), QStringList(QLatin1String(lostBox)), 2000);
+        QVERIFY(!watchOf(m_fixture->dialog).isActive());
+        QVERIFY(isConsistent(*m_fixture));
+        m_fixture.reset();
+        QVERIFY(m_presses > 0);
+        qInfo("%d presses, %d plugs, %d losses, %d dialogs", m_presses, plugs, m_losses, m_dialogs);
+    }
 
 private:
-    void open();
-    void weather(const QDeadlineTimer& deadline, std::mt19937& random);
-    void act(const Button& button);
-    void checkBoxes();
-    void connectAgain();
+    void open() {
+        m_fixture.reset();
+        m_fixture = std::make_unique<SettingsFixture>();
+        // On a bench in a file the other process can reach it.
+        QVERIFY2(KvaSim_LoadFile(qPrintable(m_bench)), KvaSim_LastError());
+        m_ownInterval = watchOf(m_fixture->dialog).interval();
+        watchOf(m_fixture->dialog).setInterval(stormWatchInterval);
+        m_fixture->dialog.connectDevice(-1, false);
+        m_fixture->dialog.show();
+        ++m_dialogs;
+    }
+
+    void weather(const QDeadlineTimer& deadline, std::mt19937& random) {
+        while (!deadline.hasExpired()) {
+            const auto choice =
+                static_cast<int>(random() % static_cast<unsigned>(m_buttons.size()));
+            act(m_buttons[choice]);
+            const bool refusedToDisconnect =
+                m_fixture->boxes().contains(QStringLiteral("error: Failed to device disconnect."));
+            checkBoxes();
+            if (QTest::currentTestFailed())
+                return;
+            // A standby event takes the loss back before the watch has seen it; the dialog then
+            // stays connected to nothing, and the user starts it anew.
+            if (refusedToDisconnect && watchOf(m_fixture->dialog).isActive()) {
+                m_fixture->dialog.close();
+                checkBoxes();
+                open();
+            }
+        }
+    }
+
+    void act(const Button& button) {
+        SettingsFixture& f = *m_fixture;
+        f.openPage(button.page);
+        const QWidget& widget = f.child(button.name);
+        if (widget.isVisible() && widget.isEnabled()) {
+            if (!button.file.isEmpty())
+                f.answers.willChoose(button.file);
+            f.click(button.name);
+            ++m_presses;
+        }
+        QCoreApplication::processEvents();
+        QVERIFY(QApplication::activeModalWidget() == nullptr);
+        QVERIFY2(isConsistent(f), qPrintable(button.name));
+    }
+
+    void checkBoxes() {
+        const QStringList boxes = m_fixture->boxes();
+        for (const QString& box : boxes) {
+            QVERIFY2(possibleBoxes().contains(box), qPrintable(box));
+            m_losses += box == QLatin1String(lostBox) ? 1 : 0;
+        }
+        m_fixture->answers.boxes.clear();
+        m_fixture->log.clear();
+    }
+
+    /** Brings the dialog to a connection that holds. */
+    void connectAgain() {
+        KvaSim_Plug(SettingsFixture::serialNumber);
+        KvaSim_WaitForEvents();
+        if (watchOf(m_fixture->dialog).isActive() && !isReached()) {
+            m_fixture->dialog.close();
+            open();
+        }
+        if (!watchOf(m_fixture->dialog).isActive())
+            act(m_buttons.first());
+        checkBoxes();
+        QVERIFY(watchOf(m_fixture->dialog).isActive());
+        QVERIFY(isReached());
+    }
 
     QTemporaryDir m_folder;
     QString m_startFolder;
@@ -129,147 +261,6 @@ private:
     int m_ownInterval = 0; ///< of the dialog's watch, in ms
     int m_dialogs = 0;
 };
-
-void TestPlugStorm::initTestCase() {
-    QVERIFY(m_folder.isValid());
-    m_startFolder = QDir::currentPath();
-    QVERIFY(QDir::setCurrent(m_folder.path()));
-    const QString plate = writeFile(m_folder.filePath(QStringLiteral("plate.csv")),
-                                    valueFile("87654321", KVA_WHITE_PLATE_VALUES));
-    const QString adapter = writeFile(m_folder.filePath(QStringLiteral("adapter.csv")),
-                                      valueFile("00054321", KVA_AMBIENT_ADAPTER_VALUES));
-    QVERIFY(!plate.isEmpty() && !adapter.isEmpty());
-    const QJsonObject bench = {
-        {QStringLiteral("version"), 1},
-        {QStringLiteral("instruments"), QJsonArray{SettingsFixture::instrument()}}};
-    m_bench =
-        writeFile(m_folder.filePath(QStringLiteral("bench.json")), QJsonDocument(bench).toJson());
-    QVERIFY(!m_bench.isEmpty());
-    using F = SettingsFixture;
-    m_buttons = {
-        {F::Network, QStringLiteral("ConnectPushBtn"), {}},
-        {F::Network, QStringLiteral("readBodyPushBtn"), {}},
-        {F::Network, QStringLiteral("writeBodyPushBtn"), {}},
-        {F::PowerOff, QStringLiteral("getAutoPWOffPushBtn"), {}},
-        {F::PowerOff, QStringLiteral("setAutoPWOffPushBtn"), {}},
-        {F::WhitePlate, QStringLiteral("selWCPFilePushBtn"), plate},
-        {F::WhitePlate, QStringLiteral("setWCPValPushBtn"), {}},
-        {F::AmbientAdapter, QStringLiteral("selAmbLightAdpFilePushBtn"), adapter},
-        {F::AmbientAdapter, QStringLiteral("setAmbAdpBodyPushBtn"), {}},
-        {F::Network, QStringLiteral("disConnectPushBtn"), {}},
-    };
-}
-
-void TestPlugStorm::cleanupTestCase() {
-    m_fixture.reset();
-    QVERIFY(QDir::setCurrent(m_startFolder));
-}
-
-void TestPlugStorm::open() {
-    m_fixture.reset();
-    m_fixture = std::make_unique<SettingsFixture>();
-    // On a bench in a file the other process can reach it.
-    QVERIFY2(KvaSim_LoadFile(qPrintable(m_bench)), KvaSim_LastError());
-    m_ownInterval = watchOf(m_fixture->dialog).interval();
-    watchOf(m_fixture->dialog).setInterval(stormWatchInterval);
-    m_fixture->dialog.connectDevice(-1, false);
-    m_fixture->dialog.show();
-    ++m_dialogs;
-}
-
-void TestPlugStorm::checkBoxes() {
-    const QStringList boxes = m_fixture->boxes();
-    for (const QString& box : boxes) {
-        QVERIFY2(possibleBoxes().contains(box), qPrintable(box));
-        m_losses += box == QLatin1String(lostBox) ? 1 : 0;
-    }
-    m_fixture->answers.boxes.clear();
-    m_fixture->log.clear();
-}
-
-void TestPlugStorm::act(const Button& button) {
-    SettingsFixture& f = *m_fixture;
-    f.openPage(button.page);
-    const QWidget& widget = f.child(button.name);
-    if (widget.isVisible() && widget.isEnabled()) {
-        if (!button.file.isEmpty())
-            f.answers.willChoose(button.file);
-        f.click(button.name);
-        ++m_presses;
-    }
-    QCoreApplication::processEvents();
-    QVERIFY(QApplication::activeModalWidget() == nullptr);
-    QVERIFY2(isConsistent(f), qPrintable(button.name));
-}
-
-void TestPlugStorm::weather(const QDeadlineTimer& deadline, std::mt19937& random) {
-    while (!deadline.hasExpired()) {
-        const auto choice = static_cast<int>(random() % static_cast<unsigned>(m_buttons.size()));
-        act(m_buttons[choice]);
-        const bool refusedToDisconnect =
-            m_fixture->boxes().contains(QStringLiteral("error: Failed to device disconnect."));
-        checkBoxes();
-        if (QTest::currentTestFailed())
-            return;
-        // A standby event takes the loss back before the watch has seen it; the dialog then stays
-        // connected to nothing, and the user starts it anew.
-        if (refusedToDisconnect && watchOf(m_fixture->dialog).isActive()) {
-            m_fixture->dialog.close();
-            checkBoxes();
-            open();
-        }
-    }
-}
-
-/** Brings the dialog to a connection that holds. */
-void TestPlugStorm::connectAgain() {
-    KvaSim_Plug(SettingsFixture::serialNumber);
-    KvaSim_WaitForEvents();
-    if (watchOf(m_fixture->dialog).isActive() && !isReached()) {
-        m_fixture->dialog.close();
-        open();
-    }
-    if (!watchOf(m_fixture->dialog).isActive())
-        act(m_buttons.first());
-    checkBoxes();
-    QVERIFY(watchOf(m_fixture->dialog).isActive());
-    QVERIFY(isReached());
-}
-
-void TestPlugStorm::survivesAndStillWatches() {
-    const auto seed = static_cast<unsigned int>(
-        numberFrom("VQTL4_STORM_SEED", static_cast<int>(std::random_device()() & 0x7FFFFFFFU)));
-    const int seconds = numberFrom("VQTL4_STORM_SECONDS", defaultSeconds);
-    qInfo("seed %u, %d seconds", seed, seconds);
-    std::mt19937 random(seed);
-    open();
-    if (QTest::currentTestFailed())
-        return;
-    Plugger plugger;
-    QVERIFY(plugger.start(m_bench, seed + 1));
-    weather(QDeadlineTimer(1000 * seconds), random);
-    const int plugs = plugger.stop();
-    if (QTest::currentTestFailed())
-        return;
-    QVERIFY(plugs > 0);
-    connectAgain();
-    if (QTest::currentTestFailed())
-        return;
-    // Once more, with the watch as the dialog itself sets it.
-    watchOf(m_fixture->dialog).setInterval(m_ownInterval);
-    act(m_buttons.last());
-    connectAgain();
-    if (QTest::currentTestFailed())
-        return;
-    std::thread hand([] { KvaSim_Unplug(SettingsFixture::serialNumber); });
-    hand.join();
-    QTRY_COMPARE_WITH_TIMEOUT(m_fixture->boxes(), QStringList(QLatin1String(lostBox)), 2000);
-    QVERIFY(!watchOf(m_fixture->dialog).isActive());
-    QVERIFY(isConsistent(*m_fixture));
-    m_fixture.reset();
-    QVERIFY(m_presses > 0);
-    qInfo("%d presses, %d plugs, %d losses, %d dialogs", m_presses, plugs, m_losses, m_dialogs);
-}
 
 QTEST_MAIN(TestPlugStorm)
 #include "tst_plug_storm.moc"

@@ -150,186 +150,175 @@ class TestSweep : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void cleanupTestCase();
-    void placesAreThoseOfASession();
-    void fault_data();
-    void fault();
+    void cleanupTestCase() {
+        QVERIFY(m_combinations > 0);
+        qInfo("%d combinations", m_combinations);
+    }
+
+    void placesAreThoseOfASession() {
+        SettingsFixture f;
+        const std::optional<InstrumentModel> instrument = readInstrument();
+        QVERIFY(instrument.has_value());
+        LibraryModel library(*instrument, {});
+        DialogModel model(library, m_files);
+        open(f, model, {});
+        for (const Step& step : session()) {
+            checkStep(f, model, step);
+            QVERIFY2(!QTest::currentTestFailed(), qPrintable(step.button));
+        }
+        end(f, model);
+        QCOMPARE(SettingsFixture::calls(), names(placesOfSession()));
+        checkInstrument(library);
+        // What the sweep tells apart: nothing written, and all of it.
+        QVERIFY(TestBench::bytesOf(library.afterPowerCycle().committed) !=
+                TestBench::bytesOf(instrument->committed));
+        QVERIFY(TestBench::bytesOf(library.afterPowerCycle().network) !=
+                TestBench::bytesOf(instrument->network));
+    }
+
+    void fault_data() {
+        QVector<PlacedFault> rows;
+        for (const FaultKind& kind : faultKinds()) {
+            for (const bool isOnwards : {false, true}) {
+                for (const Place& place : placesOfSession()) {
+                    if (!kind.concerns(place.function) || (isOnwards && !kind.repeats))
+                        continue;
+                    const QString name = QString("%1, %2 call %3 %4")
+                                             .arg(kind.name, place.function)
+                                             .arg(place.call)
+                                             .arg(isOnwards ? "onwards" : "once");
+                    rows.append({name.toLatin1(), &kind, place, isOnwards, rows.size()});
+                }
+            }
+        }
+        addRows(rows);
+    }
+
+    void fault() {
+        QFETCH(const PlacedFault, row);
+        SettingsFixture f;
+        const std::optional<InstrumentModel> instrument = readInstrument();
+        QVERIFY(instrument.has_value());
+        LibraryModel library(*instrument, modelFault(*row.kind, row.place, row.isOnwards));
+        DialogModel model(library, m_files);
+        open(f, model, faultRule(*row.kind, row.place, row.isOnwards, row.index));
+        if (!QTest::currentTestFailed())
+            run(f, model);
+        // A fault of the very last call is still to come.
+        const bool isOver =
+            row.place.function != "KVA_RegisterDeviceEventHandler" || row.place.call == 1;
+        if (!QTest::currentTestFailed() && isOver)
+            recover(f, library, model);
+        if (QTest::currentTestFailed())
+            return;
+        end(f, model);
+        checkInstrument(library);
+        bool isResponsive = false;
+        QTimer::singleShot(0, &f.dialog, [&] { isResponsive = true; });
+        QTRY_VERIFY(isResponsive);
+        ++m_combinations;
+    }
 
 private:
-    void run(SettingsFixture& f, DialogModel& model);
-    void checkStep(SettingsFixture& f, DialogModel& model, const Step& step);
-    void compare(SettingsFixture& f, DialogModel& model);
-    void tick(SettingsFixture& f, DialogModel& model);
-    void open(SettingsFixture& f, DialogModel& model, const QJsonObject& rule);
-    void end(SettingsFixture& f, DialogModel& model);
-    void recover(SettingsFixture& f, LibraryModel& library, DialogModel& model);
-    void checkInstrument(const LibraryModel& library);
+    void run(SettingsFixture& f, DialogModel& model) {
+        for (const Step& step : session()) {
+            checkStep(f, model, step);
+            if (QTest::currentTestFailed()) {
+                qInfo("at %s", qPrintable(step.button));
+                return;
+            }
+        }
+    }
+
+    void checkStep(SettingsFixture& f, DialogModel& model, const Step& step) {
+        f.openPage(step.page);
+        QCOMPARE(f.child(step.button).isEnabled(), model.canPress(step.button));
+        if (!model.canPress(step.button))
+            return;
+        if (step.prepare)
+            step.prepare(f, model);
+        if (step.file >= 0)
+            f.answers.willChoose(m_files[step.file].path);
+        f.click(step.button);
+        step.expect(model);
+        compare(f, model);
+        if (!QTest::currentTestFailed())
+            tick(f, model);
+    }
+
+    void compare(SettingsFixture& f, DialogModel& model) {
+        KvaSim_WaitForEvents();
+        QVERIFY(QApplication::activeModalWidget() == nullptr);
+        const QStringList shown =
+            DialogModel::view(f.boxes(), f.disabled(), f.checked(), f.identity(), f.networkTexts(),
+                              f.calibrationTexts());
+        f.answers.boxes.clear();
+        QCOMPARE(shown, model.takeView());
+        QCOMPARE(watchOf(f.dialog).isActive(), model.isWatching());
+        QCOMPARE(g_deviceDisconnected.load(), model.isLossPending());
+    }
+
+    void tick(SettingsFixture& f, DialogModel& model) {
+        if (!model.isWatching())
+            return;
+        f.invoke("timerHit");
+        model.tick();
+        compare(f, model);
+    }
+
+    void open(SettingsFixture& f, DialogModel& model, const QJsonObject& rule) {
+        // The fixture's own controller came before the fault; the dialog gets one that comes after
+        // it.
+        setController(f, nullptr);
+        TestBench::clearCalls();
+        if (!rule.isEmpty())
+            TestBench::addFault(rule);
+        setController(f, std::make_shared<CKvaSdk_Ctrl>());
+        // It ticks when the test says so, and not in the middle of a step.
+        watchOf(f.dialog).setInterval(24 * 60 * 60 * 1000);
+        f.dialog.connectDevice(-1, false);
+        f.dialog.show();
+        model.open();
+        compare(f, model);
+    }
+
+    void end(SettingsFixture& f, DialogModel& model) {
+        setController(f, nullptr);
+        model.end();
+    }
+
+    /** With the fault gone and the instrument plugged in, the dialog goes on as if nothing had
+     * been. */
+    void recover(SettingsFixture& f, LibraryModel& library, DialogModel& model) {
+        KvaSim_ClearFaults();
+        library.clearFault();
+        TestBench::plug();
+        library.plug();
+        const Step& connect = session().first();
+        const Step& disconnect = session().last();
+        for (const Step* step : {&disconnect, &connect, &disconnect}) {
+            checkStep(f, model, *step);
+            if (QTest::currentTestFailed()) {
+                qInfo("afterwards at %s", qPrintable(step->button));
+                return;
+            }
+        }
+    }
+
+    void checkInstrument(const LibraryModel& library) {
+        KvaSim_ClearFaults();
+        TestBench::plug();
+        KVA_Disconnect();
+        TestBench::powerCycle();
+        const std::optional<InstrumentModel> kept = readInstrument();
+        QVERIFY(kept.has_value());
+        QCOMPARE(keptBytes(*kept), keptBytes(library.afterPowerCycle()));
+    }
 
     TestFolder m_folder;
     QVector<ValueFile> m_files = valueFiles(m_folder);
     int m_combinations = 0;
 };
-
-void TestSweep::cleanupTestCase() {
-    QVERIFY(m_combinations > 0);
-    qInfo("%d combinations", m_combinations);
-}
-
-void TestSweep::open(SettingsFixture& f, DialogModel& model, const QJsonObject& rule) {
-    // The fixture's own controller came before the fault; the dialog gets one that comes after it.
-    setController(f, nullptr);
-    TestBench::clearCalls();
-    if (!rule.isEmpty())
-        TestBench::addFault(rule);
-    setController(f, std::make_shared<CKvaSdk_Ctrl>());
-    // It ticks when the test says so, and not in the middle of a step.
-    watchOf(f.dialog).setInterval(24 * 60 * 60 * 1000);
-    f.dialog.connectDevice(-1, false);
-    f.dialog.show();
-    model.open();
-    compare(f, model);
-}
-
-void TestSweep::end(SettingsFixture& f, DialogModel& model) {
-    setController(f, nullptr);
-    model.end();
-}
-
-void TestSweep::compare(SettingsFixture& f, DialogModel& model) {
-    KvaSim_WaitForEvents();
-    QVERIFY(QApplication::activeModalWidget() == nullptr);
-    const QStringList shown = DialogModel::view(f.boxes(), f.disabled(), f.checked(), f.identity(),
-                                                f.networkTexts(), f.calibrationTexts());
-    f.answers.boxes.clear();
-    QCOMPARE(shown, model.takeView());
-    QCOMPARE(watchOf(f.dialog).isActive(), model.isWatching());
-    QCOMPARE(g_deviceDisconnected.load(), model.isLossPending());
-}
-
-void TestSweep::tick(SettingsFixture& f, DialogModel& model) {
-    if (!model.isWatching())
-        return;
-    f.invoke("timerHit");
-    model.tick();
-    compare(f, model);
-}
-
-void TestSweep::checkStep(SettingsFixture& f, DialogModel& model, const Step& step) {
-    f.openPage(step.page);
-    QCOMPARE(f.child(step.button).isEnabled(), model.canPress(step.button));
-    if (!model.canPress(step.button))
-        return;
-    if (step.prepare)
-        step.prepare(f, model);
-    if (step.file >= 0)
-        f.answers.willChoose(m_files[step.file].path);
-    f.click(step.button);
-    step.expect(model);
-    compare(f, model);
-    if (!QTest::currentTestFailed())
-        tick(f, model);
-}
-
-void TestSweep::run(SettingsFixture& f, DialogModel& model) {
-    for (const Step& step : session()) {
-        checkStep(f, model, step);
-        if (QTest::currentTestFailed()) {
-            qInfo("at %s", qPrintable(step.button));
-            return;
-        }
-    }
-}
-
-/** With the fault gone and the instrument plugged in, the dialog goes on as if nothing had been. */
-void TestSweep::recover(SettingsFixture& f, LibraryModel& library, DialogModel& model) {
-    KvaSim_ClearFaults();
-    library.clearFault();
-    TestBench::plug();
-    library.plug();
-    const Step& connect = session().first();
-    const Step& disconnect = session().last();
-    for (const Step* step : {&disconnect, &connect, &disconnect}) {
-        checkStep(f, model, *step);
-        if (QTest::currentTestFailed()) {
-            qInfo("afterwards at %s", qPrintable(step->button));
-            return;
-        }
-    }
-}
-
-void TestSweep::checkInstrument(const LibraryModel& library) {
-    KvaSim_ClearFaults();
-    TestBench::plug();
-    KVA_Disconnect();
-    TestBench::powerCycle();
-    const std::optional<InstrumentModel> kept = readInstrument();
-    QVERIFY(kept.has_value());
-    QCOMPARE(keptBytes(*kept), keptBytes(library.afterPowerCycle()));
-}
-
-void TestSweep::placesAreThoseOfASession() {
-    SettingsFixture f;
-    const std::optional<InstrumentModel> instrument = readInstrument();
-    QVERIFY(instrument.has_value());
-    LibraryModel library(*instrument, {});
-    DialogModel model(library, m_files);
-    open(f, model, {});
-    for (const Step& step : session()) {
-        checkStep(f, model, step);
-        QVERIFY2(!QTest::currentTestFailed(), qPrintable(step.button));
-    }
-    end(f, model);
-    QCOMPARE(SettingsFixture::calls(), names(placesOfSession()));
-    checkInstrument(library);
-    // What the sweep tells apart: nothing written, and all of it.
-    QVERIFY(TestBench::bytesOf(library.afterPowerCycle().committed) !=
-            TestBench::bytesOf(instrument->committed));
-    QVERIFY(TestBench::bytesOf(library.afterPowerCycle().network) !=
-            TestBench::bytesOf(instrument->network));
-}
-
-void TestSweep::fault_data() {
-    QVector<PlacedFault> rows;
-    for (const FaultKind& kind : faultKinds()) {
-        for (const bool isOnwards : {false, true}) {
-            for (const Place& place : placesOfSession()) {
-                if (!kind.concerns(place.function) || (isOnwards && !kind.repeats))
-                    continue;
-                const QString name = QString("%1, %2 call %3 %4")
-                                         .arg(kind.name, place.function)
-                                         .arg(place.call)
-                                         .arg(isOnwards ? "onwards" : "once");
-                rows.append({name.toLatin1(), &kind, place, isOnwards, rows.size()});
-            }
-        }
-    }
-    addRows(rows);
-}
-
-void TestSweep::fault() {
-    QFETCH(const PlacedFault, row);
-    SettingsFixture f;
-    const std::optional<InstrumentModel> instrument = readInstrument();
-    QVERIFY(instrument.has_value());
-    LibraryModel library(*instrument, modelFault(*row.kind, row.place, row.isOnwards));
-    DialogModel model(library, m_files);
-    open(f, model, faultRule(*row.kind, row.place, row.isOnwards, row.index));
-    if (!QTest::currentTestFailed())
-        run(f, model);
-    // A fault of the very last call is still to come.
-    const bool isOver =
-        row.place.function != "KVA_RegisterDeviceEventHandler" || row.place.call == 1;
-    if (!QTest::currentTestFailed() && isOver)
-        recover(f, library, model);
-    if (QTest::currentTestFailed())
-        return;
-    end(f, model);
-    checkInstrument(library);
-    bool isResponsive = false;
-    QTimer::singleShot(0, &f.dialog, [&] { isResponsive = true; });
-    QTRY_VERIFY(isResponsive);
-    ++m_combinations;
-}
 
 TEST_CLASS(TestSweep)
 #include "tst_sweep.moc"
