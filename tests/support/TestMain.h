@@ -3,6 +3,7 @@
 
 #include <QtTest>
 
+#include <any>
 #include <functional>
 #include <memory>
 
@@ -24,15 +25,39 @@ int enter(const char* source, Make make);
     static const int enteredTest =                                                                 \
         TestMain::enter(__FILE__, [] { return std::make_unique<Class>(); });
 
+Q_DECLARE_METATYPE(std::any)
+
 /** Fills the table of a test from rows of one structure: a column "row", a row for each, named by
-    its first member, `name`. The test takes its row with `QFETCH(const Row, row)`. The structure is
-    declared with Q_DECLARE_METATYPE. */
+    its first member, `name`. The test takes its row with `rowOf<Row>()`, or, where the structure is
+    declared with Q_DECLARE_METATYPE, with `QFETCH(const Row, row)`. */
 template <typename Rows>
 void addRows(const Rows& rows) {
     using Row = std::decay_t<decltype(*std::begin(rows))>;
-    QTest::addColumn<Row>("row");
+    using Stored = std::conditional_t<QMetaTypeId2<Row>::Defined, Row, std::any>;
+    QTest::addColumn<Stored>("row");
     for (const Row& row : rows)
-        QTest::addRow("%s", QByteArray(row.name).constData()) << row;
+        QTest::addRow("%s", QByteArray(row.name).constData()) << Stored(row);
+}
+
+/** Adds rows that are nothing but a name: the test asks `QTest::currentDataTag`. */
+inline void addNames(std::initializer_list<const char*> names) {
+    QTest::addColumn<int>("row");
+    for (const char* name : names)
+        QTest::newRow(name) << 0;
+}
+
+/** The row that is tested. */
+template <typename Row>
+Row rowOf() {
+    QFETCH(const std::any, row);
+    return std::any_cast<Row>(row);
+}
+
+/** The row of `initTestCase_data` that is tested. */
+template <typename Row>
+Row globalRowOf() {
+    QFETCH_GLOBAL(const std::any, row);
+    return std::any_cast<Row>(row);
 }
 
 #endif
