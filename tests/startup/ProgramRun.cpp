@@ -63,18 +63,6 @@ QJsonObject fault(const QString& function, int call, const QString& result) {
             {"result", result}};
 }
 
-QString textIn(const QJsonObject& state, const QString& objectName) {
-    return state["texts"][objectName].toString();
-}
-
-QStringList namesIn(const QJsonObject& state, const QString& list) {
-    return state[list].toVariant().toStringList();
-}
-
-QString boxNamed(const QString& text) {
-    return "QMessageBox \"" + text + '"';
-}
-
 ProgramRun::ProgramRun(const QJsonArray& userSteps, const QJsonObject& instruments)
     : steps(userSteps), bench(instruments), program(VQTL4_PROGRAM), locale(unitedStates) {}
 
@@ -116,14 +104,6 @@ QStringList ProgramRun::told(const QString& word) const {
             rests.append(line.mid(word.size() + 1));
     }
     return rests;
-}
-
-QStringList ProgramRun::shownWindows() const {
-    return told("shown");
-}
-
-QStringList ProgramRun::debugLines() const {
-    return told("log");
 }
 
 QVector<QJsonObject> ProgramRun::calls() const {

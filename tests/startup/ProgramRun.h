@@ -11,6 +11,15 @@
 
 inline const QString unitedStates = "en_US.UTF-8";
 inline const QString japan = "ja_JP.UTF-8";
+inline const QString registration = "KVA_RegisterDeviceEventHandler";
+inline const QString enumeration = "KVA_GetDevicePortList";
+inline const QString notConnected = "The measuring instruments is not connected.";
+
+/** Of a window without a close button. Qt itself adds `Qt::Window` and the system menu to those of
+    a window without parent. */
+inline constexpr int titledFlags = Qt::Window | Qt::WindowSystemMenuHint | Qt::CustomizeWindowHint |
+                                   Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
+                                   Qt::WindowMaximizeButtonHint;
 
 /** A bench of the first so many of: 1000001 by USB, 1000002 at 192.168.0.20, 1000003 by USB. */
 QJsonObject benchOf(int instruments, const QJsonArray& faults = {});
@@ -19,13 +28,19 @@ QJsonObject benchOf(int instruments, const QJsonArray& faults = {});
 QJsonObject fault(const QString& function, int call, const QString& result = "KVA_ERROR");
 
 /** The text of a widget in the state of a window. */
-QString textIn(const QJsonObject& state, const QString& objectName);
+inline QString textIn(const QJsonObject& state, const QString& objectName) {
+    return state["texts"][objectName].toString();
+}
 
 /** A list in the state of a window: "checked", "disabled", "rows". */
-QStringList namesIn(const QJsonObject& state, const QString& list);
+inline QStringList namesIn(const QJsonObject& state, const QString& list) {
+    return state[list].toVariant().toStringList();
+}
 
 /** A message box as the story names it. */
-QString boxNamed(const QString& text);
+inline QString boxNamed(const QString& text) {
+    return "QMessageBox \"" + text + '"';
+}
 
 /**
  * One run of the program as a child process, on simulated instruments of its own, in a temporary
@@ -47,9 +62,9 @@ public:
         ("log text"), "application ends". Without the ticks of the disconnect watch. */
     QStringList story() const;
     /** The windows of the story that were shown, in order. */
-    QStringList shownWindows() const;
+    QStringList shownWindows() const { return told("shown"); }
     /** The debug lines of the story. */
-    QStringList debugLines() const;
+    QStringList debugLines() const { return told("log"); }
     /** The calls of libKVASDK to the very end, as its trace has them. */
     QVector<QJsonObject> calls() const;
     QStringList calledFunctions() const;

@@ -3,14 +3,9 @@
 #include "tests/startup/Steps.h"
 #include "tests/support/TestMain.h"
 
-#include <QFileInfo>
-
 using namespace Steps;
 
 namespace {
-
-const QString registration = "KVA_RegisterDeviceEventHandler";
-const QString notConnected = "The measuring instruments is not connected.";
 
 /** The story of a run in English up to the list of the instruments. */
 QStringList storyOfTheStart(int count) {
@@ -147,17 +142,13 @@ QVector<bool> registrations(const ProgramRun& run) {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(StoryRow)
-Q_DECLARE_METATYPE(EndRow)
-Q_DECLARE_METATYPE(LeaveRow)
-Q_DECLARE_METATYPE(LibraryRow)
 
 class TestStartupEnd : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void story_data() { addRows(stories()); }
     void story() {
-        QFETCH(const StoryRow, row);
+        const auto row = rowOf<StoryRow>();
         ProgramRun run(row.steps, benchOf(row.instruments, row.faults));
 
         QVERIFY2(run.run(), run.problem());
@@ -168,7 +159,7 @@ private Q_SLOTS:
 
     void handlerIsRemovedAtTheEnd_data() { addRows(ends); }
     void handlerIsRemovedAtTheEnd() {
-        QFETCH(const EndRow, row);
+        const auto row = rowOf<EndRow>();
         ProgramRun run(row.steps, benchOf(1, row.faults));
 
         QVERIFY2(run.run(), run.problem());
@@ -182,7 +173,7 @@ private Q_SLOTS:
     /** By the window's close control, or by any other way of making it disappear. */
     void leftWhileConnected_data() { addRows(leaves); }
     void leftWhileConnected() {
-        QFETCH(const LeaveRow, row);
+        const auto row = rowOf<LeaveRow>();
         ProgramRun run({confirmLanguage, row.step}, benchOf(1));
 
         QVERIFY2(run.run(), run.problem());
@@ -222,7 +213,7 @@ private Q_SLOTS:
     /** Another library of the name serves without a rebuild. */
     void otherLibrary_data() { addRows(libraries()); }
     void otherLibrary() {
-        QFETCH(const LibraryRow, row);
+        const auto row = rowOf<LibraryRow>();
         const ProgramTree tree;
         if (!row.replacement.isEmpty())
             tree.replaceLibrary(row.replacement);

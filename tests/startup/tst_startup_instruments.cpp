@@ -9,9 +9,6 @@ using namespace Steps;
 
 namespace {
 
-const QString enumeration = "KVA_GetDevicePortList";
-const QString registration = "KVA_RegisterDeviceEventHandler";
-
 /** The serial numbers that the program opened a connection to. */
 QVector<int> connectedTo(const ProgramRun& run) {
     QVector<int> serialNumbers;
@@ -90,8 +87,6 @@ void compareNoInstrument(const QJsonObject& settings) {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(AttachedRow)
-Q_DECLARE_METATYPE(FailureRow)
 
 class TestStartupInstruments : public QObject {
     Q_OBJECT
@@ -99,7 +94,7 @@ private Q_SLOTS:
     /** A single instrument is connected to at once. */
     void connects_data() { addRows(attached()); }
     void connects() {
-        QFETCH(const AttachedRow, row);
+        const auto row = rowOf<AttachedRow>();
         const bool isChosen = row.attached > 1;
         ProgramRun run({confirmLanguage}, benchOf(row.attached, row.faults));
         for (const QJsonValue& selection : row.selections)
@@ -139,11 +134,7 @@ private Q_SLOTS:
         QCOMPARE(state["title"].toString(),
                  translated(japanese, "ConnectSelectDialog", "Select Device"));
         QCOMPARE(textIn(state, "pushButton"), translated(japanese, "ConnectSelectDialog", "OK"));
-        // Qt::Window and the system menu are what Qt adds to the flags of a window without parent.
-        const Qt::WindowFlags flags = Qt::Window | Qt::WindowSystemMenuHint |
-                                      Qt::CustomizeWindowHint | Qt::WindowTitleHint |
-                                      Qt::WindowMinimizeButtonHint | Qt::WindowMaximizeButtonHint;
-        QCOMPARE(state["flags"].toInt(), static_cast<int>(flags));
+        QCOMPARE(state["flags"].toInt(), titledFlags);
         QCOMPARE(state["hasParent"], QJsonValue(false));
         QCOMPARE(state["isFixed"], QJsonValue(true));
     }
@@ -166,15 +157,13 @@ private Q_SLOTS:
 
     void failedEnumeration_data() { addRows(failures); }
     void failedEnumeration() {
-        QFETCH(const FailureRow, row);
+        const auto row = rowOf<FailureRow>();
         ProgramRun run({confirmLanguage, dismissBox, pressClose}, row.bench);
 
         QVERIFY2(run.run(), run.problem());
 
-        QCOMPARE(
-            run.shownWindows(),
-            QStringList({languageDialog, boxNamed("The measuring instruments is not connected."),
-                         settingsDialog}));
+        QCOMPARE(run.shownWindows(),
+                 QStringList({languageDialog, boxNamed(notConnected), settingsDialog}));
         QStringList functions = {registration, enumeration, registration};
         if (row.calls == 2)
             functions.insert(1, enumeration);

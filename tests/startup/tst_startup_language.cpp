@@ -81,9 +81,6 @@ void compareText(const QJsonObject& state, const char* objectName, const QString
 }
 
 } // namespace
-Q_DECLARE_METATYPE(LocaleRow)
-Q_DECLARE_METATYPE(ChoiceRow)
-Q_DECLARE_METATYPE(ClosedRow)
 
 class TestStartupLanguage : public QObject {
     Q_OBJECT
@@ -98,7 +95,7 @@ private Q_SLOTS:
 
     void defaultLanguage_data() { addRows(locales); }
     void defaultLanguage() {
-        QFETCH(const LocaleRow, row);
+        const auto row = rowOf<LocaleRow>();
         ProgramRun run({closeWindow(languageDialog)});
         run.locale.clear();
         run.environment.insert(row.variable, row.locale);
@@ -117,7 +114,7 @@ private Q_SLOTS:
     /** The last click counts. */
     void chosenLanguage_data() { addRows(choices()); }
     void chosenLanguage() {
-        QFETCH(const ChoiceRow, row);
+        const auto row = rowOf<ChoiceRow>();
         ProgramRun run(row.clicks);
         run.locale = row.locale;
         for (const QJsonObject& step :
@@ -144,7 +141,7 @@ private Q_SLOTS:
 
     void closedWithoutAChoice_data() { addRows(closed); }
     void closedWithoutAChoice() {
-        QFETCH(const ClosedRow, row);
+        const auto row = rowOf<ClosedRow>();
         ProgramRun run(row.clicks);
         run.locale = row.locale;
         run.steps.append(closeWindow(languageDialog));

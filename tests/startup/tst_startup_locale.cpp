@@ -98,7 +98,6 @@ const ValueFileRow valueFiles[] = {
 };
 
 } // namespace
-Q_DECLARE_METATYPE(ValueFileRow)
 
 /** A session whose characters take several bytes and are not UTF-8. */
 class TestStartupLocale : public QObject {
@@ -139,7 +138,7 @@ private Q_SLOTS:
 
     void valueFile_data() { addRows(valueFiles); }
     void valueFile() {
-        QFETCH(const ValueFileRow, row);
+        const auto row = rowOf<ValueFileRow>();
         const EucFile file(".csv");
         QVERIFY(file.write("\n\n" + row.serialNumber + '\n' +
                            QByteArray("0.25,").repeated(row.valueCount) + '\n'));

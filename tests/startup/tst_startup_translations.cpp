@@ -3,6 +3,7 @@
 #include "tests/startup/Steps.h"
 #include "tests/support/TestMain.h"
 
+#include <QMessageBox>
 #include <algorithm>
 
 using namespace Steps;
@@ -102,11 +103,53 @@ struct MarkedTree : ProgramTree {
     }
 };
 
-} // namespace
-Q_DECLARE_METATYPE(TranslationRow)
+/** One of the four messages of the start-up, in a language that it can come in. */
+struct MessageRow {
+    const char* name;
+    QString text;
+    QString locale;
+    QStringList missing; ///< files of translations
+    QJsonArray steps;
+    int box;      ///< which one it is
+    QString file; ///< that it is translated by; empty: by none
+};
 
+QVector<MessageRow> messages() {
+    const QJsonObject eng = chooseEnglish;
+    const QJsonObject jpn = chooseJapanese;
+    const QJsonObject ok = confirmLanguage;
+    const QJsonObject box = dismissBox;
+    QVector<MessageRow> rows;
+    const auto add = [&](const char* name, const QString& text, const QString& locale,
+                         const QStringList& missing, const QJsonArray& steps, int index,
+                         const QString& file) {
+        rows.append({name, text, locale, missing, steps, index, file});
+    };
+    add("default, United States", defaultFailed, unitedStates, noEn, {box, jpn, ok}, 0, "");
+    add("default, Japan", defaultFailed, japan, noJp, {box, eng, ok}, 0, "");
+    add("English, in Japanese", englishFailed, japan, noEn, {eng, ok, box}, 0, japanese);
+    add("English, untranslated", englishFailed, unitedStates, noEn, {box, eng, ok, box}, 1, "");
+    add("Japanese, in English", japaneseFailed, unitedStates, noJp, {jpn, ok, box}, 0, english);
+    add("Japanese, untranslated", japaneseFailed, japan, noJp, {box, jpn, ok, box}, 1, "");
+    add("no enumeration, in English", notConnected, japan, {}, {eng, ok, box}, 0, english);
+    add("no enumeration, in Japanese", notConnected, unitedStates, {}, {jpn, ok, box}, 0, japanese);
+    add("no enumeration, untranslated", notConnected, unitedStates, neither,
+        {box, eng, ok, box, box}, 2, "");
+    return rows;
+}
+
+/** A text of the entry point by a file of translations; none: the source text. */
+QString inLanguage(const QString& file, const QString& text) {
+    return file.isEmpty() ? text : translated(file, "QObject", qUtf8Printable(text));
+}
+
+} // namespace
+
+/** The start with files of translations that are missing, damaged or lost, and the entry point's
+    messages. */
 class TestStartupTranslations : public QObject {
     Q_OBJECT
+
 private Q_SLOTS:
     void start_data() {
         QVector<TranslationRow> rows = furtherRows();
@@ -114,7 +157,7 @@ private Q_SLOTS:
         addRows(rows);
     }
     void start() {
-        QFETCH(const TranslationRow, row);
+        const auto row = rowOf<TranslationRow>();
         const MarkedTree tree;
         for (const QString& name : row.missing)
             tree.removeResource(name);
@@ -164,6 +207,50 @@ private Q_SLOTS:
         QCOMPARE(run.shownWindows(), QStringList({languageDialog, settingsDialog}));
         for (const QString& window : {languageDialog, settingsDialog})
             QCOMPARE(run.state(window)["iconWidths"].toArray(), QJsonArray());
+    }
+
+    void message_data() { addRows(messages()); }
+    void message() {
+        const auto row = rowOf<MessageRow>();
+        const ProgramTree tree;
+        for (const QString& name : row.missing)
+            tree.removeResource(name);
+        const bool isListed = row.text != notConnected;
+        ProgramRun run(row.steps,
+                       benchOf(1, isListed ? QJsonArray() : QJsonArray{fault(enumeration, 0)}));
+        run.program = tree.program();
+        run.locale = row.locale;
+        run.steps.append(closeWindow(settingsDialog));
+
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.states(messageBox).size(), row.box + 1);
+        const QJsonObject box = run.states(messageBox).at(row.box);
+        QCOMPARE(box["title"].toString(),
+                 inLanguage(row.file, "Spectrophotometer Configuration Tool VQ-TL4"));
+        QCOMPARE(box["text"].toString(), inLanguage(row.file, row.text));
+        QCOMPARE(box["icon"].toInt(), int{QMessageBox::Information});
+        QCOMPARE(box["buttons"].toInt(), int{QMessageBox::Ok});
+        QCOMPARE(box["flags"].toInt(), titledFlags | Qt::WindowCloseButtonHint);
+        QCOMPARE(box["isModal"], QJsonValue(true));
+        QCOMPARE(box["hasParent"], QJsonValue(false));
+        QCOMPARE(box["ownIcon"], QJsonValue(true));
+        QCOMPARE(box["iconWidths"].toArray(), QJsonArray({16, 32, 48, 64, 128, 256}));
+    }
+
+    /** As good as Ok. */
+    void closedByItsCloseControl() {
+        const ProgramTree tree;
+        tree.removeResource(japanese);
+        ProgramRun run({closeWindow(messageBox), confirmLanguage, closeWindow(messageBox),
+                        closeWindow(messageBox), closeWindow(settingsDialog)},
+                       benchOf(1, {fault(enumeration, 0)}));
+        run.program = tree.program();
+        run.locale = japan;
+
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.boxTexts(), QStringList({defaultFailed, japaneseFailed, notConnected}));
     }
 };
 

@@ -4,22 +4,7 @@
 #include "tests/startup/probe/Record.h"
 #include "tests/startup/probe/WindowState.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QElapsedTimer>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QKeyEvent>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
-#include <QObject>
-#include <QPointer>
-#include <QTabWidget>
-#include <QTimer>
-#include <QVector>
-#include <QWidget>
-#include <QWindow>
+#include <QtWidgets>
 
 #include <cstdlib>
 

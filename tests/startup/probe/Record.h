@@ -1,13 +1,7 @@
 #ifndef TESTS_STARTUP_PROBE_RECORD_H
 #define TESTS_STARTUP_PROBE_RECORD_H
 
-#include <QFile>
-#include <QJsonDocument>
-#include <QJsonObject>
-#include <QMutex>
-#include <QMutexLocker>
-#include <QString>
-#include <QtGlobal>
+#include <QtWidgets>
 
 /**
  * What happens in the program, in one order, as a file of JSON objects, one in each line: the

@@ -9,10 +9,8 @@
  */
 #include "tests/startup/probe/Driver.h"
 
-#include <QCoreApplication>
 #include <QGenericPlugin>
-#include <QJsonDocument>
-#include <QTextCodec>
+#include <QtWidgets>
 
 #include <langinfo.h>
 #include <memory>

@@ -1,16 +1,7 @@
 #ifndef TESTS_STARTUP_PROBE_WINDOWSTATE_H
 #define TESTS_STARTUP_PROBE_WINDOWSTATE_H
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QGroupBox>
-#include <QIcon>
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMessageBox>
+#include <QtWidgets>
 
 inline QJsonObject applicationFont() {
     const QFont font = QApplication::font();
