@@ -3,11 +3,7 @@
 #include "tests/dialogs/settings/SettingsFixture.h"
 #include "tests/support/TestMain.h"
 
-#include <QAbstractButton>
-#include <QAccessible>
-#include <QFileDialog>
-#include <QGroupBox>
-#include <QTabBar>
+#include <QtWidgets>
 
 #include <cstdio>
 
@@ -81,7 +77,7 @@ class TestAccessibleNames : public QObject {
 private Q_SLOTS:
     void choiceDialogs_data() { addRows(languages); }
     void choiceDialogs() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
         LangSelectDialog language;
         language.setLanguage(Language::english);
@@ -98,7 +94,7 @@ private Q_SLOTS:
 
     void settingsDialog_data() { addRows(languages); }
     void settingsDialog() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
         SettingsFixture f;
         QVERIFY(f.connectFirst());
@@ -125,11 +121,11 @@ private Q_SLOTS:
         QCOMPARE(inputs, 18 + 8 + 13);
     }
 
-    void openedBySettings_data() { addRows(languages); }
     /** The file dialog is Qt's own, or the system's. What is to be filled in must have a name there
         too. */
+    void openedBySettings_data() { addRows(languages); }
     void openedBySettings() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
         SettingsFixture f;
         QVERIFY(f.connectFirst());
@@ -157,8 +153,8 @@ private Q_SLOTS:
         QVERIFY(objects.contains("fileTypeCombo"));
     }
 
-    void fields_data() { addRows(languages); }
     /** "Enable" alone, or "ON", says nothing to someone who does not see the box around it. */
+    void fields_data() { addRows(languages); }
     void fields() {
         const struct {
             const char* object;
@@ -177,7 +173,7 @@ private Q_SLOTS:
             {"dhcpOnRadioBtn", "DHCP: on", "DHCP: オン"},
             {"dhcpOffRadioBtn", "DHCP: off", "DHCP: オフ"},
         };
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
         SettingsFixture f;
         for (const auto& field : fields) {

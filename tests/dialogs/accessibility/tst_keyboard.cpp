@@ -3,11 +3,7 @@
 #include "tests/support/TestBench.h"
 #include "tests/support/TestMain.h"
 
-#include <QApplication>
-#include <QMetaMethod>
-#include <QRadioButton>
-#include <QTabBar>
-#include <QTabWidget>
+#include <QtWidgets>
 
 #include <algorithm>
 
@@ -99,9 +95,6 @@ struct ArrowsRow {
 
 } // namespace
 
-Q_DECLARE_METATYPE(OrderRow)
-Q_DECLARE_METATYPE(ArrowsRow)
-
 /** The windows without a mouse. */
 class TestKeyboard : public QObject {
     Q_OBJECT
@@ -130,7 +123,7 @@ private Q_SLOTS:
 
     /** Forth and back. */
     void tabOrder() {
-        QFETCH(const OrderRow, row);
+        const auto row = rowOf<OrderRow>();
         ActiveWindow f(row.stops.last(), row.hasWirelessLan, row.hasDhcp);
         const QStringList expected = QStringList({"disConnectPushBtn", tabBar}) + row.stops;
         QCOMPARE(f.stops(), expected);
@@ -229,7 +222,7 @@ private Q_SLOTS:
     /** They stay in their choice. What the buttons do not need reaches the dialog, and changes
        nothing on its way. */
     void arrows() {
-        QFETCH(const ArrowsRow, row);
+        const auto row = rowOf<ArrowsRow>();
         // On a Mac the arrow keys always bear the keypad's modifier.
         for (const Qt::KeyboardModifier modifier : {Qt::NoModifier, Qt::KeypadModifier}) {
             ActiveWindow f(row.from);

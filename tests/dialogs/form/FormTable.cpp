@@ -5,13 +5,7 @@
 #include "dialogs/LangSelectDialog.h"
 #include "tests/support/GiveUp.h"
 
-#include <QCoreApplication>
-#include <QGroupBox>
-#include <QIcon>
-#include <QLabel>
-#include <QLineEdit>
-#include <QLocale>
-#include <QTabWidget>
+#include <QtWidgets>
 
 #include <vector>
 

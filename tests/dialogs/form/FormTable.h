@@ -36,7 +36,6 @@ struct FormTable {
     std::function<std::unique_ptr<QDialog>()> create;
     QVector<WidgetRow> widgets;
 };
-Q_DECLARE_METATYPE(FormTable)
 
 FormTable settingForm();
 FormTable langSelectForm();
@@ -49,7 +48,6 @@ struct FormWidget {
     FormTable form;
     WidgetRow widget;
 };
-Q_DECLARE_METATYPE(FormWidget)
 
 QVector<FormWidget> allWidgets();
 

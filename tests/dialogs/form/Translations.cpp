@@ -1,8 +1,5 @@
 #include "tests/dialogs/form/Translations.h"
 
-#include <QCoreApplication>
-#include <QFile>
-#include <QXmlStreamReader>
 #include <QtTest>
 
 namespace {
@@ -26,6 +23,11 @@ TranslationEntry readEntry(QXmlStreamReader& xml, const QString& context) {
 }
 
 } // namespace
+
+bool isMessage(const TranslationEntry& entry) {
+    return entry.source.contains(' ') && entry.source.endsWith('.') &&
+           !entry.source.endsWith("...");
+}
 
 QString translationSourcePath(const QString& language) {
     return TRANSLATION_SOURCES "/" + language + ".ts";

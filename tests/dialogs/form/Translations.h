@@ -13,11 +13,13 @@ struct TranslationEntry {
     QString type; ///< of the translation: "unfinished", "vanished", "obsolete"; empty: finished
 };
 
+/** Whether it is a sentence: what message boxes say, and nothing else. */
+bool isMessage(const TranslationEntry& entry);
+
 /** A test row: a language of the tool, by the base name of its files. */
 struct LanguageRow {
     const char* name;
 };
-Q_DECLARE_METATYPE(LanguageRow)
 
 inline const QVector<LanguageRow> languages = {{"en"}, {"jp"}};
 

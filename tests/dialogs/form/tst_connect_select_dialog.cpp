@@ -8,12 +8,7 @@
 #include "tests/support/TestBench.h"
 #include "tests/support/TestMain.h"
 
-#include <QElapsedTimer>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTimer>
-
-#include <algorithm>
+#include <QtWidgets>
 
 namespace {
 
@@ -55,43 +50,12 @@ QString selectedLine(int row) {
     return QString("select portNum[ConnectSelectDialog]:%1").arg(row);
 }
 
-QString chosenLine(int row) {
-    return QString("select portNum[main]:%1").arg(row);
-}
-
 struct ListedRow {
     const char* name;
     QStringList devices;
 };
 
-/** What is done to a dialog while it waits for the choice: a step each time that it is visible. */
-class User {
-public:
-    User(const QWidget& window, QVector<std::function<void()>> steps)
-        : m_window(window), m_steps(std::move(steps)) {
-        QObject::connect(&m_timer, &QTimer::timeout, &m_timer, [this] {
-            if (!isDone() && m_window.isVisible())
-                m_steps[m_next++]();
-        });
-        m_timer.start(1);
-        m_elapsed.start();
-    }
-
-    /** The window that the user was waiting for has not come in time. */
-    bool hasGivenUp() const { return m_elapsed.hasExpired(10000); }
-    bool isDone() const { return m_next == m_steps.size(); }
-
-private:
-    const QWidget& m_window;
-    QVector<std::function<void()>> m_steps;
-    int m_next = 0;
-    QTimer m_timer;
-    QElapsedTimer m_elapsed;
-};
-
 } // namespace
-
-Q_DECLARE_METATYPE(ListedRow)
 
 /** The instrument selection dialog. */
 class TestConnectSelectDialog : public QObject {
@@ -144,7 +108,7 @@ private Q_SLOTS:
     }
 
     void listed() {
-        QFETCH(const ListedRow, row);
+        const auto row = rowOf<ListedRow>();
         Dialog dialog;
         const DebugLog log;
         dialog.setDeviceList(row.devices);
@@ -163,7 +127,6 @@ private Q_SLOTS:
             dialog.setDeviceList(devices);
             QCOMPARE(iconOf(dialog), programIcon());
             QCOMPARE(dialog.windowFlags(), titledFlags());
-            QVERIFY(!(dialog.windowFlags() & Qt::WindowCloseButtonHint));
             QCOMPARE(dialog.okButton().styleSheet(),
                      QString("QPushButton:default{background-color:gainsboro;}"));
             QCOMPARE(dialog.minimumSize(), QSize(520, 213));
@@ -210,21 +173,9 @@ private Q_SLOTS:
         QVERIFY(!dialog.isVisible());
     }
 
-    /** Nor is it one when the window is closed. */
-    void escapeIsNoChoice() {
-        Dialog dialog;
-        dialog.open(three);
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-        QTest::keyClick(&dialog.list(), Qt::Key_Escape);
-        QVERIFY(dialog.isVisible());
-        QVERIFY(!dialog.isFinished);
-        dialog.close();
-        QVERIFY(!dialog.isFinished);
-    }
-
     void reused_data() { addRows(QVector<ListedRow>{{"with fewer", two}, {"empty", {}}}); }
     void reused() {
-        QFETCH(const ListedRow, row);
+        const auto row = rowOf<ListedRow>();
         const bool isEmpty = row.devices.isEmpty();
         Dialog dialog;
         dialog.open(three, 2);
@@ -257,77 +208,6 @@ private Q_SLOTS:
         QVERIFY(dialog.isFinished);
         QCOMPARE(dialog.portNum, 0);
         QCOMPARE(log.lines(), QStringList());
-    }
-
-    /** Each row, and none, which is OK at once. */
-    void chosen() {
-        for (const int row : {-1, 0, 1, 2}) {
-            Dialog dialog;
-            const User user(dialog, {[&] {
-                                dialog.clickRow(row);
-                                dialog.clickOk();
-                            }});
-            const DebugLog log;
-            QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
-            QVERIFY(user.isDone());
-            QVERIFY(dialog.isFinished);
-            QVERIFY(!dialog.isVisible());
-            QVERIFY(!dialog.isModal());
-            QCOMPARE(dialog.portNum, std::max(row, 0));
-            QStringList lines = {selectedLine(0)};
-            if (row > 0)
-                lines.append(selectedLine(row));
-            QCOMPARE(log.lines(), lines + QStringList(chosenLine(dialog.portNum)));
-        }
-    }
-
-    void chosenOnceMore() {
-        Dialog dialog;
-        for (const QStringList& devices : {three, two}) {
-            const User user(dialog, {[&] {
-                                QCOMPARE(dialog.rows(), devices);
-                                QCOMPARE(dialog.portNum, 0);
-                                dialog.clickRow(devices.size() - 1);
-                                dialog.clickOk();
-                            }});
-            QVERIFY(dialog.choose(devices, [&] { return user.hasGivenUp(); }));
-            QCOMPARE(dialog.portNum, devices.size() - 1);
-            dialog.isFinished = false; // as its owner does
-        }
-    }
-
-    /** A window manager may close a window that has no close button. */
-    void chooseShowsTheWindowAgain() {
-        Dialog dialog;
-        const User user(dialog, {[&] { dialog.close(); }, [&] { dialog.hide(); },
-                                 [&] {
-                                     dialog.clickRow(1);
-                                     dialog.clickOk();
-                                 }});
-        QVERIFY(dialog.choose(three, [&] { return user.hasGivenUp(); }));
-        QVERIFY(user.isDone());
-        QCOMPARE(dialog.portNum, 1);
-        QVERIFY(!dialog.isVisible());
-    }
-
-    /** Also in the moment in which it was made. */
-    void chooseIsAbandoned() {
-        for (const bool pressesOk : {false, true}) {
-            Dialog dialog;
-            bool isAbandoned = false;
-            const User user(dialog, {[&] {
-                                dialog.clickRow(2);
-                                if (pressesOk)
-                                    dialog.clickOk();
-                                isAbandoned = true;
-                            }});
-            const DebugLog log;
-            QVERIFY(!dialog.choose(three, [&] { return isAbandoned || user.hasGivenUp(); }));
-            QVERIFY(user.isDone());
-            QVERIFY(!dialog.isVisible());
-            QCOMPARE(dialog.isFinished, pressesOk);
-            QVERIFY(!log.lines().contains(chosenLine(2)));
-        }
     }
 
     /** The flag, of an earlier choice perhaps, is left to its owner. */

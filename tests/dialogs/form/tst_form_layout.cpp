@@ -1,14 +1,8 @@
 #include "tests/dialogs/form/FormTable.h"
+#include "tests/dialogs/form/Translations.h"
 #include "tests/support/TestMain.h"
 
-#include <QGroupBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QMetaProperty>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QTabWidget>
+#include <QtWidgets>
 
 namespace {
 
@@ -80,16 +74,47 @@ QStringList namesBelow(const QWidget& parent) {
     return names;
 }
 
+/** The slots of a form's dialog, in the order of the meta-object. */
+QVector<QByteArray> slotsOf(const FormTable& form) {
+    if (qstrcmp(form.name, "LangSelectDialog") == 0)
+        return {"on_pushButton_clicked()", "on_jpnRadioBtn_clicked()", "on_engRadioBtn_clicked()"};
+    if (qstrcmp(form.name, "ConnectSelectDialog") == 0)
+        return {"on_pushButton_clicked()", "on_connectlistWidget_itemSelectionChanged()"};
+    return {"on_ClosePushBtn_clicked()",
+            "on_selWCPFilePushBtn_clicked()",
+            "on_selAmbLightAdpFilePushBtn_clicked()",
+            "on_readToFilePushBtn_clicked()",
+            "on_disConnectPushBtn_clicked()",
+            "on_ConnectPushBtn_clicked()",
+            "on_readBodyPushBtn_clicked()",
+            "on_writeFilePushBtn_clicked()",
+            "on_writeBodyPushBtn_clicked()",
+            "on_setWCPValPushBtn_clicked()",
+            "on_setAmbAdpBodyPushBtn_clicked()",
+            "on_dhcpOnRadioBtn_clicked()",
+            "on_dhcpOffRadioBtn_clicked()",
+            "on_getAutoPWOffPushBtn_clicked()",
+            "on_setAutoPWOffPushBtn_clicked()",
+            "timerHit()",
+            "on_setBasetabWidget_currentChanged(int)"};
+}
+
+struct SlotRow {
+    QByteArray name;
+    FormTable form;
+    int index; ///< among the slots of the dialog
+};
+
 } // namespace
 
-/** The widgets of the forms: class, parent, place, settings, order. */
+/** The forms: the class, parent, place, settings, texts and order of each widget, and the slots. */
 class TestFormLayout : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
     void form_data() { addRows(allForms()); }
     void form() {
-        QFETCH(const FormTable, row);
+        const auto row = rowOf<FormTable>();
         const auto dialog = row.create();
         QCOMPARE(dialog->metaObject()->className(), row.name);
         QCOMPARE(dialog->metaObject()->superClass(), &QDialog::staticMetaObject);
@@ -116,7 +141,7 @@ private Q_SLOTS:
 
     void widget_data() { addRows(allWidgets()); }
     void widget() {
-        QFETCH(const FormWidget, row);
+        const auto row = rowOf<FormWidget>();
         const auto dialog = row.form.create();
         QWidget* widget = findWidget(*dialog, row.widget.name);
         QVERIFY(widget);
@@ -151,9 +176,42 @@ private Q_SLOTS:
         QVERIFY(compared > 30);
     }
 
+    void text_data() { addRows(allWidgets()); }
+    void text() {
+        const auto row = rowOf<FormWidget>();
+        const char* const source = row.widget.text;
+        const bool hasText = *source != '\0';
+        const auto shown = [&] { return shownText(*row.form.create(), row.widget); };
+        QVERIFY(findWidget(*row.form.create(), row.widget.name));
+        QCOMPARE(shown(), QString(source));
+        for (const LanguageRow& language : languages) {
+            const InstalledTranslation translation(language.name);
+            const QString translated = translationOf(language.name, row.form.name, source);
+            QCOMPARE(translated.isEmpty(), !hasText);
+            QCOMPARE(shown(), translated);
+        }
+        const MarkingTranslator marking;
+        QCOMPARE(shown(), hasText ? MarkingTranslator::marked(row.form.name, source) : QString());
+    }
+
+    void title_data() { addRows(allForms()); }
+    void title() {
+        const auto row = rowOf<FormTable>();
+        {
+            const InstalledTranslation english("en");
+            QCOMPARE(row.create()->windowTitle(), QString(row.title));
+        }
+        {
+            const InstalledTranslation japanese("jp");
+            QCOMPARE(row.create()->windowTitle(), QString(row.japaneseTitle));
+        }
+        const MarkingTranslator marking;
+        QCOMPARE(row.create()->windowTitle(), MarkingTranslator::marked(row.name, row.title));
+    }
+
     void tabOrder_data() { addRows(allForms()); }
     void tabOrder() {
-        QFETCH(const FormTable, row);
+        const auto row = rowOf<FormTable>();
         const auto dialog = row.create();
         QStringList names;
         for (const WidgetRow& each : row.widgets) {
@@ -174,14 +232,7 @@ private Q_SLOTS:
 
     void tabPages() {
         const auto dialog = settingForm().create();
-        const auto* tabs = dialog->findChild<QTabWidget*>("setBasetabWidget");
-        QVERIFY(tabs);
-        QStringList pages;
-        for (int i = 0; i < tabs->count(); ++i)
-            pages.append(tabs->widget(i)->objectName());
-        QCOMPARE(pages, QStringList({"networkSetTab", "autoPowerOfftab", "wCalibPlateTab",
-                                     "ambLightAdpTab"}));
-        QCOMPARE(tabs->currentIndex(), 0);
+        QCOMPARE(dialog->findChild<QTabWidget*>("setBasetabWidget")->currentIndex(), 0);
     }
 
     /** What the form sets itself does not follow the dialog. */
@@ -204,44 +255,9 @@ private Q_SLOTS:
         QCOMPARE(japanese, QStringList("ConnectPushBtn"));
     }
 
-    void powerOffTimesExclude() {
-        const auto dialog = settingForm().create();
-        const QStringList names = {"invalidradioBtn", "fifteenRadioBtn", "thirtyRadioBtn",
-                                   "sixtyRadioBtn"};
-        for (const QString& chosen : names) {
-            dialog->findChild<QRadioButton*>(chosen)->setChecked(true);
-            for (const QString& name : names)
-                QCOMPARE(dialog->findChild<QRadioButton*>(name)->isChecked(), name == chosen);
-        }
-    }
-
-    void networkSwitchesAreIndependent() {
-        const auto dialog = settingForm().create();
-        const auto radio = [&](const char* name) { return dialog->findChild<QRadioButton*>(name); };
-        radio("enableRadioBtn")->setChecked(true);
-        radio("dhcpOnRadioBtn")->setChecked(true);
-        radio("sixtyRadioBtn")->setChecked(true);
-        QVERIFY(radio("enableRadioBtn")->isChecked());
-        QVERIFY(radio("dhcpOnRadioBtn")->isChecked());
-        radio("disableRadioBtn")->setChecked(true);
-        QVERIFY(!radio("enableRadioBtn")->isChecked());
-        QVERIFY(radio("dhcpOnRadioBtn")->isChecked());
-        radio("dhcpOffRadioBtn")->setChecked(true);
-        QVERIFY(!radio("dhcpOnRadioBtn")->isChecked());
-        QVERIFY(radio("disableRadioBtn")->isChecked());
-        QVERIFY(radio("sixtyRadioBtn")->isChecked());
-    }
-
-    /** No radio button is checked and no push button is a default one, shown or not. No edit has a
-        mask, a validator or a completer. */
+    /** No push button is a default one, shown or not. No edit has a validator or a completer. */
     void buttonsAndEdits() {
         const auto dialog = settingForm().create();
-        const auto radioButtons = dialog->findChildren<QRadioButton*>();
-        QCOMPARE(radioButtons.size(), 8);
-        for (const QRadioButton* button : radioButtons) {
-            QVERIFY2(!button->isChecked(), qPrintable(button->objectName()));
-            QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
-        }
         dialog->show();
         const auto pushButtons = dialog->findChildren<QPushButton*>();
         QCOMPARE(pushButtons.size(), 13);
@@ -252,10 +268,64 @@ private Q_SLOTS:
         const auto edits = dialog->findChildren<QLineEdit*>();
         QCOMPARE(edits.size(), 18);
         for (const QLineEdit* edit : edits) {
-            QVERIFY2(edit->inputMask().isEmpty(), qPrintable(edit->objectName()));
             QVERIFY2(!edit->validator(), qPrintable(edit->objectName()));
             QVERIFY2(!edit->completer(), qPrintable(edit->objectName()));
         }
+    }
+
+    /** The slots in their order, and nothing else. */
+    void slotTable_data() { addRows(allForms()); }
+    void slotTable() {
+        const auto row = rowOf<FormTable>();
+        const auto dialog = row.create();
+        const QMetaObject* meta = dialog->metaObject();
+        QVector<QByteArray> signatures;
+        for (int i = meta->methodOffset(); i < meta->methodCount(); ++i)
+            signatures.append(meta->method(i).methodSignature());
+        QCOMPARE(signatures, slotsOf(row));
+        QCOMPARE(meta->propertyCount(), meta->propertyOffset());
+        QCOMPARE(meta->enumeratorCount(), meta->enumeratorOffset());
+        QCOMPARE(meta->classInfoCount(), meta->classInfoOffset());
+        QCOMPARE(meta->constructorCount(), 0);
+        QVERIFY(dialog->dynamicPropertyNames().isEmpty());
+    }
+
+    void slot_data() {
+        QVector<SlotRow> rows;
+        for (const FormTable& form : allForms()) {
+            for (const QByteArray& slot : slotsOf(form))
+                rows.append(
+                    {QByteArray(form.name) + '.' + slot, form, slotsOf(form).indexOf(slot)});
+        }
+        addRows(rows);
+    }
+
+    /** What can be disconnected was connected; what can be disconnected twice was connected twice.
+     */
+    void slot() {
+        const auto row = rowOf<SlotRow>();
+        const QByteArray signature = slotsOf(row.form)[row.index];
+        const auto dialog = row.form.create();
+        const int index = dialog->metaObject()->methodOffset() + row.index;
+        const QMetaMethod method = dialog->metaObject()->method(index);
+        QCOMPARE(method.methodSignature(), signature);
+        QCOMPARE(method.methodType(), QMetaMethod::Slot);
+        QCOMPARE(method.access(), QMetaMethod::Private);
+        QCOMPARE(method.returnType(), int(QMetaType::Void));
+        QCOMPARE(method.parameterNames(),
+                 signature.endsWith("(int)") ? QList<QByteArray>{"index"} : QList<QByteArray>());
+        if (!signature.startsWith("on_"))
+            return; // not connected by its name
+        // on_<object>_<signal>; the slots leave out what "clicked" brings.
+        QByteArray signal = signature.mid(signature.lastIndexOf('_') + 1);
+        signal.replace("clicked()", "clicked(bool)");
+        const QByteArray object = signature.mid(3, signature.lastIndexOf('_') - 3);
+        const QWidget* sender = findWidget(*dialog, object.constData());
+        QVERIFY(sender);
+        const int sent = sender->metaObject()->indexOfSignal(signal.constData());
+        QVERIFY(sent >= 0);
+        QVERIFY(QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
+        QVERIFY(!QMetaObject::disconnectOne(sender, sent, dialog.get(), index));
     }
 };
 

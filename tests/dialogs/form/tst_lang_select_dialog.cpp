@@ -5,9 +5,7 @@
 #include "tests/support/DebugLog.h"
 #include "tests/support/TestMain.h"
 
-#include <QGroupBox>
-#include <QPushButton>
-#include <QRadioButton>
+#include <QtWidgets>
 
 #include <limits>
 
@@ -59,9 +57,6 @@ struct EndRow {
 
 } // namespace
 
-Q_DECLARE_METATYPE(ChoiceRow)
-Q_DECLARE_METATYPE(EndRow)
-
 /** The language selection dialog. Nothing of it is logged. */
 class TestLangSelectDialog : public QObject {
     Q_OBJECT
@@ -105,7 +100,7 @@ private Q_SLOTS:
 
     /** The last click wins; without one it is the language that was preselected. */
     void choice() {
-        QFETCH(const ChoiceRow, row);
+        const auto row = rowOf<ChoiceRow>();
         Dialog dialog;
         dialog.setLanguage(row.code);
         QCOMPARE(dialog.languageCode, row.preselected);
@@ -190,7 +185,7 @@ private Q_SLOTS:
 
     /** The language stays as it was clicked, cancelled or not. */
     void ends() {
-        QFETCH(const EndRow, row);
+        const auto row = rowOf<EndRow>();
         Dialog dialog;
         dialog.open(japaneseCode);
         QVERIFY(QTest::qWaitForWindowActive(&dialog));

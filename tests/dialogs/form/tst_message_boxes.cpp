@@ -1,21 +1,16 @@
 #include "tests/dialogs/form/FormTable.h"
-#include "tests/dialogs/form/SettingWindow.h"
 #include "tests/dialogs/form/Translations.h"
-#include "tests/support/ModalAnswerer.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
-#include <QAbstractButton>
 #include <QApplication>
-#include <QElapsedTimer>
 #include <QLabel>
-#include <QTimer>
 
 namespace {
 
 const QString title = "Spectrophotometer Configuration Tool VQ-TL4";
 const QString source = "Failed to connect device.";
 const QString translated = "測定器に接続できませんでした。";
-const QString lost = "The connection with the measuring instrument was disconnected.";
 
 /** An operation of the settings dialog that shows a box, and the icon of that box. */
 struct BoxRow {
@@ -36,9 +31,6 @@ struct TextRow {
 
 } // namespace
 
-Q_DECLARE_METATYPE(BoxRow)
-Q_DECLARE_METATYPE(TextRow)
-
 /** The message boxes of the settings dialog. */
 class TestMessageBoxes : public QObject {
     Q_OBJECT
@@ -46,7 +38,7 @@ class TestMessageBoxes : public QObject {
 private Q_SLOTS:
     void look_data() { addRows(operations); }
     void look() {
-        QFETCH(const BoxRow, row);
+        const auto row = rowOf<BoxRow>();
         InitSettingDialog dialog;
         ModalAnswerer answerer;
         answerer.onBox = [&](QMessageBox& box) {
@@ -92,7 +84,7 @@ private Q_SLOTS:
     }
 
     void text() {
-        QFETCH(const TextRow, row);
+        const auto row = rowOf<TextRow>();
         InitSettingDialog dialog;
         ModalAnswerer answerer;
         QStringList labels;
@@ -111,10 +103,10 @@ private Q_SLOTS:
         QCOMPARE(labels, QStringList({text, text, text, text, text}));
     }
 
-    void translatedByTheBox_data() { addRows(operations); }
     /** In the dialog's context; a text that is translated already stays as it is. */
+    void translatedByTheBox_data() { addRows(operations); }
     void translatedByTheBox() {
-        QFETCH(const BoxRow, row);
+        const auto row = rowOf<BoxRow>();
         InitSettingDialog dialog;
         ModalAnswerer answerer;
         const InstalledTranslation japanese("jp");
@@ -131,51 +123,23 @@ private Q_SLOTS:
         QCOMPARE(answerer.boxes[2].title, marked(qPrintable(title)));
     }
 
-    void dismissed_data() { addRows(operations); }
     /** The box's answer, by OK or by closing it, changes nothing. */
+    void dismissed_data() { addRows(operations); }
     void dismissed() {
-        QFETCH(const BoxRow, row);
-        SettingWindow window;
-        QVERIFY(window.connectAndShow());
-        TestBench::clearCalls();
+        const auto row = rowOf<BoxRow>();
+        ConnectedFixture f;
+        const QStringList before = f.everything();
         for (const bool isClosed : {false, true}) {
-            ModalAnswerer answerer;
-            answerer.closesBoxes = isClosed;
-            (*window.dialog.*row.show)(source);
-            QCOMPARE(answerer.boxes.size(), 1);
-            QVERIFY(window.dialog->isVisible());
-            QVERIFY(!window.dialog->isFinished);
-            QCOMPARE(window.ctrl.use_count(), 2L);
+            f.clearRecords();
+            f.answers.closesBoxes = isClosed;
+            (f.dialog.*row.show)(source);
+            QCOMPARE(f.boxes().size(), 1);
+            QCOMPARE(f.calls(), QStringList());
+            QCOMPARE(f.everything(), before);
+            QCOMPARE(f.controller.use_count(), 3L);
+            QVERIFY(f.dialog.isVisible());
+            QVERIFY(!f.dialog.isFinished);
         }
-        QCOMPARE(TestBench::calls(), QStringList());
-    }
-
-    /** The watch notices at once that the connection is lost while a message is open. Its report
-       comes on top of the message. */
-    void timersRunMeanwhile() {
-        SettingWindow window;
-        QVERIFY(window.connectAndShow());
-        QStringList texts;
-        const QMessageBox* message = nullptr;
-        QElapsedTimer waiting;
-        QTimer user;
-        connect(&user, &QTimer::timeout, &user, [&] {
-            auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-            if (!box)
-                return;
-            if (!message) {
-                message = box;
-                waiting.start();
-                TestBench::emitEvent(eEventCode_DisConnect);
-            }
-            if (box == message && texts.isEmpty() && !waiting.hasExpired(10000))
-                return; // for the report
-            texts.append(box->text());
-            box->button(QMessageBox::Ok)->click();
-        });
-        user.start(1);
-        window.dialog->showInfoMessage(source);
-        QCOMPARE(texts, QStringList({lost, source}));
     }
 };
 

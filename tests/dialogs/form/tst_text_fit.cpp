@@ -7,52 +7,9 @@
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestMain.h"
 
-#include <QAbstractButton>
-#include <QDialogButtonBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QScreen>
-#include <QScrollBar>
-#include <QStyleOptionFrame>
-#include <QTabWidget>
-#include <QTextDocument>
+#include <QtWidgets>
 
 namespace {
-
-/** What the program says in message boxes, in the settings dialog and, last, at its start. */
-const QStringList messages = {
-    "Failed to connect device.",
-    "Failed to read device data.",
-    "Wireless LAN is invalid.",
-    "Failed to device WhiteCalibPlateSerialNo.",
-    "Failed to device AmbientLightAdapterSerialNo.",
-    "Failed to read automatic shutdown time.",
-    "The measuring instruments is not connected.",
-    "Failed to device disconnect.",
-    "Failed to disconnect device.",
-    "The connection with the measuring instrument was disconnected.",
-    "The input value is invalid.",
-    "Failed to read Network Infomation data.",
-    "Successful read body data.",
-    "Failed to read Network Infomation file data.",
-    "Successful read file data.",
-    "Successful file writing.",
-    "Failed to write Network Infomation file data.",
-    "Write successful. To reflect, after [Disconnect], turn the power supply of the measuring "
-    "instrument OFF -> ON.",
-    "Failed to write Network Infomation data.",
-    "Failed to read file data.",
-    "Failed to write WhiteCalibPlate file.",
-    "Failed to write WhiteCalibPlate data.",
-    "Failed to write AmbientLightAdapter file.",
-    "Failed to write AmbientLightAdapter data.",
-    "Successful device writing.",
-    "Failed to write automatic shutdown time.",
-    "Failed to set default language.",
-    "Failed to set select(japanese) language.",
-    "Failed to set select(English) language.",
-};
 
 struct MessageRow {
     QByteArray name;
@@ -115,10 +72,6 @@ std::unique_ptr<InstalledTranslation> install(const LanguageRow& row) {
 
 } // namespace
 
-Q_DECLARE_METATYPE(MessageRow)
-Q_DECLARE_METATYPE(ValueRow)
-Q_DECLARE_METATYPE(FileDialogRow)
-
 /** Every text of every window, messages included, is in its language and shown whole. */
 class TestTextFit : public QObject {
     Q_OBJECT
@@ -127,7 +80,7 @@ private Q_SLOTS:
     void initTestCase() { QVERIFY(m_font.isInUse()); }
     void glyphs_data() { addRows(languages); }
     void glyphs() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         for (const TranslationEntry& entry : entriesOf(row.name))
             QCOMPARE(Measure::missingGlyphs(entry.translation), QString());
         // U+FDD0 is no character; no font has it.
@@ -136,7 +89,7 @@ private Q_SLOTS:
 
     void windows_data() { addRows(QVector<LanguageRow>{{"untranslated"}} + languages); }
     void windows() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const auto translation = install(row);
         const auto dialog = shownSettings();
         QStringList measured;
@@ -176,7 +129,7 @@ private Q_SLOTS:
     }
 
     void values() {
-        QFETCH(const ValueRow, row);
+        const auto row = rowOf<ValueRow>();
         const auto dialog = shownSettings(row.widget);
         auto* label = dialog->findChild<QLabel*>(row.widget);
         QVERIFY(label && label->isVisible());
@@ -217,27 +170,13 @@ private Q_SLOTS:
         }
     }
 
-    /** All sentences of the translation are messages, and the other way round. */
-    void allMessagesAreListed() {
-        QStringList sentences;
-        for (const TranslationEntry& entry : entriesOf("jp")) {
-            if (entry.translation.endsWith("。"))
-                sentences.append(entry.source);
-        }
-        sentences.removeDuplicates();
-        sentences.sort();
-        QStringList listed = messages;
-        listed.sort();
-        QCOMPARE(sentences, listed);
-    }
-
     void message_data() {
         QVector<MessageRow> rows;
         for (const LanguageRow& language : languages) {
             for (const TranslationEntry& entry : entriesOf(language.name)) {
                 const QString name =
                     QString(language.name) + ' ' + entry.context + ": " + entry.source;
-                if (messages.contains(entry.source))
+                if (isMessage(entry))
                     rows.append({name.toUtf8(), language.name, entry.translation});
             }
         }
@@ -246,7 +185,7 @@ private Q_SLOTS:
 
     /** Every message is shown whole, as plain text. */
     void message() {
-        QFETCH(const MessageRow, row);
+        const auto row = rowOf<MessageRow>();
         const InstalledTranslation translation(row.language);
         QVERIFY(!Qt::mightBeRichText(row.text));
         QCOMPARE(Measure::missingGlyphs(row.text), QString());
@@ -275,7 +214,7 @@ private Q_SLOTS:
 
     /** Qt's own windows speak the language of the tool. */
     void qtFileDialog() {
-        QFETCH(const FileDialogRow, row);
+        const auto row = rowOf<FileDialogRow>();
         const InstalledTranslation translation(row.language);
         InitSettingDialog window;
         ModalAnswerer answerer;
@@ -314,7 +253,7 @@ private Q_SLOTS:
     /** The measure itself: a text that is made longer, sign by sign, is found in the end. It is not
         found before it is as wide as its widget may show. */
     void misfitIsSeen() {
-        QFETCH(const ValueRow, row);
+        const auto row = rowOf<ValueRow>();
         const auto dialog = shownSettings(row.widget);
         QWidget* widget = findWidget(*dialog, row.widget);
         QVERIFY(widget && widget->isVisible());

@@ -2,8 +2,6 @@
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
 
-#include <QProcess>
-
 #include <algorithm>
 
 namespace {
@@ -45,19 +43,17 @@ struct PartRow {
 
 } // namespace
 
-Q_DECLARE_METATYPE(PartRow)
-
 /** The translation files against the sources of the program, and the compiled files against both.
  */
 class TestTranslations : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void complete_data() { addRows(languages); }
     /** Every text that the program looks up has its entry, there is no other, and all are finished.
      */
+    void complete_data() { addRows(languages); }
     void complete() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const QStringList used = keysOf(freshEntries());
         QVERIFY(used.size() > 80);
         QCOMPARE(keysOf(entriesOf(row.name)).join('\n'), used.join('\n'));
@@ -69,10 +65,10 @@ private Q_SLOTS:
         }
     }
 
-    void compiled_data() { addRows(languages); }
     /** The compiled file holds the entries of its source, and nothing else. */
+    void compiled_data() { addRows(languages); }
     void compiled() {
-        QFETCH(const LanguageRow, row);
+        const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
         for (const TranslationEntry& entry : entriesOf(row.name))
             QCOMPARE(QCoreApplication::translate(qUtf8Printable(entry.context),
@@ -112,11 +108,9 @@ private Q_SLOTS:
             const auto sameEnd = [&](const char* end, const char* japaneseEnd) {
                 return entry.source.endsWith(end) == entry.translation.endsWith(japaneseEnd);
             };
-            const bool isMessage = entry.source.contains(' ') && entry.source.endsWith('.') &&
-                                   !entry.source.endsWith("...");
             QVERIFY2(sameEnd(":", ":"), source.constData());
             QVERIFY2(sameEnd("...", "..."), source.constData());
-            QVERIFY2(isMessage == entry.translation.endsWith("。"), source.constData());
+            QVERIFY2(isMessage(entry) == entry.translation.endsWith("。"), source.constData());
             for (const char* name :
                  {"VQ-TL4", "(.csv)", "Ver.1.10.0008", "LAN", "MAC", "DNS", "->"})
                 QVERIFY2(!entry.source.contains(name) || entry.translation.contains(name),
@@ -138,7 +132,7 @@ private Q_SLOTS:
 
     /** Where the source text leaves open what is meant, or means something else than it says. */
     void japaneseSays() {
-        QFETCH(const PartRow, row);
+        const auto row = rowOf<PartRow>();
         const QString text = translationOf("jp", row.context, row.name);
         QVERIFY2(text.contains(row.part), qUtf8Printable(text));
     }

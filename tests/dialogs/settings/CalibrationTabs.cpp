@@ -1,8 +1,5 @@
 #include "tests/dialogs/settings/CalibrationTabs.h"
 
-#include <QFile>
-#include <QtTest>
-
 const CalibrationTab& calibrationTab(bool adapter) {
     static const CalibrationTab tabs[] = {
         {SettingsFixture::WhitePlate, 0, "selWCPFilePushBtn", "setWCPValPushBtn",
@@ -15,18 +12,6 @@ const CalibrationTab& calibrationTab(bool adapter) {
          "error: Failed to write AmbientLightAdapter data.", "00010001", "00010000", "00099999"},
     };
     return tabs[adapter ? 1 : 0];
-}
-
-void addCalibrationTabs() {
-    QTest::addColumn<bool>("adapter");
-    QTest::newRow("white plate") << false;
-    QTest::newRow("adapter") << true;
-}
-
-QString writeFile(const QString& path, const QByteArray& content) {
-    QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(content) == content.size() ? path
-                                                                                    : QString();
 }
 
 QStringList checkLines(const QByteArray& serialLine, int count) {

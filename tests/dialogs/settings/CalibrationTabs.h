@@ -28,14 +28,14 @@ struct CalibrationTab {
 
 const CalibrationTab& calibrationTab(bool adapter);
 
-/** Adds a column "adapter" and a row for each tab. */
-void addCalibrationTabs();
+/** The calls of a registration where all goes well. */
+inline const QStringList registrationCalls =
+    words("KVA_JIG_GetFactoryCalib_CALREFDATA KVA_JIG_SetFactoryCalib_CALREFDATA "
+          "KVA_JIG_SetFactoryCalib_WriteSector KVA_JIG_GetFactoryCalib_CALREFDATA "
+          "KVA_JIG_GetFactoryCalib_CALREFDATA");
 
 using TestBench::fileValue;
 using TestBench::valueFile;
-
-/** Writes a file. @return its path; empty when that failed */
-QString writeFile(const QString& path, const QByteArray& content);
 
 /** The debug lines of checking a file of `valueFile`. */
 QStringList checkLines(const QByteArray& serialLine, int count);

@@ -12,6 +12,7 @@ public:
     explicit ConnectedFixture(Page page = Network, const QByteArray& patch = "{}");
 
     TestFolder folder;
+    QStringList files() const { return QDir(folder.path()).entryList(QDir::Files); }
 
     /** What there was while the last box was open, unless a test sets `answers.onBox`. */
     struct {
@@ -19,7 +20,6 @@ public:
         QStringList disabled;
         QStringList texts;
         QStringList calls;
-        bool isWatching = false;
     } atBox;
 
     /** What was disabled while the last box was open and is not any more. */
@@ -27,5 +27,25 @@ public:
     /** Pulls the plug and waits for the watch's report on top of @p below. @return as `boxes` */
     QString loseBehind(QWidget& below);
 };
+
+// ---- Network settings
+
+/** Network settings, of names and values as the bench has them. All but the switches differ from
+    what the bench's instrument holds. */
+QJsonObject networkValues(double wireless = 1, double dhcp = 0);
+
+/** The octets of the addresses, in the order of the edits. */
+QStringList octetsOf(const QJsonObject& values);
+/** What the page shows, as in `SettingsFixture::networkTexts`. */
+QStringList networkTexts(const QJsonObject& values);
+/** The settings file. */
+QByteArray settingsFile(const QJsonObject& values = networkValues());
+/** The patch that makes them the instrument's. */
+QByteArray networkPatch(const QJsonObject& values);
+/** Makes the page show them. */
+void typeNetwork(SettingsFixture& f, const QJsonObject& values = networkValues());
+
+/** The buttons that are checked with these switches. */
+QStringList switchButtons(double wireless, double dhcp);
 
 #endif

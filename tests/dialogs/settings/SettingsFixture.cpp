@@ -1,12 +1,9 @@
-#include "tests/dialogs/settings/ConnectedFixture.h"
+#include "tests/dialogs/settings/SettingsFixture.h"
 
 #include "simulator/KvaSim.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QLabel>
-#include <QTabWidget>
 #include <QtTest>
+#include <QtWidgets>
 
 #include <chrono>
 #include <utility>
@@ -213,9 +210,10 @@ int SettingsFixture::enabledAddressEdits() {
 
 QStringList SettingsFixture::everything() {
     QStringList all = disabled() + checked() + texts();
-    all.append(QString::number(enabledAddressEdits()));
     for (const QString& name : radioButtons)
         all.append(QString::number(child<QAbstractButton>(name).isCheckable() ? 1 : 0));
+    all.append(watchOf(dialog).isActive() ? "watching" : "idle");
+    all.append(QString::number(enabledAddressEdits()));
     return all;
 }
 
@@ -272,25 +270,4 @@ QStringList SettingsFixture::digitLines(const QStringList& texts) {
             lines.append(QString(character));
     }
     return lines;
-}
-
-ConnectedFixture::ConnectedFixture(Page page, const QByteArray& patch) {
-    TestBench::set(patch);
-    QTest::qVerify(connectFirst(page), "connectFirst(page)", "", __FILE__, __LINE__);
-    answers.onBox = [this](QMessageBox&) {
-        atBox = {everything(), disabled(), texts(), calls(), watchOf(dialog).isActive()};
-    };
-}
-
-QStringList ConnectedFixture::busyAtBox() {
-    QStringList names = atBox.disabled;
-    for (const QString& name : disabled())
-        names.removeOne(name);
-    return names;
-}
-
-QString ConnectedFixture::loseBehind(QWidget& below) {
-    watchOf(dialog).setInterval(20); // a second is long
-    KvaSim_Unplug(serialNumber);
-    return dismissBoxAbove(below);
 }

@@ -30,17 +30,11 @@ QTimer& watchOf(InitSettingDialog& dialog);
  */
 class SettingsFixture {
 public:
-    static constexpr int serialNumber = TestBench::serialNumber;
-
     /** Pages of the tab widget. */
     enum Page { Network, PowerOff, WhitePlate, AmbientAdapter };
 
-    static QJsonObject instrument(int serial = serialNumber) {
-        return TestBench::instrument(serial);
-    }
-
     /** @param instruments  the instruments on the bench, in the order of its list */
-    explicit SettingsFixture(const QJsonArray& instruments = {instrument()});
+    explicit SettingsFixture(const QJsonArray& instruments = {TestBench::instrument()});
     ~SettingsFixture();
     SettingsFixture(const SettingsFixture&) = delete;
     SettingsFixture& operator=(const SettingsFixture&) = delete;
@@ -52,15 +46,6 @@ public:
     void openPage(Page page);
     /** Forgets boxes, file dialogs, debug lines and calls. */
     void clearRecords();
-
-    // ---- The bench; see also `TestBench`
-
-    static bool set(const QByteArray& patch) {
-        TestBench::set(patch);
-        return true;
-    }
-    static QJsonObject state() { return TestBench::state(); }
-    static QStringList calls() { return TestBench::calls(); }
 
     // ---- The dialog
 
@@ -105,7 +90,7 @@ public:
     static inline const QStringList noTexts = QString(",,,,,...,...,...,...,,,,,,,,").split(',');
     /** 16 or 0 unless something is wrong. */
     int enabledAddressEdits();
-    /** Everything above, and whether the radio buttons are checkable. */
+    /** Everything above, whether the radio buttons are checkable, and whether the watch runs. */
     QStringList everything();
 
     // ---- Records
@@ -115,6 +100,7 @@ public:
     QStringList boxes() const;
     /** The debug lines, those of the instrument's thread included. */
     QStringList lines() const;
+    static QStringList calls() { return TestBench::calls(); }
     /** `boxes`, then `calls`, then `lines`. */
     QStringList records() const { return boxes() + calls() + lines(); }
 
@@ -129,6 +115,11 @@ public:
     static inline const QStringList disabledWhenNotConnected =
         words("networkSetTab autoPowerOfftab wCalibPlateTab ambLightAdpTab disConnectPushBtn "
               "setWCPValPushBtn setAmbAdpBodyPushBtn");
+    /** `everything` of a dialog that shows no instrument, with so many address edits enabled. */
+    static QStringList nothing(int addressEdits = 16) {
+        return disabledWhenNotConnected + noTexts + words("1 1 1 1 1 1 1 1 idle")
+               << QString::number(addressEdits);
+    }
     /** The debug lines of a connection where all goes well, from the listing on. */
     static QStringList connectLines(int instrumentCount = 1);
     /** The calls of a connection where all goes well, without the listing. */
@@ -140,8 +131,6 @@ public:
     /** The box of a lost connection, as in `boxes`. */
     static inline const QString lostBox =
         "error: The connection with the measuring instrument was disconnected.";
-
-    [[noreturn]] static void giveUp(const QString& reason) { ::giveUp(reason); }
 
     /** Whether `connectFirst` leaves the watch its second. */
     bool keepsWatching = false;

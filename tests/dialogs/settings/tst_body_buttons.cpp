@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
 namespace {
@@ -15,20 +14,37 @@ struct BodyButton {
     QStringList busy; ///< disabled while the box is open
 };
 
+const QStringList bothButtons = words("getAutoPWOffPushBtn setAutoPWOffPushBtn");
+const QStringList choices = words("invalidradioBtn fifteenRadioBtn thirtyRadioBtn sixtyRadioBtn");
+
+struct Mode {
+    const char* name;
+    int before;
+    int mode;
+    QStringList checked;
+};
+
+QByteArray patch(int mode) {
+    return "{\"powerOffMode\": " + QByteArray::number(mode) + '}';
+}
+
+/** The tab's radio buttons that are checked: those of the network tab come first. */
+QStringList choiceIn(SettingsFixture& f) {
+    return f.checked().mid(2);
+}
+
 } // namespace
 
-Q_DECLARE_METATYPE(BodyButton)
-
-/** What the buttons of the network tab and of the power-off tab that call the instrument have in
-    common. */
+/** The tab of the automatic power-off, and what its buttons have in common with the network tab's
+    that call the instrument. */
 class TestBodyButtons : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void failingCall_data() { addButtons(); }
     // What the page shows by then differs from what the instrument holds.
+    void failingCall_data() { addButtons(); }
     void failingCall() {
-        QFETCH(const BodyButton, row);
+        const auto row = rowOf<BodyButton>();
         ConnectedFixture f;
         typeNetwork(f);
         f.openPage(SettingsFixture::PowerOff);
@@ -48,7 +64,7 @@ private Q_SLOTS:
 
     void warningIsSuccess_data() { addButtons(); }
     void warningIsSuccess() {
-        QFETCH(const BodyButton, row);
+        const auto row = rowOf<BodyButton>();
         ConnectedFixture f(row.page);
         TestBench::answer("*", KVA_WARNING_WCALIB_TEMP);
         f.answers.closesBoxes = true; // as the window's close control does
@@ -63,7 +79,7 @@ private Q_SLOTS:
 
     void lossBehindTheBox_data() { addButtons(); }
     void lossBehindTheBox() {
-        QFETCH(const BodyButton, row);
+        const auto row = rowOf<BodyButton>();
         ConnectedFixture f(row.page);
         QString report;
         f.answers.onBox = [&](QMessageBox& box) { report = f.loseBehind(box); };
@@ -71,51 +87,107 @@ private Q_SLOTS:
 
         QCOMPARE(report, SettingsFixture::lostBox);
         QCOMPARE(f.boxes(), QStringList(row.success));
-        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-        QCOMPARE(f.checked(), QStringList());
-        QVERIFY(!watchOf(f.dialog).isActive());
+        QCOMPARE(f.everything(), SettingsFixture::nothing());
+    }
+
+    void reads_data() {
+        addRows(QVector<Mode>{
+            {"disabled", 3, 0, {choices[0]}},
+            {"15 minutes", 0, 1, {choices[1]}},
+            {"30 minutes", 1, 2, {choices[2]}},
+            {"60 minutes", 2, 3, {choices[3]}},
+            {"no change", 2, 2, {choices[2]}},
+            {"unknown mode leaves the choice", 1, 4, {choices[1]}},
+            {"last unknown mode leaves the choice", 3, 255, {choices[3]}},
+            {"unknown mode without a choice", 200, 4, {}},
+            {"first choice", 200, 3, {choices[3]}},
+        });
+    }
+
+    void reads() {
+        const auto row = rowOf<Mode>();
+        ConnectedFixture f(SettingsFixture::PowerOff, patch(row.before));
+        TestBench::set(patch(row.mode));
+        press(f, row, "getAutoPWOffPushBtn", "information: Successful read body data.",
+              "KVA_GetShutdownTime");
+    }
+
+    void writes_data() {
+        addRows(QVector<Mode>{
+            {"disabled", 3, 0, {choices[0]}},
+            {"15 minutes", 0, 1, {choices[1]}},
+            {"30 minutes", 1, 2, {choices[2]}},
+            {"60 minutes", 2, 3, {choices[3]}},
+            {"in place of an unknown mode", 9, 0, {choices[0]}},
+        });
+    }
+
+    void writes() {
+        const auto row = rowOf<Mode>();
+        ConnectedFixture f(SettingsFixture::PowerOff, patch(row.before));
+        f.click(choices[row.mode]);
+        press(f, row, "setAutoPWOffPushBtn", "information: Successful device writing.",
+              "KVA_SetShutdownTime");
+    }
+
+    void writesNothingWithoutAChoice() {
+        ConnectedFixture f(SettingsFixture::PowerOff, patch(4));
+        QCOMPARE(choiceIn(f), QStringList());
+        f.click("setAutoPWOffPushBtn");
+
+        QCOMPARE(f.records(), QStringList("error: Failed to write automatic shutdown time."));
+        QCOMPARE(TestBench::state()["powerOffMode"].toInt(), 4);
+        QCOMPARE(f.busyAtBox(), bothButtons);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
+    }
+
+    void buttonsAreExclusive() {
+        ConnectedFixture f(SettingsFixture::PowerOff);
+        for (const QString& name : choices) {
+            f.click(name);
+            QCOMPARE(choiceIn(f), QStringList(name));
+        }
+        QCOMPARE(f.calls(), QStringList());
     }
 
 private:
+    static void press(ConnectedFixture& f, const Mode& row, const char* button, const char* box,
+                      const QString& call) {
+        QJsonObject expected = TestBench::state();
+        expected["powerOffMode"] = row.mode;
+        f.click(button);
+        QCOMPARE(f.records(),
+                 (QStringList{box, call, call + QString("() success[mode:%1].\n").arg(row.mode)}));
+        QCOMPARE(TestBench::state(), expected);
+        QCOMPARE(choiceIn(f), row.checked);
+        QCOMPARE(f.busyAtBox(), bothButtons);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
+    }
+
     static void addButtons() {
+        using F = SettingsFixture;
         const QString readSuccess = "information: Successful read body data.";
+        const QString writeSuccess = "information: Successful device writing.";
+        const QString networkSuccess =
+            "information: Write successful. To reflect, after [Disconnect], turn the power supply "
+            "of the measuring instrument OFF -> ON.";
+        const QStringList checks = F::digitLines(octetsOf(networkValues()));
         const QStringList networkButtons =
             words("readToFilePushBtn writeFilePushBtn readBodyPushBtn writeBodyPushBtn");
-        const QStringList modeButtons = words("getAutoPWOffPushBtn setAutoPWOffPushBtn");
         addRows(QVector<BodyButton>{
-            {"network read",
-             SettingsFixture::Network,
-             "readBodyPushBtn",
-             "KVA_GetNetworkInfo",
-             readSuccess,
+            {"network read", F::Network, "readBodyPushBtn", "KVA_GetNetworkInfo", readSuccess,
              "error: Failed to read Network Infomation data.",
-             {"Failed to KVA_GetNetworkInfo(). \n"},
-             {}},
-            {"network written", SettingsFixture::Network, "writeBodyPushBtn", "KVA_SetNetworkInfo",
-             "information: Write successful. To reflect, after [Disconnect], turn the power supply "
-             "of "
-             "the measuring instrument OFF -> ON.",
-             "error: Failed to write Network Infomation data.",
-             SettingsFixture::digitLines(octetsOf(networkValues()))
-                 << "Failed to KVA_SetNetworkInfo(). \n",
-             networkButtons},
+             QStringList("Failed to KVA_GetNetworkInfo(). \n"), QStringList()},
+            {"network written", F::Network, "writeBodyPushBtn", "KVA_SetNetworkInfo",
+             networkSuccess, "error: Failed to write Network Infomation data.",
+             checks + QStringList("Failed to KVA_SetNetworkInfo(). \n"), networkButtons},
             // The byte that no mode has, as the instrument has not set one.
-            {"power-off time read",
-             SettingsFixture::PowerOff,
-             "getAutoPWOffPushBtn",
-             "KVA_GetShutdownTime",
-             readSuccess,
-             "error: Failed to read automatic shutdown time.",
-             {"KVA_GetShutdownTime() failed[mode:255].\n"},
-             modeButtons},
-            {"power-off time written",
-             SettingsFixture::PowerOff,
-             "setAutoPWOffPushBtn",
-             "KVA_SetShutdownTime",
-             "information: Successful device writing.",
-             "error: Failed to write automatic shutdown time.",
-             {"KVA_SetShutdownTime() failed[mode:3].\n"},
-             modeButtons},
+            {"power-off time read", F::PowerOff, "getAutoPWOffPushBtn", "KVA_GetShutdownTime",
+             readSuccess, "error: Failed to read automatic shutdown time.",
+             QStringList("KVA_GetShutdownTime() failed[mode:255].\n"), bothButtons},
+            {"power-off time written", F::PowerOff, "setAutoPWOffPushBtn", "KVA_SetShutdownTime",
+             writeSuccess, "error: Failed to write automatic shutdown time.",
+             QStringList("KVA_SetShutdownTime() failed[mode:3].\n"), bothButtons},
         });
     }
 };

@@ -96,10 +96,6 @@ struct Action {
 
 QVector<Action> actions() {
     const QStringList list = words("KVA_GetDevicePortList KVA_GetDevicePortList");
-    const QStringList registration =
-        words("KVA_JIG_GetFactoryCalib_CALREFDATA KVA_JIG_SetFactoryCalib_CALREFDATA "
-              "KVA_JIG_SetFactoryCalib_WriteSector KVA_JIG_GetFactoryCalib_CALREFDATA "
-              "KVA_JIG_GetFactoryCalib_CALREFDATA");
     using F = SettingsFixture;
     return {
         {"connect", F::Network, "ConnectPushBtn", list + F::connectCalls},
@@ -108,15 +104,13 @@ QVector<Action> actions() {
         {"write network", F::Network, "writeBodyPushBtn", {"KVA_SetNetworkInfo"}},
         {"read power-off time", F::PowerOff, "getAutoPWOffPushBtn", {"KVA_GetShutdownTime"}},
         {"write power-off time", F::PowerOff, "setAutoPWOffPushBtn", {"KVA_SetShutdownTime"}},
-        {"register plate", F::WhitePlate, "setWCPValPushBtn", registration},
-        {"register adapter", F::AmbientAdapter, "setAmbAdpBodyPushBtn", registration},
+        {"register plate", F::WhitePlate, "setWCPValPushBtn", registrationCalls},
+        {"register adapter", F::AmbientAdapter, "setAmbAdpBodyPushBtn", registrationCalls},
         {"close", F::Network, "", {"KVA_Disconnect"}},
     };
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(Action)
 
 /** The busy cursor: there while the library works, gone when a message comes up. */
 class TestBusyCursor : public QObject {
@@ -138,7 +132,7 @@ private Q_SLOTS:
     }
 
     void duringEachCall() {
-        QFETCH(const Action, row);
+        const auto row = rowOf<Action>();
         ConnectedFixture f(row.page);
         if (row.page >= SettingsFixture::WhitePlate) {
             const CalibrationTab& tab = calibrationTab(row.page == SettingsFixture::AmbientAdapter);

@@ -4,6 +4,7 @@
 
 namespace {
 
+const QString goodFile = "値.csv";
 const QString getCall = "KVA_JIG_GetFactoryCalib_CALREFDATA";
 const QString setCall = "KVA_JIG_SetFactoryCalib_CALREFDATA";
 const QString commitCall = "KVA_JIG_SetFactoryCalib_WriteSector";
@@ -59,26 +60,23 @@ struct ChangedFile {
 
 } // namespace
 
-Q_DECLARE_METATYPE(AcceptedFile)
-Q_DECLARE_METATYPE(RefusedFile)
-Q_DECLARE_METATYPE(FailingCall)
-Q_DECLARE_METATYPE(ChangedFile)
-
 /** The calibration tabs' buttons "Read From File..." and "Write To Body". Each test runs on both
     tabs. */
 class TestCalibration : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase_data() { addCalibrationTabs(); }
+    void initTestCase_data() {
+        QTest::addColumn<bool>("adapter");
+        QTest::newRow("white plate") << false;
+        QTest::newRow("adapter") << true;
+    }
     void init() {
         QFETCH_GLOBAL(bool, adapter);
         tab = &calibrationTab(adapter);
         other = &calibrationTab(!adapter);
         f = std::make_unique<ConnectedFixture>(tab->page);
-        path = f->folder.path("値.csv");
     }
-
     void cleanup() { f.reset(); }
     void acceptsAFile_data() {
         const auto serialLine = &CalibrationTab::serialLine;
@@ -93,10 +91,10 @@ private Q_SLOTS:
     }
 
     void acceptsAFile() {
-        QFETCH(const AcceptedFile, row);
+        const auto row = rowOf<AcceptedFile>();
         const QByteArray serialLine = tab->*row.serialLine;
         const QString held = texts().constFirst();
-        path = f->folder.write(row.file, valueFile(serialLine, tab->valueCount));
+        const QString path = f->folder.write(row.file, valueFile(serialLine, tab->valueCount));
         f->choose(tab->chooseButton, path);
 
         QCOMPARE(f->records(), QStringList(readSuccess) + checkLines(serialLine, tab->valueCount));
@@ -128,7 +126,7 @@ private Q_SLOTS:
 
     // What was chosen on the tab before is taken back; what was chosen on the other one stays.
     void refusesAFile() {
-        QFETCH(const RefusedFile, row);
+        const auto row = rowOf<RefusedFile>();
         const QByteArray content = row.content(*tab);
         f->openPage(other->page);
         f->choose(other->chooseButton, f->folder.write("other.csv", other->file()));
@@ -137,7 +135,7 @@ private Q_SLOTS:
         QStringList shown = f->calibrationTexts();
         shown[tab->firstText + 1] = "refused";
         shown[tab->firstText + 2] = "";
-        path = f->folder.write("refused.2.csv", content);
+        const QString path = f->folder.write("refused.2.csv", content);
         f->choose(tab->chooseButton, path);
 
         const QByteArray serialLine = content.split('\n')[2];
@@ -212,7 +210,7 @@ private Q_SLOTS:
     }
 
     void failingCall() {
-        QFETCH(const FailingCall, row);
+        const auto row = rowOf<FailingCall>();
         QVERIFY(chooseGoodFile());
         TestBench::answer(row.function, KVA_ERROR_NAK, row.call);
         const QJsonObject before = calibration("committed");
@@ -239,12 +237,12 @@ private Q_SLOTS:
     }
 
     void readsTheFileAgain() {
-        QFETCH(const ChangedFile, row);
+        const auto row = rowOf<ChangedFile>();
         QVERIFY(chooseGoodFile());
         const QJsonObject before = TestBench::state();
-        QVERIFY(QFile::remove(path));
+        QVERIFY(QFile::remove(f->folder.path(goodFile)));
         if (row.content)
-            QCOMPARE(writeFile(path, row.content(*tab)), path);
+            f->folder.write(goodFile, row.content(*tab));
         f->click(tab->writeButton);
 
         QCOMPARE(f->records(), (QStringList{tab->failureBox, getCall} + row.lines));
@@ -254,7 +252,7 @@ private Q_SLOTS:
 
     // The path of a refused file is kept. The button is disabled then, but its slot would try.
     void triesARefusedFileAgain() {
-        f->choose(tab->chooseButton, writeFile(path, tab->tooLowFile()));
+        f->choose(tab->chooseButton, f->folder.write(goodFile, tab->tooLowFile()));
         f->clearRecords();
         f->invoke(tab->writeSlot);
         QCOMPARE(f->boxes(), QStringList(tab->failureBox));
@@ -262,7 +260,7 @@ private Q_SLOTS:
         QCOMPARE(f->busyAtBox(), buttons());
 
         // The button is enabled now, as after every registration.
-        QCOMPARE(writeFile(path, tab->file()), path);
+        f->folder.write(goodFile, tab->file());
         f->clearRecords();
         f->click(tab->writeButton);
         QCOMPARE(f->boxes(), QStringList(success));
@@ -289,7 +287,7 @@ private:
     /** Chooses a good file and forgets the records. False unless it was accepted. */
     bool chooseGoodFile() {
         f->clearRecords();
-        f->choose(tab->chooseButton, writeFile(path, tab->file()));
+        f->choose(tab->chooseButton, f->folder.write(goodFile, tab->file()));
         const bool isAccepted = f->boxes() == QStringList(readSuccess);
         f->clearRecords();
         return isAccepted;
@@ -302,7 +300,6 @@ private:
     const CalibrationTab* tab = nullptr;
     const CalibrationTab* other = nullptr; ///< the tab that is not tested
     std::unique_ptr<ConnectedFixture> f;   ///< with the tab on top
-    QString path;                          ///< of the file that is chosen
 };
 
 TEST_CLASS(TestCalibration)

@@ -96,10 +96,6 @@ struct Leave {
 
 } // namespace
 
-Q_DECLARE_METATYPE(NoChoice)
-Q_DECLARE_METATYPE(ChosenRow)
-Q_DECLARE_METATYPE(Leave)
-
 /** The Connect button, with the choice of an instrument where there are several. */
 class TestConnectButton : public QObject {
     Q_OBJECT
@@ -126,7 +122,7 @@ private Q_SLOTS:
     }
 
     void withoutChoice() {
-        QFETCH(const NoChoice, row);
+        const auto row = rowOf<NoChoice>();
         UnconnectedFixture f(row.attached);
         if (row.failingCall > 0)
             TestBench::answer(row.failingFunction, KVA_ERROR_CONNECT_TIMEOUT, row.failingCall);
@@ -153,7 +149,7 @@ private Q_SLOTS:
     }
 
     void choice() {
-        QFETCH(const ChosenRow, row);
+        const auto row = rowOf<ChosenRow>();
         UnconnectedFixture f(row.attached);
         QStringList rows;
         QStringList callsBefore;
@@ -218,8 +214,13 @@ private Q_SLOTS:
         f.whenOffered([&](Choice) {
             QTest::keyClick(&f.selection, Qt::Key_Escape);
             QVERIFY(f.selection.isVisible());
+            QVERIFY(!f.selection.isModal());
             f.selection.close(); // as a window manager may
-            f.whenOffered([](Choice choice) { choice.accept(); });
+            f.whenOffered([&](Choice) {
+                QVERIFY(!f.selection.isFinished);
+                f.selection.hide();
+                f.whenOffered([](Choice choice) { choice.accept(); });
+            });
         });
         f.click(connectButton);
         QCOMPARE(f.calls(), listedAndConnected());
@@ -254,7 +255,7 @@ private Q_SLOTS:
     }
 
     void dialogClosedDuringTheChoice() {
-        QFETCH(const Leave, row);
+        const auto row = rowOf<Leave>();
         UnconnectedFixture f(2);
         f.whenOffered([&](Choice choice) {
             if (row.isAfterOk)

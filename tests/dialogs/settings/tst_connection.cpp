@@ -1,5 +1,5 @@
+#include "tests/dialogs/form/FormTable.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
 namespace {
@@ -23,15 +23,6 @@ const QStringList none = SettingsFixture::noTexts;
 const QStringList switches = switchButtons(1, 0);
 const QStringList thirty = {"thirtyRadioBtn"};
 
-const Qt::WindowFlags firstTimeHints = Qt::WindowTitleHint | Qt::WindowMinimizeButtonHint |
-                                       Qt::WindowMaximizeButtonHint | Qt::CustomizeWindowHint |
-                                       Qt::WindowCloseButtonHint;
-
-// Qt itself adds a type, and the system menu where a window has a close button.
-Qt::WindowFlags hintsOf(const QWidget& window) {
-    return window.windowFlags() & ~(Qt::WindowType_Mask | Qt::WindowSystemMenuHint);
-}
-
 /** One call of `connectDevice`. */
 struct Attempt {
     const char* name;
@@ -41,7 +32,7 @@ struct Attempt {
     bool isListed; ///< whether the controller has the list of the instruments
 };
 
-struct Settings {
+struct ShownSettings {
     const char* name;
     QByteArray patch;
     QStringList checked;
@@ -83,10 +74,6 @@ public:
 
 } // namespace
 
-Q_DECLARE_METATYPE(Attempt)
-Q_DECLARE_METATYPE(Settings)
-Q_DECLARE_METATYPE(FailingRead)
-
 /** Connecting to an instrument. */
 class TestConnection : public QObject {
     Q_OBJECT
@@ -94,6 +81,7 @@ class TestConnection : public QObject {
 private Q_SLOTS:
     void startsWithoutConnection() {
         SettingsFixture f;
+        f.dialog.show();
         QCOMPARE(f.disabled(), QStringList());
         QCOMPARE(f.checked(), QStringList());
         QVERIFY(!watchOf(f.dialog).isActive());
@@ -119,7 +107,7 @@ private Q_SLOTS:
     }
 
     void noConnection() {
-        QFETCH(const Attempt, row);
+        const auto row = rowOf<Attempt>();
         ListedFixture f(row.isFromNotConnected);
         if (!row.isListed)
             f.controller = std::make_shared<CKvaSdk_Ctrl>();
@@ -158,21 +146,21 @@ private Q_SLOTS:
     }
 
     void preparesTheWindow() {
-        QFETCH(const Attempt, row);
+        const auto row = rowOf<Attempt>();
         ListedFixture f;
         const Qt::WindowFlags flags = f.dialog.windowFlags();
         f.dialog.resize(1180, 730);
         f.dialog.connectDevice(row.portNum, row.isFirstTime);
 
         if (row.isFirstTime) {
-            QCOMPARE(hintsOf(f.dialog), firstTimeHints);
+            QCOMPARE(iconOf(f.dialog), programIcon());
+            QCOMPARE(f.dialog.windowFlags(), closableFlags());
             QCOMPARE(f.dialog.minimumSize(), QSize(1180, 730));
             QCOMPARE(f.dialog.maximumSize(), QSize(1180, 730));
         } else {
             QCOMPARE(f.dialog.windowFlags(), flags);
             QVERIFY(f.dialog.minimumSize() != f.dialog.maximumSize());
         }
-        QVERIFY(f.dialog.isWindow());
         QCOMPARE(f.dialog.windowIcon().isNull(), !row.isFirstTime);
         QCOMPARE(f.answers.boxes.size(), row.portNum > 0 ? 1 : 0);
         for (const ModalAnswerer::Box& box : f.answers.boxes)
@@ -188,7 +176,7 @@ private Q_SLOTS:
     }
 
     void fillsTheDialog() {
-        QFETCH(const Attempt, row);
+        const auto row = rowOf<Attempt>();
         ListedFixture f(row.isFromNotConnected);
         f.child("setBasetabWidget").setEnabled(false);
         f.dialog.connectDevice(row.portNum, row.isFirstTime);
@@ -215,11 +203,11 @@ private Q_SLOTS:
     }
 
     void showsTheSettings_data() {
-        const auto row = [](const char* name, double wireless, double dhcp) -> Settings {
+        const auto row = [](const char* name, double wireless, double dhcp) -> ShownSettings {
             return {name, networkPatch({{"APConnectUse", wireless}, {"DHCPUse", dhcp}}),
                     switchButtons(wireless, dhcp) << thirty, 1, 2};
         };
-        addRows(QVector<Settings>{
+        addRows(QVector<ShownSettings>{
             row("both off", 0, 0),
             row("wireless on", 1, 0),
             row("DHCP on", 0, 1),
@@ -237,7 +225,7 @@ private Q_SLOTS:
     }
 
     void showsTheSettings() {
-        QFETCH(const Settings, row);
+        const auto row = rowOf<ShownSettings>();
         ListedFixture f(false, row.patch);
         f.dialog.connectDevice(0, false);
 
@@ -270,12 +258,11 @@ private Q_SLOTS:
 
         QCOMPARE(f.records(), (QStringList{cannotConnectBox, connectCall, cannotConnectLine}));
         QCOMPARE(f.everything(), before);
-        QVERIFY(watchOf(f.dialog).isActive());
     }
 
     void failingRead_data() { addFailingReads(); }
     void failingRead() {
-        QFETCH(const FailingRead, row);
+        const auto row = rowOf<FailingRead>();
         ListedFixture f(true, row.patch);
         if (!row.function.isEmpty())
             TestBench::answer(row.function, KVA_ERROR_COMMUNICATION_TIMEOUT);
@@ -292,10 +279,10 @@ private Q_SLOTS:
         QVERIFY(watchOf(f.dialog).isActive());
     }
 
-    void emptiesStaleTexts_data() { addFailingReads(); }
     // A second connection over what the first has left on the page.
+    void emptiesStaleTexts_data() { addFailingReads(); }
     void emptiesStaleTexts() {
-        QFETCH(const FailingRead, row);
+        const auto row = rowOf<FailingRead>();
         ConnectedFixture f;
         QVERIFY(f.controller->Disconnect());
         TestBench::set(row.patch);
@@ -322,9 +309,10 @@ private:
                                           timeLine};
         const QStringList plateBoxes = {"error: Failed to device WhiteCalibPlateSerialNo.",
                                         "error: Failed to device AmbientLightAdapterSerialNo."};
-        const QStringList timeBoxes("error: Failed to read automatic shutdown time.");
-        const QStringList timeLines = {moduleLine, "KVA_GetShutdownTime() failed[mode:0].\n"};
         const QStringList calls = SettingsFixture::connectCalls;
+        const QStringList timeRecords =
+            QStringList("error: Failed to read automatic shutdown time.") + calls
+            << moduleLine << "KVA_GetShutdownTime() failed[mode:0].\n";
         const QStringList plateRecords = plateBoxes + calls + QStringList{moduleLine, timeLine};
         const QStringList flagRecords =
             noModule + QStringList{"  wifiModuleEnable :      0\n", timeLine};
@@ -349,14 +337,7 @@ private:
              noNetwork,
              full},
             {"calibration", "{}", calibration, plateRecords, {}, all, noPlates, noPlates},
-            {"power-off time",
-             "{}",
-             shutdownTime,
-             timeBoxes + calls + timeLines,
-             {},
-             switches,
-             full,
-             full},
+            {"power-off time", "{}", shutdownTime, timeRecords, {}, switches, full, full},
         });
     }
 };

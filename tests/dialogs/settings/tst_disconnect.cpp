@@ -1,6 +1,5 @@
 #include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
 #include <QLabel>
@@ -30,9 +29,6 @@ struct Closing {
 
 } // namespace
 
-Q_DECLARE_METATYPE(ModeAndSwitches)
-Q_DECLARE_METATYPE(Closing)
-
 /** The Disconnect and Close buttons, and the not-connected state that a connection ends in. */
 class TestDisconnect : public QObject {
     Q_OBJECT
@@ -47,7 +43,7 @@ private Q_SLOTS:
     }
 
     void disconnects() {
-        QFETCH(const ModeAndSwitches, row);
+        const auto row = rowOf<ModeAndSwitches>();
         SettingsFixture f;
         TestBench::set(networkPatch({{"APConnectUse", row.wireless}, {"DHCPUse", row.dhcp}}));
         TestBench::set("{\"powerOffMode\": " + QByteArray::number(row.mode) + '}');
@@ -61,12 +57,7 @@ private Q_SLOTS:
         f.click(disconnectButton);
 
         QCOMPARE(f.records(), QStringList(disconnectCall));
-        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-        QCOMPARE(f.texts(), SettingsFixture::noTexts);
-        QCOMPARE(f.checked(), QStringList());
-        for (const QRadioButton* button : f.dialog.findChildren<QRadioButton*>())
-            QVERIFY2(button->isCheckable(), qPrintable(button->objectName()));
-        QVERIFY(!watchOf(f.dialog).isActive());
+        QCOMPARE(f.everything(), SettingsFixture::nothing(row.dhcp != 0 ? 0 : 16));
         QVERIFY(!f.controller->m_connected);
         QVERIFY(!f.dialog.isFinished);
         QVERIFY(f.dialog.isVisible());
@@ -131,8 +122,7 @@ private Q_SLOTS:
         QCOMPARE(f.records(), (QStringList{"error: Failed to device disconnect.", disconnectCall,
                                            disconnectLine}));
         QCOMPARE(f.everything(), before);
-        QVERIFY(f.atBox.isWatching);
-        QVERIFY(watchOf(f.dialog).isActive());
+        QCOMPARE(f.atBox.everything, before);
 
         f.clearRecords();
         f.click(disconnectButton);
@@ -159,7 +149,6 @@ private Q_SLOTS:
 
         QCOMPARE(f.everything(), connected);
         QCOMPARE(f.lines(), SettingsFixture::connectLines());
-        QVERIFY(watchOf(f.dialog).isActive());
     }
 
     void closesWithoutConnection_data() {
@@ -170,7 +159,7 @@ private Q_SLOTS:
     }
 
     void closesWithoutConnection() {
-        QFETCH(const Closing, row);
+        const auto row = rowOf<Closing>();
         SettingsFixture f;
         if (row.isAfterDisconnect) {
             QVERIFY(f.connectFirst());
@@ -200,7 +189,7 @@ private Q_SLOTS:
     }
 
     void closesWhileConnected() {
-        QFETCH(const Closing, row);
+        const auto row = rowOf<Closing>();
         ConnectedFixture f;
         if (row.fails)
             TestBench::answer(disconnectCall);
@@ -223,9 +212,33 @@ private Q_SLOTS:
 
         // Closed once and for all: nothing is left to disconnect.
         f.clearRecords();
-        f.dialog.close();
+        f.dialog.show();
+        QVERIFY(f.dialog.close());
         f.invoke("on_disConnectPushBtn_clicked");
         QCOMPARE(f.calls(), QStringList());
+    }
+
+    // Who sets the flag has taken care of the connection.
+    void closesOnceFinished() {
+        ConnectedFixture f;
+        f.dialog.isFinished = true;
+        QVERIFY(f.dialog.close());
+        QVERIFY(!f.dialog.isVisible());
+        QCOMPARE(f.calls(), QStringList());
+        QVERIFY(f.controller->m_connected);
+    }
+
+    void destroyedWhileConnected() {
+        SettingsFixture f;
+        auto dialog = std::make_unique<InitSettingDialog>();
+        dialog->setSdkCtrl(f.controller);
+        QVERIFY(f.controller->GetDevicePortList());
+        dialog->connectDevice(0, true);
+        QCOMPARE(f.controller.use_count(), 4L); // the fixture's, its two dialogs', this one's
+        dialog.reset();
+        QCOMPARE(f.calls().count(disconnectCall), 0);
+        QVERIFY(f.controller->m_connected);
+        QCOMPARE(f.controller.use_count(), 3L);
     }
 
     // The watch leaves the controller's view of the connection alone; the dialog's own counts.

@@ -1,6 +1,5 @@
 #include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
 namespace {
@@ -10,9 +9,9 @@ struct FileButton {
     SettingsFixture::Page page;
     QString button;
     QString nameFilter;
-    QFileDialog::Options options;
-    QByteArray content;  ///< of a good file; null: the button saves one
-    QStringList failure; ///< when the file cannot be read
+    QByteArray content = {};  ///< of a good file; null: the button saves one
+    QStringList failure = {}; ///< when the file cannot be read
+    QFileDialog::Options options = {};
     bool isCancelled = false;
 };
 
@@ -20,40 +19,25 @@ QVector<FileButton> buttonsThatRead() {
     const CalibrationTab& plate = calibrationTab(false);
     const CalibrationTab& adapter = calibrationTab(true);
     const QStringList failure("error: Failed to read file data.");
+    const QStringList networkFailure = {"error: Failed to read Network Infomation file data.",
+                                        "Failed to read networkInfo parameter data. \n"};
+    const QFileDialog::Options options = QFileDialog::DontUseCustomDirectoryIcons;
+    const QString csv = "csv(*.csv)";
     return {
-        {"network, read",
-         SettingsFixture::Network,
-         "readToFilePushBtn",
-         "*(*.*)",
-         {},
-         settingsFile(),
-         {"error: Failed to read Network Infomation file data.",
-          "Failed to read networkInfo parameter data. \n"}},
-        {"white plate", plate.page, plate.chooseButton, "csv(*.csv)",
-         QFileDialog::DontUseCustomDirectoryIcons, plate.file(), failure},
-        {"adapter", adapter.page, adapter.chooseButton, "csv(*.csv)",
-         QFileDialog::DontUseCustomDirectoryIcons, adapter.file(), failure},
+        {"network, read", SettingsFixture::Network, "readToFilePushBtn", "*(*.*)", settingsFile(),
+         networkFailure},
+        {"white plate", plate.page, plate.chooseButton, csv, plate.file(), failure, options},
+        {"adapter", adapter.page, adapter.chooseButton, csv, adapter.file(), failure, options},
     };
 }
 
 QVector<FileButton> allButtons() {
-    return QVector<FileButton>{{"network, write",
-                                SettingsFixture::Network,
-                                "writeFilePushBtn",
-                                "ini(*.ini)",
-                                {},
-                                {},
-                                {}}} +
-           buttonsThatRead();
-}
-
-QStringList filesIn(const TestFolder& folder) {
-    return QDir(folder.path()).entryList(QDir::Files);
+    QVector<FileButton> buttons = buttonsThatRead();
+    buttons.prepend({"network, write", SettingsFixture::Network, "writeFilePushBtn", "ini(*.ini)"});
+    return buttons;
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(FileButton)
 
 /** The buttons that open a file dialog, up to the file that it answers. */
 class TestFileDialogs : public QObject {
@@ -62,7 +46,7 @@ class TestFileDialogs : public QObject {
 private Q_SLOTS:
     void asksForAFile_data() { addRows(allButtons()); }
     void asksForAFile() {
-        QFETCH(const FileButton, row);
+        const auto row = rowOf<FileButton>();
         ConnectedFixture f(row.page);
         f.setOctets({}); // invalid, but nothing is checked
         const QStringList before = f.everything();
@@ -86,12 +70,12 @@ private Q_SLOTS:
         // Cancelled, it was as if nothing had been.
         QCOMPARE(f.records(), QStringList());
         QCOMPARE(f.everything(), before);
-        QCOMPARE(filesIn(f.folder), QStringList());
+        QCOMPARE(f.files(), QStringList());
     }
 
     void vanishedFile_data() { addRows(buttonsThatRead()); }
     void vanishedFile() {
-        QFETCH(const FileButton, row);
+        const auto row = rowOf<FileButton>();
         ConnectedFixture f(row.page);
         QStringList expected = f.calibrationTexts();
         if (row.page != SettingsFixture::Network)
@@ -120,28 +104,22 @@ private Q_SLOTS:
     }
 
     void afterALoss() {
-        QFETCH(const FileButton, row);
+        const auto row = rowOf<FileButton>();
         ConnectedFixture f(row.page);
         QString report;
-        QStringList reset;
-        f.answers.onFileDialog = [&](QFileDialog& dialog) {
-            report = f.loseBehind(dialog);
-            reset = f.everything();
-        };
+        f.answers.onFileDialog = [&](QFileDialog& dialog) { report = f.loseBehind(dialog); };
         const QString path = f.folder.path("chosen");
         if (!row.content.isNull())
             f.folder.write("chosen", row.content);
-        const QStringList files = filesIn(f.folder);
+        const QStringList files = f.files();
         f.choose(row.button, row.isCancelled ? QString() : path);
 
         QCOMPARE(report, SettingsFixture::lostBox);
         QCOMPARE(f.answers.fileDialogs.size(), 1);
         QCOMPARE(f.boxes(), QStringList());
         QCOMPARE(f.lines().filter("length:"), QStringList()); // nor are the edits checked
-        QCOMPARE(filesIn(f.folder), files);
-        QCOMPARE(f.everything(), reset);
-        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
-        QCOMPARE(f.texts(), SettingsFixture::noTexts);
+        QCOMPARE(f.files(), files);
+        QCOMPARE(f.everything(), SettingsFixture::nothing());
         QVERIFY(f.controller->m_fileWCPSerialNo.isEmpty());
         QVERIFY(f.controller->m_fileAmbAdpSerialNo.isEmpty());
 

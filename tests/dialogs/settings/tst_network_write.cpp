@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/dialogs/settings/NetworkValues.h"
 #include "tests/support/TestMain.h"
 
 #include <cstring>
@@ -72,20 +71,12 @@ void write(ConnectedFixture& f, const QString& file) {
         f.choose(fileButton, f.folder.path(file));
 }
 
-QStringList filesIn(const ConnectedFixture& f) {
-    return QDir(f.folder.path()).entryList(QDir::Files);
-}
-
 /** Bytes as the bench writes a text field that is no clean text. */
 QJsonObject hexField(const QByteArray& bytes) {
     return {{"hex", QString(bytes.toHex())}};
 }
 
 } // namespace
-
-Q_DECLARE_METATYPE(Write)
-Q_DECLARE_METATYPE(InvalidOctet)
-Q_DECLARE_METATYPE(SentText)
 
 /** The network tab's buttons "Write To Body" and "Write To File...". */
 class TestNetworkWrite : public QObject {
@@ -114,7 +105,7 @@ private Q_SLOTS:
     }
 
     void writes() {
-        QFETCH(const Write, row);
+        const auto row = rowOf<Write>();
         const bool isForBody = row.file.isEmpty();
         const bool sendsZeros = isForBody && row.dhcp == 1;
         const bool keepsSwitches = row.wireless == 2;
@@ -138,7 +129,7 @@ private Q_SLOTS:
         const QStringList checks = SettingsFixture::digitLines(row.octets);
         QCOMPARE(f.records(), reports + (sendsZeros ? QStringList() : checks));
         QCOMPARE(TestBench::state(), state);
-        QCOMPARE(filesIn(f), isForBody ? QStringList() : QStringList(row.file));
+        QCOMPARE(f.files(), isForBody ? QStringList() : QStringList(row.file));
         QCOMPARE(f.folder.read(row.file), isForBody ? QByteArray() : settingsFile(values));
         QCOMPARE(f.busyAtBox(), isForBody ? tabButtons : QStringList());
         QCOMPARE(f.everything(), before);
@@ -184,7 +175,7 @@ private Q_SLOTS:
     }
 
     void invalidAddresses() {
-        QFETCH(const InvalidOctet, row);
+        const auto row = rowOf<InvalidOctet>();
         ConnectedFixture f;
         const QJsonObject state = TestBench::state();
         const KVA_NETWORKINFO record = f.controller->m_networkInfo;
@@ -198,7 +189,7 @@ private Q_SLOTS:
         QCOMPARE(f.boxes(), QStringList("error: The input value is invalid."));
         QCOMPARE(f.calls(), QStringList());
         QCOMPARE(f.lines().filter("length:").size(), row.checkedEdits);
-        QCOMPARE(filesIn(f), QStringList());
+        QCOMPARE(f.files(), QStringList());
         QCOMPARE(TestBench::state(), state);
         QCOMPARE(std::memcmp(&f.controller->m_networkInfo, &record, sizeof record), 0);
         QCOMPARE(f.busyAtBox(), row.isForFile ? QStringList() : tabButtons);
@@ -236,7 +227,7 @@ private Q_SLOTS:
     }
 
     void sentTexts() {
-        QFETCH(const SentText, row);
+        const auto row = rowOf<SentText>();
         ConnectedFixture f;
         const QJsonObject expected = stateWith(row.sent);
         typeNetwork(f, row.typed);

@@ -4,9 +4,10 @@
 #include "tests/dialogs/sweep/LibraryModel.h"
 
 #include <QJsonObject>
-#include <QString>
+#include <QMap>
 #include <QVector>
 
+#include <cstddef>
 #include <functional>
 
 /** A call of the sequence in which nothing fails: a function and which of its calls it is. */
@@ -35,12 +36,129 @@ struct FaultKind {
     AnswerByte (*byte)(const QString& function) = nullptr;
 };
 
-const QVector<FaultKind>& faultKinds();
+inline constexpr KVA_RESULT errors[] = {KVA_ERROR,
+                                        KVA_ERROR_CONNECT,
+                                        KVA_ERROR_DISCONNECT,
+                                        KVA_ERROR_CONNECT_TIMEOUT,
+                                        KVA_ERROR_CONNECT_ALREADY,
+                                        KVA_ERROR_INSTRUMENT_UNAVAILABLE,
+                                        KVA_ERROR_INSTRUMENT_INFORMATION,
+                                        KVA_ERROR_ARGUMENT,
+                                        KVA_ERROR_COMMUNICATION_SEND,
+                                        KVA_ERROR_COMMUNICATION_RECEIVE,
+                                        KVA_ERROR_COMMUNICATION_CHECKSUM,
+                                        KVA_ERROR_COMMUNICATION_PARAM,
+                                        KVA_ERROR_COMMUNICATION_TIMEOUT,
+                                        KVA_ERROR_CANT_USED,
+                                        KVA_ERROR_NO_DATA,
+                                        KVA_ERROR_NAK,
+                                        KVA_ERROR_NAV,
+                                        KVA_ERROR_NSP,
+                                        KVA_ERROR_CNF,
+                                        KVA_ERROR_NDT,
+                                        KVA_ERROR_NEQ};
+
+inline constexpr KVA_RESULT warnings[] = {1, 2, 4, 3, 5, 6, 7};
+
+/** A byte of each answer that the dialog shows, or goes by. */
+inline AnswerByte byteThatMatters(const QString& function) {
+    static const QMap<QString, AnswerByte> bytes = {
+        {"KVA_GetDevicePortList", {offsetof(KVA_PORTINFO, serialNumber), 1}},
+        {"KVA_GetDeviceInfo", {offsetof(KVA_DEVICEINFO, macAddress), 0xFF}},
+        {"KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", {0, 1}},
+        {"KVA_GetNetworkInfo", {offsetof(KVA_NETWORKINFO, IPAddress), 0x10}},
+        {"KVA_GetShutdownTime", {0, 3}},
+        {"KVA_JIG_GetFactoryCalib_CALREFDATA",
+         {offsetof(KVA_JIG_CALREFDATA, whiteSerialNo) + 3, 1}},
+    };
+    return bytes.value(function);
+}
+
+/** A byte that is only handed on. */
+inline AnswerByte byteOutOfSight(const QString& function) {
+    if (function != "KVA_JIG_GetFactoryCalib_CALREFDATA")
+        return {};
+    return {sizeof(KVA_JIG_CALREFDATA) - 1, 0x80};
+}
+
+template <std::size_t Count>
+QJsonObject resultOf(const KVA_RESULT (&results)[Count], int index) {
+    return {{"result", results[static_cast<std::size_t>(index) % Count]}};
+}
+
+/** A kind whose field is the same at every place. */
+inline std::function<QJsonObject(const Place&, int)> always(const char* name,
+                                                            const QJsonValue& value) {
+    return [field = QJsonObject{{name, value}}](const Place&, int) { return field; };
+}
+
+template <AnswerByte (*Byte)(const QString&)>
+FaultKind corruption(const char* name) {
+    const auto fields = [](const Place& place, int) -> QJsonObject {
+        const AnswerByte byte = Byte(place.function);
+        return {{"corrupted", QJsonObject{{"offset", byte.offset}, {"xor", byte.flipped}}}};
+    };
+    const auto concerns = [](const QString& function) { return Byte(function).flipped != 0; };
+    return {name, Effect::Corrupted, fields, concerns, true, Byte};
+}
+
+inline FaultKind unplugging(const char* moment, Effect effect) {
+    return {QString("unplugged ") + moment,      effect, always("unplug", moment),
+            [](const QString&) { return true; }, false,  nullptr};
+}
+
+inline bool any(const QString&) {
+    return true;
+}
+
+inline bool isList(const QString& function) {
+    return function == "KVA_GetDevicePortList";
+}
+
+/** Whether the function makes the instrument do something. */
+inline bool isCommand(const QString& function) {
+    return function.contains("_Set") || function.endsWith("onnect");
+}
+
+/** Whether the function's answer can change. */
+inline bool isState(const QString& function) {
+    return isList(function) || function == "KVA_GetNetworkInfo" ||
+           function == "KVA_GetShutdownTime" || function == "KVA_JIG_GetFactoryCalib_CALREFDATA";
+}
+
+inline const QVector<FaultKind>& faultKinds() {
+    static const QVector<FaultKind> kinds = {
+        {"error", Effect::Refused, [](const Place&, int index) { return resultOf(errors, index); },
+         any},
+        {"warning", Effect::None, [](const Place&, int index) { return resultOf(warnings, index); },
+         any},
+        {"delay", Effect::None, always("delayMs", 2), any},
+        {"dropped", Effect::Dropped, always("dropped", true), isCommand},
+        {"stale", Effect::Stale, always("stale", true), isState},
+        corruption<byteThatMatters>("corrupted"),
+        corruption<byteOutOfSight>("corrupted out of sight"),
+        {"short list", Effect::NoPorts, always("shortList", 0), isList},
+        unplugging("before", Effect::UnplugBefore),
+        unplugging("during", Effect::UnplugDuring),
+        unplugging("after", Effect::UnplugAfter),
+    };
+    return kinds;
+}
 
 /** The fault as the model takes it. @param onwards that call and every later one */
-Fault modelFault(const FaultKind& kind, const Place& place, bool onwards);
+inline Fault modelFault(const FaultKind& kind, const Place& place, bool onwards) {
+    const AnswerByte byte = kind.byte ? kind.byte(place.function) : AnswerByte{};
+    return {place.function, place.call,  onwards ? INT_MAX : place.call,
+            kind.effect,    byte.offset, byte.flipped};
+}
 
 /** The fault as the simulated library takes it. */
-QJsonObject faultRule(const FaultKind& kind, const Place& place, bool onwards, int index);
+inline QJsonObject faultRule(const FaultKind& kind, const Place& place, bool onwards, int index) {
+    QJsonObject rule = kind.fields(place, index);
+    rule["function"] = place.function;
+    const int last = onwards ? 1000000 : place.call;
+    rule["call"] = QString("%1-%2").arg(place.call).arg(last);
+    return rule;
+}
 
 #endif

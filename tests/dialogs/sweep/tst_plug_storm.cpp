@@ -3,14 +3,8 @@
 
 #include "simulator/KvaSim.h"
 #include "tests/dialogs/settings/CalibrationTabs.h"
-
-#include <QDeadlineTimer>
-#include <QDir>
-#include <QFile>
-#include <QJsonDocument>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QtTest>
+#include "tests/support/TestFolder.h"
+#include "tests/support/TestMain.h"
 
 #include <random>
 #include <thread>
@@ -19,15 +13,14 @@ namespace {
 
 constexpr int defaultSeconds = 5;
 constexpr int stormWatchInterval = 3; // ms: many ticks, so that they meet the events at all moments
-const char* const lostBox = "error: The connection with the measuring instrument was disconnected.";
+const QString lostBox = SettingsFixture::lostBox;
 
 /** Another process that pulls and puts back the plug until it is told to stop. */
 class Plugger {
 public:
     bool start(const QString& bench, unsigned int seed) {
-        m_process.start(
-            QCoreApplication::applicationDirPath() + QStringLiteral("/plug_storm_hand"),
-            {bench, QString::number(SettingsFixture::serialNumber), QString::number(seed)});
+        m_process.start(QCoreApplication::applicationDirPath() + "/plug_storm_hand",
+                        {bench, QString::number(TestBench::serialNumber), QString::number(seed)});
         return m_process.waitForStarted();
     }
 
@@ -51,34 +44,31 @@ int numberFrom(const char* variable, int otherwise) {
 }
 
 /** Every box that the dialog has for these buttons. */
-const QStringList& possibleBoxes() {
-    static const QStringList boxes = {
-        QStringLiteral("error: Failed to connect device."),
-        QStringLiteral("error: Failed to read device data."),
-        QStringLiteral("information: Wireless LAN is invalid."),
-        QStringLiteral("error: Failed to device WhiteCalibPlateSerialNo."),
-        QStringLiteral("error: Failed to device AmbientLightAdapterSerialNo."),
-        QStringLiteral("error: Failed to read automatic shutdown time."),
-        QStringLiteral("information: The measuring instruments is not connected."),
-        QStringLiteral("error: Failed to device disconnect."),
-        QStringLiteral("error: Failed to disconnect device."),
-        QLatin1String(lostBox),
-        QStringLiteral("information: Successful read body data."),
-        QStringLiteral("error: Failed to read Network Infomation data."),
-        QStringLiteral("error: The input value is invalid."),
-        QStringLiteral("information: Write successful. To reflect, after [Disconnect], turn the "
-                       "power supply of the measuring instrument OFF -> ON."),
-        QStringLiteral("error: Failed to write Network Infomation data."),
-        QStringLiteral("information: Successful read file data."),
-        QStringLiteral("error: Failed to write WhiteCalibPlate file."),
-        QStringLiteral("error: Failed to write AmbientLightAdapter file."),
-        QStringLiteral("error: Failed to write WhiteCalibPlate data."),
-        QStringLiteral("error: Failed to write AmbientLightAdapter data."),
-        QStringLiteral("information: Successful device writing."),
-        QStringLiteral("error: Failed to write automatic shutdown time."),
-    };
-    return boxes;
-}
+const QStringList possibleBoxes = {
+    "error: Failed to connect device.",
+    "error: Failed to read device data.",
+    "information: Wireless LAN is invalid.",
+    "error: Failed to device WhiteCalibPlateSerialNo.",
+    "error: Failed to device AmbientLightAdapterSerialNo.",
+    "error: Failed to read automatic shutdown time.",
+    "information: The measuring instruments is not connected.",
+    "error: Failed to device disconnect.",
+    "error: Failed to disconnect device.",
+    lostBox,
+    "information: Successful read body data.",
+    "error: Failed to read Network Infomation data.",
+    "error: The input value is invalid.",
+    "information: Write successful. To reflect, after [Disconnect], turn the "
+    "power supply of the measuring instrument OFF -> ON.",
+    "error: Failed to write Network Infomation data.",
+    "information: Successful read file data.",
+    "error: Failed to write WhiteCalibPlate file.",
+    "error: Failed to write AmbientLightAdapter file.",
+    "error: Failed to write WhiteCalibPlate data.",
+    "error: Failed to write AmbientLightAdapter data.",
+    "information: Successful device writing.",
+    "error: Failed to write automatic shutdown time.",
+};
 
 struct Button {
     SettingsFixture::Page page;
@@ -89,10 +79,10 @@ struct Button {
 /** Whether the buttons show one of the dialog's two states, the one that its watch is in. */
 bool isConsistent(SettingsFixture& f) {
     const bool isConnected = watchOf(f.dialog).isActive();
-    return f.child(QStringLiteral("ConnectPushBtn")).isEnabled() == !isConnected &&
-           f.child(QStringLiteral("ClosePushBtn")).isEnabled() == !isConnected &&
-           f.child(QStringLiteral("disConnectPushBtn")).isEnabled() == isConnected &&
-           f.child(QStringLiteral("autoPowerOfftab")).isEnabled() == isConnected;
+    return f.child("ConnectPushBtn").isEnabled() == !isConnected &&
+           f.child("ClosePushBtn").isEnabled() == !isConnected &&
+           f.child("disConnectPushBtn").isEnabled() == isConnected &&
+           f.child("autoPowerOfftab").isEnabled() == isConnected;
 }
 
 /** Whether the library has a connection to an instrument that is there. */
@@ -109,38 +99,24 @@ class TestPlugStorm : public QObject {
 
 private Q_SLOTS:
     void initTestCase() {
-        QVERIFY(m_folder.isValid());
-        m_startFolder = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(m_folder.path()));
-        const QString plate = writeFile(m_folder.filePath(QStringLiteral("plate.csv")),
-                                        valueFile("87654321", KVA_WHITE_PLATE_VALUES));
-        const QString adapter = writeFile(m_folder.filePath(QStringLiteral("adapter.csv")),
-                                          valueFile("00054321", KVA_AMBIENT_ADAPTER_VALUES));
-        QVERIFY(!plate.isEmpty() && !adapter.isEmpty());
-        const QJsonObject bench = {
-            {QStringLiteral("version"), 1},
-            {QStringLiteral("instruments"), QJsonArray{SettingsFixture::instrument()}}};
-        m_bench = writeFile(m_folder.filePath(QStringLiteral("bench.json")),
-                            QJsonDocument(bench).toJson());
-        QVERIFY(!m_bench.isEmpty());
+        const QJsonObject bench = {{"version", 1},
+                                   {"instruments", QJsonArray{TestBench::instrument()}}};
+        m_bench = m_folder.write("bench.json", QJsonDocument(bench).toJson());
         using F = SettingsFixture;
         m_buttons = {
-            {F::Network, QStringLiteral("ConnectPushBtn"), {}},
-            {F::Network, QStringLiteral("readBodyPushBtn"), {}},
-            {F::Network, QStringLiteral("writeBodyPushBtn"), {}},
-            {F::PowerOff, QStringLiteral("getAutoPWOffPushBtn"), {}},
-            {F::PowerOff, QStringLiteral("setAutoPWOffPushBtn"), {}},
-            {F::WhitePlate, QStringLiteral("selWCPFilePushBtn"), plate},
-            {F::WhitePlate, QStringLiteral("setWCPValPushBtn"), {}},
-            {F::AmbientAdapter, QStringLiteral("selAmbLightAdpFilePushBtn"), adapter},
-            {F::AmbientAdapter, QStringLiteral("setAmbAdpBodyPushBtn"), {}},
-            {F::Network, QStringLiteral("disConnectPushBtn"), {}},
+            {F::Network, "ConnectPushBtn", {}},
+            {F::Network, "readBodyPushBtn", {}},
+            {F::Network, "writeBodyPushBtn", {}},
+            {F::PowerOff, "getAutoPWOffPushBtn", {}},
+            {F::PowerOff, "setAutoPWOffPushBtn", {}},
+            {F::WhitePlate, "selWCPFilePushBtn",
+             m_folder.write("plate.csv", calibrationTab(false).file())},
+            {F::WhitePlate, "setWCPValPushBtn", {}},
+            {F::AmbientAdapter, "selAmbLightAdpFilePushBtn",
+             m_folder.write("adapter.csv", calibrationTab(true).file())},
+            {F::AmbientAdapter, "setAmbAdpBodyPushBtn", {}},
+            {F::Network, "disConnectPushBtn", {}},
         };
-    }
-
-    void cleanupTestCase() {
-        m_fixture.reset();
-        QVERIFY(QDir::setCurrent(m_startFolder));
     }
 
     void survivesAndStillWatches() {
@@ -168,9 +144,9 @@ private Q_SLOTS:
         connectAgain();
         if (QTest::currentTestFailed())
             return;
-        std::thread hand([] { KvaSim_Unplug(SettingsFixture::serialNumber); });
+        std::thread hand([] { KvaSim_Unplug(TestBench::serialNumber); });
         hand.join();
-        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->boxes(), QStringList(QLatin1String(lostBox)), 2000);
+        QTRY_COMPARE_WITH_TIMEOUT(m_fixture->boxes(), QStringList(lostBox), 2000);
         QVERIFY(!watchOf(m_fixture->dialog).isActive());
         QVERIFY(isConsistent(*m_fixture));
         m_fixture.reset();
@@ -197,7 +173,7 @@ private:
                 static_cast<int>(random() % static_cast<unsigned>(m_buttons.size()));
             act(m_buttons[choice]);
             const bool refusedToDisconnect =
-                m_fixture->boxes().contains(QStringLiteral("error: Failed to device disconnect."));
+                m_fixture->boxes().contains("error: Failed to device disconnect.");
             checkBoxes();
             if (QTest::currentTestFailed())
                 return;
@@ -229,8 +205,8 @@ private:
     void checkBoxes() {
         const QStringList boxes = m_fixture->boxes();
         for (const QString& box : boxes) {
-            QVERIFY2(possibleBoxes().contains(box), qPrintable(box));
-            m_losses += box == QLatin1String(lostBox) ? 1 : 0;
+            QVERIFY2(possibleBoxes.contains(box), qPrintable(box));
+            m_losses += box == lostBox ? 1 : 0;
         }
         m_fixture->answers.boxes.clear();
         m_fixture->log.clear();
@@ -238,7 +214,7 @@ private:
 
     /** Brings the dialog to a connection that holds. */
     void connectAgain() {
-        KvaSim_Plug(SettingsFixture::serialNumber);
+        KvaSim_Plug(TestBench::serialNumber);
         KvaSim_WaitForEvents();
         if (watchOf(m_fixture->dialog).isActive() && !isReached()) {
             m_fixture->dialog.close();
@@ -251,8 +227,7 @@ private:
         QVERIFY(isReached());
     }
 
-    QTemporaryDir m_folder;
-    QString m_startFolder;
+    TestFolder m_folder;
     QVector<Button> m_buttons;
     std::unique_ptr<SettingsFixture> m_fixture;
     QString m_bench;
@@ -262,5 +237,5 @@ private:
     int m_dialogs = 0;
 };
 
-QTEST_MAIN(TestPlugStorm)
+TEST_CLASS(TestPlugStorm)
 #include "tst_plug_storm.moc"

@@ -63,15 +63,12 @@ const QVector<Step>& session() {
 
 /** The calls of a session in which nothing fails. */
 QVector<Place> placesOfSession() {
-    const QStringList registration =
-        words("KVA_JIG_GetFactoryCalib_CALREFDATA KVA_JIG_SetFactoryCalib_CALREFDATA "
-              "KVA_JIG_SetFactoryCalib_WriteSector KVA_JIG_GetFactoryCalib_CALREFDATA "
-              "KVA_JIG_GetFactoryCalib_CALREFDATA");
     const QStringList functions =
         words("KVA_RegisterDeviceEventHandler KVA_GetDevicePortList KVA_GetDevicePortList") +
         SettingsFixture::connectCalls +
         words("KVA_GetNetworkInfo KVA_GetShutdownTime KVA_SetNetworkInfo KVA_SetShutdownTime") +
-        registration + registration + words("KVA_Disconnect KVA_RegisterDeviceEventHandler");
+        registrationCalls + registrationCalls +
+        words("KVA_Disconnect KVA_RegisterDeviceEventHandler");
     QVector<Place> places;
     QMap<QString, int> calls;
     for (const QString& function : functions)
@@ -143,8 +140,6 @@ void setController(SettingsFixture& f, const std::shared_ptr<CKvaSdk_Ctrl>& cont
 
 } // namespace
 
-Q_DECLARE_METATYPE(PlacedFault)
-
 /** The settings dialog through a whole session with a fault somewhere. */
 class TestSweep : public QObject {
     Q_OBJECT
@@ -195,7 +190,7 @@ private Q_SLOTS:
     }
 
     void fault() {
-        QFETCH(const PlacedFault, row);
+        const auto row = rowOf<PlacedFault>();
         SettingsFixture f;
         const std::optional<InstrumentModel> instrument = readInstrument();
         QVERIFY(instrument.has_value());
@@ -250,8 +245,7 @@ private:
         KvaSim_WaitForEvents();
         QVERIFY(QApplication::activeModalWidget() == nullptr);
         const QStringList shown =
-            DialogModel::view(f.boxes(), f.disabled(), f.checked(), f.identity(), f.networkTexts(),
-                              f.calibrationTexts());
+            DialogModel::view(f.boxes(), f.disabled(), f.checked(), f.texts());
         f.answers.boxes.clear();
         QCOMPARE(shown, model.takeView());
         QCOMPARE(watchOf(f.dialog).isActive(), model.isWatching());

@@ -1,12 +1,34 @@
-#include "tests/dialogs/settings/NetworkValues.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
+
+#include "simulator/KvaSim.h"
 
 #include <QJsonDocument>
+#include <QtTest>
 
 namespace {
 
 const QStringList addresses = words("IPAddress SubnetMask DefaultGateway DNS");
 
 } // namespace
+
+ConnectedFixture::ConnectedFixture(Page page, const QByteArray& patch) {
+    TestBench::set(patch);
+    QTest::qVerify(connectFirst(page), "connectFirst(page)", "", __FILE__, __LINE__);
+    answers.onBox = [this](QMessageBox&) { atBox = {everything(), disabled(), texts(), calls()}; };
+}
+
+QStringList ConnectedFixture::busyAtBox() {
+    QStringList names = atBox.disabled;
+    for (const QString& name : disabled())
+        names.removeOne(name);
+    return names;
+}
+
+QString ConnectedFixture::loseBehind(QWidget& below) {
+    watchOf(dialog).setInterval(20); // a second is long
+    KvaSim_Unplug(TestBench::serialNumber);
+    return dismissBoxAbove(below);
+}
 
 QJsonObject networkValues(double wireless, double dhcp) {
     return {{"APConnectUse", wireless},      {"DHCPUse", dhcp},
