@@ -1,3 +1,4 @@
+#include "tests/support/ResultNames.h"
 #include "tests/unit/instrument/ControllerFixture.h"
 
 #include <climits>
@@ -102,49 +103,17 @@ struct NameRow {
     QString text;
 };
 
-QVector<NameRow> resultNames() {
+QVector<NameRow> nameRows() {
     QVector<NameRow> rows;
     const auto add = [&](int code, const char* text) {
         rows.append({QByteArray::number(code), code, text});
     };
-    add(0, "KVA_SUCCESS");
-    add(-9999, "KVA_ERROR");
-    add(-9998, "KVA_ERROR_CONNECT");
-    add(-9997, "KVA_ERROR_DISCONNECT");
-    add(-9996, "KVA_ERROR_CONNECT_TIMEOUT");
-    add(-9995, "KVA_ERROR_CONNECT_ALREADY");
-    add(-9994, "KVA_ERROR_INSTRUMENT_UNAVAILABLE");
-    add(-9993, "KVA_ERROR_INSTRUMENT_INFORMATION");
-    add(-9992, "KVA_ERROR_ARGUMENT");
-    add(-9991, "KVA_ERROR_COMMUNICATION_SEND");
-    add(-9990, "KVA_ERROR_COMMUNICATION_RECEIVE");
-    add(-9989, "KVA_ERROR_COMMUNICATION_CHECKSUM");
-    add(-9988, "KVA_ERROR_COMMUNICATION_PARAM");
-    add(-9987, "KVA_ERROR_COMMUNICATION_TIMEOUT");
-    add(-9986, "KVA_ERROR_CANT_USED");
-    add(-9985, "KVA_ERROR_NO_DATA");
-    add(-9799, "KVA_ERROR_NAK");
-    add(-9798, "KVA_ERROR_NAV");
-    add(-9797, "KVA_ERROR_NSP");
-    add(-9796, "KVA_ERROR_CNF");
-    add(-9795, "KVA_ERROR_NDT");
-    add(-9794, "KVA_ERROR_NEQ");
-
-    const char* const warnings[] = {
-        "KVA_WARNING_WCALIB_TEMP",
-        "KVA_WARNING_BATTERY_EMPTY",
-        "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_BATTERY_EMPTY",
-        "KVA_WARNING_INITIALDATE_SETTING",
-        "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_INITIALDATE_SETTING",
-        "KVA_WARNING_BATTERY_EMPTY/KVA_WARNING_INITIALDATE_SETTING",
-        "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_BATTERY_EMPTY/KVA_WARNING_INITIALDATE_SETTING",
-    };
-    int bits = 0;
-    for (const char* const texts : warnings) {
-        add(++bits, texts);
-        add(bits + 8, texts);
+    for (const ResultName& named : resultNames) {
+        add(named.code, named.text);
+        if (named.code > 0) // higher bits do not count
+            add(named.code + 8, named.text);
     }
-    add(INT_MAX, warnings[6]);
+    add(INT_MAX, std::end(resultNames)[-1].text);
     for (const int code : {8, 16, 1 << 30, INT_MAX - 7})
         add(code, "");
     return rows;
@@ -204,7 +173,7 @@ private Q_SLOTS:
         QCOMPARE(log.lines().join('|'), row.operation.failureLine);
     }
 
-    void namesCode_data() { addRows(resultNames()); }
+    void namesCode_data() { addRows(nameRows()); }
     void namesCode() {
         QFETCH(const NameRow, row);
         const DebugLog log;

@@ -1,18 +1,26 @@
 // Rules that make calls fail.
 
 #include "SimulatorTest.h"
+#include "tests/support/ResultNames.h"
 
 using namespace simtest;
 
 namespace {
 
-struct WhichCallRow {
+struct ResultRow {
+    QByteArray name;
+    QByteArray result; ///< in the rule
+    int code;
+    QByteArray resultName; ///< in the log
+};
+
+struct CallsRow {
     const char* name;
     QByteArray call;
     QByteArray failing;
 };
 
-const WhichCallRow whichCallRows[] = {
+const CallsRow callsRows[] = {
     {"left out", "", "xxxxxx"},
     {"every", "\"every\"", "xxxxxx"},
     {"first", "1", "x-----"},
@@ -74,221 +82,167 @@ private Q_SLOTS:
     }
 
     void results_data() {
-        QTest::addColumn<QByteArray>("given");
-        QTest::addColumn<int>("result");
-        QTest::addColumn<QByteArray>("name");
-        const auto row = [](int result, const char* name) {
-            QTest::newRow(name) << "\"" + QByteArray(name) + "\"" << result << QByteArray(name);
-            QTest::newRow(QByteArray::number(result))
-                << QByteArray::number(result) << result << QByteArray(name);
-        };
-        row(-9999, "KVA_ERROR");
-        row(-9998, "KVA_ERROR_CONNECT");
-        row(-9997, "KVA_ERROR_DISCONNECT");
-        row(-9996, "KVA_ERROR_CONNECT_TIMEOUT");
-        row(-9995, "KVA_ERROR_CONNECT_ALREADY");
-        row(-9994, "KVA_ERROR_INSTRUMENT_UNAVAILABLE");
-        row(-9993, "KVA_ERROR_INSTRUMENT_INFORMATION");
-        row(-9992, "KVA_ERROR_ARGUMENT");
-        row(-9991, "KVA_ERROR_COMMUNICATION_SEND");
-        row(-9990, "KVA_ERROR_COMMUNICATION_RECEIVE");
-        row(-9989, "KVA_ERROR_COMMUNICATION_CHECKSUM");
-        row(-9988, "KVA_ERROR_COMMUNICATION_PARAM");
-        row(-9987, "KVA_ERROR_COMMUNICATION_TIMEOUT");
-        row(-9986, "KVA_ERROR_CANT_USED");
-        row(-9985, "KVA_ERROR_NO_DATA");
-        row(-9799, "KVA_ERROR_NAK");
-        row(-9798, "KVA_ERROR_NAV");
-        row(-9797, "KVA_ERROR_NSP");
-        row(-9796, "KVA_ERROR_CNF");
-        row(-9795, "KVA_ERROR_NDT");
-        row(-9794, "KVA_ERROR_NEQ");
-        row(0, "KVA_SUCCESS");
-        row(1, "KVA_WARNING_WCALIB_TEMP");
-        row(2, "KVA_WARNING_BATTERY_EMPTY");
-        row(4, "KVA_WARNING_INITIALDATE_SETTING");
-        row(5, "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_INITIALDATE_SETTING");
+        QVector<ResultRow> rows = {{"unknown bits", "10", 10, "KVA_WARNING_BATTERY_EMPTY"}};
+        for (const auto& [result, name] : resultNames) {
+            rows += {name, '"' + QByteArray(name) + '"', result, name};
+            rows += {QByteArray::number(result), QByteArray::number(result), result, name};
+        }
         for (const int unnamed : {-9900, -1, 8, INT32_MIN})
-            QTest::newRow(QByteArray::number(unnamed))
-                << QByteArray::number(unnamed) << unnamed << QByteArray();
-        QTest::newRow("unknown bits")
-            << QByteArray("10") << 10 << QByteArray("KVA_WARNING_BATTERY_EMPTY");
+            rows += {QByteArray::number(unnamed), QByteArray::number(unnamed), unnamed, ""};
+        addRows(rows);
     }
-
     void results() {
-        QFETCH(QByteArray, given);
-        QFETCH(int, result);
-        QFETCH(QByteArray, name);
-        const QByteArray rule = "{\"function\": \"KVA_Connect\", \"result\": " + given + '}';
+        const auto row = rowOf<ResultRow>();
+        const QByteArray rule = R"({"function": "KVA_Connect", "result": )" + row.result + '}';
         QVERIFY2(KvaSim_AddFault(rule.constData()), KvaSim_LastError());
-        QCOMPARE(connectTo(usbSerial), result);
+        QCOMPARE(connectTo(usbSerial), row.code);
         const json call = callLog().back();
-        QVERIFY(call["result"] == result);
-        QCOMPARE(QByteArray::fromStdString(call["resultName"].get<std::string>()), name);
+        QVERIFY(call["result"] == row.code);
+        QCOMPARE(call["resultName"].get<std::string>(), row.resultName.toStdString());
         const json listed = faults();
         QCOMPARE(listed.size(), std::size_t{1});
         KvaSim_ClearFaults();
         KVA_Disconnect();
         QVERIFY(addFault(listed[0]));
-        QCOMPARE(connectTo(usbSerial), result);
+        QCOMPARE(connectTo(usbSerial), row.code);
     }
 
-    void whichCall_data() { addRows(whichCallRows); }
-
+    void whichCall_data() { addRows(callsRows); }
     void whichCall() {
-        const WhichCallRow& given = rowOf(whichCallRows);
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        const auto row = rowOf<CallsRow>();
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
         const QByteArray rule = R"({"function": "KVA_GetShutdownTime", "result": -9799)" +
-                                (given.call.isEmpty() ? given.call : ", \"call\": " + given.call) +
-                                '}';
+                                (row.call.isEmpty() ? row.call : ", \"call\": " + row.call) + '}';
         QVERIFY2(KvaSim_AddFault(rule.constData()), KvaSim_LastError());
         QByteArray failed;
         for (int round = 0; round < 6; ++round) {
             std::uint8_t mode = 0;
             failed += KVA_GetShutdownTime(&mode) == KVA_ERROR_NAK ? 'x' : '-';
             KVA_DEVICEINFO info{};
-            QCOMPARE(KVA_GetDeviceInfo(&info), KVA_RESULT{KVA_SUCCESS});
+            QCOMPARE(KVA_GetDeviceInfo(&info), KVA_SUCCESS);
         }
-        QCOMPARE(failed, given.failing);
+        QCOMPARE(failed, row.failing);
     }
 
     void everyFunction_data() {
-        addConnectionCallRows();
-        QTest::newRow("KVA_RegisterDeviceEventHandler") << -1;
-        QTest::newRow("KVA_GetDevicePortList") << -2;
-        QTest::newRow("KVA_Connect") << -3;
+        std::vector<Call> calls = connectionCalls();
+        calls.push_back({"KVA_RegisterDeviceEventHandler",
+                         [] { return KVA_RegisterDeviceEventHandler(recordEvent); }});
+        calls.push_back({"KVA_GetDevicePortList", [] { return std::min(portCount(), 0); }});
+        calls.push_back({"KVA_Connect", [] { return connectTo(usbSerial); }});
+        addRows(calls);
     }
-
     void everyFunction() {
-        QFETCH(int, index);
-        const KVA_PORTINFO port = portOf(usbSerial);
-        const auto call = [&]() -> KVA_RESULT {
-            std::int32_t count = 0;
-            if (index == -1)
-                return KVA_RegisterDeviceEventHandler(recordEvent);
-            if (index == -2)
-                return KVA_GetDevicePortList(nullptr, &count, 0);
-            if (index == -3)
-                return KVA_Connect(&port, 10);
-            return connectionCalls().at(static_cast<std::size_t>(index)).call();
-        };
-        if (index >= 0)
-            QCOMPARE(KVA_Connect(&port, 10), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(addFault(
-            {{"function", QTest::currentDataTag()}, {"call", 1}, {"result", "KVA_ERROR_NSP"}}));
+        const auto row = rowOf<Call>();
+        if (QByteArray(row.name) != "KVA_Connect")
+            QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QVERIFY(addFaultOf(row.name, {{"call", 1}, {"result", "KVA_ERROR_NSP"}}));
         const json before = state();
-        QCOMPARE(call(), KVA_RESULT{KVA_ERROR_NSP});
+        QCOMPARE(row.call(), KVA_ERROR_NSP);
         QVERIFY(state() == before);
-        const bool needsStagedData =
-            QByteArray(QTest::currentDataTag()) == "KVA_JIG_SetFactoryCalib_WriteSector";
-        QCOMPARE(call(), KVA_RESULT{needsStagedData ? KVA_ERROR_NO_DATA : KVA_SUCCESS});
+        QCOMPARE(row.call(), firstAnswerOf(row));
     }
 
     void negativeResultDoesNothing() {
-        QVERIFY(
-            addFault({{"function", "KVA_Connect"}, {"call", 1}, {"result", "KVA_ERROR_CONNECT"}}));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_CONNECT});
+        QVERIFY(addFaultOf("KVA_Connect", {{"call", 1}, {"result", "KVA_ERROR_CONNECT"}}));
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR_CONNECT);
         std::uint8_t mode = 99;
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_ERROR_CONNECT});
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(addFault({{"function", "KVA_Disconnect"}, {"times", 1}, {"result", "KVA_ERROR"}}));
-        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_ERROR});
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_CONNECT_ALREADY});
-        QVERIFY(addFault({{"function", "KVA_GetShutdownTime"}, {"result", "KVA_ERROR"}}));
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_ERROR});
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_CONNECT);
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QVERIFY(addFaultOf("KVA_Disconnect", {{"times", 1}, {"result", "KVA_ERROR"}}));
+        QCOMPARE(KVA_Disconnect(), KVA_ERROR);
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR_CONNECT_ALREADY);
+        QVERIFY(addFaultOf("KVA_GetShutdownTime", {{"result", "KVA_ERROR"}}));
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR);
         QCOMPARE(int{mode}, 99);
     }
 
     void warningPerformsTheCall() {
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(addFault({{"function", "*"}, {"result", "KVA_WARNING_BATTERY_EMPTY"}}));
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QVERIFY(addFaultOf("*", {{"result", "KVA_WARNING_BATTERY_EMPTY"}}));
         const std::uint8_t mode = 3;
-        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_WARNING_BATTERY_EMPTY});
+        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_WARNING_BATTERY_EMPTY);
         std::uint8_t read = 0;
-        QCOMPARE(KVA_GetShutdownTime(&read), KVA_RESULT{KVA_WARNING_BATTERY_EMPTY});
+        QCOMPARE(KVA_GetShutdownTime(&read), KVA_WARNING_BATTERY_EMPTY);
         QCOMPARE(int{read}, 3);
-        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_WARNING_BATTERY_EMPTY});
+        QCOMPARE(KVA_Disconnect(), KVA_WARNING_BATTERY_EMPTY);
     }
 
     void warningDoesNotHideFailure() {
-        QVERIFY(addFault({{"function", "*"}, {"result", 1}}));
-        QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_ERROR_CONNECT});
-        QCOMPARE(KVA_Connect(nullptr, 10), KVA_RESULT{KVA_ERROR_ARGUMENT});
+        QVERIFY(addFaultOf("*", {{"result", 1}}));
+        QCOMPARE(KVA_Disconnect(), KVA_ERROR_CONNECT);
+        QCOMPARE(KVA_Connect(nullptr, 10), KVA_ERROR_ARGUMENT);
     }
 
     void anyFunctionIsCountedApart() {
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(addFault({{"function", "*"}, {"call", 2}, {"result", "KVA_ERROR_NAK"}}));
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QVERIFY(addFaultOf("*", {{"call", 2}, {"result", "KVA_ERROR_NAK"}}));
         std::uint8_t mode = 0;
         KVA_DEVICEINFO info{};
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(KVA_GetDeviceInfo(&info), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_ERROR_NAK});
-        QCOMPARE(KVA_GetDeviceInfo(&info), KVA_RESULT{KVA_ERROR_NAK});
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
+        QCOMPARE(KVA_GetDeviceInfo(&info), KVA_SUCCESS);
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_NAK);
+        QCOMPARE(KVA_GetDeviceInfo(&info), KVA_ERROR_NAK);
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
     }
 
     void serialNumberOfRule() {
-        QVERIFY(addFault({{"function", "*"},
-                          {"call", 2},
-                          {"serialNumber", networkSerial},
-                          {"result", "KVA_ERROR_NAK"}}));
+        QVERIFY(addFaultOf(
+            "*", {{"call", 2}, {"serialNumber", networkSerial}, {"result", "KVA_ERROR_NAK"}}));
         std::uint8_t mode = 0;
         for (int round = 0; round < 3; ++round) {
-            QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-            QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
-            QCOMPARE(KVA_Disconnect(), KVA_RESULT{KVA_SUCCESS});
+            QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+            QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
+            QCOMPARE(KVA_Disconnect(), KVA_SUCCESS);
         }
-        QCOMPARE(connectTo(networkSerial), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_ERROR_NAK});
-        QCOMPARE(connectTo(networkSerial), KVA_RESULT{KVA_ERROR_NAK});
+        QCOMPARE(connectTo(networkSerial), KVA_SUCCESS);
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_NAK);
+        QCOMPARE(connectTo(networkSerial), KVA_ERROR_NAK);
     }
 
     void usedUpRuleIsGone() {
-        QVERIFY(addFault({{"function", "KVA_Connect"}, {"times", 2}, {"result", -9999}}));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR});
+        QVERIFY(addFaultOf("KVA_Connect", {{"times", 2}, {"result", -9999}}));
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR);
         QVERIFY(faults()[0]["times"] == 1);
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR});
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR);
         QVERIFY(faults() == json::array());
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
     }
 
     void firstResultWins() {
-        QVERIFY(addFault({{"function", "KVA_Connect"}, {"result", "KVA_ERROR_NAK"}}));
-        QVERIFY(addFault({{"function", "*"}, {"result", "KVA_ERROR_NAV"}}));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_NAK});
+        QVERIFY(addFaultOf("KVA_Connect", {{"result", "KVA_ERROR_NAK"}}));
+        QVERIFY(addFaultOf("*", {{"result", "KVA_ERROR_NAV"}}));
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR_NAK);
     }
 
     void countedFromAdding() {
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        std::uint8_t mode = 0;
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(addFault({{"function", "KVA_GetShutdownTime"}, {"call", 1}, {"result", -9799}}));
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_ERROR_NAK});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        std::uint8_t mode = held(KVA_GetShutdownTime);
+        QVERIFY(addFaultOf("KVA_GetShutdownTime", {{"call", 1}, {"result", -9799}}));
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_NAK);
     }
 
     void clear() {
         json bench = benchOf({usbSerial});
         bench["faults"].push_back({{"function", "KVA_Connect"}, {"result", "KVA_ERROR_NAK"}});
         QVERIFY(loadJson(bench));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_NAK});
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR_NAK);
         KvaSim_ClearFaults();
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
     }
 
     void refused_data() { addRows(refusedRows); }
-
     void refused() {
-        const RefusedRow& given = rowOf(refusedRows);
-        QVERIFY(!KvaSim_AddFault(given.name.constData()));
-        QVERIFY2(lastError().startsWith(given.path + ": "), KvaSim_LastError());
+        const auto row = rowOf<RefusedRow>();
+        QVERIFY(!KvaSim_AddFault(row.name.constData()));
+        QVERIFY2(wasRefusedFor(row.path), KvaSim_LastError());
         QVERIFY(faults() == json::array());
     }
 
 private:
-    QTemporaryDir m_folder;
+    TestFolder m_folder;
 };
 
-static const bool isAdded = simtest::addTest<TestSimulatorFaults>();
+TEST_CLASS(TestSimulatorFaults)
 #include "tst_simulator_faults.moc"

@@ -3,69 +3,72 @@
 
 #include "SimulatorTest.h"
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
-
+#include <optional>
 #include <sys/stat.h>
 
 using namespace simtest;
 
 namespace {
 
-QByteArray contentOf(const QString& path) {
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("cannot be read");
+constexpr const char* benchFile = "bench/bench.json"; // in the test's folder, the current one
+
+struct stat statusOf(const QString& path) {
+    struct stat status {};
+    ::stat(QFile::encodeName(path).constData(), &status);
+    return status;
 }
 
 int modeOf(const QString& path) {
-    struct stat status {};
-    return ::stat(QFile::encodeName(path).constData(), &status) == 0 ? int(status.st_mode & 0777U)
-                                                                     : -1;
+    return static_cast<int>(statusOf(path).st_mode & 0777U);
 }
 
-json parsed(const QByteArray& text) {
-    return json::parse(text.toStdString(), nullptr, false);
-}
-
-struct RefusedFileIsLeftAloneRow {
+struct RefusedRow {
     const char* name;
     QByteArray content;
     QByteArray reason;
 };
 
-const RefusedFileIsLeftAloneRow refusedFileIsLeftAloneRows[] = {
+const RefusedRow refusedRows[] = {
     {"empty", "", "line 1, column 1"},
     {"no JSON", "hello\n", "line 1, column 1"},
     {"cut", "{\"version\": 1,\n\"instr", "line 2, column"},
     {"newer", "{\"version\": 3}", "version: is 3, newer"},
-    {"damaged",
-     QByteArray("{\"version\": 1, \"instruments\": [{\"serialNumber\": 1,"
-                " \"powerOffMode\": 300}]}"),
+    {"damaged", R"({"version": 1, "instruments": [{"serialNumber": 1, "powerOffMode": 300}]})",
      "instruments[0].powerOffMode: must be"},
     {"zeros", QByteArray(4096, '\0'), "line 1, column 1"},
 };
 
-struct BuiltInBenchIsKeptRow {
+struct ChangeRow {
     const char* name;
-    bool xdg;
+    bool (*isMade)();
 };
 
-const BuiltInBenchIsKeptRow builtInBenchIsKeptRows[] = {
-    {"XDG_DATA_HOME", true},
-    {"HOME", false},
+const ChangeRow changeRows[] = {
+    {"power-off", [] { return send(KVA_SetShutdownTime, 3) != KVA_ERROR; }},
+    {"network", [] { return send(KVA_SetNetworkInfo) != KVA_ERROR; }},
+    {"stage",
+     [] {
+         KVA_JIG_CALREFDATA other{};
+         other.reserved[0] = 1;
+         return send(KVA_JIG_SetFactoryCalib_CALREFDATA, other) != KVA_ERROR;
+     }},
+    {"commit", [] { return KVA_JIG_SetFactoryCalib_WriteSector() != KVA_ERROR; }},
+    {"plug", [] { return KvaSim_Plug(networkSerial); }},
+    {"unplug", [] { return KvaSim_Unplug(usbSerial); }},
+    {"cycle", [] { return KvaSim_PowerCycle(usbSerial); }},
+    {"set",
+     [] {
+         return set(usbSerial, {{"plugged", false}});
+     }},
 };
 
-struct NoHomeRow {
+struct HomeRow {
     const char* name;
-    QByteArray home;
+    QByteArray folder;
 };
 
-const NoHomeRow noHomeRows[] = {
-    {"not set", ""},
-    {"not there", "/nonexistent"},
-    {"relative", "home"},
-};
+const HomeRow dataFolderRows[] = {{"XDG_DATA_HOME", "not yet/there"}, {"HOME", ".local/share"}};
+const HomeRow noHomeRows[] = {{"not set", ""}, {"not there", "/nonexistent"}, {"relative", "home"}};
 
 } // namespace
 
@@ -74,163 +77,144 @@ class TestSimulatorFile : public QObject {
 
 private Q_SLOTS:
     void init() {
-        m_folder.reset(new QTemporaryDir);
+        m_folder.emplace();
         startClean(*m_folder);
-        EventRecord::instance().clear();
-        QVERIFY(QDir(m_folder->path()).mkdir("bench"));
-        m_path = m_folder->filePath("bench/bench.json");
-        qputenv("KVASIM_BENCH", QFile::encodeName(m_path));
+        QVERIFY(QDir().mkdir("bench"));
+        qputenv("KVASIM_BENCH", m_folder->localPath(benchFile));
     }
 
-    void cleanup() {
-        KVA_RegisterDeviceEventHandler(nullptr);
-        KvaSim_Reset();
-    }
+    void cleanup() { KvaSim_Reset(); }
 
     void everyChangeIsSaved() {
-        writeBench(benchOf({usbSerial, networkSerial}));
-        const auto savedIsState = [this] { return parsed(contentOf(m_path)) == state(); };
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        const std::uint8_t mode = 2;
-        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(savedIsState());
+        write(benchOf({usbSerial, networkSerial}));
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QCOMPARE(send(KVA_SetShutdownTime, 2), KVA_SUCCESS);
+        QVERIFY(saved() == state());
         KVA_NETWORKINFO network{};
         std::strcpy(network.SSID, "saved");
-        QCOMPARE(KVA_SetNetworkInfo(&network), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(savedIsState());
+        QCOMPARE(send(KVA_SetNetworkInfo, network), KVA_SUCCESS);
+        QVERIFY(saved() == state());
         KVA_JIG_CALREFDATA data{};
         std::memset(&data, 0x81, sizeof data);
-        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(savedIsState());
-        QCOMPARE(KVA_JIG_SetFactoryCalib_WriteSector(), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(savedIsState());
+        QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA, data), KVA_SUCCESS);
+        QVERIFY(saved() == state());
+        QCOMPARE(KVA_JIG_SetFactoryCalib_WriteSector(), KVA_SUCCESS);
+        QVERIFY(saved() == state());
         QVERIFY(KvaSim_PowerCycle(usbSerial));
-        QVERIFY(savedIsState());
+        QVERIFY(saved() == state());
         QVERIFY(KvaSim_Unplug(networkSerial));
-        QVERIFY(savedIsState());
+        QVERIFY(saved() == state());
         QVERIFY(set(usbSerial, {{"port", {{"name", "USB 2"}}}}));
-        QVERIFY(savedIsState());
-        const json saved = parsed(contentOf(m_path))["instruments"];
-        QVERIFY(saved[0]["network"]["active"]["SSID"] == "saved");
-        QVERIFY(saved[0]["powerOffMode"] == 2);
-        QVERIFY(saved[1]["plugged"] == false);
+        QVERIFY(saved() == state());
+        const json instruments = saved()["instruments"];
+        QVERIFY(instruments[0]["network"]["active"]["SSID"] == "saved");
+        QVERIFY(instruments[0]["powerOffMode"] == 2);
+        QVERIFY(instruments[1]["plugged"] == false);
     }
 
     void stateIsThereAfterRestart() {
-        writeBench(benchOf({usbSerial}));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        write(benchOf({usbSerial}));
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
         KVA_JIG_CALREFDATA data{};
         auto* bytes = reinterpret_cast<unsigned char*>(&data);
         for (std::size_t index = 0; index < sizeof data; ++index)
             bytes[index] = static_cast<unsigned char>(index * 7 + index / 251);
-        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA, data), KVA_SUCCESS);
         KvaSim_Reset();
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        KVA_JIG_CALREFDATA read{};
-        QCOMPARE(KVA_JIG_GetFactoryCalib_CALREFDATA(&read), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(sameBytes(read, data));
-        QCOMPARE(KVA_JIG_SetFactoryCalib_WriteSector(), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QVERIFY(sameBytes(held(KVA_JIG_GetFactoryCalib_CALREFDATA), data));
+        QCOMPARE(KVA_JIG_SetFactoryCalib_WriteSector(), KVA_SUCCESS);
         KvaSim_Reset();
         QVERIFY(KvaSim_PowerCycle(usbSerial));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(KVA_JIG_GetFactoryCalib_CALREFDATA(&read), KVA_RESULT{KVA_SUCCESS});
-        QVERIFY(sameBytes(read, data));
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QVERIFY(sameBytes(held(KVA_JIG_GetFactoryCalib_CALREFDATA), data));
     }
 
     void fileIsReplacedWhole() {
-        writeBench(benchOf({usbSerial}));
-        const QByteArray old = contentOf(m_path);
-        QFile reader(m_path);
+        write(benchOf({usbSerial}));
+        const QByteArray old = m_folder->read(benchFile);
+        QFile reader(benchFile);
         QVERIFY(reader.open(QIODevice::ReadOnly));
         QVERIFY(KvaSim_Unplug(usbSerial));
         QCOMPARE(reader.readAll(), old);
-        QVERIFY(contentOf(m_path) != old);
-        const QDir folder = QFileInfo(m_path).dir();
-        QCOMPARE(folder.entryList(QDir::Files | QDir::Hidden),
+        QVERIFY(m_folder->read(benchFile) != old);
+        QCOMPARE(QDir("bench").entryList(QDir::Files | QDir::Hidden),
                  QStringList({"bench.json", "bench.json.lock"}));
     }
 
     void modeOfFileIsKept() {
-        writeBench(benchOf({usbSerial}));
-        for (const int mode : {0600, 0640}) {
-            QCOMPARE(::chmod(QFile::encodeName(m_path).constData(), static_cast<mode_t>(mode)), 0);
+        write(benchOf({usbSerial}));
+        for (const mode_t mode : {0600U, 0640U}) {
+            QCOMPARE(::chmod(benchFile, mode), 0);
             QVERIFY(KvaSim_PowerCycle(usbSerial));
-            QCOMPARE(modeOf(m_path), mode);
+            QCOMPARE(modeOf(benchFile), static_cast<int>(mode));
         }
     }
 
     void symbolicLinkStays() {
-        writeBench(benchOf({usbSerial}));
-        const QString link = m_folder->filePath("link.json");
-        QVERIFY(QFile::link(m_path, link));
-        qputenv("KVASIM_BENCH", QFile::encodeName(link));
+        write(benchOf({usbSerial}));
+        QVERIFY(QFile::link(benchFile, "link.json"));
+        qputenv("KVASIM_BENCH", m_folder->localPath("link.json"));
         QVERIFY(KvaSim_Unplug(usbSerial));
-        QVERIFY(QFileInfo(link).isSymLink());
-        QVERIFY(parsed(contentOf(m_path))["instruments"][0]["plugged"] == false);
+        QVERIFY(QFileInfo("link.json").isSymLink());
+        QVERIFY(saved()["instruments"][0]["plugged"] == false);
     }
 
     void workingDirectoryMayChange() {
-        writeBench(benchOf({usbSerial}));
-        const QString before = QDir::currentPath();
-        QVERIFY(QDir::setCurrent(m_folder->path()));
-        qputenv("KVASIM_BENCH", "bench/bench.json");
+        write(benchOf({usbSerial}));
+        qputenv("KVASIM_BENCH", benchFile);
         QCOMPARE(ports().size(), std::size_t{1});
-        QVERIFY(QDir::setCurrent(before));
+        QVERIFY(QDir::setCurrent("/"));
         QVERIFY2(KvaSim_Unplug(usbSerial), KvaSim_LastError());
-        QVERIFY(parsed(contentOf(m_path))["instruments"][0]["plugged"] == false);
+        QVERIFY(saved()["instruments"][0]["plugged"] == false);
     }
 
     void faultsAreThoseOfFile() {
         json bench = benchOf({usbSerial});
         const json rule = {{"function", "KVA_Connect"}, {"call", 1}, {"result", "KVA_ERROR_NAK"}};
         bench["faults"].push_back(rule);
-        writeBench(bench);
-        QVERIFY(addFault({{"function", "KVA_Disconnect"}, {"result", 1}, {"times", 1}}));
-        QVERIFY(parsed(contentOf(m_path))["faults"].size() == 2);
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_ERROR_NAK});
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        write(bench);
+        QVERIFY(addFaultOf("KVA_Disconnect", {{"result", 1}, {"times", 1}}));
+        QVERIFY(saved()["faults"].size() == 2);
+        QCOMPARE(connectTo(usbSerial), KVA_ERROR_NAK);
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
         QCOMPARE(KVA_Disconnect(), KVA_RESULT{1});
-        QVERIFY(parsed(contentOf(m_path))["faults"] == json::array({rule}));
+        QVERIFY(saved()["faults"] == json::array({rule}));
         KvaSim_ClearFaults();
-        QVERIFY(parsed(contentOf(m_path))["faults"] == json::array());
+        QVERIFY(saved()["faults"] == json::array());
     }
 
-    void refusedFileIsLeftAlone_data() { addRows(refusedFileIsLeftAloneRows); }
-
+    void refusedFileIsLeftAlone_data() { addRows(refusedRows); }
     void refusedFileIsLeftAlone() {
-        const RefusedFileIsLeftAloneRow& given = rowOf(refusedFileIsLeftAloneRows);
-        writeBench(given.content);
-        struct stat before {};
-        QCOMPARE(::stat(QFile::encodeName(m_path).constData(), &before), 0);
+        const auto row = rowOf<RefusedRow>();
+        m_folder->write(benchFile, row.content);
+        const auto before = statusOf(benchFile).st_ino;
         std::int32_t count = -7;
-        QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_RESULT{KVA_ERROR});
+        QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_ERROR);
         QCOMPARE(count, -7);
         const KVA_PORTINFO port{};
-        QCOMPARE(KVA_Connect(&port, 10), KVA_RESULT{KVA_ERROR});
-        for (const ConnectionCall& call : connectionCalls())
-            QCOMPARE(call.call(), KVA_RESULT{KVA_ERROR});
-        QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(KVA_Connect(&port, 10), KVA_ERROR);
+        for (const Call& call : connectionCalls())
+            QCOMPARE(call.call(), KVA_ERROR);
+        QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_SUCCESS);
         QVERIFY(!KvaSim_Plug(usbSerial));
         QVERIFY(!KvaSim_PowerCycle(usbSerial));
         QVERIFY(!set(usbSerial, {{"plugged", false}}));
-        QVERIFY(!addFault({{"function", "*"}, {"result", 0}}));
+        QVERIFY(!addFaultOf("*", {{"result", 0}}));
         QVERIFY(KvaSim_State() == nullptr);
-        const QByteArray resolved = QFile::encodeName(m_path);
-        QVERIFY2(lastError().startsWith(resolved + ": " + given.reason), KvaSim_LastError());
+        QVERIFY2(lastError().startsWith(m_folder->localPath(benchFile) + ": " + row.reason),
+                 KvaSim_LastError());
 
-        struct stat after {};
-        QCOMPARE(::stat(QFile::encodeName(m_path).constData(), &after), 0);
-        QCOMPARE(after.st_ino, before.st_ino);
-        QCOMPARE(contentOf(m_path), given.content);
-        QCOMPARE(QFileInfo(m_path).dir().entryList(QDir::Files).size(), 1);
+        QCOMPARE(statusOf(benchFile).st_ino, before);
+        QCOMPARE(m_folder->read(benchFile), row.content);
+        QCOMPARE(QDir("bench").entryList(QDir::Files).size(), 1);
     }
 
     void missingFileIsNotMade() {
-        std::int32_t count = 0;
-        QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_RESULT{KVA_ERROR});
+        QCOMPARE(portCount(), KVA_ERROR);
         QVERIFY(!KvaSim_Plug(usbSerial));
         QVERIFY2(lastError().contains("cannot be opened: No such file"), KvaSim_LastError());
-        QVERIFY(!QFileInfo::exists(m_path));
+        QVERIFY(!QFile::exists(benchFile));
     }
 
     void noRegularFile() {
@@ -238,16 +222,15 @@ private Q_SLOTS:
         QVERIFY(ports().empty());
         QVERIFY(!KvaSim_Plug(usbSerial));
         QVERIFY2(lastError().contains("is not a regular file"), KvaSim_LastError());
-        const QByteArray pipe = QFile::encodeName(m_folder->filePath("pipe"));
-        QCOMPARE(::mkfifo(pipe.constData(), 0600), 0);
-        QVERIFY(!KvaSim_LoadFile(pipe.constData()));
+        QCOMPARE(::mkfifo("pipe", 0600), 0);
+        QVERIFY(!KvaSim_LoadFile("pipe"));
         QVERIFY2(lastError().contains("is not a regular file"), KvaSim_LastError());
     }
 
     void refusedFileAfterReset() {
-        writeBench(QByteArray("{"));
+        m_folder->write(benchFile, "{");
         QVERIFY(!KvaSim_Unplug(usbSerial));
-        writeBench(benchOf({usbSerial}));
+        write(benchOf({usbSerial}));
         QVERIFY(!KvaSim_Unplug(usbSerial));
         KvaSim_Reset();
         QVERIFY(KvaSim_Unplug(usbSerial));
@@ -255,89 +238,53 @@ private Q_SLOTS:
 
     void loadFileRefusedKeepsBench() {
         QVERIFY(loadJson(benchOf({5})));
-        QCOMPARE(connectTo(5), KVA_RESULT{KVA_SUCCESS});
-        writeBench(QByteArray("{"));
-        QVERIFY(!KvaSim_LoadFile(QFile::encodeName(m_path).constData()));
-        std::uint8_t mode = 1;
-        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(contentOf(m_path), QByteArray("{"));
-        writeBench(benchOf({6}));
-        QVERIFY(KvaSim_LoadFile(QFile::encodeName(m_path).constData()));
-        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_ERROR_CONNECT});
+        QCOMPARE(connectTo(5), KVA_SUCCESS);
+        m_folder->write(benchFile, "{");
+        QVERIFY(!KvaSim_LoadFile(benchFile));
+        QCOMPARE(send(KVA_SetShutdownTime, 1), KVA_SUCCESS);
+        QCOMPARE(m_folder->read(benchFile), "{");
+        write(benchOf({6}));
+        QVERIFY(KvaSim_LoadFile(benchFile));
+        QCOMPARE(send(KVA_SetShutdownTime, 1), KVA_ERROR_CONNECT);
         QCOMPARE(ports().size(), std::size_t{1});
         QVERIFY(!KvaSim_LoadFile(nullptr));
     }
 
-    void unsavedChangeIsUndone_data() {
-        QTest::addColumn<QByteArray>("change");
-        for (const char* change :
-             {"power-off", "network", "stage", "commit", "plug", "unplug", "cycle", "set"})
-            QTest::newRow(change) << QByteArray(change);
-    }
-
+    void unsavedChangeIsUndone_data() { addRows(changeRows); }
     void unsavedChangeIsUndone() {
-        QFETCH(QByteArray, change);
-        writeBench(benchOf({usbSerial, networkSerial}));
+        write(benchOf({usbSerial, networkSerial}));
         QVERIFY(KvaSim_Unplug(networkSerial));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
-        const KVA_JIG_CALREFDATA data{};
-        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
+        QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA), KVA_SUCCESS);
+        QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_SUCCESS);
         const std::string before = stateText();
-        const QString folder = QFileInfo(m_path).path();
-        QVERIFY(QDir().rename(folder, folder + ".away"));
+        QVERIFY(QDir().rename("bench", "away"));
+        QVERIFY(!rowOf<ChangeRow>().isMade());
+        QVERIFY(stateText() == before);
+        QCOMPARE(deliveredCodes(), "");
 
-        const std::uint8_t mode = 3;
-        const KVA_NETWORKINFO network{};
-        KVA_JIG_CALREFDATA otherData{};
-        otherData.reserved[0] = 1;
-        const KVA_RESULT failed = KVA_ERROR;
-        if (change == "power-off")
-            QCOMPARE(KVA_SetShutdownTime(&mode), failed);
-        else if (change == "network")
-            QCOMPARE(KVA_SetNetworkInfo(&network), failed);
-        else if (change == "stage")
-            QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&otherData), failed);
-        else if (change == "commit")
-            QCOMPARE(KVA_JIG_SetFactoryCalib_WriteSector(), failed);
-        else if (change == "plug")
-            QVERIFY(!KvaSim_Plug(networkSerial));
-        else if (change == "unplug")
-            QVERIFY(!KvaSim_Unplug(usbSerial));
-        else if (change == "cycle")
-            QVERIFY(!KvaSim_PowerCycle(usbSerial));
-        else
-            QVERIFY(!set(usbSerial, {{"plugged", false}}));
-        QCOMPARE(QByteArray::fromStdString(stateText()), QByteArray::fromStdString(before));
-        QCOMPARE(deliveredCodes(), QByteArray());
-
-        QVERIFY(QDir().rename(folder + ".away", folder));
-        QVERIFY(parsed(contentOf(m_path)) == state());
-        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
+        QVERIFY(QDir().rename("away", "bench"));
+        QVERIFY(saved() == state());
+        QCOMPARE(send(KVA_SetShutdownTime, 3), KVA_SUCCESS);
     }
 
-    void builtInBenchIsKept_data() { addRows(builtInBenchIsKeptRows); }
-
+    void builtInBenchIsKept_data() { addRows(dataFolderRows); }
     void builtInBenchIsKept() {
-        const BuiltInBenchIsKeptRow& given = rowOf(builtInBenchIsKeptRows);
+        const auto row = rowOf<HomeRow>();
         qunsetenv("KVASIM_BENCH");
-        qputenv("HOME", m_folder->path().toLocal8Bit());
         qunsetenv("XDG_DATA_HOME");
-        QString data = m_folder->filePath(".local/share");
 #ifdef Q_OS_MACOS
-        data = m_folder->filePath("Library/Application Support");
+        const QString data = m_folder->path("Library/Application Support");
 #else
-        if (given.xdg) {
-            data = m_folder->filePath("not yet/there");
-            qputenv("XDG_DATA_HOME", QFile::encodeName(data));
-        }
+        const QString data = m_folder->path(row.folder);
+        if (QByteArray(row.name) != "HOME")
+            qputenv(row.name, QFile::encodeName(data));
 #endif
         QCOMPARE(ports().size(), std::size_t{2});
         const QString folder = data + "/vq-tl4-simulator";
-        const QString path = folder + "/bench.json";
         QCOMPARE(modeOf(folder), 0700);
-        QCOMPARE(modeOf(path), 0600);
-        QVERIFY(parsed(contentOf(path)) == state());
+        QCOMPARE(modeOf(folder + "/bench.json"), 0600);
+        QVERIFY(parsed(folder + "/bench.json") == state());
         QVERIFY(KvaSim_Unplug(usbSerial));
         KvaSim_Reset();
         QCOMPARE(ports().size(), std::size_t{1});
@@ -346,15 +293,14 @@ private Q_SLOTS:
     void noHome_data() {
         addRows(noHomeRows);
     }
-
     void noHome() {
-        const NoHomeRow& given = rowOf(noHomeRows);
+        const auto row = rowOf<HomeRow>();
         qunsetenv("KVASIM_BENCH");
         qunsetenv("XDG_DATA_HOME");
-        if (given.home.isEmpty())
+        if (row.folder.isEmpty())
             qunsetenv("HOME");
         else
-            qputenv("HOME", given.home);
+            qputenv("HOME", row.folder);
         QCOMPARE(ports().size(), std::size_t{2});
         QVERIFY(KvaSim_Unplug(usbSerial));
         KvaSim_Reset();
@@ -362,32 +308,34 @@ private Q_SLOTS:
     }
 
     void dataFolderCannotBeMade() {
-        writeBench(QByteArray("a file where a folder should be"));
+        m_folder->write(benchFile, "a file where a folder should be");
         qunsetenv("KVASIM_BENCH");
-        qputenv("XDG_DATA_HOME", QFile::encodeName(m_path));
+        qputenv("XDG_DATA_HOME", m_folder->localPath(benchFile));
 #ifdef Q_OS_MACOS
-        QVERIFY(QFile::copy(m_path, m_folder->filePath("Library")));
+        QVERIFY(QFile::copy(benchFile, "Library"));
 #endif
-        std::int32_t count = 0;
-        QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_RESULT{KVA_ERROR});
+        QCOMPARE(portCount(), KVA_ERROR);
         QVERIFY(!KvaSim_Plug(usbSerial));
         QVERIFY2(lastError().contains("cannot be made"), KvaSim_LastError());
     }
 
 private:
-    void writeBench(const QByteArray& text) {
-        QFile file(m_path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        QCOMPARE(file.write(text), qint64{text.size()});
+    void write(const json& bench) const {
+        m_folder->write(benchFile, QByteArray::fromStdString(bench.dump(1)));
     }
 
-    void writeBench(const json& bench) {
-        writeBench(QByteArray::fromStdString(bench.dump(1)));
+    static json parsed(const QString& path) {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly)
+                   ? json::parse(file.readAll().toStdString(), nullptr, false)
+                   : json();
+    }
+    json saved() const {
+        return parsed(m_folder->path(benchFile));
     }
 
-    QScopedPointer<QTemporaryDir> m_folder;
-    QString m_path;
+    std::optional<TestFolder> m_folder;
 };
 
-static const bool isAdded = simtest::addTest<TestSimulatorFile>();
+TEST_CLASS(TestSimulatorFile)
 #include "tst_simulator_file.moc"

@@ -1,12 +1,11 @@
 // The bench as JSON: exact for every byte, with defaults for what is left out.
 
 #include "SimulatorTest.h"
+#include "tests/support/MadeLocale.h"
 
-#include <QProcess>
 #include <QRandomGenerator>
 
 #include <clocale>
-#include <cstdint>
 
 using namespace simtest;
 
@@ -24,29 +23,35 @@ bool reload() {
 }
 
 /** The record that comes back after a passage through JSON. */
-KVA_JIG_CALREFDATA reloaded(const KVA_JIG_CALREFDATA& data) {
-    KVA_JIG_CALREFDATA read{};
-    if (KVA_JIG_SetFactoryCalib_CALREFDATA(&data) != KVA_SUCCESS || !reload() ||
-        KVA_JIG_GetFactoryCalib_CALREFDATA(&read) != KVA_SUCCESS)
-        qFatal("the record did not pass");
-    return read;
+template <typename Record>
+Record reloaded(KVA_RESULT (*set)(const Record*), KVA_RESULT (*get)(Record*),
+                const Record& record) {
+    if (set(&record) != KVA_SUCCESS || !reload())
+        giveUp("the record did not pass");
+    return held(get);
 }
 
-KVA_NETWORKINFO reloaded(const KVA_NETWORKINFO& network) {
-    KVA_NETWORKINFO read{};
-    if (KVA_SetNetworkInfo(&network) != KVA_SUCCESS || !reload() ||
-        KVA_GetNetworkInfo(&read) != KVA_SUCCESS)
-        qFatal("the record did not pass");
-    return read;
+bool passes(const KVA_JIG_CALREFDATA& data) {
+    return sameBytes(
+        reloaded(KVA_JIG_SetFactoryCalib_CALREFDATA, KVA_JIG_GetFactoryCalib_CALREFDATA, data),
+        data);
 }
 
-struct FloatFormsRow {
-    const char* name;
+bool passes(const KVA_NETWORKINFO& network) {
+    return sameBytes(reloaded(KVA_SetNetworkInfo, KVA_GetNetworkInfo, network), network);
+}
+
+json staged() {
+    return instrument(usbSerial)["calibration"]["staged"];
+}
+
+struct FloatRow {
+    QByteArray name;
     std::uint32_t bits;
-    QByteArray form;
+    QByteArray form = {};
 };
 
-const FloatFormsRow floatFormsRows[] = {
+const FloatRow floats[] = {
     {"zero", 0x00000000U, "0.0"},
     {"tenth", 0x3DCCCCCDU, "0.1"},
     {"half", 0x3F000000U, "0.5"},
@@ -57,13 +62,13 @@ const FloatFormsRow floatFormsRows[] = {
     {"payload", 0x7FC00001U, "\"0x7fc00001\""},
 };
 
-struct TextFormsRow {
+struct TextRow {
     const char* name;
     QByteArray bytes;
     bool isString;
 };
 
-const TextFormsRow textFormsRows[] = {
+const TextRow texts[] = {
     {"empty", "", true},
     {"ascii", "press-hall", true},
     {"quote and backslash", "a\"b\\c", true},
@@ -85,14 +90,14 @@ const TextFormsRow textFormsRows[] = {
     {"behind the end", QByteArray("ab\0c", 4), false},
 };
 
-struct BytesFormsRow {
+struct BytesRow {
     const char* name;
     QByteArray form;
     int first;
     int last;
 };
 
-const BytesFormsRow bytesFormsRows[] = {
+const BytesRow reservedBytes[] = {
     {"hex",
      QByteArray("{\"hex\": \"" + QByteArray(2047, 'x').toHex().replace("78", "a1") + "0F\"}"), 0xA1,
      0x0F},
@@ -109,50 +114,48 @@ private Q_SLOTS:
     void init() {
         startClean(m_folder);
         QVERIFY(loadJson(benchOf({usbSerial})));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
     }
 
     void floatPatterns_data() {
-        QTest::addColumn<std::uint32_t>("bits");
         const std::uint32_t patterns[] = {
             0x00000000, 0x80000000, 0x00000001, 0x80000001, 0x007FFFFF, 0x00800000, 0x80800000,
             0x3DCCCCCD, 0x3F800000, 0x3F800001, 0x3F7FFFFF, 0xBF800000, 0x42AE0000, 0x42BDEB85,
             0x4B7FFFFF, 0x4B800001, 0x7F7FFFFF, 0xFF7FFFFF, 0x7F7FFFFE, 0x7F800000, 0xFF800000,
             0x7FC00000, 0x7FC00001, 0xFFC00000, 0x7F800001, 0xFFFFFFFF, 0x7FBFFFFF, 0x15AE43FD};
+        QVector<FloatRow> rows;
         for (const std::uint32_t bits : patterns)
-            QTest::newRow(QByteArray::number(bits, 16).constData()) << bits;
+            rows.append({QByteArray::number(bits, 16), bits});
+        addRows(rows);
     }
-
     void floatPatterns() {
-        QFETCH(std::uint32_t, bits);
+        const std::uint32_t bits = rowOf<FloatRow>().bits;
         KVA_JIG_CALREFDATA data{};
         std::memcpy(&data.rfWhite.spcData[0], &bits, sizeof bits);
         std::memcpy(&data.rfWhite.spcData[37], &bits, sizeof bits);
         std::memcpy(&data.ambAdp.spcData[0], &bits, sizeof bits);
         std::memcpy(&data.ambAdp.spcData[74], &bits, sizeof bits);
-        QVERIFY(sameBytes(reloaded(data), data));
+        QVERIFY(passes(data));
     }
 
-    void floatForms_data() { addRows(floatFormsRows); }
-
+    void floatForms_data() { addRows(floats); }
     void floatForms() {
-        const FloatFormsRow& given = rowOf(floatFormsRows);
+        const auto row = rowOf<FloatRow>();
         KVA_JIG_CALREFDATA data{};
-        std::memcpy(&data.rfWhite.spcData[5], &given.bits, sizeof given.bits);
-        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
-        const json value = instrument(usbSerial)["calibration"]["staged"]["white"]["values"][5];
-        QCOMPARE(QByteArray::fromStdString(value.dump()), given.form);
+        std::memcpy(&data.rfWhite.spcData[5], &row.bits, sizeof row.bits);
+        QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA, data), KVA_SUCCESS);
+        QCOMPARE(staged()["white"]["values"][5].dump(), row.form.toStdString());
     }
 
     void randomRecords() {
         for (int round = 0; round < 60; ++round) {
             KVA_JIG_CALREFDATA data{};
             fillRandomly(&data, sizeof data);
-            QVERIFY(sameBytes(reloaded(data), data));
+            QVERIFY(passes(data));
             KVA_NETWORKINFO network{};
             fillRandomly(&network, sizeof network);
             std::memset(network.padding, 0, sizeof network.padding);
-            QVERIFY(sameBytes(reloaded(network), network));
+            QVERIFY(passes(network));
         }
     }
 
@@ -161,22 +164,21 @@ private Q_SLOTS:
             KVA_NETWORKINFO network{};
             network.SSID[32] = static_cast<char>(value);
             std::memset(network.EncryptKey, value, sizeof network.EncryptKey);
-            QVERIFY2(sameBytes(reloaded(network), network), QByteArray::number(value).constData());
+            QVERIFY2(passes(network), QByteArray::number(value).constData());
         }
     }
 
-    void textForms_data() { addRows(textFormsRows); }
-
+    void textForms_data() { addRows(texts); }
     void textForms() {
-        const TextFormsRow& given = rowOf(textFormsRows);
+        const auto row = rowOf<TextRow>();
         KVA_NETWORKINFO network{};
-        std::memcpy(network.SSID, given.bytes.constData(),
-                    static_cast<std::size_t>(given.bytes.size()));
-        QVERIFY(sameBytes(reloaded(network), network));
+        std::memcpy(network.SSID, row.bytes.constData(),
+                    static_cast<std::size_t>(row.bytes.size()));
+        QVERIFY(passes(network));
         const json ssid = instrument(usbSerial)["network"]["pending"]["SSID"];
-        QCOMPARE(ssid.is_string(), given.isString);
-        if (given.isString)
-            QCOMPARE(QByteArray::fromStdString(ssid.get<std::string>()), given.bytes);
+        QCOMPARE(ssid.is_string(), row.isString);
+        if (row.isString)
+            QCOMPARE(ssid.get<std::string>(), row.bytes.toStdString());
         else
             QCOMPARE(ssid["hex"].get<std::string>().size(), std::size_t{66});
     }
@@ -199,87 +201,81 @@ private Q_SLOTS:
                 data.whiteSerialNo[index] = static_cast<std::uint8_t>(value + index);
                 data.ambAdpSerialNo[3 - index] = static_cast<std::uint8_t>(value + index);
             }
-            QVERIFY2(sameBytes(reloaded(data), data), QByteArray::number(value).constData());
+            QVERIFY2(passes(data), QByteArray::number(value).constData());
         }
         KVA_JIG_CALREFDATA data{};
         data.whiteSerialNo[0] = 0x12;
         data.ambAdpSerialNo[0] = 0x1A;
-        QCOMPARE(KVA_JIG_SetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
-        const json staged = instrument(usbSerial)["calibration"]["staged"];
-        QVERIFY(staged["white"]["serialNumber"] == "12000000");
-        QVERIFY(staged["ambientAdapter"]["serialNumber"] == json({{"hex", "1a000000"}}));
+        QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA, data), KVA_SUCCESS);
+        QVERIFY(staged()["white"]["serialNumber"] == "12000000");
+        QVERIFY(staged()["ambientAdapter"]["serialNumber"] == json({{"hex", "1a000000"}}));
     }
 
-    void bytesForms_data() { addRows(bytesFormsRows); }
-
+    void bytesForms_data() { addRows(reservedBytes); }
     void bytesForms() {
-        const BytesFormsRow& given = rowOf(bytesFormsRows);
+        const auto row = rowOf<BytesRow>();
         const QByteArray patch =
-            "{\"calibration\": {\"committed\": {\"reserved\": " + given.form + "}}}";
+            "{\"calibration\": {\"committed\": {\"reserved\": " + row.form + "}}}";
         QVERIFY2(KvaSim_Set(usbSerial, patch.constData()), KvaSim_LastError());
-        KVA_JIG_CALREFDATA data{};
-        QCOMPARE(KVA_JIG_GetFactoryCalib_CALREFDATA(&data), KVA_RESULT{KVA_SUCCESS});
-        QCOMPARE(int{data.reserved[0]}, given.first);
-        if (given.last >= 0)
-            QCOMPARE(int{data.reserved[2047]}, given.last);
-        QVERIFY(sameBytes(reloaded(data), data));
+        KVA_JIG_CALREFDATA data = held(KVA_JIG_GetFactoryCalib_CALREFDATA);
+        QCOMPARE(int{data.reserved[0]}, row.first);
+        if (row.last >= 0)
+            QCOMPARE(int{data.reserved[2047]}, row.last);
+        QVERIFY(passes(data));
     }
 
     void wholeBenchIsExact() {
         KvaSim_Reset();
         QVERIFY(connectTo(usbSerial) == KVA_SUCCESS);
-        for (const ConnectionCall& call : connectionCalls())
+        for (const Call& call : connectionCalls())
             call.call();
         const std::string text = stateText();
         QVERIFY(!text.empty());
         QVERIFY(KvaSim_LoadJson(text.c_str()));
-        QCOMPARE(QByteArray::fromStdString(stateText()), QByteArray::fromStdString(text));
+        QVERIFY(stateText() == text);
     }
 
     void decimalCommaLocale() {
-        const QByteArray locale = "de_DE.UTF-8";
-        if (std::setlocale(LC_ALL, locale.constData()) == nullptr) {
-            QCOMPARE(
-                QProcess::execute("localedef", {"-i", "de_DE", "-f", "UTF-8",
-                                                m_folder.filePath(QString::fromLatin1(locale))}),
-                0);
+        const char* const name = "de_DE.UTF-8";
+        if (!std::setlocale(LC_ALL, name)) {
+            QCOMPARE(makeLocale(m_folder.path(), name), "");
             qputenv("LOCPATH", m_folder.path().toLocal8Bit());
-            QVERIFY(std::setlocale(LC_ALL, locale.constData()) != nullptr);
+            QVERIFY(std::setlocale(LC_ALL, name));
         }
         QCOMPARE(std::localeconv()->decimal_point, ",");
         KVA_JIG_CALREFDATA data{};
         data.rfWhite.spcData[0] = 0.5F;
         data.rfWhite.spcData[1] = 94.96F;
-        const KVA_JIG_CALREFDATA read = reloaded(data);
-        const json value = instrument(usbSerial)["calibration"]["staged"]["white"]["values"][1];
+        const bool hasPassed = passes(data);
+        const json value = staged()["white"]["values"][1];
         std::setlocale(LC_ALL, "C");
-        QVERIFY(sameBytes(read, data));
-        QCOMPARE(QByteArray::fromStdString(value.dump()), QByteArray("94.96"));
+        QVERIFY(hasPassed);
+        QCOMPARE(value.dump(), std::string("94.96"));
     }
 
     void defaults() {
-        const json value = instrument(usbSerial);
-        QVERIFY(value["plugged"] == true);
-        QVERIFY(value["port"] == json({{"type", 1}, {"name", "USB"}}));
-        QVERIFY(value["device"]["serialNumber"] == usbSerial);
-        QVERIFY(value["device"]["firmware"] == json({1, 0, 0}));
-        QVERIFY(value["device"]["macAddress"] == "02:00:00:0f:42:41");
-        QVERIFY(value["device"]["reserved1"] == json({{"fill", 0}}));
-        QVERIFY(value["wirelessModule"] == true);
-        QVERIFY(value["network"]["active"] == json({{"APConnectUse", 0},
-                                                    {"DHCPUse", 0},
-                                                    {"IPAddress", "192.168.0.10"},
-                                                    {"SubnetMask", "255.255.255.0"},
-                                                    {"DefaultGateway", "192.168.0.1"},
-                                                    {"DNS", "192.168.0.1"},
-                                                    {"SSID", ""},
-                                                    {"EncryptKey", ""}}));
-        QVERIFY(value["network"]["pending"].is_null());
-        QVERIFY(value["powerOffMode"] == 0);
+        json value = instrument(usbSerial);
         const json committed = value["calibration"]["committed"];
         QVERIFY(committed["white"]["serialNumber"] == "10000001");
         QVERIFY(committed["ambientAdapter"]["serialNumber"] == "00010001");
-        QVERIFY(value["calibration"]["staged"].is_null());
+        value["calibration"].erase("committed");
+        const json expected = json::parse(R"({
+            "plugged": true,
+            "port": {"type": 1, "name": "USB"},
+            "wirelessModule": true,
+            "network": {"active": {"APConnectUse": 0, "DHCPUse": 0, "IPAddress": "192.168.0.10",
+                                   "SubnetMask": "255.255.255.0", "DefaultGateway": "192.168.0.1",
+                                   "DNS": "192.168.0.1", "SSID": "", "EncryptKey": ""},
+                        "pending": null},
+            "powerOffMode": 0,
+            "calibration": {"staged": null}})");
+        for (const auto& [key, part] : expected.items())
+            QVERIFY2(value[key] == part, key.c_str());
+        const json device = value["device"];
+        QVERIFY(device["serialNumber"] == usbSerial);
+        QVERIFY(device["firmware"] == json({1, 0, 0}));
+        QVERIFY(device["macAddress"] == "02:00:00:0f:42:41");
+        QVERIFY(device["reserved1"] == json({{"fill", 0}}));
         QVERIFY(state()["faults"] == json::array());
     }
 
@@ -303,8 +299,8 @@ private Q_SLOTS:
     }
 
 private:
-    QTemporaryDir m_folder;
+    TestFolder m_folder;
 };
 
-static const bool isAdded = simtest::addTest<TestSimulatorJson>();
+TEST_CLASS(TestSimulatorJson)
 #include "tst_simulator_json.moc"

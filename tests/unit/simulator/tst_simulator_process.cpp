@@ -3,43 +3,19 @@
 
 #include "SimulatorTest.h"
 
-#include <QDir>
-#include <QFile>
 #include <QFileInfo>
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QtTest>
 
 using namespace simtest;
 
 namespace {
 
-struct Outcome {
-    int status = -1;
-    QByteArray output;
-    QByteArray errors;
-};
-
-Outcome run(const QString& program, const QStringList& arguments,
-            const QProcessEnvironment& environment = QProcessEnvironment::systemEnvironment()) {
-    QProcess process;
-    process.setProcessEnvironment(environment);
-    process.start(program, arguments);
-    if (!process.waitForFinished(30000) || process.exitStatus() != QProcess::NormalExit) {
-        process.kill();
-        process.waitForFinished();
-        return {-1, process.readAllStandardOutput(), process.readAllStandardError()};
-    }
-    return {process.exitCode(), process.readAllStandardOutput(), process.readAllStandardError()};
-}
-
-struct EndOfProcessRow {
+struct EndRow {
     const char* name;
     int status;
     QByteArray output;
 };
 
-const EndOfProcessRow endOfProcessRows[] = {
+const EndRow ends[] = {
     {"exit-with-handler", 5, ""},
     {"exit-in-handler", 7, ""},
     {"remove-at-exit", 0, "0\n"},
@@ -51,13 +27,7 @@ class TestSimulatorProcess : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() {
-        m_environment = QProcessEnvironment::systemEnvironment();
-        m_environment.insert("HOME", m_folder.path());
-        m_environment.insert("XDG_DATA_HOME", m_folder.path());
-        m_environment.remove("KVASIM_BENCH");
-        m_environment.remove("KVASIM_TRACE");
-    }
+    void init() { startClean(m_folder); }
 
     void exportedSymbols() {
 #ifdef Q_OS_MACOS
@@ -109,67 +79,61 @@ private Q_SLOTS:
     void usedFromC() {
         const Outcome outcome = probe("call-all");
         QCOMPARE(outcome.status, 0);
-        QCOMPARE(outcome.output, QByteArray("0 0 0 0 0 0 0 0 0 0\n"));
+        QCOMPARE(outcome.output, "0 0 0 0 0 0 0 0 0 0\n");
     }
 
     void oneLineForRefusedBench() {
-        const QString path = m_folder.filePath("broken.json");
-        QFile file(path);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write("{\"version\": 1,\n \"instruments\": [,]}\n");
-        file.close();
-        m_environment.insert("KVASIM_BENCH", path);
+        m_folder.write("broken.json", "{\"version\": 1,\n \"instruments\": [,]}\n");
+        qputenv("KVASIM_BENCH", m_folder.localPath("broken.json"));
         const Outcome outcome = probe("count-twice");
-        QCOMPARE(outcome.output, QByteArray("-9999 -9999 -1\n"));
+        QCOMPARE(outcome.output, "-9999 -9999 -1\n");
         QCOMPARE(outcome.errors.count('\n'), 1);
         QVERIFY2(outcome.errors.contains("broken.json: line 2, column 18: "),
                  outcome.errors.constData());
     }
 
     void oneLineForNoHome() {
-        m_environment.remove("HOME");
-        m_environment.remove("XDG_DATA_HOME");
+        qunsetenv("HOME");
+        qunsetenv("XDG_DATA_HOME");
         const Outcome outcome = probe("count-twice");
-        QCOMPARE(outcome.output, QByteArray("0 0 2\n"));
+        QCOMPARE(outcome.output, "0 0 2\n");
         QCOMPARE(outcome.errors.count('\n'), 1);
         QVERIFY2(outcome.errors.contains("no home folder"), outcome.errors.constData());
     }
 
     void quietOtherwise() {
         const Outcome outcome = probe("count-twice");
-        QCOMPARE(outcome.output, QByteArray("0 0 2\n"));
-        QCOMPARE(outcome.errors, QByteArray());
+        QCOMPARE(outcome.output, "0 0 2\n");
+        QCOMPARE(outcome.errors, "");
     }
 
     void endOfProcess_data() {
-        addRows(endOfProcessRows);
+        addRows(ends);
     }
-
     void endOfProcess() {
-        const EndOfProcessRow& given = rowOf(endOfProcessRows);
+        const auto row = rowOf<EndRow>();
         for (int round = 0; round < 20; ++round) {
-            const Outcome outcome = probe(QString::fromLatin1(QTest::currentDataTag()));
+            const Outcome outcome = probe(row.name);
             QVERIFY2(outcome.errors.isEmpty(), outcome.errors.constData());
-            QCOMPARE(outcome.status, given.status);
-            QCOMPARE(outcome.output, given.output);
+            QCOMPARE(outcome.status, row.status);
+            QCOMPARE(outcome.output, row.output);
         }
     }
 
     void unloading() {
-        const Outcome outcome = run(UNLOAD_PROBE, {LIBRARY}, m_environment);
+        const Outcome outcome = run(UNLOAD_PROBE, {LIBRARY});
         QVERIFY2(outcome.errors.isEmpty(), outcome.errors.constData());
-        QCOMPARE(outcome.output, QByteArray());
+        QCOMPARE(outcome.output, "");
         QCOMPARE(outcome.status, 0);
     }
 
 private:
-    Outcome probe(const QString& action) const {
-        return run(PROBE, {action}, m_environment);
+    static Outcome probe(const QString& action) {
+        return run(PROBE, {action});
     }
 
-    QTemporaryDir m_folder;
-    QProcessEnvironment m_environment;
+    TestFolder m_folder;
 };
 
-static const bool isAdded = simtest::addTest<TestSimulatorProcess>();
+TEST_CLASS(TestSimulatorProcess)
 #include "tst_simulator_process.moc"

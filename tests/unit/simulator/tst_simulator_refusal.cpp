@@ -6,12 +6,18 @@ using namespace simtest;
 
 namespace {
 
-struct RefusedInInstrumentRow {
+struct TextRow {
+    const char* name;
+    QByteArray text; ///< of the bench
+    QByteArray reason;
+};
+
+struct RefusedRow {
     QByteArray name;
     QByteArray path;
 };
 
-const RefusedInInstrumentRow refusedInInstrumentRows[] = {
+const RefusedRow inInstrument[] = {
     {R"([])", "the document"},
     {R"({"plugged": 1})", "plugged"},
     {R"({"pluged": true})", "pluged"},
@@ -58,12 +64,12 @@ const RefusedInInstrumentRow refusedInInstrumentRows[] = {
     {R"({"powerOffMode": -1})", "powerOffMode"},
 };
 
-struct NoReasonQuotesTheKeyRow {
+struct KeyRow {
     const char* name;
     QByteArray patch;
 };
 
-const NoReasonQuotesTheKeyRow noReasonQuotesTheKeyRows[] = {
+const KeyRow keys[] = {
     {"too long", R"({"network": {"active": {"EncryptKey":
         "secretsecretsecretsecretsecretsecretsecretsecretsecretsecretsecretsecret"}}})"},
     {"NUL", R"({"network": {"active": {"EncryptKey": "secret\u0000"}}})"},
@@ -75,7 +81,7 @@ const NoReasonQuotesTheKeyRow noReasonQuotesTheKeyRows[] = {
     {"no UTF-8", "{\"network\": {\"active\": {\"EncryptKey\": \"secret\xFF\"}}}"},
 };
 
-const RefusedInInstrumentRow refusedInCalibrationRows[] = {
+const RefusedRow inCalibration[] = {
     {R"({"calibration": {"staged": []}})", "calibration.staged"},
     {R"({"calibration": {"committed": {"white": {"serialNumber": 12345678}}}})",
      "calibration.committed.white.serialNumber"},
@@ -89,17 +95,6 @@ const RefusedInInstrumentRow refusedInCalibrationRows[] = {
      "calibration.committed.reserved.hex"},
 };
 
-struct RefusedValueRow {
-    const char* name; // behind "value "
-};
-
-const RefusedValueRow refusedValueRows[] = {
-    {"value null"},         {"value true"},           {"value [1]"},
-    {"value \"1.5\""},      {"value \"0x7fc0000\""},  {"value \"0x7fc000011\""},
-    {"value \"7fc00001\""}, {"value \"0x7fc0000g\""}, {"value 1e39"},
-    {"value -3.5e38"},      {"value 1e-39"},          {"value 1e-60"},
-};
-
 } // namespace
 
 class TestSimulatorRefusal : public QObject {
@@ -109,99 +104,88 @@ private Q_SLOTS:
     void init() {
         startClean(m_folder);
         QVERIFY(loadJson(benchOf({usbSerial, networkSerial})));
-        QCOMPARE(connectTo(usbSerial), KVA_RESULT{KVA_SUCCESS});
+        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
     }
 
     void refused_data() {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QByteArray>("reason");
-        const auto row = [](const char* name, const QByteArray& text, const char* reason) {
-            QTest::newRow(name) << text << QByteArray(reason);
-        };
-        row("empty", "", "line 1, column 1: syntax error");
-        row("no JSON", "not JSON", "line 1, column 2: syntax error");
-        row("third line", "{\n\"version\": 1,\n  \"instruments\": [}",
-            "line 3, column 19: syntax error");
-        row("cut off", "{\"version\": 1,\n\"instruments\": [\n", "line 3, column 1: syntax error");
-        row("more behind", "{\"version\": 1, \"instruments\": []} x",
-            "line 1, column 35: syntax error");
-        row("no UTF-8", "{\"version\": 1, \"instruments\": [], \"\xFF\": 1}", "syntax error");
-        row("huge number", "{\"version\": 1e999, \"instruments\": []}", "out of range");
-        row("array", "[]", "the document: must be an object");
-        row("null", "null", "the document: must be an object");
-        row("no version", "{\"instruments\": []}", "version: is missing");
-        row("version as text", "{\"version\": \"1\", \"instruments\": []}",
-            "version: must be a whole");
-        row("version 0", "{\"version\": 0, \"instruments\": []}", "version: must be a whole");
-        row("version 1.5", "{\"version\": 1.5, \"instruments\": []}", "version: must be a whole");
-        row("newer", "{\"version\": 3, \"surprise\": 1}",
-            "version: is 3, newer than the version 2");
-        row("no instruments", "{\"version\": 1}", "instruments: is missing");
-        row("instruments", "{\"version\": 1, \"instruments\": {}}",
-            "instruments: must be an array");
-        row("unknown", "{\"version\": 1, \"instruments\": [], \"fault\": []}",
-            "fault: is not a known");
-        row("faults", "{\"version\": 1, \"instruments\": [], \"faults\": {}}",
-            "faults: must be an array");
-        row("bad fault",
-            "{\"version\": 1, \"instruments\": [], \"faults\": [{\"function\": \"X\"}]}",
-            "faults[0].function: is not the name of a function");
-        row("key twice", "{\"version\": 1, \"version\": 1, \"instruments\": []}",
-            "\"version\" is given");
-        row("no serial", "{\"version\": 1, \"instruments\": [{}]}",
-            "instruments[0].serialNumber: is missing");
-        row("serial twice",
-            "{\"version\": 1, \"instruments\": [{\"serialNumber\": 5}, {\"serialNumber\": 5}]}",
-            "instruments[1].serialNumber: is the serial number of another");
-        row("deep", QByteArray(70, '[') + QByteArray(70, ']'), "more than 64 levels");
-        row("very deep", QByteArray(200000, '['), "more than 64 levels");
         QByteArray many = "{";
         for (int key = 0; key < 1001; ++key)
             many += "\"" + QByteArray::number(key) + "\":0,";
-        row("many keys", many, "more than 1000 keys");
+        addRows(QVector<TextRow>{
+            {"empty", "", "line 1, column 1: syntax error"},
+            {"no JSON", "not JSON", "line 1, column 2: syntax error"},
+            {"third line", "{\n\"version\": 1,\n  \"instruments\": [}",
+             "line 3, column 19: syntax error"},
+            {"cut off", "{\"version\": 1,\n\"instruments\": [\n", "line 3, column 1: syntax error"},
+            {"more behind", "{\"version\": 1, \"instruments\": []} x",
+             "line 1, column 35: syntax error"},
+            {"no UTF-8", "{\"version\": 1, \"instruments\": [], \"\xFF\": 1}", "syntax error"},
+            {"huge number", "{\"version\": 1e999, \"instruments\": []}", "out of range"},
+            {"array", "[]", "the document: must be an object"},
+            {"null", "null", "the document: must be an object"},
+            {"no version", "{\"instruments\": []}", "version: is missing"},
+            {"version as text", "{\"version\": \"1\", \"instruments\": []}",
+             "version: must be a whole"},
+            {"version 0", "{\"version\": 0, \"instruments\": []}", "version: must be a whole"},
+            {"version 1.5", "{\"version\": 1.5, \"instruments\": []}", "version: must be a whole"},
+            {"newer", "{\"version\": 3, \"surprise\": 1}",
+             "version: is 3, newer than the version 2"},
+            {"no instruments", "{\"version\": 1}", "instruments: is missing"},
+            {"instruments", "{\"version\": 1, \"instruments\": {}}",
+             "instruments: must be an array"},
+            {"unknown", "{\"version\": 1, \"instruments\": [], \"fault\": []}",
+             "fault: is not a known"},
+            {"faults", "{\"version\": 1, \"instruments\": [], \"faults\": {}}",
+             "faults: must be an array"},
+            {"bad fault",
+             "{\"version\": 1, \"instruments\": [], \"faults\": [{\"function\": \"X\"}]}",
+             "faults[0].function: is not the name of a function"},
+            {"key twice", "{\"version\": 1, \"version\": 1, \"instruments\": []}",
+             "\"version\" is given"},
+            {"no serial", "{\"version\": 1, \"instruments\": [{}]}",
+             "instruments[0].serialNumber: is missing"},
+            {"serial twice",
+             "{\"version\": 1, \"instruments\": [{\"serialNumber\": 5}, {\"serialNumber\": 5}]}",
+             "instruments[1].serialNumber: is the serial number of another"},
+            {"deep", QByteArray(70, '[') + QByteArray(70, ']'), "more than 64 levels"},
+            {"very deep", QByteArray(200000, '['), "more than 64 levels"},
+            {"many keys", many, "more than 1000 keys"},
+        });
     }
-
     void refused() {
-        QFETCH(QByteArray, text);
-        QFETCH(QByteArray, reason);
+        const auto row = rowOf<TextRow>();
         const std::string before = stateText();
-        QVERIFY(!KvaSim_LoadJson(text.constData()));
-        QVERIFY2(lastError().contains(reason), KvaSim_LastError());
-        QCOMPARE(QByteArray::fromStdString(stateText()), QByteArray::fromStdString(before));
-        std::uint8_t mode = 0;
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
+        QVERIFY(!KvaSim_LoadJson(row.text));
+        QVERIFY2(lastError().contains(row.reason), KvaSim_LastError());
+        QVERIFY(stateText() == before);
+        held(KVA_GetShutdownTime);
     }
 
-    void refusedInInstrument_data() { addRows(refusedInInstrumentRows); }
-
+    void refusedInInstrument_data() { addRows(inInstrument); }
     void refusedInInstrument() {
-        const RefusedInInstrumentRow& given = rowOf(refusedInInstrumentRows);
-        refuses(given.name, given.path);
+        const auto row = rowOf<RefusedRow>();
+        refuses(row.name, row.path);
     }
 
-    void refusedInCalibration_data() { addRows(refusedInCalibrationRows); }
+    void refusedInCalibration_data() { addRows(inCalibration); }
+    void refusedInCalibration() { refusedInInstrument(); }
 
-    void refusedInCalibration() {
-        const RefusedInInstrumentRow& given = rowOf(refusedInCalibrationRows);
-        refuses(given.name, given.path);
+    void refusedValue_data() {
+        addNames({"value null", "value true", "value [1]", R"(value "1.5")", R"(value "0x7fc0000")",
+                  R"(value "0x7fc000011")", R"(value "7fc00001")", R"(value "0x7fc0000g")",
+                  "value 1e39", "value -3.5e38", "value 1e-39", "value 1e-60"});
     }
-
-    void refusedValue_data() { addRows(refusedValueRows); }
-
     void refusedValue() {
-        QByteArray values;
-        for (int index = 0; index < 37; ++index)
-            values += "1,";
-        refuses(R"({"calibration": {"committed": {"white": {"values": [)" + values +
-                    (rowOf(refusedValueRows).name + 6) + "]}}}}",
+        const QByteArray value(QTest::currentDataTag() + std::strlen("value "));
+        refuses(R"({"calibration": {"committed": {"white": {"values": [)" +
+                    QByteArray("1,").repeated(37) + value + "]}}}}",
                 "calibration.committed.white.values[37]");
     }
 
-    void noReasonQuotesTheKey_data() { addRows(noReasonQuotesTheKeyRows); }
-
+    void noReasonQuotesTheKey_data() { addRows(keys); }
     void noReasonQuotesTheKey() {
-        const NoReasonQuotesTheKeyRow& given = rowOf(noReasonQuotesTheKeyRows);
-        QVERIFY(!KvaSim_Set(usbSerial, given.patch.constData()));
+        const auto row = rowOf<KeyRow>();
+        QVERIFY(!KvaSim_Set(usbSerial, row.patch.constData()));
         QVERIFY(!lastError().isEmpty());
         QVERIFY2(!lastError().contains("secr"), KvaSim_LastError());
     }
@@ -211,22 +195,21 @@ private Q_SLOTS:
         QCOMPARE(lastError(),
                  QByteArray("serialNumber: is the serial number of another instrument"));
         QVERIFY(set(usbSerial, {{"serialNumber", 77}}));
-        std::uint8_t mode = 0;
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_SUCCESS});
+        std::uint8_t mode = held(KVA_GetShutdownTime);
         QVERIFY(KvaSim_Unplug(77));
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_RESULT{KVA_ERROR_INSTRUMENT_UNAVAILABLE});
+        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_INSTRUMENT_UNAVAILABLE);
     }
 
 private:
     static void refuses(const QByteArray& patch, const QByteArray& path) {
         const json before = state();
         QVERIFY(!KvaSim_Set(usbSerial, patch.constData()));
-        QVERIFY2(lastError().startsWith(path + ": "), KvaSim_LastError());
+        QVERIFY2(wasRefusedFor(path), KvaSim_LastError());
         QVERIFY(state() == before);
     }
 
-    QTemporaryDir m_folder;
+    TestFolder m_folder;
 };
 
-static const bool isAdded = simtest::addTest<TestSimulatorRefusal>();
+TEST_CLASS(TestSimulatorRefusal)
 #include "tst_simulator_refusal.moc"
