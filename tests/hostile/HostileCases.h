@@ -10,7 +10,6 @@ struct SettingsCase : HostileCase {
     bool isLoaded = false; ///< else refused by the reader, which the debug log tells
     NetworkBytes record;   ///< the zeroed record that was given in, afterwards
 };
-Q_DECLARE_METATYPE(SettingsCase)
 
 QVector<SettingsCase> settingsCases();
 
@@ -28,7 +27,6 @@ struct CalibrationCase : HostileCase {
         after that was chosen. Without a number in the file the instrument's own counts. */
     bool isRegistered() const { return isRead && (serialNo.isEmpty() || isAccepted); }
 };
-Q_DECLARE_METATYPE(CalibrationCase)
 
 /** Of both accessories. The names of their rows end with the accessory. */
 QVector<CalibrationCase> calibrationCases();

@@ -89,7 +89,7 @@ private Q_SLOTS:
 
     void settingsReader_data() { addRows(settingsCases()); }
     void settingsReader() {
-        QFETCH(const SettingsCase, row);
+        const auto row = rowOf<SettingsCase>();
         HostileFile file(row);
         file.place();
         file.strike();
@@ -101,7 +101,7 @@ private Q_SLOTS:
 
     void calibrationReader_data() { addRows(calibrationCases()); }
     void calibrationReader() {
-        QFETCH(const CalibrationCase, row);
+        const auto row = rowOf<CalibrationCase>();
         HostileFile file(row);
         file.place();
         file.strike();
@@ -114,7 +114,7 @@ private Q_SLOTS:
 
     void networkTab_data() { addRows(settingsCases()); }
     void networkTab() {
-        QFETCH(const SettingsCase, row);
+        const auto row = rowOf<SettingsCase>();
         HostileFile file(row);
         SettingsFixture f;
         QVERIFY(f.connectFirst());
@@ -143,7 +143,7 @@ private Q_SLOTS:
 
     void chosen_data() { addRows(calibrationCases()); }
     void chosen() {
-        QFETCH(const CalibrationCase, row);
+        const auto row = rowOf<CalibrationCase>();
         const CalibrationTab& tab = calibrationTab(row.adapter);
         HostileFile file(row);
         SettingsFixture f;
@@ -171,7 +171,7 @@ private Q_SLOTS:
     void written_data() { addRows(calibrationCases()); }
     /** A good file was chosen; when it is to be written, this one is in its place. */
     void written() {
-        QFETCH(const CalibrationCase, row);
+        const auto row = rowOf<CalibrationCase>();
         const CalibrationTab& tab = calibrationTab(row.adapter);
         HostileFile file(row);
         file.place(TestBench::valueFile(tab.lowestSerialLine, tab.valueCount));

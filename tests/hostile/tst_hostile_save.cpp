@@ -10,14 +10,6 @@ const char* const name = "hostile.ini";
 const QStringList success = {"information: Successful file writing."};
 const QStringList failure = {"error: Failed to write Network Infomation file data."};
 
-/** The settings of the fixture's instrument as a file. */
-QByteArray settingsFile() {
-    return sampleNetworkIni()
-        .replace("Lab 5", "press-hall")
-        .replace("pass word=1", "spectral-key")
-        .replace("8.8.4.4", "8.8.4.0");
-}
-
 /** The debug lines of checking the addresses of the fixture's instrument. */
 QStringList addressLines() {
     return SettingsFixture::digitLines(
@@ -105,11 +97,6 @@ void doNothing() {}
 
 } // namespace
 
-Q_DECLARE_METATYPE(HostileCase)
-Q_DECLARE_METATYPE(ObstacleRow)
-Q_DECLARE_METATYPE(FullRow)
-Q_DECLARE_METATYPE(FolderRow)
-
 /** Network settings saved where there is no room, no right and no such place, and where the place
     is odd; and folders chosen in place of a file. */
 class TestHostileSave : public QObject {
@@ -127,10 +114,10 @@ private Q_SLOTS:
     }
     /** Written there, and read again from there. */
     void opens() {
-        QFETCH(const HostileCase, row);
+        const auto row = rowOf<HostileCase>();
         const HostileFolder folder(row.folder);
         QCOMPARE(save(row.file), success + addressLines());
-        QCOMPARE(contentOf(row.file), settingsFile());
+        QCOMPARE(contentOf(row.file), benchNetworkIni());
         QCOMPARE(filesHere(), QStringList(row.file));
         QVERIFY(readsAgain(row.file));
     }
@@ -151,7 +138,7 @@ private Q_SLOTS:
         });
     }
     void doesNotOpen() {
-        QFETCH(const ObstacleRow, row);
+        const auto row = rowOf<ObstacleRow>();
         const HostileFolder folder;
         place(row.there);
         std::optional<WithoutPrivileges> guard;
@@ -175,15 +162,15 @@ private Q_SLOTS:
             {"no room", 0},
             {"room for half a line", 5},
             {"room for some lines", 100},
-            {"room for all but the last byte", settingsFile().size() - 1},
-            {"just enough", settingsFile().size()},
+            {"room for all but the last byte", benchNetworkIni().size() - 1},
+            {"just enough", benchNetworkIni().size()},
             {"no room for another", 0, "old settings"},
             {"some room for another", 100, QByteArray(1000, 'o')},
         });
     }
     /** The file opens, which decides: what does not fit is missing, and nobody is told. */
     void full() {
-        QFETCH(const FullRow, row);
+        const auto row = rowOf<FullRow>();
         const HostileFolder folder;
         place(row.there);
         std::optional<FileSizeLimit> limit;
@@ -191,7 +178,7 @@ private Q_SLOTS:
             name, [&] { limit.emplace(static_cast<rlim_t>(row.room)); },
             [&limit] { limit.reset(); });
         QCOMPARE(result, success + addressLines());
-        QCOMPARE(contentOf(name), settingsFile().left(row.room));
+        QCOMPARE(contentOf(name), benchNetworkIni().left(row.room));
     }
 
     void folderTypedIntoTheDialog_data() {
@@ -204,7 +191,7 @@ private Q_SLOTS:
     }
     /** It is opened in the file dialog, which stays until it is cancelled. */
     void folderTypedIntoTheDialog() {
-        QFETCH(const FolderRow, row);
+        const auto row = rowOf<FolderRow>();
         const HostileFolder folder;
         QVERIFY(QDir().mkdir(row.folder));
         SettingsFixture f;

@@ -49,6 +49,5 @@ void DebugLog::handle(QtMsgType type, const QMessageLogContext& context, const Q
     if (type == QtDebugMsg && qstrcmp(context.category, "default") == 0)
         current->m_lines.append(text);
     else if (!text.startsWith("This plugin does not support")) // which offscreen windows say
-        current->m_others.append(QString::fromLatin1(context.category) + QStringLiteral(": ") +
-                                 text);
+        current->m_others.append(QString(context.category) + ": " + text);
 }

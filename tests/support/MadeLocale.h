@@ -11,10 +11,8 @@
     @return what went wrong; empty when nothing did */
 inline QByteArray makeLocale(const QString& folder, const QString& name) {
     QProcess localedef;
-    localedef.start(QStringLiteral("localedef"),
-                    {QStringLiteral("-i"), name.section(QLatin1Char('.'), 0, 0),
-                     QStringLiteral("-f"), name.section(QLatin1Char('.'), 1),
-                     folder + QLatin1Char('/') + name});
+    localedef.start("localedef", {"-i", name.section('.', 0, 0), "-f", name.section('.', 1),
+                                  folder + '/' + name});
     if (!localedef.waitForFinished(-1))
         return "the command localedef cannot be run";
     if (localedef.exitStatus() == QProcess::NormalExit && localedef.exitCode() == 0)

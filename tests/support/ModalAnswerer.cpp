@@ -60,7 +60,7 @@ void ModalAnswerer::answerFileDialog(QFileDialog& dialog) {
         dialog.reject();
         return;
     }
-    dialog.findChild<QLineEdit*>(QStringLiteral("fileNameEdit"))->setText(path);
+    dialog.findChild<QLineEdit*>("fileNameEdit")->setText(path);
     // QFileDialog makes accept() protected; the slot is the same one that its button calls.
     QMetaObject::invokeMethod(&dialog, "accept", Qt::DirectConnection);
 }

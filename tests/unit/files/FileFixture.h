@@ -26,7 +26,6 @@ struct Case {
 };
 
 using TextCase = Case<QByteArray, QByteArray>;
-Q_DECLARE_METATYPE(TextCase)
 
 /** Lets files have no more than so many bytes while it exists; they can still be created and
     emptied. */

@@ -105,6 +105,13 @@ inline QByteArray iniSetting(const QByteArray& key, const QByteArray& value) {
     return lines.join('\n');
 }
 
+/** The settings of the instrument of `TestBench` as a file. */
+inline QByteArray benchNetworkIni() {
+    return iniWith("Lab 5", "press-hall")
+        .replace("pass word=1", "spectral-key")
+        .replace("8.8.4.4", "8.8.4.0");
+}
+
 /** The `outcome` of a read into this record. */
 inline QByteArray readNetwork(const char* path, const NetworkBytes& before = {}) {
     KVA_NETWORKINFO info = before.record();

@@ -23,8 +23,6 @@ QByteArrayList linesOf(const char* path, std::size_t maxLine) {
 
 } // namespace
 
-Q_DECLARE_METATYPE(LinesRow)
-
 class TestBoundedLineReader : public QObject {
     Q_OBJECT
 
@@ -62,7 +60,7 @@ private Q_SLOTS:
         addRows(rows);
     }
     void lines() {
-        QFETCH(const LinesRow, row);
+        const auto row = rowOf<LinesRow>();
         const TestFolder folder;
         folder.write("lines", row.content);
         QVERIFY(BoundedLineReader("lines", row.maxLine).isOpen());

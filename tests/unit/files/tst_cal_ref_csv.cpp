@@ -28,12 +28,8 @@ const QByteArray serialNo("\x12\x34\x56\x78");
 
 } // namespace
 
-Q_DECLARE_METATYPE(SerialRow)
-Q_DECLARE_METATYPE(FileRow)
 using LineCase = Case<Edit, bool>;
-Q_DECLARE_METATYPE(LineCase)
 using CellCase = Case<QByteArray, float>;
-Q_DECLARE_METATYPE(CellCase)
 
 /** The two readers of calibration files: what they take from the serial line and the values line,
     and from files that are short, long, odd or broken. */
@@ -87,7 +83,7 @@ private Q_SLOTS:
     }
     /** The values line is right: it is stored whatever the serial line is. */
     void serialLine() {
-        QFETCH(const SerialRow, row);
+        const auto row = rowOf<SerialRow>();
         const char* stored = m_adapter ? row.adapter : row.white;
         const QByteArray said = stored ? "" : "incorrect data. " + row.cited + '\n';
         QCOMPARE(read(calRefFile(m_adapter, row.line)),
@@ -121,7 +117,7 @@ private Q_SLOTS:
         });
     }
     void valuesLine() {
-        QFETCH(const LineCase, row);
+        const auto row = rowOf<LineCase>();
         const QByteArray line = row.given(sampleLine(m_count));
         QCOMPARE(
             read("\n\n12345678\n" + line + "\nbehind\n"),
@@ -149,7 +145,7 @@ private Q_SLOTS:
         });
     }
     void cells() {
-        QFETCH(const CellCase, row);
+        const auto row = rowOf<CellCase>();
         QByteArrayList cells = sampleLine(m_count).split(',');
         QVector<float> expected = values();
         for (int i = 7; i < m_count; i += 10) {
@@ -203,7 +199,7 @@ private Q_SLOTS:
         });
     }
     void files() {
-        QFETCH(const FileRow, row);
+        const auto row = rowOf<FileRow>();
         const QByteArray expected = record(row.hasSerialNo ? serialNo : QByteArray(),
                                            row.hasValues ? values() : QVector<float>());
         QCOMPARE(read(row.content(calRefFile(m_adapter))),

@@ -184,8 +184,6 @@ extern "C" ssize_t read(int file, void* buffer, std::size_t count) {
     return ReadHook::read(file, buffer, count);
 }
 
-Q_DECLARE_METATYPE(DisturbedRow)
-
 /** Files that fail while they are read, or that change meanwhile. Each counts as a file that cannot
     be opened; nothing that was read short is taken. */
 class TestDisturbedReads : public QObject {
@@ -212,7 +210,7 @@ private Q_SLOTS:
         addRows(calibrationRows(false) + calibrationRows(true) + settingsRows() + lookupRows());
     }
     void disturbed() {
-        QFETCH(const DisturbedRow, row);
+        const auto row = rowOf<DisturbedRow>();
         const TestFolder folder;
         folder.write("file", row.content);
         const timespec longAgo[2] = {{1, 0}, {1, 0}}; // a time that no change can have

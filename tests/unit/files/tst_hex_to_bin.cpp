@@ -64,13 +64,9 @@ int writeParseResult(const QByteArray& bytes) {
 
 } // namespace
 
-Q_DECLARE_METATYPE(RunRow)
 using PairCase = Case<const char*, int>;
-Q_DECLARE_METATYPE(PairCase)
 using SizeCase = Case<int, int>;
-Q_DECLARE_METATYPE(SizeCase)
 using FolderCase = Case<int, bool>;
-Q_DECLARE_METATYPE(FolderCase)
 
 class TestHexToBin : public QObject {
     Q_OBJECT
@@ -96,7 +92,7 @@ private Q_SLOTS:
         });
     }
     void pair() {
-        QFETCH(const PairCase, row);
+        const auto row = rowOf<PairCase>();
         QCOMPARE(CHexToBin::hexPairToByte(row.given), row.expected);
     }
 
@@ -136,7 +132,7 @@ private Q_SLOTS:
         });
     }
     void run() {
-        QFETCH(const RunRow, row);
+        const auto row = rowOf<RunRow>();
         const QByteArray guard(16, '\xA5');
         QByteArray out = guard;
         QCOMPARE(convert(row.text, out, 4, row.count), row.result);
@@ -185,7 +181,7 @@ private Q_SLOTS:
         });
     }
     void lines() {
-        QFETCH(const SizeCase, row);
+        const auto row = rowOf<SizeCase>();
         const TestFolder folder;
         const QByteArray bytes = block(row.given);
         int result = EOF;
@@ -242,7 +238,7 @@ private Q_SLOTS:
         });
     }
     void cannotBeOpened() {
-        QFETCH(const FolderCase, row);
+        const auto row = rowOf<FolderCase>();
         const bool isFolder = row.expected;
         const TestFolder folder;
         QVERIFY(QDir().mkdir("working") && QDir::setCurrent("working"));
@@ -260,7 +256,7 @@ private Q_SLOTS:
         });
     }
     void cannotBeWritten() {
-        QFETCH(const SizeCase, row);
+        const auto row = rowOf<SizeCase>();
         const TestFolder folder;
         int result = 1;
         {

@@ -151,7 +151,7 @@ private Q_SLOTS:
         });
     }
     void roundTrip() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         KVA_NETWORKINFO written = {};
         std::memcpy(&written, row.given.constData(), sizeof(written));
         const TestFolder folder;
@@ -202,7 +202,7 @@ private Q_SLOTS:
         });
     }
     void accepted() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         QCOMPARE(readContent(row.given), outcome(true, sampleNetwork().bytes()));
     }
 
@@ -229,7 +229,7 @@ private Q_SLOTS:
     }
     /** None of them has a first key, so the record stays as it was. */
     void refused() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         QCOMPARE(readContent(row.given, patternedNetwork()),
                  outcome(false, patternedNetwork().bytes()));
     }
@@ -251,7 +251,7 @@ private:
     /** The row's value, given to each of the keys in turn, is read as these bytes: of a text, else
         in hexadecimal. */
     void checkValue(const QByteArrayList& keys) {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         for (const QByteArray& key : keys) {
             const bool isText = key == "SSID" || key == "EncryptKey";
             const QByteArray bytes = isText
@@ -265,7 +265,7 @@ private:
     /** The fields of the keys before the one that the row expects are filled, the others are not
         reached. */
     void checkRefused() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         QCOMPARE(readContent(row.given),
                  outcome(false, sampleNetwork().clearFrom(row.expected).bytes()));
     }

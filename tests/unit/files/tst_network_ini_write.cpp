@@ -38,8 +38,6 @@ int writesSoFar() {
 
 } // namespace
 
-Q_DECLARE_METATYPE(ContentRow)
-
 /** The network settings file as it is written, byte for byte. */
 class TestNetworkIniWrite : public QObject {
     Q_OBJECT
@@ -89,7 +87,7 @@ private Q_SLOTS:
         });
     }
     void content() {
-        QFETCH(const ContentRow, row);
+        const auto row = rowOf<ContentRow>();
         const TestFolder folder;
         QVERIFY(write("net.ini", sampleNetwork().set(row.key, row.bytes)));
         QCOMPARE(folder.read("net.ini"), iniSetting(row.key, row.value));
@@ -132,7 +130,7 @@ private Q_SLOTS:
         });
     }
     void cannotBeOpened() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         const TestFolder folder;
         QVERIFY(::mkdir("folder", 0700) == 0);
         QVERIFY(::symlink("loop", "loop") == 0);

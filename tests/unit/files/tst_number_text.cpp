@@ -17,8 +17,6 @@ constexpr float largest = std::numeric_limits<float>::max();
 
 using IntegerCase = Case<const char*, std::uint32_t>;
 using RealCase = Case<const char*, float>;
-Q_DECLARE_METATYPE(IntegerCase)
-Q_DECLARE_METATYPE(RealCase)
 
 class TestNumberText : public QObject {
     Q_OBJECT
@@ -63,7 +61,7 @@ private Q_SLOTS:
         });
     }
     void integer() {
-        QFETCH(const IntegerCase, row);
+        const auto row = rowOf<IntegerCase>();
         QCOMPARE(NumberText::toInt32(row.given), static_cast<std::int32_t>(row.expected));
     }
 
@@ -107,7 +105,7 @@ private Q_SLOTS:
         });
     }
     void real() {
-        QFETCH(const RealCase, row);
+        const auto row = rowOf<RealCase>();
         const float actual = NumberText::toFloat(row.given);
         // Not QCOMPARE, which takes neighbouring singles for equal.
         QVERIFY2(std::equal_to<float>()(actual, row.expected),

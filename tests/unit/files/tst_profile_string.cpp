@@ -48,9 +48,6 @@ QByteArray lineEndingIn(const QByteArray& end, int length) {
 
 } // namespace
 
-Q_DECLARE_METATYPE(NamesRow)
-Q_DECLARE_METATYPE(DefaultRow)
-
 /** The lookup of one key, `CFileIO::ReadProfileString`. */
 class TestProfileString : public QObject {
     Q_OBJECT
@@ -98,7 +95,7 @@ private Q_SLOTS:
         });
     }
     void values() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         QCOMPARE(lookedUpIn("[Section]\n" + row.given + "\n"), row.expected);
         QCOMPARE(lookedUpIn("[Section]\n" + row.given), row.expected);
         QCOMPARE(lookedUpIn("[section]\r\n\nOther=1\n\r\n" + row.given + "\nLast=2\n"),
@@ -160,7 +157,7 @@ private Q_SLOTS:
         addRows(rows);
     }
     void files() {
-        QFETCH(const TextCase, row);
+        const auto row = rowOf<TextCase>();
         QCOMPARE(lookedUpIn(row.given), row.expected);
     }
 
@@ -176,7 +173,7 @@ private Q_SLOTS:
         });
     }
     void otherNames() {
-        QFETCH(const NamesRow, row);
+        const auto row = rowOf<NamesRow>();
         const TestFolder folder;
         folder.write("file.ini", "[One]\nA=11\nB=12\n[Two]\nB=22\n=no name\n[]\nB=32\n");
         QCOMPARE(lookedUp(row.section, row.key), row.expected);
@@ -192,7 +189,7 @@ private Q_SLOTS:
         });
     }
     void defaults() {
-        QFETCH(const DefaultRow, row);
+        const auto row = rowOf<DefaultRow>();
         const TestFolder folder;
         folder.write("file.ini", "[Section]\nOther=abc\n");
         const auto lookUp = [&row](const char* defaultValue, char* out) {

@@ -19,9 +19,7 @@ struct Derived : CFileIO {
 
 } // namespace
 
-Q_DECLARE_METATYPE(PiecesRow)
 using DecimalCase = Case<unsigned char, unsigned int>;
-Q_DECLARE_METATYPE(DecimalCase)
 
 class TestSplitString : public QObject {
     Q_OBJECT
@@ -47,7 +45,7 @@ private Q_SLOTS:
         });
     }
     void pieces() {
-        QFETCH(const PiecesRow, row);
+        const auto row = rowOf<PiecesRow>();
         QByteArrayList actual;
         for (const std::string& piece : CFileIO::SplitString(row.text.toStdString(), row.delimiter))
             actual.append(QByteArray::fromStdString(piece));
@@ -76,7 +74,7 @@ private Q_SLOTS:
         });
     }
     void binaryCodedDecimal() {
-        QFETCH(const DecimalCase, row);
+        const auto row = rowOf<DecimalCase>();
         QCOMPARE(CFileIO::BcdToDec(row.given), row.expected);
     }
 

@@ -36,8 +36,6 @@ bool makeSocket() {
 
 } // namespace
 
-Q_DECLARE_METATYPE(KindRow)
-
 /** Every kind of path that counts as a file that cannot be opened for reading, given to all that
     read files. What is a file is right for its reader. */
 class TestUnopenableFiles : public QObject {
@@ -105,7 +103,7 @@ private:
     /** Makes the row's kind of path, beside a file of this content, and calls @p read with it. */
     template <typename Read>
     void check(const QByteArray& content, const Read& read) {
-        QFETCH_GLOBAL(const KindRow, row);
+        const auto row = globalRowOf<KindRow>();
         const TestFolder folder;
         folder.write("right", content);
         QVERIFY(row.make());

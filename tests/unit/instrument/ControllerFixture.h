@@ -10,26 +10,44 @@
 
 #include <cstring>
 
-/** A controller that is connected to the first instrument of the bench, and what it logs after
-   that. The call log is empty then. The test fails when there is no connection. */
-class ConnectedController : public CKvaSdk_Ctrl {
+/** A controller, and what its operations leave behind. */
+class LoggedController : public CKvaSdk_Ctrl {
+public:
+    /** The last result is one that no operation gives, and the call log is empty. */
+    LoggedController() { forget(); }
+
+    /** Since it was made, or since the last `forget`: the last result (4: untouched), the debug
+        lines, the calls. */
+    QStringList left() const {
+        return QStringList(QString::number(m_lastResult)) + log.lines() +
+               TestBench::detailedCalls();
+    }
+    void forget() {
+        m_lastResult = 4;
+        log.clear();
+        TestBench::clearCalls();
+    }
+
+    DebugLog log;
+};
+
+/** One that is connected to the first instrument of the bench. The test fails when there is no
+    connection. */
+class ConnectedController : public LoggedController {
 public:
     ConnectedController() { connect(); }
 
-    /** Loses what the instrument has not committed, connects to it again and empties both logs. */
+    /** Loses what the instrument has not committed, connects to it again and forgets the rest. */
     void powerCycle() {
         TestBench::powerCycle();
         connect();
     }
 
-    DebugLog log;
-
 private:
     void connect() {
         if (!GetDevicePortList() || !Connect(0, 10))
             QTest::qFail("The controller does not connect.", __FILE__, __LINE__);
-        TestBench::clearCalls();
-        log.clear();
+        forget();
     }
 };
 
@@ -38,7 +56,6 @@ struct NumberRow {
     const char* name;
     qint64 value;
 };
-Q_DECLARE_METATYPE(NumberRow)
 
 /** Writes a file, unless @p content is null. @return its path in the local 8-bit encoding */
 inline QByteArray localFile(const TestFolder& folder, const QByteArray& content) {
@@ -59,6 +76,12 @@ inline bool hasNoNetworkTexts(const CKvaSdk_Ctrl& controller) {
 inline QStringList addresses(const CKvaSdk_Ctrl& controller) {
     return {controller.m_ipAddress.join('|'), controller.m_subnetMask.join('|'),
             controller.m_defaultGateway.join('|'), controller.m_dns.join('|')};
+}
+
+/** The texts of serial numbers: the instrument's two, then those of files. */
+inline QStringList serialNumbers(const CKvaSdk_Ctrl& controller) {
+    return {controller.m_curWCPSerialNo, controller.m_curAmbAdpSerialNo,
+            controller.m_fileWCPSerialNo, controller.m_fileAmbAdpSerialNo};
 }
 
 /** What the connected instrument answers to a request for its calibration record. */
@@ -99,7 +122,6 @@ struct Accessory {
         return valuesIn(numberedIn(record, serialNo));
     }
 };
-Q_DECLARE_METATYPE(Accessory)
 
 constexpr Accessory whitePlate = {"white plate",
                                   &CKvaSdk_Ctrl::ReadWCPFile,

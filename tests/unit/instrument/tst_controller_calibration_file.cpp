@@ -138,7 +138,7 @@ struct SerialNumbersRow {
     QString adapter;
 };
 
-const SerialNumbersRow serialNumbers[] = {
+const SerialNumbersRow heldNumbers[] = {
     {"12345678, 00012345", "12345678", "00012345"},
     {"00000000, 00000000", "00000000", "00000000"},
     {"00000007, 99999999", "00000007", "99999999"},
@@ -149,8 +149,6 @@ const SerialNumbersRow serialNumbers[] = {
 };
 
 } // namespace
-Q_DECLARE_METATYPE(FileRow)
-Q_DECLARE_METATYPE(SerialNumbersRow)
 
 class TestControllerCalibrationFile : public QObject {
     Q_OBJECT
@@ -159,29 +157,20 @@ private Q_SLOTS:
 
     void startsEmpty() {
         const CKvaSdk_Ctrl controller;
-        QCOMPARE(controller.m_curWCPSerialNo, "");
-        QCOMPARE(controller.m_curAmbAdpSerialNo, "");
-        QCOMPARE(controller.m_fileWCPSerialNo, "");
-        QCOMPARE(controller.m_fileAmbAdpSerialNo, "");
+        QCOMPARE(serialNumbers(controller), QStringList({"", "", "", ""}));
     }
 
-    void readsTheInstrumentsSerialNumbers_data() { addRows(serialNumbers); }
+    void readsTheInstrumentsSerialNumbers_data() { addRows(heldNumbers); }
     void readsTheInstrumentsSerialNumbers() {
-        QFETCH(const SerialNumbersRow, row);
+        const auto row = rowOf<SerialNumbersRow>();
         const QByteArray name = row.name;
         ConnectedController controller;
         TestBench::set(R"({"calibration": {"committed": {"white": {"serialNumber": {"hex": ")" +
                        name.left(8) + R"("}}, "ambientAdapter": {"serialNumber": {"hex": ")" +
                        name.right(8) + R"("}}}}})");
         QVERIFY(controller.GetCalRefSerialNo());
-        QCOMPARE(controller.m_curWCPSerialNo, row.white);
-        QCOMPARE(controller.m_curAmbAdpSerialNo, row.adapter);
-        QCOMPARE(controller.m_fileWCPSerialNo, "");
-        QCOMPARE(controller.m_fileAmbAdpSerialNo, "");
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(), QStringList());
-        QCOMPARE(TestBench::detailedCalls(),
-                 QStringList("KVA_JIG_GetFactoryCalib_CALREFDATA {} 0"));
+        QCOMPARE(serialNumbers(controller), QStringList({row.white, row.adapter, "", ""}));
+        QCOMPARE(controller.left(), QStringList({"0", "KVA_JIG_GetFactoryCalib_CALREFDATA {} 0"}));
     }
 
     void failedReadEmptiesTheInstrumentsSerialNumbers() {
@@ -189,11 +178,11 @@ private Q_SLOTS:
         QVERIFY(controller.GetCalRefSerialNo());
         QCOMPARE(controller.m_curWCPSerialNo, "12345678");
         TestBench::answer("KVA_JIG_GetFactoryCalib_CALREFDATA", -9985);
+        controller.forget();
         QVERIFY(!controller.GetCalRefSerialNo());
-        QCOMPARE(controller.m_curWCPSerialNo, "");
-        QCOMPARE(controller.m_curAmbAdpSerialNo, "");
-        QCOMPARE(controller.m_lastResult, -9985);
-        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(serialNumbers(controller), QStringList({"", "", "", ""}));
+        QCOMPARE(controller.left(),
+                 QStringList({"-9985", "KVA_JIG_GetFactoryCalib_CALREFDATA {} -9985"}));
     }
 
     void checksFile_data() {
@@ -201,13 +190,10 @@ private Q_SLOTS:
     }
 
     void checksFile() {
-        QFETCH(const FileRow, row);
+        const auto row = rowOf<FileRow>();
         const QByteArray path = localFile(m_folder, row.content);
-        CKvaSdk_Ctrl controller;
-        controller.m_lastResult = 4;
+        LoggedController controller;
         controller.m_fileWCPSerialNo = controller.m_fileAmbAdpSerialNo = textBefore;
-        TestBench::clearCalls();
-        const DebugLog log;
         std::optional<StandardOutput> output(std::in_place); // the test's own messages go there too
         const bool isValid = (controller.*row.accessory.read)(path);
         const QByteArray printed = output->take();
@@ -217,9 +203,7 @@ private Q_SLOTS:
         QCOMPARE(controller.*row.accessory.fileSerialNo, row.text);
         const Accessory& other = row.accessory.valueCount == 38 ? adapter : whitePlate;
         QCOMPARE(controller.*other.fileSerialNo, textBefore);
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(log.lines(), row.lines);
-        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(controller.left(), QStringList("4") + row.lines);
     }
 
 private:

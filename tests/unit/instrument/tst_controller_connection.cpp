@@ -48,38 +48,40 @@ const ConnectRow connections[] = {
 struct IdentityRow {
     const char* name;
     QByteArray device;
-    QString serialNo;
-    QString firmVersion;
-    QString macAddress;
+    QStringList texts; ///< serial number, firmware, MAC address
 };
 
 const IdentityRow identities[] = {
-    {"padded", R"({"serialNumber":1234567,"firmware":[1,2,3],"macAddress":"02:0a:bc:0d:ef:09"})",
-     "01234567", "1.02.0003", "02:0A:BC:0D:EF:09"},
-    {"zero", R"({"serialNumber":0,"firmware":[0,0,0],"macAddress":"00:00:00:00:00:00"})",
-     "00000000", "0.00.0000", "00:00:00:00:00:00"},
+    {"padded",
+     R"({"serialNumber":1234567,"firmware":[1,2,3],"macAddress":"02:0a:bc:0d:ef:09"})",
+     {"01234567", "1.02.0003", "02:0A:BC:0D:EF:09"}},
+    {"zero",
+     R"({"serialNumber":0,"firmware":[0,0,0],"macAddress":"00:00:00:00:00:00"})",
+     {"00000000", "0.00.0000", "00:00:00:00:00:00"}},
     {"full width",
      R"({"serialNumber":12345678,"firmware":[12,34,5678],"macAddress":"ff:fe:fd:fc:fb:fa"})",
-     "12345678", "12.34.5678", "FF:FE:FD:FC:FB:FA"},
+     {"12345678", "12.34.5678", "FF:FE:FD:FC:FB:FA"}},
     {"never cut",
      R"({"serialNumber":123456789,"firmware":[123,456,78901],"macAddress":"01:23:45:67:89:ab"})",
-     "123456789", "123.456.78901", "01:23:45:67:89:AB"},
+     {"123456789", "123.456.78901", "01:23:45:67:89:AB"}},
     {"signs",
      R"({"serialNumber":2147483647,"firmware":[4294967295,-1,-2],
          "macAddress":"10:20:30:40:50:60"})",
-     "2147483647", "4294967295.-1.-002", "10:20:30:40:50:60"},
+     {"2147483647", "4294967295.-1.-002", "10:20:30:40:50:60"}},
     // The field is unsigned, the format is that of a signed number.
     {"serial number above the signed range",
      R"({"serialNumber":4294967295,"firmware":[1,0,0],"macAddress":"00:00:00:00:00:01"})",
-     "-0000001", "1.00.0000", "00:00:00:00:00:01"},
+     {"-0000001", "1.00.0000", "00:00:00:00:00:01"}},
 };
+
+QStringList identity(const CKvaSdk_Ctrl& controller) {
+    return {controller.m_serialNo, controller.m_firmVersion, controller.m_macAddress};
+}
 
 const NumberRow failures[] = {
     {"error", -9999}, {"information", -9993}, {"not equal", -9794}, {"-1", -1}};
 
 } // namespace
-Q_DECLARE_METATYPE(ConnectRow)
-Q_DECLARE_METATYPE(IdentityRow)
 
 class TestControllerConnection : public QObject {
     Q_OBJECT
@@ -89,8 +91,8 @@ private Q_SLOTS:
 
     /** Fails without a call to the library when there is no such entry. */
     void connects() {
-        QFETCH(const ConnectRow, row);
-        CKvaSdk_Ctrl controller;
+        const auto row = rowOf<ConnectRow>();
+        LoggedController controller;
         if (row.before != NothingListed)
             QVERIFY(controller.GetDevicePortList());
         if (row.before == ListLost) {
@@ -103,14 +105,15 @@ private Q_SLOTS:
             TestBench::answer("KVA_Connect", -9996);
         if (row.before == Unplugged)
             TestBench::unplug();
-        TestBench::clearCalls();
-        controller.m_lastResult = 4;
-        const DebugLog log;
+        controller.forget();
         QCOMPARE(controller.Connect(row.index, row.wait), row.lastResult == 0);
         QCOMPARE(controller.m_connected, row.isConnected);
-        QCOMPARE(controller.m_lastResult, row.lastResult);
-        QCOMPARE(log.lines(), row.lastResult == 0 ? QStringList() : QStringList(conectError));
-        QCOMPARE(TestBench::detailedCalls().join('\n'), row.call);
+        QStringList expected(QString::number(row.lastResult));
+        if (row.lastResult != 0)
+            expected += conectError;
+        if (!row.call.isEmpty())
+            expected += row.call;
+        QCOMPARE(controller.left(), expected);
     }
 
     void connectsToTheChosenEntry() {
@@ -130,24 +133,20 @@ private Q_SLOTS:
         ConnectedController controller;
         QVERIFY(controller.Disconnect());
         QVERIFY(!controller.m_connected);
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(), QStringList());
-        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_Disconnect {} 0"));
+        QCOMPARE(controller.left(), QStringList({"0", "KVA_Disconnect {} 0"}));
     }
 
     void disconnectWithoutConnection() {
-        CKvaSdk_Ctrl controller;
+        LoggedController controller;
         QVERIFY(controller.GetDevicePortList());
-        TestBench::clearCalls();
-        controller.m_lastResult = 4;
-        const DebugLog log;
+        controller.forget();
         QVERIFY(!controller.Disconnect());
-        QCOMPARE(controller.m_lastResult, 4);
+        QCOMPARE(controller.left(), QStringList({"4", diconectAlready}));
         QVERIFY(controller.Connect(0, 10));
         QVERIFY(controller.Disconnect());
+        controller.forget();
         QVERIFY(!controller.Disconnect());
-        QCOMPARE(log.lines(), QStringList({diconectAlready, diconectAlready}));
-        QCOMPARE(TestBench::calls(), QStringList({"KVA_Connect", "KVA_Disconnect"}));
+        QCOMPARE(controller.left(), QStringList({"4", diconectAlready}));
     }
 
     void failedDisconnectCanBeRepeated() {
@@ -158,10 +157,8 @@ private Q_SLOTS:
         QCOMPARE(controller.m_lastResult, -9997);
         QVERIFY(controller.Disconnect());
         QVERIFY(!controller.m_connected);
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(), QStringList(diconectError));
-        QCOMPARE(TestBench::detailedCalls(),
-                 QStringList({"KVA_Disconnect {} -9997", "KVA_Disconnect {} 0"}));
+        QCOMPARE(controller.left(), QStringList({"0", diconectError, "KVA_Disconnect {} -9997",
+                                                 "KVA_Disconnect {} 0"}));
     }
 
     void lostConnectionKeepsConnected() {
@@ -179,16 +176,12 @@ private Q_SLOTS:
 
     void formatsIdentity_data() { addRows(identities); }
     void formatsIdentity() {
-        QFETCH(const IdentityRow, row);
+        const auto row = rowOf<IdentityRow>();
         TestBench::set(R"({"device":)" + row.device + '}');
         ConnectedController controller;
         QVERIFY(controller.GetDeviceInfo());
-        QCOMPARE(controller.m_serialNo, row.serialNo);
-        QCOMPARE(controller.m_firmVersion, row.firmVersion);
-        QCOMPARE(controller.m_macAddress, row.macAddress);
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(), QStringList());
-        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetDeviceInfo {} 0"));
+        QCOMPARE(identity(controller), row.texts);
+        QCOMPARE(controller.left(), QStringList({"0", "KVA_GetDeviceInfo {} 0"}));
     }
 
     void readsTheIdentityRecord() {
@@ -203,16 +196,14 @@ private Q_SLOTS:
 
     void failureEmptiesIdentity_data() { addRows(failures); }
     void failureEmptiesIdentity() {
-        QFETCH(const NumberRow, row);
+        const auto row = rowOf<NumberRow>();
         const int result = static_cast<int>(row.value);
         ConnectedController controller;
         QVERIFY(controller.GetDeviceInfo());
-        QVERIFY(!controller.m_serialNo.isEmpty());
+        QVERIFY(!identity(controller).contains(""));
         TestBench::answer("KVA_GetDeviceInfo", result);
         QVERIFY(!controller.GetDeviceInfo());
-        QCOMPARE(controller.m_serialNo, "");
-        QCOMPARE(controller.m_firmVersion, "");
-        QCOMPARE(controller.m_macAddress, "");
+        QCOMPARE(identity(controller), QStringList({"", "", ""}));
         QCOMPARE(controller.m_lastResult, result);
         QCOMPARE(controller.log.lines(), QStringList("Failed to read Firm data. \n"));
     }

@@ -85,8 +85,6 @@ QVector<ReadBackRow> readBacks() {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(CountRow)
-Q_DECLARE_METATYPE(ReadBackRow)
 
 KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
     static const auto function =
@@ -129,7 +127,7 @@ private Q_SLOTS:
 
     void boundsTheCount_data() { addRows(counts); }
     void boundsTheCount() {
-        QFETCH(const CountRow, row);
+        const auto row = rowOf<CountRow>();
         alterations.portList = [&](KVA_RESULT result, const KVA_PORTINFO* list, int32_t* count) {
             *count = list ? row.filled : row.queried;
             return result;
@@ -178,7 +176,7 @@ private Q_SLOTS:
         };
         ConnectedController controller;
         QVERIFY(!controller.IsWifiModuleEnabled());
-        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.m_lastResult, 4);
         QVERIFY(!controller.GetDeviceInfo());
         QCOMPARE(controller.m_lastResult, -9999);
         QCOMPARE(controller.m_serialNo + controller.m_firmVersion + controller.m_macAddress, "");
@@ -219,7 +217,7 @@ private Q_SLOTS:
 
     void readBackDiffers_data() { addRows(readBacks()); }
     void readBackDiffers() {
-        QFETCH(const ReadBackRow, row);
+        const auto row = rowOf<ReadBackRow>();
         const QByteArray path = localFile(m_folder, row.content);
         ConnectedController controller;
         int reads = 0;
@@ -241,7 +239,7 @@ private Q_SLOTS:
     /** What the fetch leaves out is registered as zero, never as what was on the stack. The
         registration succeeds, since that is what is read back. */
     void fetchFillsNothing() {
-        QFETCH(const Accessory, row);
+        const auto row = rowOf<Accessory>();
         ConnectedController controller;
         unfilled = 1;
         QVERIFY((controller.*row.write)(localFile(m_folder, row.file())));
@@ -253,7 +251,7 @@ private Q_SLOTS:
 
     void noFetchFillsAnything_data() { addRows(accessories); }
     void noFetchFillsAnything() {
-        QFETCH(const Accessory, row);
+        const auto row = rowOf<Accessory>();
         ConnectedController controller;
         unfilled = 2;
         QVERIFY(!(controller.*row.write)(localFile(m_folder, row.file())));

@@ -85,8 +85,6 @@ const CallRow failures[] = {
 const CallRow warnings[] = {{"count", 1, 2}, {"fill", 2, 2}, {"both", 0, 2}};
 
 } // namespace
-Q_DECLARE_METATYPE(TextRow)
-Q_DECLARE_METATYPE(CallRow)
 
 class TestControllerEnumeration : public QObject {
     Q_OBJECT
@@ -105,19 +103,16 @@ private Q_SLOTS:
 
     void listsText_data() { addRows(texts); }
     void listsText() {
-        QFETCH(const TextRow, row);
+        const auto row = rowOf<TextRow>();
         TestBench::load({instrumentAt(row.serialNumber, row.portType, row.portName)});
-        CKvaSdk_Ctrl controller;
-        TestBench::clearCalls();
-        const DebugLog log;
+        LoggedController controller;
         QVERIFY(controller.GetDevicePortList());
         QCOMPARE(controller.m_deviceNameList, QStringList(row.text));
         QCOMPARE(controller.m_deviceCount, 1);
         QCOMPARE(controller.m_portCount, 1);
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(log.lines(), QStringList("port count[1] \n"));
-        QCOMPARE(TestBench::detailedCalls(),
-                 QStringList({R"(KVA_GetDevicePortList {"list":false,"maxEntries":0} 0)",
+        QCOMPARE(controller.left(),
+                 QStringList({"0", "port count[1] \n",
+                              R"(KVA_GetDevicePortList {"list":false,"maxEntries":0} 0)",
                               R"(KVA_GetDevicePortList {"list":true,"maxEntries":100} 0)"}));
     }
 
@@ -137,16 +132,17 @@ private Q_SLOTS:
 
     void listsUpToHundred_data() { addRows(counts); }
     void listsUpToHundred() {
-        QFETCH(const NumberRow, row);
-        CKvaSdk_Ctrl controller;
+        const auto row = rowOf<NumberRow>();
+        LoggedController controller;
         QVERIFY(controller.GetDevicePortList());
         TestBench::load(usbInstruments(static_cast<int>(row.value)));
         const int listed = static_cast<int>(std::min<qint64>(row.value, 100));
-        const DebugLog log;
+        controller.forget();
         QVERIFY(controller.GetDevicePortList());
+        QCOMPARE(TestBench::calls().size(), 2);
         // The line shows the count of the first call, the list that of the second.
-        QCOMPARE(log.lines(), QStringList(QString("port count[%1] \n").arg(row.value)));
-        QCOMPARE(controller.m_lastResult, 0);
+        QCOMPARE(controller.left().mid(0, 2),
+                 QStringList({"0", QString("port count[%1] \n").arg(row.value)}));
         QCOMPARE(controller.m_portCount, listed);
         QCOMPARE(controller.m_deviceCount, listed);
         QCOMPARE(controller.m_ports.size(), static_cast<std::size_t>(listed));
@@ -157,29 +153,27 @@ private Q_SLOTS:
             QCOMPARE(controller.m_ports[static_cast<std::size_t>(i)].serialNumber, i + 1);
         }
         QVERIFY(hasOnlyZeros(controller.m_portList + listed, 100 - listed));
-        QCOMPARE(TestBench::calls().size(), 2);
     }
 
     void failureLeavesNoList_data() { addRows(failures); }
     void failureLeavesNoList() {
-        QFETCH(const CallRow, row);
-        CKvaSdk_Ctrl controller;
+        const auto row = rowOf<CallRow>();
+        LoggedController controller;
         QVERIFY(controller.GetDevicePortList());
         QCOMPARE(controller.m_deviceCount, 1);
-        TestBench::clearCalls();
+        controller.forget();
         TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
-        const DebugLog log;
         QVERIFY(!controller.GetDevicePortList());
         QVERIFY(hasNoList(controller));
         QCOMPARE(controller.m_lastResult, row.result);
         // What the library stored last: a refused count query leaves the earlier count.
-        QCOMPARE(log.lines(), QStringList("port count[1] \n"));
+        QCOMPARE(controller.log.lines(), QStringList("port count[1] \n"));
         QCOMPARE(TestBench::calls().size(), row.call);
     }
 
     void warningStillLists_data() { addRows(warnings); }
     void warningStillLists() {
-        QFETCH(const CallRow, row);
+        const auto row = rowOf<CallRow>();
         CKvaSdk_Ctrl controller;
         TestBench::answer("KVA_GetDevicePortList", row.result, row.call);
         QVERIFY(controller.GetDevicePortList());

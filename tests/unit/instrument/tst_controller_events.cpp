@@ -62,7 +62,6 @@ void noteThread(QtMsgType, const QMessageLogContext&, const QString&) {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(EventRow)
 
 class TestControllerEvents : public QObject {
     Q_OBJECT
@@ -71,7 +70,7 @@ private Q_SLOTS:
     void init() { TestBench::load(); }
     void handlesEvent_data() { addRows(events()); }
     void handlesEvent() {
-        QFETCH(const EventRow, row);
+        const auto row = rowOf<EventRow>();
         g_deviceDisconnected = row.before;
         const DebugLog log;
         DeviceEventHandler(row.code, row.rawDataCount, row.error);

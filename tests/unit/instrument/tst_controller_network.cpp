@@ -89,9 +89,6 @@ QVector<SetTextRow> setTexts() {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(TextsRow)
-Q_DECLARE_METATYPE(AddressRow)
-Q_DECLARE_METATYPE(SetTextRow)
 
 class TestControllerNetwork : public QObject {
     Q_OBJECT
@@ -119,9 +116,7 @@ private Q_SLOTS:
         QCOMPARE(controller.m_encryptKey, "spectral-key");
         QCOMPARE(addresses(controller),
                  QStringList({"192|168|0|10", "255|255|255|0", "192|168|0|1", "8|8|4|0"}));
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(), QStringList());
-        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetNetworkInfo {} 0"));
+        QCOMPARE(controller.left(), QStringList({"0", "KVA_GetNetworkInfo {} 0"}));
     }
 
     /** Each value of an octet, in each of the four lists. */
@@ -142,7 +137,7 @@ private Q_SLOTS:
 
     void readsFlags_data() { addRows(flags); }
     void readsFlags() {
-        QFETCH(const NumberRow, row);
+        const auto row = rowOf<NumberRow>();
         const QByteArray value = QByteArray::number(row.value);
         const bool isOn = row.value != 0;
         ConnectedController controller;
@@ -160,7 +155,7 @@ private Q_SLOTS:
 
     void readsTexts_data() { addRows(texts); }
     void readsTexts() {
-        QFETCH(const TextsRow, row);
+        const auto row = rowOf<TextsRow>();
         ConnectedController controller;
         setNetwork(R"("SSID": )" + row.ssidJson + R"(, "EncryptKey": )" + row.keyJson);
         QVERIFY(controller.GetNetworkInfo());
@@ -179,7 +174,7 @@ private Q_SLOTS:
 
     void failedReadEmptiesTexts_data() { addRows(failures); }
     void failedReadEmptiesTexts() {
-        QFETCH(const NumberRow, row);
+        const auto row = rowOf<NumberRow>();
         ConnectedController controller;
         QVERIFY(controller.GetNetworkInfo());
         TestBench::answer("KVA_GetNetworkInfo", static_cast<int>(row.value));
@@ -192,28 +187,21 @@ private Q_SLOTS:
 
     void sendsTheRecord() {
         ConnectedController controller;
-        const uint8_t ip[] = {10, 20, 30, 40};
-        const uint8_t mask[] = {255, 0, 0, 0};
-        const uint8_t gateway[] = {10, 0, 0, 1};
-        const uint8_t dns[] = {9, 8, 7, 6};
+        const uint8_t octets[4][4] = {
+            {10, 20, 30, 40}, {255, 0, 0, 0}, {10, 0, 0, 1}, {9, 8, 7, 6}};
         controller.m_networkInfo.APConnectUse = 1;
         controller.m_networkInfo.DHCPUse = 1;
-        controller.SetIPAddress(ip);
-        controller.SetSubnetMask(mask);
-        controller.SetDefaultGateway(gateway);
-        controller.SetDNS(dns);
+        for (int i = 0; i < 4; ++i)
+            (controller.*addressSetters[i].set)(octets[i]);
         controller.SetSSID("measuring-room");
         controller.SetEncryptKey("a key");
         const QByteArray sent = TestBench::bytesOf(controller.m_networkInfo);
         QVERIFY(controller.SetNetworkInfo());
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(), QStringList());
-        QCOMPARE(
-            TestBench::detailedCalls(),
-            QStringList(R"(KVA_SetNetworkInfo {"network":{"APConnectUse":1,"DHCPUse":1,)"
-                        R"("DNS":"9.8.7.6","DefaultGateway":"10.0.0.1","EncryptKey":{"length":5},)"
-                        R"("IPAddress":"10.20.30.40","SSID":"measuring-room",)"
-                        R"("SubnetMask":"255.0.0.0"}} 0)"));
+        const QString call =
+            R"(KVA_SetNetworkInfo {"network":{"APConnectUse":1,"DHCPUse":1,"DNS":"9.8.7.6",)"
+            R"("DefaultGateway":"10.0.0.1","EncryptKey":{"length":5},"IPAddress":"10.20.30.40",)"
+            R"("SSID":"measuring-room","SubnetMask":"255.0.0.0"}} 0)";
+        QCOMPARE(controller.left(), QStringList({"0", call}));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
         QCOMPARE(TestBench::bytesOf(heldNetwork()), sent);
         controller.powerCycle();
@@ -242,7 +230,7 @@ private Q_SLOTS:
 
     void setsAddresses_data() { addRows(addressSetters); }
     void setsAddresses() {
-        QFETCH(const AddressRow, row);
+        const auto row = rowOf<AddressRow>();
         CKvaSdk_Ctrl controller;
         const uint8_t octets[] = {1, 0, 254, 255};
         (controller.*row.set)(octets);
@@ -252,7 +240,7 @@ private Q_SLOTS:
 
     void setsText_data() { addRows(setTexts()); }
     void setsText() {
-        QFETCH(const SetTextRow, row);
+        const auto row = rowOf<SetTextRow>();
         CKvaSdk_Ctrl controller;
         KVA_NETWORKINFO& info = controller.m_networkInfo;
         std::memset(info.SSID, '#', sizeof info.SSID);
@@ -270,44 +258,35 @@ private Q_SLOTS:
     }
 
     void settersTouchNothingElse() {
-        CKvaSdk_Ctrl controller;
-        controller.m_lastResult = 4;
-        TestBench::clearCalls();
-        const DebugLog log;
+        LoggedController controller;
         controller.SetSSID(QByteArray(40, 's'));
         controller.SetEncryptKey(QByteArray(80, 'k'));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
                  QByteArray(24, '\0') + QByteArray(32, 's') + '\0' + QByteArray(64, 'k') +
                      QByteArray(3, '\0'));
         QCOMPARE(controller.m_ssid, "");
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(TestBench::calls(), QStringList());
-        QCOMPARE(log.lines(), QStringList());
+        QCOMPARE(controller.left(), QStringList("4"));
     }
 
     void queriesWifiModule_data() { addRows(bytes); }
     void queriesWifiModule() {
-        QFETCH(const NumberRow, row);
+        const auto row = rowOf<NumberRow>();
         ConnectedController controller;
         // The other bytes of the record count for nothing.
         TestBench::set(R"({"factoryOptionsReserved": {"fill": 255}, "wirelessModule": )" +
                        QByteArray(row.name) + '}');
-        controller.m_lastResult = 4;
         QCOMPARE(controller.IsWifiModuleEnabled(), row.value != 0);
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(controller.log.lines(),
-                 QStringList(QString("  wifiModuleEnable :      %1\n").arg(row.value)));
-        QCOMPARE(TestBench::detailedCalls(),
-                 QStringList("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} 0"));
+        QCOMPARE(controller.left(),
+                 QStringList({"4", QString("  wifiModuleEnable :      %1\n").arg(row.value),
+                              "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} 0"}));
     }
 
     void failedWifiQueryReadsAsNone() {
         ConnectedController controller;
         TestBench::answer("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", -9797);
-        controller.m_lastResult = 4;
         QVERIFY(!controller.IsWifiModuleEnabled());
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(controller.log.lines(), QStringList());
+        QCOMPARE(controller.left(),
+                 QStringList({"4", "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} -9797"}));
     }
 };
 

@@ -1,18 +1,16 @@
+#include "tests/unit/files/NetworkFixture.h"
 #include "tests/unit/instrument/ControllerFixture.h"
 
 namespace {
 
-const QByteArray settings = "[Network]\n"
-                            "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
-                            "DHCPUse=1\n"
-                            "IPAddress=10.0.100.255\n"
-                            "SubnetMask=255.255.0.0\n"
-                            "DefaultGateway=10.0.0.1\n"
-                            "SSID=hall 2\n"
-                            "EncryptKey=secret\n"
-                            "DNS=1.2.3.4\n"
-                            "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
-                            "APConnectUse=0\n";
+const QByteArray settings = iniSetting("DHCPUse", "1")
+                                .replace("192.168.0.10", "10.0.100.255")
+                                .replace("255.255.255.0", "255.255.0.0")
+                                .replace("192.168.0.1\n", "10.0.0.1\n")
+                                .replace("Lab 5", "hall 2")
+                                .replace("pass word=1", "secret")
+                                .replace("8.8.4.4", "1.2.3.4")
+                                .replace("APConnectUse=1", "APConnectUse=0");
 
 QByteArray settingsWith(const QByteArray& before, const QByteArray& after) {
     return QByteArray(settings).replace(before, after);
@@ -47,7 +45,6 @@ const RefusedRow refusedFiles[] = {
 };
 
 } // namespace
-Q_DECLARE_METATYPE(RefusedRow)
 
 class TestControllerNetworkFile : public QObject {
     Q_OBJECT
@@ -56,10 +53,7 @@ private Q_SLOTS:
 
     void readsFile() {
         const QByteArray path = localFile(m_folder, settings);
-        CKvaSdk_Ctrl controller;
-        controller.m_lastResult = 4;
-        TestBench::clearCalls();
-        const DebugLog log;
+        LoggedController controller;
         QVERIFY(controller.ReadNetworkInfoFile(path));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo),
                  QByteArray::fromHex("00000000010000000a0064ffffff00000a00000101020304") +
@@ -71,18 +65,14 @@ private Q_SLOTS:
         QCOMPARE(controller.m_encryptKey, "secret");
         QCOMPARE(addresses(controller),
                  QStringList({"10|0|100|255", "255|255|0|0", "10|0|0|1", "1|2|3|4"}));
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(log.lines(), QStringList());
-        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(controller.left(), QStringList("4"));
     }
 
     void refusesFile_data() { addRows(refusedFiles); }
     void refusesFile() {
-        QFETCH(const RefusedRow, row);
+        const auto row = rowOf<RefusedRow>();
         const QByteArray path = localFile(m_folder, row.content);
-        CKvaSdk_Ctrl controller;
-        controller.m_lastResult = 4;
-        const DebugLog log;
+        LoggedController controller;
         QVERIFY(!controller.ReadNetworkInfoFile(path));
         QVERIFY(hasNoNetworkTexts(controller));
         if (row.lines.isEmpty()) {
@@ -92,8 +82,7 @@ private Q_SLOTS:
         }
         if (row.content.isNull())
             QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(log.lines(), row.lines);
+        QCOMPARE(controller.left(), QStringList("4") + row.lines);
     }
 
     void failedReadReplacesTheInstrumentsSettings() {
@@ -108,35 +97,19 @@ private Q_SLOTS:
         ConnectedController controller;
         QVERIFY(controller.GetNetworkInfo());
         const QByteArray record = TestBench::bytesOf(controller.m_networkInfo);
-        controller.m_lastResult = 4;
-        TestBench::clearCalls();
+        controller.forget();
         QVERIFY(controller.WriteNetworkInfoFile(m_folder.localPath("out.ini")));
-        QCOMPARE(m_folder.read("out.ini"), "[Network]\n"
-                                           "; 0:eDHCP_OFF, 1:eDHCP_ON\n"
-                                           "DHCPUse=0\n"
-                                           "IPAddress=192.168.0.10\n"
-                                           "SubnetMask=255.255.255.0\n"
-                                           "DefaultGateway=192.168.0.1\n"
-                                           "SSID=press-hall\n"
-                                           "EncryptKey=spectral-key\n"
-                                           "DNS=8.8.4.0\n"
-                                           "; 0:eAPConnect_OFF, 1:eAPConnect_ON\n"
-                                           "APConnectUse=1\n");
+        QCOMPARE(m_folder.read("out.ini"), benchNetworkIni());
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), record);
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(controller.log.lines(), QStringList());
-        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(controller.left(), QStringList("4"));
     }
 
     void failsToWrite() {
-        CKvaSdk_Ctrl controller;
+        LoggedController controller;
         controller.SetSSID("kept");
-        controller.m_lastResult = 4;
-        const DebugLog log;
         QVERIFY(!controller.WriteNetworkInfoFile(m_folder.localPath("none/out.ini")));
         QCOMPARE(controller.m_networkInfo.SSID, "kept");
-        QCOMPARE(controller.m_lastResult, 4);
-        QCOMPARE(log.lines(), QStringList("Failed to write network setting file. \n"));
+        QCOMPARE(controller.left(), QStringList({"4", "Failed to write network setting file. \n"}));
     }
 
     void readsWhatItWrote() {

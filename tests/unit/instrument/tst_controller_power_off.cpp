@@ -20,16 +20,15 @@ private Q_SLOTS:
     void init() { TestBench::load(); }
     void readsMode_data() { addRows(modes); }
     void readsMode() {
-        QFETCH(const NumberRow, row);
+        const auto row = rowOf<NumberRow>();
         ConnectedController controller;
         TestBench::set(R"({"powerOffMode": )" + QByteArray(row.name) + '}');
         uint8_t mode = 77;
         QVERIFY(controller.GetShutdownTime(mode));
         QCOMPARE(qint64{mode}, row.value);
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(),
-                 QStringList(QString("KVA_GetShutdownTime() success[mode:%1].\n").arg(row.value)));
-        QCOMPARE(TestBench::detailedCalls(), QStringList("KVA_GetShutdownTime {} 0"));
+        const QString line = "KVA_GetShutdownTime() success[mode:%1].\n";
+        QCOMPARE(controller.left(),
+                 QStringList({"0", line.arg(row.value), "KVA_GetShutdownTime {} 0"}));
     }
 
     void failsToRead() {
@@ -48,14 +47,12 @@ private Q_SLOTS:
 
     void writesMode_data() { addRows(modes); }
     void writesMode() {
-        QFETCH(const NumberRow, row);
+        const auto row = rowOf<NumberRow>();
         ConnectedController controller;
         QVERIFY(controller.SetShutdownTime(static_cast<uint8_t>(row.value)));
-        QCOMPARE(controller.m_lastResult, 0);
-        QCOMPARE(controller.log.lines(),
-                 QStringList(QString("KVA_SetShutdownTime() success[mode:%1].\n").arg(row.value)));
-        QCOMPARE(TestBench::detailedCalls(),
-                 QStringList(QString(R"(KVA_SetShutdownTime {"mode":%1} 0)").arg(row.value)));
+        const QString line = "KVA_SetShutdownTime() success[mode:%1].\n";
+        const QString call = R"(KVA_SetShutdownTime {"mode":%1} 0)";
+        QCOMPARE(controller.left(), QStringList({"0", line.arg(row.value), call.arg(row.value)}));
         QCOMPARE(qint64{heldMode()}, row.value);
     }
 
@@ -63,8 +60,8 @@ private Q_SLOTS:
         ConnectedController controller;
         TestBench::answer("KVA_SetShutdownTime", -9799);
         QVERIFY(!controller.SetShutdownTime(3));
-        QCOMPARE(controller.m_lastResult, -9799);
-        QCOMPARE(controller.log.lines(), QStringList("KVA_SetShutdownTime() failed[mode:3].\n"));
+        QCOMPARE(controller.left(), QStringList({"-9799", "KVA_SetShutdownTime() failed[mode:3].\n",
+                                                 R"(KVA_SetShutdownTime {"mode":3} -9799)"}));
         QCOMPARE(heldMode(), 2);
     }
 };

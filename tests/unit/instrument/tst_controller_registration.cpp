@@ -81,7 +81,6 @@ QVector<RegistrationRow> registrations() {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(RegistrationRow)
 
 class TestControllerRegistration : public QObject {
     Q_OBJECT
@@ -89,7 +88,7 @@ private Q_SLOTS:
     void init() { TestBench::load(); }
     void registers_data() { addRows(registrations()); }
     void registers() {
-        QFETCH(const RegistrationRow, row);
+        const auto row = rowOf<RegistrationRow>();
         ConnectedController controller;
         const QByteArray before = calibrationRecord();
         QCOMPARE(before.size(), 2508);
@@ -106,8 +105,7 @@ private Q_SLOTS:
         QCOMPARE(controller.log.lines(), row.lines);
         QCOMPARE(TestBench::calls(), row.calls);
         // The texts are those of other operations.
-        QCOMPARE(controller.m_curWCPSerialNo + controller.m_curAmbAdpSerialNo, "");
-        QCOMPARE(controller.m_fileWCPSerialNo + controller.m_fileAmbAdpSerialNo, "");
+        QCOMPARE(serialNumbers(controller), QStringList({"", "", "", ""}));
         KvaSim_ClearFaults();
         // A set or commit that failed may have changed the instrument's working copy.
         if (row.succeeds() || !row.calls.contains(setCall))
@@ -130,7 +128,7 @@ private Q_SLOTS:
 
     void readsTheFileAgain_data() { addRows(accessories); }
     void readsTheFileAgain() {
-        QFETCH(const Accessory, row);
+        const auto row = rowOf<Accessory>();
         ConnectedController controller;
         const QByteArray before = calibrationRecord();
         const QByteArray other = row.valueCount == 38 ? "87654321" : "00098765";
@@ -170,7 +168,7 @@ private Q_SLOTS:
         registration fetches, completes and commits it. The row "commit" has a power cycle instead,
         which drops it. */
     void commitsWhatAFailedCommitLeft() {
-        QFETCH(const Accessory, row);
+        const auto row = rowOf<Accessory>();
         const Accessory& next = row.valueCount == 38 ? adapter : whitePlate;
         ConnectedController controller;
         const QByteArray before = calibrationRecord();
@@ -200,7 +198,7 @@ private Q_SLOTS:
 
     void failsWithoutConnection_data() { addRows(accessories); }
     void failsWithoutConnection() {
-        QFETCH(const Accessory, row);
+        const auto row = rowOf<Accessory>();
         CKvaSdk_Ctrl controller;
         const DebugLog log;
         QVERIFY(!write(controller, row, row.file()));

@@ -120,8 +120,6 @@ QVector<NameRow> nameRows() {
 }
 
 } // namespace
-Q_DECLARE_METATYPE(ResultRow)
-Q_DECLARE_METATYPE(NameRow)
 
 class TestControllerResults : public QObject {
     Q_OBJECT
@@ -134,7 +132,7 @@ private Q_SLOTS:
     void init() { TestBench::load(); }
     void warningIsSuccess_data() { addRows(withResults({1, 2, 3, 4, 5, 6, 7, 8, INT_MAX})); }
     void warningIsSuccess() {
-        QFETCH(const ResultRow, row);
+        const auto row = rowOf<ResultRow>();
         CKvaSdk_Ctrl controller;
         QVERIFY(prepare(controller, row.operation));
         TestBench::answer("*", row.result);
@@ -149,7 +147,7 @@ private Q_SLOTS:
     }
 
     void negativeIsFailure() {
-        QFETCH(const ResultRow, row);
+        const auto row = rowOf<ResultRow>();
         CKvaSdk_Ctrl controller;
         QVERIFY(prepare(controller, row.operation));
         TestBench::clearCalls();
@@ -163,7 +161,7 @@ private Q_SLOTS:
 
     void lostConnectionFails_data() { addRows(withALostConnection()); }
     void lostConnectionFails() {
-        QFETCH(const ResultRow, row);
+        const auto row = rowOf<ResultRow>();
         CKvaSdk_Ctrl controller;
         QVERIFY(prepare(controller, row.operation));
         TestBench::unplug();
@@ -175,7 +173,7 @@ private Q_SLOTS:
 
     void namesCode_data() { addRows(nameRows()); }
     void namesCode() {
-        QFETCH(const NameRow, row);
+        const auto row = rowOf<NameRow>();
         const DebugLog log;
         QCOMPARE(ResultCodeToString(row.code), row.text);
         QCOMPARE(log.lines(), QStringList());

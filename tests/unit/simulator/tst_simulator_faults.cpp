@@ -83,12 +83,15 @@ private Q_SLOTS:
 
     void results_data() {
         QVector<ResultRow> rows = {{"unknown bits", "10", 10, "KVA_WARNING_BATTERY_EMPTY"}};
-        for (const auto& [result, name] : resultNames) {
-            rows += {name, '"' + QByteArray(name) + '"', result, name};
-            rows += {QByteArray::number(result), QByteArray::number(result), result, name};
+        const auto add = [&rows](int code, const char* name) {
+            rows.append({QByteArray::number(code), QByteArray::number(code), code, name});
+        };
+        for (const ResultName& named : resultNames) {
+            add(named.code, named.text);
+            rows.append({named.text, QByteArray("\"") + named.text + '"', named.code, named.text});
         }
         for (const int unnamed : {-9900, -1, 8, INT32_MIN})
-            rows += {QByteArray::number(unnamed), QByteArray::number(unnamed), unnamed, ""};
+            add(unnamed, "");
         addRows(rows);
     }
     void results() {
