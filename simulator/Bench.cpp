@@ -1,10 +1,14 @@
 #include "simulator/Bench.h"
 
-#include "simulator/Json.h"
-
 #include <utility>
 
 namespace kvasim {
+
+namespace {
+
+constexpr int writtenVersion = 2; // older ones are read
+
+} // namespace
 
 const Json* findInstrument(const Bench& bench, std::int32_t serialNumber) {
     for (const Json& instrument : bench.instruments) {
@@ -23,10 +27,9 @@ Json& instrumentOf(Bench& bench, std::int32_t serialNumber) {
 }
 
 void requireDifferentSerialNumbers(const Bench& bench) {
-    for (const Json& instrument : bench.instruments) {
-        if (findInstrument(bench, serialNumberOf(instrument)) != &instrument)
-            refuse("serialNumber", "is the serial number of another instrument");
-    }
+    for (const Json& instrument : bench.instruments)
+        require(findInstrument(bench, serialNumberOf(instrument)) == &instrument, "serialNumber",
+                "is the serial number of another instrument");
 }
 
 std::vector<KVA_PORTINFO> portsOf(const Bench& bench) {
@@ -40,27 +43,27 @@ std::vector<KVA_PORTINFO> portsOf(const Bench& bench) {
 
 Bench parseBench(const std::string& text) {
     const Json json = parseJson(text, Comments::Allowed);
-    JsonFields fields(json, "");
-    const std::int64_t version = readInteger(fields.get("version"), "version", 1, INT32_MAX);
-    if (version > benchVersion)
-        refuse("version", "is " + std::to_string(version) + ", newer than the version " +
-                              std::to_string(benchVersion) + " that can be read");
+    const std::int64_t version = readInteger(fieldOf(json, "", "version"), "version", 1, INT32_MAX);
+    require(version <= writtenVersion, "version",
+            "is " + std::to_string(version) + ", newer than the version " +
+                std::to_string(writtenVersion) + " that can be read");
+    const Json& instruments = fieldOf(json, "", "instruments");
+    const Json faults = json.value("faults", Json::array());
+    require(instruments.is_array(), "instruments", "must be an array");
+    require(faults.is_array(), "faults", "must be an array");
+    requireFields(json, "", {"version", "instruments", "faults"});
     Bench bench;
-    const auto pathOf = [](const char* array, std::size_t index) {
-        return array + ('[' + std::to_string(index)) + ']';
-    };
-    for (const Json& instrument : readArray(fields.get("instruments"), "instruments")) {
-        const std::string path = pathOf("instruments", bench.instruments.size());
+    for (const Json& instrument : instruments) {
+        const std::string path = "instruments[" + std::to_string(bench.instruments.size()) + ']';
         Json made = makeInstrument(instrument, path);
-        if (findInstrument(bench, serialNumberOf(made)) != nullptr)
-            refuse(path + ".serialNumber", "is the serial number of another instrument as well");
+        require(findInstrument(bench, serialNumberOf(made)) == nullptr, path + ".serialNumber",
+                "is the serial number of another instrument as well");
         bench.instruments.push_back(std::move(made));
     }
-    if (const Json* faults = fields.find("faults")) {
-        for (const Json& fault : readArray(*faults, "faults"))
-            bench.faults.push_back(makeFaultRule(fault, pathOf("faults", bench.faults.size())));
+    for (const Json& fault : faults) {
+        const std::string path = "faults[" + std::to_string(bench.faults.size()) + ']';
+        bench.faults.push_back(makeFaultRule(fault, path));
     }
-    fields.finish();
     return bench;
 }
 
@@ -68,11 +71,7 @@ Json benchToJson(const Bench& bench) {
     Json faults = Json::array();
     for (const FaultRule& rule : bench.faults)
         faults.push_back(rule.json);
-    return {{"version", benchVersion}, {"instruments", bench.instruments}, {"faults", faults}};
-}
-
-Bench makeBuiltInBench() {
-    return parseBench(builtInBenchText);
+    return {{"version", writtenVersion}, {"instruments", bench.instruments}, {"faults", faults}};
 }
 
 } // namespace kvasim

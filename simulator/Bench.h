@@ -12,12 +12,13 @@
 
 namespace kvasim {
 
-/** The version that is written; older ones are read. */
-constexpr int benchVersion = 2;
-
 struct Bench {
     std::vector<Json> instruments; /**< in the order of the list; serial numbers differ */
     std::vector<FaultRule> faults;
+
+    bool operator==(const Bench& other) const {
+        return instruments == other.instruments && faults == other.faults;
+    }
 };
 
 // The benches that are compiled in; the build makes them from their files.
@@ -41,9 +42,6 @@ std::vector<KVA_PORTINFO> portsOf(const Bench& bench);
     @throws InputError with line and column, or with the path of the field, and the reason. */
 Bench parseBench(const std::string& text);
 Json benchToJson(const Bench& bench);
-
-/** The bench that serves where none is named: benches/usb-and-network.json. */
-Bench makeBuiltInBench();
 
 } // namespace kvasim
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -22,49 +22,26 @@ namespace {
 
 constexpr std::int64_t maxFileSize = std::int64_t{64} * 1024 * 1024;
 
-[[noreturn]] void fail(const std::string& path, const char* what, int error) {
-    throw InputError(path + ": " + what + ": " + std::generic_category().message(error));
-}
-
-Stamp stampOf(const struct stat& status) {
-#ifdef __APPLE__
-    const timespec& time = status.st_mtimespec;
-#else
-    const timespec& time = status.st_mtim;
-#endif
-    return {time.tv_sec, time.tv_nsec, status.st_size, static_cast<std::int64_t>(status.st_ino)};
-}
-
 /** Gives the file a time after that of @p before. The system's own times are coarse: two changes
     within some milliseconds would have the same.
     @return false with `errno` */
 bool setTimeAfter(const Stamp& before, int file) {
-    timespec now{};
-    static_cast<void>(::clock_gettime(CLOCK_REALTIME, &now));
-    if (std::array<std::int64_t, 2>{now.tv_sec, now.tv_nsec} <=
-        std::array<std::int64_t, 2>{before[0], before[1]}) {
-        now.tv_sec = static_cast<std::time_t>(before[0] + (before[1] + 1) / 1000000000);
-        now.tv_nsec = static_cast<long>((before[1] + 1) % 1000000000);
-    }
-    const timespec times[2] = {now, now};
+    using Nanoseconds = std::chrono::nanoseconds;
+    const Nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
+    const std::int64_t time = std::max<std::int64_t>(now.count(), before.time + 1);
+    const timespec stamp = {time / Nanoseconds(std::chrono::seconds(1)).count(),
+                            time % Nanoseconds(std::chrono::seconds(1)).count()};
+    const timespec times[2] = {stamp, stamp};
     return ::futimens(file, times) == 0;
 }
 
-/** Writes the new file, with the mode and after the time of the one that it will replace, and
-   closes it. @return 0 or the system's error number */
-int writeBeside(std::FILE* stream, const std::string& path, const std::string& text, Stamp& stamp) {
-    const int file = ::fileno(stream);
+/** Writes the new file, with the mode and after the time of the one that it will replace.
+    @return false with `errno` */
+bool writeBeside(int file, const std::string& path, const std::string& text) {
     struct stat old {};
-    struct stat made {};
     const bool isThere = ::stat(path.c_str(), &old) == 0;
-    const bool isWritten = ::fcntl(file, F_SETFD, FD_CLOEXEC) == 0 &&
-                           (!isThere || ::fchmod(file, old.st_mode & 0777U) == 0) &&
-                           std::fputs(text.c_str(), stream) >= 0 && std::fflush(stream) == 0 &&
-                           setTimeAfter(stampOf(old), file) && ::fsync(file) == 0 &&
-                           ::fstat(file, &made) == 0;
-    const int error = isWritten ? 0 : errno;
-    stamp = stampOf(made);
-    return std::fclose(stream) != 0 && isWritten ? errno : error;
+    return (!isThere || ::fchmod(file, old.st_mode & 0777U) == 0) && writeAtOnce(file, text) &&
+           setTimeAfter(stampOf(path), file) && ::fsync(file) == 0;
 }
 
 /** The folder's entry for the new file is flushed too, so that a power cut does not bring the old
@@ -109,7 +86,15 @@ void makeFolders(const fs::path& folder) {
 
 Stamp stampOf(const std::string& path) {
     struct stat status {};
-    return ::stat(path.c_str(), &status) == 0 ? stampOf(status) : Stamp{};
+    if (::stat(path.c_str(), &status) != 0)
+        return {};
+#ifdef __APPLE__
+    const timespec& time = status.st_mtimespec;
+#else
+    const timespec& time = status.st_mtim;
+#endif
+    return {std::int64_t{time.tv_sec} * 1000000000 + time.tv_nsec, status.st_size,
+            static_cast<std::int64_t>(status.st_ino)};
 }
 
 Bench readBenchFile(const std::string& path) {
@@ -134,14 +119,13 @@ Bench readBenchFile(const std::string& path) {
 Stamp writeBenchFile(const std::string& path, const Bench& bench) {
     const std::string text = formatJson(benchToJson(bench));
     std::string beside = path + ".XXXXXX";
-    const int file = ::mkstemp(beside.data());
+    const int file = ::mkostemp(beside.data(), O_CLOEXEC);
     if (file < 0)
         fail(path, "cannot be saved", errno);
-    Stamp stamp{};
-    std::FILE* stream = ::fdopen(file, "wb");
-    int error = stream ? writeBeside(stream, path, text, stamp) : errno;
-    if (!stream)
-        ::close(file);
+    int error = writeBeside(file, path, text) ? 0 : errno;
+    const Stamp stamp = stampOf(beside);
+    if (::close(file) != 0 && error == 0)
+        error = errno;
     if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0)
         error = errno;
     if (error != 0) {
@@ -150,12 +134,6 @@ Stamp writeBenchFile(const std::string& path, const Bench& bench) {
     }
     flushFolder(fs::path(path).parent_path());
     return stamp;
-}
-
-std::string resolvedPath(const std::string& path) {
-    std::error_code error;
-    const fs::path resolved = fs::canonical(path, error);
-    return error ? path : resolved.string();
 }
 
 std::string benchPathOfEnvironment() {
@@ -175,11 +153,24 @@ std::string environmentOf(const char* name) {
     return value == nullptr ? "" : value;
 }
 
+bool writeAtOnce(int file, const std::string& text) {
+    const ssize_t written = ::write(file, text.data(), text.size());
+    const bool isWhole = written == static_cast<ssize_t>(text.size());
+    if (written >= 0 && !isWhole)
+        errno = ENOSPC;
+    return isWhole;
+}
+
+void fail(const std::string& path, const char* what, int error) {
+    throw InputError(path + ": " + what + ": " + std::generic_category().message(error));
+}
+
 void complain(const std::string& message) {
     std::string line = message;
-    std::replace_if(
-        line.begin(), line.end(),
-        [](char character) { return static_cast<unsigned char>(character) < 0x20; }, '?');
+    const auto isControl = [](char character) {
+        return static_cast<unsigned char>(character) < 0x20;
+    };
+    std::replace_if(line.begin(), line.end(), isControl, '?');
     std::fprintf(stderr, "libKVASDK (simulated): %s\n", line.c_str());
 }
 

@@ -6,15 +6,22 @@
 
 #include "simulator/Bench.h"
 
-#include <array>
 #include <cstdint>
 #include <string>
+#include <tuple>
 
 namespace kvasim {
 
-/** Tells two states of a file apart: modification time in seconds and nanoseconds, size, inode. All
-    zero: there is no file. */
-using Stamp = std::array<std::int64_t, 4>;
+/** Tells two states of a file apart. All zero: there is no file. */
+struct Stamp {
+    std::int64_t time = 0; /**< of its modification, in nanoseconds */
+    std::int64_t size = 0;
+    std::int64_t inode = 0;
+
+    bool operator==(const Stamp& other) const {
+        return std::tie(time, size, inode) == std::tie(other.time, other.size, other.inode);
+    }
+};
 
 Stamp stampOf(const std::string& path);
 
@@ -24,16 +31,12 @@ Stamp stampOf(const std::string& path);
 Bench readBenchFile(const std::string& path);
 
 /** Puts @p bench in place of the file at once: whoever reads it finds the old one or the new one,
-    whole. Comments of the old one are gone. Written beside the file, flushed to the disk and
-    renamed; only the owner can read it, or whoever could read the file before. The caller has the
+    whole. Only the owner can read it, or whoever could read the file before. The caller has the
     lock of the bench.
     @param path of a file, not of a symbolic link
     @return the stamp of the new file; its time is later than that of the old one
     @throws InputError when that fails; the file is then as it was. */
 Stamp writeBenchFile(const std::string& path, const Bench& bench);
-
-/** The file behind symbolic links, by its absolute path; @p path where there is none. */
-std::string resolvedPath(const std::string& path);
 
 /** The bench that the environment asks for: the file that `KVASIM_BENCH` names, or the one of the
     user's data folder, which is made where it is not there.
@@ -43,6 +46,13 @@ std::string benchPathOfEnvironment();
 
 /** An environment variable; empty where it is not set. */
 std::string environmentOf(const char* name);
+
+/** Writes in one call, so that programs with one file do not mix their texts.
+    @return false with `errno` */
+bool writeAtOnce(int file, const std::string& text);
+
+/** @throws InputError always: the file, what has failed, and the system's reason. */
+[[noreturn]] void fail(const std::string& path, const char* what, int error);
 
 /** One line on standard error, in the library's name. Control characters are shown as '?'. */
 void complain(const std::string& message);

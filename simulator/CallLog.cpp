@@ -13,17 +13,18 @@ namespace kvasim {
 
 namespace {
 
-/** Appends in one write, so that programs with one file do not mix their lines.
-    @return 0 or the system's error number */
+constexpr std::size_t capacity = 100000; // calls in memory
+constexpr std::int64_t maxFileSize = std::int64_t{4} << 20U;
+
+/** @return 0 or the system's error number */
 int appendTo(const std::string& path, const std::string& line) {
     const int file =
         ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
     if (file < 0)
         return errno;
-    const ssize_t written = ::write(file, line.data(), line.size());
-    const int error = written < 0 ? errno : 0;
+    const int error = writeAtOnce(file, line) ? 0 : errno;
     ::close(file);
-    return error == 0 && written != static_cast<ssize_t>(line.size()) ? ENOSPC : error;
+    return error;
 }
 
 } // namespace
@@ -36,22 +37,17 @@ std::string callLogPath(const std::string& bench) {
 void CallLog::setBench(const std::string& bench) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_bench = bench;
-    m_file = File::Unasked;
+    m_isAsked = false;
 }
 
-void CallLog::add(const CallRecord& record) {
+void CallLog::add(const Json& call) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    const std::string line = Json{{"seq", ++m_lastNumber},
-                                  {"function", functionName(record.function)},
-                                  {"arguments", record.arguments},
-                                  {"result", record.result},
-                                  {"resultName", resultName(record.result)},
-                                  {"durationUs", record.duration.count()}}
-                                 .dump();
+    Json numbered = {{"seq", ++m_lastNumber}};
+    numbered.update(call);
     if (m_lines.size() == capacity)
         m_lines.pop_front();
-    m_lines.push_back(line);
-    append(line + '\n');
+    m_lines.push_back(numbered.dump());
+    append(m_lines.back() + '\n');
 }
 
 std::string CallLog::toJson() const {
@@ -62,32 +58,26 @@ std::string CallLog::toJson() const {
     return text + ']';
 }
 
-void CallLog::clear() {
+void CallLog::clear(bool restart) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_lines.clear();
-}
-
-void CallLog::reset() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_lines.clear();
-    m_lastNumber = 0;
+    if (restart)
+        m_lastNumber = 0;
 }
 
 void CallLog::append(const std::string& line) {
-    if (m_file == File::Unasked) {
+    if (!std::exchange(m_isAsked, true))
         m_path = callLogPath(m_bench);
-        m_file = File::Written;
-    }
-    if (m_path.empty() || m_file == File::Failed)
+    if (m_path.empty())
         return;
-    if (m_path == m_bench + ".log" && stampOf(m_path)[2] >= maxFileSize)
+    if (m_path == m_bench + ".log" && stampOf(m_path).size >= maxFileSize)
         static_cast<void>(std::rename(m_path.c_str(), (m_path + ".old").c_str()));
     const int error = appendTo(m_path, line);
     if (error == 0)
         return;
-    m_file = File::Failed;
     complain(m_path + ": the calls cannot be written, they end here: " +
              std::generic_category().message(error));
+    m_path.clear();
 }
 
 } // namespace kvasim

@@ -1,6 +1,5 @@
 #include "instrument/KvaSdk.h"
 
-#include "simulator/Instrument.h"
 #include "simulator/Records.h"
 #include "simulator/Simulator.h"
 
@@ -10,7 +9,6 @@
 
 namespace {
 
-using kvasim::Call;
 using kvasim::CallEffects;
 using kvasim::Function;
 using kvasim::Json;
@@ -25,66 +23,67 @@ std::string crc32(const void* data, std::size_t size) {
         for (int bit = 0; bit < 8; ++bit)
             crc = (crc >> 1U) ^ ((crc & 1U) != 0 ? 0xEDB88320U : 0U);
     }
-    crc = ~crc;
-    const std::uint8_t ordered[4] = {
-        static_cast<std::uint8_t>(crc >> 24U), static_cast<std::uint8_t>(crc >> 16U),
-        static_cast<std::uint8_t>(crc >> 8U), static_cast<std::uint8_t>(crc)};
-    return "0x" + kvasim::toHex(ordered, sizeof ordered);
-}
-
-Json digits(const std::uint8_t (&serialNumber)[4]) {
-    return kvasim::digitsToJson(serialNumber, sizeof serialNumber);
-}
-
-template <typename Describe>
-Call describe(Function function, const Describe& arguments) {
-    return {function, arguments(), std::nullopt};
-}
-
-Json noArguments() {
-    return Json::object();
-}
-
-/** Performs a call that fills @p target from the connected instrument.
-    @param part the part of its JSON that has the fields of @p record */
-template <typename Record>
-KVA_RESULT readInto(Function function, Record* target, const kvasim::Record& record,
-                    const Json& (*part)(const Json&)) {
-    Simulator& simulator = Simulator::instance();
-    const auto work = [&](const CallEffects& effects) -> KVA_RESULT {
-        if (target == nullptr)
-            return KVA_ERROR_ARGUMENT;
-        Record answer{};
-        const KVA_RESULT result = simulator.read(effects, [&](const Json& instrument) {
-            answer = kvasim::fromJson<Record>(record, part(instrument));
-        });
-        if (result != KVA_SUCCESS || effects.answerIsLost())
-            return result;
-        kvasim::corrupt(effects, function, &answer);
-        *target = answer;
-        return result;
-    };
-    return simulator.perform(describe(function, noArguments), work);
+    return kvasim::toHex(~crc);
 }
 
 const Json& whole(const Json& instrument) {
     return instrument;
 }
 
-/** Performs a call that hands @p source to the connected instrument. */
-template <typename Record, typename Describe, typename Writer>
-KVA_RESULT writeFrom(Function function, const Record* source, const Describe& arguments,
-                     const Writer& writer) {
+/** Performs a call that fills @p target from the connected instrument.
+    @param part the part of its JSON that has the fields of @p record */
+template <typename Bytes>
+KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
+                    const Json& (*part)(const Json&) = whole) {
     Simulator& simulator = Simulator::instance();
-    const auto given = [&] { return source == nullptr ? noArguments() : arguments(*source); };
-    return simulator.perform(describe(function, given), [&](const CallEffects& effects) {
+    return simulator.perform({*record.source}, [&](const CallEffects& effects) -> KVA_RESULT {
+        if (target == nullptr)
+            return KVA_ERROR_ARGUMENT;
+        Bytes answer{};
+        const KVA_RESULT result = simulator.read(effects, [&](const Json& instrument) {
+            answer = kvasim::fromJson<Bytes>(record, part(instrument));
+        });
+        if (result != KVA_SUCCESS || effects.answerIsLost())
+            return result;
+        kvasim::corrupt(effects, *record.source, &answer);
+        *target = answer;
+        return result;
+    });
+}
+
+/** Performs a call that puts @p source into the connected instrument.
+    @param place of the fields of @p record in its JSON
+    @param describe what the log says of it */
+template <typename Bytes>
+KVA_RESULT writeFrom(Function function, const Bytes* source, const kvasim::Record& record,
+                     const char* place, Json (*describe)(const Bytes& given)) {
+    Simulator& simulator = Simulator::instance();
+    Json arguments = source == nullptr ? Json::object() : describe(*source);
+    return simulator.perform({function, std::move(arguments)}, [&](const CallEffects& effects) {
         if (source == nullptr)
             return KVA_RESULT{KVA_ERROR_ARGUMENT};
         return simulator.write(effects, [&](Json& instrument) -> KVA_RESULT {
-            writer(instrument, *source);
+            instrument[kvasim::pointerTo(place)].update(kvasim::toJson(record, source));
             return KVA_SUCCESS;
         });
     });
+}
+
+Json describeNetwork(const KVA_NETWORKINFO& given) {
+    Json settings = kvasim::toJson(kvasim::networkRecord, &given);
+    kvasim::hideKey(settings);
+    return {{"network", std::move(settings)}};
+}
+
+Json describeMode(const std::uint8_t& given) {
+    return {{"mode", given}};
+}
+
+Json describeCalibration(const KVA_JIG_CALREFDATA& given) {
+    const auto digits = kvasim::digitsType.write;
+    return {{"whiteSerialNo", digits(given.whiteSerialNo, sizeof given.whiteSerialNo)},
+            {"ambAdpSerialNo", digits(given.ambAdpSerialNo, sizeof given.ambAdpSerialNo)},
+            {"crc32", crc32(&given, sizeof given)}};
 }
 
 } // namespace
@@ -93,22 +92,23 @@ extern "C" {
 
 KVASIM_EXPORT KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
     Simulator& simulator = Simulator::instance();
-    const auto given = [&] { return Json{{"handler", handler != nullptr}}; };
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
-    const KVA_RESULT removed =
-        handler == nullptr ? simulator.registerHandler(nullptr) : KVA_SUCCESS;
+    if (handler == nullptr)
+        simulator.registerHandler(nullptr);
     return simulator.perform(
-        describe(Function::RegisterDeviceEventHandler, given), [&](const CallEffects&) {
-            return handler == nullptr ? removed : simulator.registerHandler(handler);
+        {Function::RegisterDeviceEventHandler, {{"handler", handler != nullptr}}},
+        [&](const CallEffects&) {
+            return handler == nullptr ? KVA_RESULT{KVA_SUCCESS}
+                                      : simulator.registerHandler(handler);
         });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count,
                                                int32_t maxEntries) {
     Simulator& simulator = Simulator::instance();
-    const auto given = [&] { return Json{{"list", list != nullptr}, {"maxEntries", maxEntries}}; };
     return simulator.perform(
-        describe(Function::GetDevicePortList, given), [&](const CallEffects& effects) {
+        {Function::GetDevicePortList, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
+        [&](const CallEffects& effects) {
             if (count == nullptr || maxEntries < 0 || (list == nullptr && maxEntries > 0))
                 return KVA_RESULT{KVA_ERROR_ARGUMENT};
             return simulator.listPorts(effects, list, maxEntries, *count);
@@ -117,13 +117,12 @@ KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* coun
 
 KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     Simulator& simulator = Simulator::instance();
-    Call call = describe(Function::Connect, [&] {
-        Json given = port == nullptr ? noArguments() : kvasim::toJson(kvasim::portRecord, port);
-        given["wait"] = wait;
-        return given;
-    });
-    if (port != nullptr)
+    kvasim::Call call = {Function::Connect};
+    if (port != nullptr) {
+        call.arguments = kvasim::toJson(kvasim::portRecord, port);
         call.serialNumber = port->serialNumber;
+    }
+    call.arguments["wait"] = wait;
     return simulator.perform(std::move(call), [&](const CallEffects& effects) {
         return port == nullptr ? KVA_RESULT{KVA_ERROR_ARGUMENT} : simulator.connect(effects, *port);
     });
@@ -131,80 +130,51 @@ KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
 
 KVASIM_EXPORT KVA_RESULT KVA_Disconnect(void) {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform(
-        describe(Function::Disconnect, noArguments),
-        [&](const CallEffects& effects) { return simulator.disconnect(effects); });
+    return simulator.perform({Function::Disconnect}, [&](const CallEffects& effects) {
+        return simulator.disconnect(effects);
+    });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
-    return readInto(Function::GetDeviceInfo, info, kvasim::deviceRecord, whole);
+    return readInto(info, kvasim::deviceRecord);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
-    return readInto(Function::GetNetworkInfo, info, kvasim::networkRecord, kvasim::networkOf);
+    return readInto(info, kvasim::networkRecord, kvasim::networkOf);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
-    const auto given = [](const KVA_NETWORKINFO& network) {
-        Json settings = kvasim::toJson(kvasim::networkRecord, &network);
-        kvasim::hideKey(settings);
-        return Json{{"network", std::move(settings)}};
-    };
-    return writeFrom(Function::SetNetworkInfo, info, given,
-                     [](Json& instrument, const KVA_NETWORKINFO& network) {
-                         instrument["network"]["pending"] =
-                             kvasim::toJson(kvasim::networkRecord, &network);
-                     });
+    return writeFrom(Function::SetNetworkInfo, info, kvasim::networkRecord, "network.pending",
+                     describeNetwork);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
-    return readInto(Function::GetShutdownTime, mode, kvasim::modeRecord, whole);
+    return readInto(mode, kvasim::modeRecord);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
-    return writeFrom(
-        Function::SetShutdownTime, mode,
-        [](uint8_t given) {
-            return Json{{"mode", given}};
-        },
-        [](Json& instrument, uint8_t given) { instrument["powerOffMode"] = given; });
+    return writeFrom(Function::SetShutdownTime, mode, kvasim::modeRecord, "", describeMode);
 }
 
 } // extern "C"
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* data) {
-    return readInto(Function::GetCalibration, data, kvasim::calibrationRecord,
-                    kvasim::calibrationOf);
+    return readInto(data, kvasim::calibrationRecord, kvasim::calibrationOf);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
-    const auto given = [](const KVA_JIG_CALREFDATA& record) {
-        return Json{{"whiteSerialNo", digits(record.whiteSerialNo)},
-                    {"ambAdpSerialNo", digits(record.ambAdpSerialNo)},
-                    {"crc32", crc32(&record, sizeof record)}};
-    };
-    return writeFrom(Function::SetCalibration, data, given,
-                     [](Json& instrument, const KVA_JIG_CALREFDATA& record) {
-                         instrument["calibration"]["staged"] =
-                             kvasim::toJson(kvasim::calibrationRecord, &record);
-                     });
+    return writeFrom(Function::SetCalibration, data, kvasim::calibrationRecord,
+                     "calibration.staged", describeCalibration);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform(
-        describe(Function::WriteSector, noArguments), [&](const CallEffects& effects) {
-            return simulator.write(effects, [](Json& instrument) -> KVA_RESULT {
-                Json& calibration = instrument["calibration"];
-                if (calibration["staged"].is_null())
-                    return KVA_ERROR_NO_DATA;
-                calibration["committed"] = std::exchange(calibration["staged"], nullptr);
-                return KVA_SUCCESS;
-            });
-        });
+    return simulator.perform({Function::WriteSector}, [&](const CallEffects& effects) {
+        return simulator.write(effects, kvasim::commitCalibration);
+    });
 }
 
 KVASIM_EXPORT KVA_RESULT
 KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA(KVA_JIG_ACTIONOPTIONFACTORYDATA* data) {
-    return readInto(Function::GetFactoryOptions, data, kvasim::optionRecord, whole);
+    return readInto(data, kvasim::optionRecord);
 }

@@ -9,11 +9,11 @@
 #include <chrono>
 #include <condition_variable>
 #include <cstdint>
-#include <deque>
 #include <functional>
+#include <map>
 #include <mutex>
+#include <optional>
 #include <thread>
-#include <vector>
 
 namespace kvasim {
 
@@ -21,6 +21,7 @@ struct DeviceEvent {
     std::uint32_t code;
     std::uint32_t rawDataCount;
     std::int32_t error;
+    std::optional<std::int32_t> owner{}; /**< for `dropLater` */
 };
 
 /** Delivers events in order, one at a time, on a thread that lives while a handler is installed. No
@@ -28,60 +29,44 @@ struct DeviceEvent {
     included. Any thread may call any function. */
 class EventThread {
 public:
-    using Clock = std::chrono::steady_clock;
-
     /** The time between two looks. */
     static constexpr std::chrono::milliseconds lookPeriod{50};
 
     /** @param look called on the thread, between deliveries and without any lock; throws nothing */
     explicit EventThread(std::function<void()> look) : m_look(std::move(look)) {}
-
-    /** As `stop`. */
     ~EventThread();
     EventThread(const EventThread&) = delete;
     EventThread& operator=(const EventThread&) = delete;
 
     /** Installs @p handler for all later deliveries; null removes it and drops the events that
-       wait, those for later included. When it returns, no earlier handler is running or will be
-       called again, and after a removal the thread has ended. From within a handler it returns at
-       once instead: the delivery under way is then the last one of the earlier handler, and the
-       thread ends with the next removal or `stop`.
+        wait. When it returns, no earlier handler is running or will be called again, and after a
+        removal the thread has ended. From within a handler it returns at once instead: the delivery
+        under way is then the last one of the earlier handler, and the thread ends with the next
+        removal.
         @return false when the thread cannot be started; nothing is then installed. */
     bool setHandler(KVA_DeviceEventHandler handler);
 
-    /** Queues an event; dropped when no handler is installed. */
-    void post(const DeviceEvent& event);
-
-    /** Queues an event that joins the queue at @p time; dropped when no handler is installed.
-        @param owner for `dropLater` */
-    void postAt(const DeviceEvent& event, Clock::time_point time, std::int32_t owner);
+    /** Queues an event; dropped when no handler is installed.
+        @param delay from now until it is delivered */
+    void post(const DeviceEvent& event, std::chrono::milliseconds delay = {});
 
     /** Drops the events of @p owner whose time has not come. @return whether there were any */
     bool dropLater(std::int32_t owner);
 
-    /** Returns when every queued event has been delivered, but for those whose time has not come;
-        from within a handler, at once. */
+    /** Returns when every event whose time has come is delivered; from within a handler, at once.
+     */
     void waitUntilDelivered();
-
-    /** Removes the handler and ends the thread. From within a handler, the thread is left to end by
-        itself with the process. */
-    void stop();
 
     /** Whether the caller runs on this thread. */
     bool isCurrent() const;
 
 private:
-    struct LaterEvent {
-        DeviceEvent event;
-        Clock::time_point time;
-        std::int32_t owner;
-    };
+    using Clock = std::chrono::steady_clock;
 
     bool ensureStarted();
-    void end(std::unique_lock<std::mutex>& lock);
+    void install(KVA_DeviceEventHandler handler);
     void run();
-    void dropAll();
-    Clock::time_point takeDue();
+    bool isDue() const;
     void deliver(std::unique_lock<std::mutex>& lock);
 
     const std::function<void()> m_look;
@@ -93,9 +78,8 @@ private:
     std::condition_variable m_progress;
     std::thread::id m_id;
     KVA_DeviceEventHandler m_handler = nullptr;
-    std::deque<DeviceEvent> m_queue;
-    std::vector<LaterEvent> m_later;
-    std::uint64_t m_deliveries = 0; // begun so far
+    std::multimap<Clock::time_point, DeviceEvent> m_events; // equal times: in order
+    std::uint64_t m_deliveries = 0;                         // begun so far
     bool m_delivering = false;
     bool m_stop = false;
 };

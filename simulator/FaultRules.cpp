@@ -1,203 +1,228 @@
-#include "simulator/FaultRules.h"
+// The fields of a rule: which functions may have them, how they are read, what they do to a call.
 
-#include "simulator/BenchFile.h"
+#include "simulator/FaultRules.h"
 
 #include <algorithm>
 #include <charconv>
-#include <utility>
 
 namespace kvasim {
 
 namespace {
 
-constexpr std::uint32_t unlimited = UINT32_MAX;
-
-/** A call number in decimal, from 1; nothing for any other text. */
-std::optional<std::uint32_t> callNumber(std::string_view text) {
-    std::uint32_t number = 0;
-    const char* const end = text.data() + text.size();
-    const auto read = std::from_chars(text.data(), end, number);
-    const bool isNumber = text.size() <= 9 && read.ec == std::errc() && read.ptr == end;
-    return isNumber && number > 0 ? std::optional(number) : std::nullopt;
+constexpr unsigned int bit(Function function) {
+    return 1U << static_cast<unsigned int>(function);
 }
 
-void readCall(const Json& value, const std::string& path, FaultRule& rule) {
-    if (value.is_number()) {
-        rule.firstCall = static_cast<std::uint32_t>(readInteger(value, path, 1, unlimited - 1));
-        rule.lastCall = rule.firstCall;
-        return;
-    }
-    const std::string text = value.is_string() ? value.get<std::string>() : std::string();
-    if (text == "every")
-        return;
-    const auto dash = text.find('-');
-    const auto first = callNumber(std::string_view(text).substr(0, dash));
-    const auto last =
-        dash == std::string::npos ? first : callNumber(std::string_view(text).substr(dash + 1));
-    if (!first || !last || *first > *last)
-        refuse(path, "must be a call number from 1, a range such as \"2-5\" or \"every\"");
-    rule.firstCall = *first;
-    rule.lastCall = *last;
+constexpr unsigned int anyFunction = ~0U;
+constexpr unsigned int accepting = bit(Function::Connect) | bit(Function::Disconnect) |
+                                   bit(Function::SetNetworkInfo) | bit(Function::SetShutdownTime) |
+                                   bit(Function::SetCalibration) | bit(Function::WriteSector);
+constexpr unsigned int rereading = bit(Function::GetDevicePortList) |
+                                   bit(Function::GetNetworkInfo) | bit(Function::GetShutdownTime) |
+                                   bit(Function::GetCalibration);
+
+/** Checks the value of a field. @return it in its usual form
+    @throws InputError with @p path and the reason */
+using Read = Json (*)(const Json& value, const std::string& path, const FaultRule& rule);
+
+template <typename Number, std::int64_t lowest = std::numeric_limits<Number>::min(),
+          std::int64_t highest = std::numeric_limits<Number>::max()>
+Json readNumber(const Json& value, const std::string& path, const FaultRule& /*rule*/) {
+    return static_cast<Number>(readInteger(value, path, lowest, highest));
 }
 
-Json callToJson(const FaultRule& rule) {
-    if (rule.lastCall == unlimited && rule.firstCall == 1)
-        return "every";
-    if (rule.firstCall == rule.lastCall)
-        return rule.firstCall;
-    return std::to_string(rule.firstCall) + '-' + std::to_string(rule.lastCall);
-}
-
-Json readProbability(const Json& value, const std::string& path) {
+Json readProbability(const Json& value, const std::string& path, const FaultRule& /*rule*/) {
     const double probability = value.is_number() ? value.get<double>() : 0;
-    if (!(probability > 0 && probability <= 1))
-        refuse(path, "must be a number above 0, to 1");
+    require(probability > 0 && probability <= 1, path, "must be a number above 0, to 1");
     return value;
 }
 
-/** A number of the type. */
-template <typename Number>
-Json number(const Json& value, const std::string& path) {
-    return readNumber<Number>(value, path);
+Json readResult(const Json& value, const std::string& path, const FaultRule& /*rule*/) {
+    const auto given = value.is_number() ? kvasim::readNumber<std::int32_t>(value, path)
+                                         : resultFromName(readString(value, path));
+    if (!given)
+        refuse(path, "is not the name of a result code");
+    const std::string name = resultName(*given);
+    // A name stands for known bits only; a value with others would come back without them.
+    return resultFromName(name) == given ? Json(name) : Json(*given);
 }
 
-/** What a rule may have beside its function, its calls and its kind. */
-struct Limit {
-    const char* key;
-    Json (*read)(const Json& value, const std::string& path);
-    const char* needs; /**< another field, without which it is refused; null: none */
-};
-constexpr std::array<Limit, 6> limits = {{{"serialNumber", number<std::int32_t>, nullptr},
-                                          {"times", number<std::uint32_t>, nullptr},
-                                          {"probability", readProbability, nullptr},
-                                          {"seed", number<std::uint32_t>, "probability"},
-                                          {"instrument", number<std::int32_t>, "unplug"},
-                                          {"id", number<std::uint32_t>, nullptr}}};
+Json readTrue(const Json& value, const std::string& path, const FaultRule& /*rule*/) {
+    require(readBool(value, path), path, "must be true");
+    return true;
+}
 
-void readKind(JsonFields& fields, FaultRule& rule) {
-    for (const FaultKind& kind : faultKinds()) {
-        const Json* const value = fields.find(kind.key);
-        if (value == nullptr)
-            continue;
-        const std::string path = fields.pathOf(kind.key);
-        if (rule.kind != nullptr)
-            refuse(path, std::string("cannot be given together with ") + rule.kind->key);
-        rule.kind = &kind;
-        rule.json[kind.key] = kind.read(*value, path, rule);
-        const auto function = static_cast<unsigned int>(rule.function.value_or(Function{}));
-        if (rule.function && (kind.functions >> function & 1U) == 0)
-            refuse(path, std::string("is not for ") + functionName(*rule.function));
+Json readMoment(const Json& value, const std::string& path, const FaultRule& /*rule*/) {
+    const std::string moment = readString(value, path);
+    require(moment == "before" || moment == "during" || moment == "after", path,
+            "must be \"before\", \"during\" or \"after\"");
+    return moment;
+}
+
+/** The bytes of an answer that are corrupted; nothing where it has none of them. */
+std::optional<ByteRange> rangeOf(Function function, const Json& corruption) {
+    const Record* const record = answerRecord(function);
+    if (record == nullptr)
+        return std::nullopt;
+    if (corruption.contains("field"))
+        return answerField(function, corruption["field"].get<std::string>());
+    const auto offset = corruption["offset"].get<std::size_t>();
+    return offset < record->size ? std::optional(ByteRange{offset, 1}) : std::nullopt;
+}
+
+/** Whether an answer to a call that the rule is for has the bytes. */
+bool isInAnswer(const FaultRule& rule, const Json& corruption) {
+    for (std::size_t index = 0; index < functionCount; ++index) {
+        const auto function = static_cast<Function>(index);
+        if (rule.function.value_or(function) == function && rangeOf(function, corruption))
+            return true;
     }
-    if (rule.kind == nullptr)
-        refuse(fields.pathOf("result"), "is missing, and so is every other fault");
+    return false;
 }
 
-/** Whether two rules are one, of which there may have been more uses. */
-bool isSame(const FaultRule& left, const FaultRule& right) {
-    Json uses = left.json;
-    if (right.has("times"))
-        uses["times"] = right.json["times"];
-    return uses == right.json;
+Json readCorrupted(const Json& json, const std::string& path, const FaultRule& rule) {
+    requireFields(json, path, {"field", "offset", "value", "xor"});
+    require(json.contains("field") != json.contains("offset"), path,
+            "must have either a field or an offset");
+    require(!json.contains("value") || !json.contains("xor"), path,
+            "must not have both a value and an xor");
+    const char* const place = json.contains("field") ? "field" : "offset";
+    const std::string placePath = joined(path, place);
+    Json usual;
+    if (json.contains("field"))
+        usual[place] = readString(json[place], placePath);
+    else
+        usual[place] = kvasim::readNumber<std::uint32_t>(json[place], placePath);
+    require(isInAnswer(rule, usual), placePath, "is not in the answer of the function");
+    if (json.contains("value"))
+        usual["value"] = kvasim::readNumber<std::uint8_t>(json["value"], joined(path, "value"));
+    else
+        usual["xor"] = readInteger(json.value("xor", Json(255)), joined(path, "xor"), 1, 255);
+    return usual;
 }
 
-bool meets(const FaultRule& rule, Function function, std::optional<std::int32_t> serialNumber) {
-    return (!rule.function || rule.function == function) &&
-           (!rule.has("serialNumber") || rule.get<std::int32_t>("serialNumber") == serialNumber);
+/** What a rule may have beside its function and its calls. */
+struct FaultField {
+    const char* key;
+    const char* needs; /**< another field, without which it is refused; null: none */
+    Read read;
+
+    // Of a kind of fault, of which a rule has one.
+    unsigned int functions = 0;                                      /**< a bit each */
+    void (*apply)(const Json& rule, CallEffects& effects) = nullptr; /**< null: of no kind */
+};
+
+constexpr FaultField fields[] = {
+    {"serialNumber", nullptr, readNumber<std::int32_t>},
+    {"times", nullptr, readNumber<std::uint32_t, 1>},
+    {"probability", nullptr, readProbability},
+    {"seed", "probability", readNumber<std::uint32_t>},
+    {"instrument", "unplug", readNumber<std::int32_t>},
+    {"id", nullptr, readNumber<std::uint32_t>},
+    {"result", nullptr, readResult, anyFunction,
+     [](const Json& rule, CallEffects& effects) {
+         const Json& result = rule["result"];
+         if (!effects.result)
+             effects.result = result.is_string() ? resultFromName(result.get<std::string>())
+                                                 : result.get<KVA_RESULT>();
+     }},
+    {"delayMs", nullptr, readNumber<std::uint32_t, 0, 600000>, anyFunction,
+     [](const Json& rule, CallEffects& effects) {
+         effects.delay += std::chrono::milliseconds(rule["delayMs"].get<std::uint32_t>());
+     }},
+    {"dropped", nullptr, readTrue, accepting,
+     [](const Json&, CallEffects& effects) { effects.dropped = true; }},
+    {"stale", nullptr, readTrue, rereading,
+     [](const Json&, CallEffects& effects) { effects.stale = true; }},
+    {"corrupted", nullptr, readCorrupted, anyFunction,
+     [](const Json& rule, CallEffects& effects) {
+         effects.corruptions.push_back(rule["corrupted"]);
+     }},
+    {"shortList", nullptr, readNumber<std::uint32_t>, bit(Function::GetDevicePortList),
+     [](const Json& rule, CallEffects& effects) {
+         effects.longestList =
+             std::min(effects.longestList, rule["shortList"].get<std::uint32_t>());
+     }},
+    {"unplug", nullptr, readMoment, anyFunction,
+     [](const Json& rule, CallEffects& effects) {
+         if (!effects.unplug.empty())
+             return;
+         effects.unplug = rule["unplug"];
+         if (rule.contains("instrument"))
+             effects.unplugged = rule["instrument"].get<std::int32_t>();
+     }},
+};
+
+/** A call number in decimal; 0 for any other text. */
+std::uint32_t callNumber(std::string_view text) {
+    std::uint32_t number = 0;
+    const char* const end = text.data() + text.size();
+    const auto [last, error] = std::from_chars(text.data(), end, number);
+    return error == std::errc() && last == end && number != UINT32_MAX ? number : 0;
 }
 
-/** Whether the rule, met by a call, goes by chance and does nothing this time. */
-bool isSpared(const FaultRule& rule, std::mt19937& chance) {
-    return rule.has("probability") &&
-           static_cast<double>(chance()) >= rule.get<double>("probability") * 4294967296.0;
+/** Reads which calls the rule meets. @return them in their usual form */
+Json readCall(const Json& value, const std::string& path, FaultRule& rule) {
+    if (value == "every")
+        return value;
+    const std::string text = value.is_string() ? value.get<std::string>() : value.dump();
+    const auto dash = text.find('-');
+    rule.firstCall = callNumber(text.substr(0, dash));
+    rule.lastCall = dash == std::string::npos ? rule.firstCall : callNumber(text.substr(dash + 1));
+    require(rule.firstCall > 0 && rule.firstCall <= rule.lastCall, path,
+            "must be a call number from 1, a range such as \"2-5\" or \"every\"");
+    return rule.firstCall == rule.lastCall ? Json(rule.firstCall) : Json(text);
 }
 
 } // namespace
 
 FaultRule makeFaultRule(const Json& json, const std::string& path) {
     FaultRule rule;
-    JsonFields fields(json, path);
-    const std::string name = readString(fields.get("function"), fields.pathOf("function"));
+    const std::string name = readString(fieldOf(json, path, "function"), joined(path, "function"));
     rule.function = functionFromName(name);
-    if (!rule.function && name != "*")
-        refuse(fields.pathOf("function"), "is not the name of a function");
-    if (const Json* call = fields.find("call"))
-        readCall(*call, fields.pathOf("call"), rule);
-    rule.json = {{"function", name}, {"call", callToJson(rule)}};
-    for (const Limit& limit : limits) {
-        const Json* const value = fields.find(limit.key);
-        if (value == nullptr)
+    require(rule.function || name == "*", joined(path, "function"),
+            "is not the name of a function");
+    const Json call = json.value("call", Json("every"));
+    rule.json = {{"function", name}, {"call", readCall(call, joined(path, "call"), rule)}};
+    std::vector<std::string> known = {"function", "call"};
+    const char* kind = nullptr;
+    for (const FaultField& field : fields) {
+        known.emplace_back(field.key);
+        if (!json.contains(field.key))
             continue;
-        rule.json[limit.key] = limit.read(*value, fields.pathOf(limit.key));
-        if (limit.needs != nullptr && !json.contains(limit.needs))
-            refuse(fields.pathOf(limit.key), std::string("needs the field ") + limit.needs);
+        const std::string place = joined(path, field.key);
+        if (field.apply != nullptr && kind != nullptr)
+            refuse(place, std::string("cannot be given together with ") + kind);
+        if (field.needs != nullptr && !json.contains(field.needs))
+            refuse(place, std::string("needs the field ") + field.needs);
+        rule.json[field.key] = field.read(json[field.key], place, rule);
+        if (field.apply == nullptr)
+            continue;
+        kind = field.key;
+        if (rule.function && (field.functions & bit(*rule.function)) == 0)
+            refuse(place, std::string("is not for ") + functionName(*rule.function));
     }
-    if (rule.json.value("times", 1) == 0)
-        refuse(fields.pathOf("times"), "must be 1 or more");
-    readKind(fields, rule);
-    fields.finish();
+    require(kind != nullptr, joined(path, "result"), "is missing, and so is every other fault");
+    requireFields(json, path, known);
     return rule;
 }
 
-void addFault(std::vector<FaultRule>& rules, FaultRule rule) {
-    std::random_device random;
-    rule.json["id"] = random();
-    if (rule.has("probability") && !rule.has("seed"))
-        rule.json["seed"] = random();
-    rules.push_back(std::move(rule));
-}
-
-bool useUp(std::vector<FaultRule>& rules, const FaultRule& used) {
-    const auto found = std::find_if(rules.begin(), rules.end(),
-                                    [&](const FaultRule& rule) { return isSame(rule, used); });
-    if (found == rules.end())
-        return false;
-    const auto left = found->get<std::uint32_t>("times") - 1;
-    found->json["times"] = left;
-    if (left == 0)
-        rules.erase(found);
-    return true;
-}
-
-void FaultCounters::assign(const std::vector<FaultRule>& rules) {
-    std::vector<Counted> before;
-    before.swap(m_rules);
-    for (const FaultRule& rule : rules) {
-        const auto known = std::find_if(before.begin(), before.end(), [&](const Counted& counted) {
-            return isSame(counted.rule, rule);
-        });
-        if (known != before.end()) {
-            m_rules.push_back(std::move(*known));
-            m_rules.back().rule = rule;
-            before.erase(known);
-            continue;
-        }
-        m_rules.push_back({rule, {}, std::mt19937()});
-        if (!rule.has("probability"))
-            continue;
-        const std::uint32_t seed =
-            rule.has("seed") ? rule.get<std::uint32_t>("seed") : std::random_device()();
-        m_rules.back().chance.seed(seed);
-        complain("a rule for " +
-                 (rule.function ? functionName(*rule.function) : std::string("every function")) +
-                 " goes by chance, with seed " + std::to_string(seed));
+void apply(const FaultRule& rule, CallEffects& effects) {
+    for (const FaultField& field : fields) {
+        if (field.apply != nullptr && rule.has(field.key))
+            field.apply(rule.json, effects);
     }
 }
 
-std::vector<FaultRule> FaultCounters::meet(Function function,
-                                           std::optional<std::int32_t> serialNumber) {
-    std::vector<FaultRule> met;
-    for (Counted& counted : m_rules) {
-        const FaultRule& rule = counted.rule;
-        if (!meets(rule, function, serialNumber))
-            continue;
-        const std::uint64_t call = ++counted.calls.at(static_cast<std::size_t>(function));
-        const bool isBounded = rule.lastCall != unlimited;
-        if (call < rule.firstCall || (isBounded && call > rule.lastCall))
-            continue;
-        if (!isSpared(rule, counted.chance))
-            met.push_back(rule);
+void corrupt(const CallEffects& effects, Function function, void* record) {
+    auto* const bytes = static_cast<std::uint8_t*>(record);
+    for (const Json& corruption : effects.corruptions) {
+        const auto [offset, size] = rangeOf(function, corruption).value_or(ByteRange{0, 0});
+        for (std::size_t index = offset; index < offset + size; ++index)
+            bytes[index] = corruption.contains("value")
+                               ? corruption["value"].get<std::uint8_t>()
+                               : bytes[index] ^ corruption["xor"].get<std::uint8_t>();
     }
-    return met;
 }
 
 } // namespace kvasim

@@ -7,12 +7,10 @@
 #ifndef SIMULATOR_FAULTRULES_H
 #define SIMULATOR_FAULTRULES_H
 
-#include "simulator/Field.h"
-#include "simulator/SdkNames.h"
+#include "simulator/Records.h"
 
 #include <array>
 #include <chrono>
-#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <random>
@@ -21,14 +19,6 @@
 
 namespace kvasim {
 
-enum class Moment { Before, During, After };
-
-/** An instrument is detached at some moment of the call. */
-struct Unplugging {
-    Moment moment;
-    std::optional<std::int32_t> instrument; /**< nothing: the one that the call is for */
-};
-
 /** What the rules that a call has met do to it, taken together. */
 struct CallEffects {
     std::optional<KVA_RESULT> result; /**< of the first rule that answers */
@@ -36,52 +26,33 @@ struct CallEffects {
     bool dropped = false;
     bool stale = false;
     std::vector<Json> corruptions; /**< values of "corrupted" */
-    std::optional<std::uint32_t> longestList;
-    std::optional<Unplugging> unplug; /**< of the first rule that detaches */
-
-    bool unplugs(Moment moment) const { return unplug && unplug->moment == moment; }
+    std::uint32_t longestList = UINT32_MAX;
+    std::string unplug; /**< "before", "during", "after"; empty: nothing is detached */
+    std::optional<std::int32_t> unplugged; /**< nothing: the instrument that the call is for */
 
     /** Whether the instrument's answer does not arrive. */
-    bool answerIsLost() const { return unplugs(Moment::During); }
+    bool answerIsLost() const { return unplug == "during"; }
 };
 
 /** Applies the corruptions that are meant for an answer of @p function. */
 void corrupt(const CallEffects& effects, Function function, void* record);
 
-struct FaultRule;
-
-/** A kind of fault: "result", "delayMs" and so on. */
-struct FaultKind {
-    const char* key;
-    unsigned int functions; /**< that can have it, a bit each */
-
-    /** Checks the value of the key. @return it in its usual form
-        @throws InputError with @p path and the reason */
-    Json (*read)(const Json& value, const std::string& path, const FaultRule& rule);
-
-    /** Adds what the rule does to what others do. */
-    void (*apply)(const Json& value, const FaultRule& rule, CallEffects& effects);
-};
-
-const std::array<FaultKind, 7>& faultKinds();
-
 struct FaultRule {
-    Json json; /**< checked, and in its usual form */
-    const FaultKind* kind = nullptr;
+    Json json;                           /**< checked, and in its usual form */
     std::optional<Function> function;    /**< nothing: every function */
     std::uint32_t firstCall = 1;         /**< counted from 1, inclusive */
     std::uint32_t lastCall = UINT32_MAX; /**< inclusive; UINT32_MAX: no end */
 
+    bool operator==(const FaultRule& other) const { return json == other.json; }
     bool has(const char* key) const { return json.contains(key); }
-    template <typename Value>
-    Value get(const char* key) const {
-        return json.at(key).get<Value>();
-    }
 };
 
 /** @param path the place of @p json in its document, for the reason of a refusal.
     @throws InputError when @p json is no rule. */
 FaultRule makeFaultRule(const Json& json, const std::string& path);
+
+/** Adds what a rule does to what others do. */
+void apply(const FaultRule& rule, CallEffects& effects);
 
 /** Adds a rule: draws its number, and the seed of its chance where it has none. */
 void addFault(std::vector<FaultRule>& rules, FaultRule rule);

@@ -1,13 +1,12 @@
 #include "simulator/Field.h"
 
-#include "simulator/Json.h"
-
 #include <algorithm>
 #include <cfloat>
 #include <charconv>
 #include <cmath>
 #include <cstring>
-#include <vector>
+#include <limits>
+#include <utility>
 
 #include <arpa/inet.h>
 
@@ -22,22 +21,10 @@ constexpr std::int64_t maxDurationMs = 600000;
 constexpr std::int64_t maxTime = std::int64_t{1} << 53U; // exact in every JSON reader
 
 template <typename Number>
-void store(std::uint8_t* bytes, Number value) {
-    std::memcpy(bytes, &value, sizeof value);
-}
-
-template <typename Number>
 Number load(const std::uint8_t* bytes) {
     Number value{};
     std::memcpy(&value, bytes, sizeof value);
     return value;
-}
-
-std::string hexOf(std::uint32_t bits) {
-    const std::uint8_t bytes[4] = {
-        static_cast<std::uint8_t>(bits >> 24U), static_cast<std::uint8_t>(bits >> 16U),
-        static_cast<std::uint8_t>(bits >> 8U), static_cast<std::uint8_t>(bits)};
-    return "0x" + toHex(bytes, sizeof bytes);
 }
 
 /** A number that would become infinite, subnormal or, not being zero, zero is refused.
@@ -45,12 +32,12 @@ std::string hexOf(std::uint32_t bits) {
 const char* readFloat(const Json& value, float& result) {
     if (value.is_string()) {
         const auto& text = value.get_ref<const std::string&>();
-        std::uint8_t bytes[4] = {};
+        std::uint32_t bits = 0;
+        const char* const end = text.data() + text.size();
         if (text.size() != 10 || text.compare(0, 2, "0x") != 0 ||
-            !fromHex(std::string_view(text).substr(2), {}, bytes, sizeof bytes))
+            std::from_chars(text.data() + 2, end, bits, 16).ptr != end)
             return "must be a number or a bit pattern such as \"0x7fc00001\"";
-        std::reverse(bytes, bytes + sizeof bytes);
-        result = load<float>(bytes);
+        std::memcpy(&result, &bits, sizeof bits);
         return nullptr;
     }
     if (!value.is_number())
@@ -70,7 +57,7 @@ Json floatToJson(const std::uint8_t* bytes) {
     const auto bits = load<std::uint32_t>(bytes);
     const auto value = load<float>(bytes);
     if (!std::isnormal(value) && bits != 0)
-        return hexOf(bits);
+        return toHex(bits);
     // A JSON number is a double: 0.1f would be written as 0.10000000149011612. The shortest text
     // that is the same float is what people wrote and want to see.
     using FloatJson = nlohmann::basic_json<std::map, std::vector, std::string, bool, std::int64_t,
@@ -83,14 +70,21 @@ Json floatToJson(const std::uint8_t* bytes) {
 
 void readFloats(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size) {
     const std::size_t count = size / sizeof(float);
-    if (!value.is_array() || value.size() != count)
-        refuse(path, "must be an array of " + std::to_string(count) + " values");
+    require(value.is_array() && value.size() == count, path,
+            "must be an array of " + std::to_string(count) + " values");
     for (std::size_t index = 0; index < count; ++index) {
         float number = 0;
         if (const char* const reason = readFloat(value[index], number))
             refuse(path + '[' + std::to_string(index) + ']', reason);
-        store(bytes + index * sizeof number, number);
+        std::memcpy(bytes + index * sizeof number, &number, sizeof number);
     }
+}
+
+Json floatsToJson(const std::uint8_t* bytes, std::size_t size) {
+    Json values = Json::array();
+    for (std::size_t index = 0; index < size; index += sizeof(float))
+        values.push_back(floatToJson(bytes + index));
+    return values;
 }
 
 /** The repeatable pattern of {"seed": seed}. */
@@ -108,17 +102,16 @@ void fillFromSeed(std::uint64_t seed, std::uint8_t* bytes, std::size_t size) {
 void readBytes(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size) {
     if (!value.is_object() || value.size() != 1)
         refuse(path, "must be an object of one of the fields hex, fill and seed");
-    JsonFields fields(value, path);
-    if (const Json* hex = fields.find("hex")) {
-        if (!fromHex(readString(*hex, fields.pathOf("hex")), {}, bytes, size))
-            refuse(fields.pathOf("hex"),
-                   "must be exactly " + std::to_string(size) + " bytes of hexadecimal");
-    } else if (const Json* fill = fields.find("fill")) {
-        std::fill_n(bytes, size, readNumber<std::uint8_t>(*fill, fields.pathOf("fill")));
-    } else if (const Json* seed = fields.find("seed")) {
-        fillFromSeed(readNumber<std::uint32_t>(*seed, fields.pathOf("seed")), bytes, size);
-    }
-    fields.finish();
+    requireFields(value, path, {"hex", "fill", "seed"});
+    const std::string place = joined(path, value.begin().key());
+    const Json& given = value.front();
+    if (value.contains("hex"))
+        require(fromHex(readString(given, place), {}, bytes, size), place,
+                "must be exactly " + std::to_string(size) + " bytes of hexadecimal");
+    else if (value.contains("fill"))
+        std::fill_n(bytes, size, readNumber<std::uint8_t>(given, place));
+    else
+        fillFromSeed(readNumber<std::uint32_t>(given, place), bytes, size);
 }
 
 Json bytesToJson(const std::uint8_t* bytes, std::size_t size) {
@@ -131,23 +124,11 @@ void readText(const Json& value, const std::string& path, std::uint8_t* bytes, s
     if (!value.is_string())
         return readBytes(value, path, bytes, size);
     const auto& text = value.get_ref<const std::string&>();
-    if (text.find('\0') != std::string::npos)
-        refuse(path, "holds a NUL character; give the field's bytes in hex");
-    if (text.size() > size)
-        refuse(path, "is longer than " + std::to_string(size) + " bytes");
+    require(text.find('\0') == std::string::npos, path,
+            "holds a NUL character; give the field's bytes in hex");
+    require(text.size() <= size, path, "is longer than " + std::to_string(size) + " bytes");
     std::memset(bytes, 0, size);
     std::copy(text.begin(), text.end(), bytes);
-}
-
-/** The text of a field as JSON; null where it is not UTF-8. */
-Json utf8(std::string text) {
-    try {
-        Json json(std::move(text));
-        static_cast<void>(json.dump()); // throws for what is not UTF-8
-        return json;
-    } catch (const Json::type_error&) {
-        return nullptr;
-    }
 }
 
 /** A string where that is exact; {"hex"} where the field has bytes that are not UTF-8 or that lie
@@ -157,20 +138,31 @@ Json textToJson(const std::uint8_t* bytes, std::size_t size) {
     text.erase(std::min(text.find('\0'), size));
     const bool cleanRest =
         std::all_of(bytes + text.size(), bytes + size, [](auto byte) { return byte == 0; });
-    Json json = cleanRest ? utf8(std::move(text)) : Json();
-    return json.is_null() ? Json{{"hex", toHex(bytes, size)}} : json;
+    Json json = std::move(text);
+    // What is not UTF-8 is left out, and the text is another one.
+    const std::string valid = json.dump(-1, ' ', false, Json::error_handler_t::ignore);
+    return cleanRest && Json::parse(valid) == json ? json : Json{{"hex", toHex(bytes, size)}};
 }
 
-void readAddress(const Json& value, const std::string& path, std::uint8_t* octets) {
+void readAddress(const Json& value, const std::string& path, std::uint8_t* octets, std::size_t) {
     const std::string text = value.is_string() ? value.get<std::string>() : std::string();
     const bool isWhole = text.find('\0') == std::string::npos;
-    if (!isWhole || ::inet_pton(AF_INET, text.c_str(), octets) != 1)
-        refuse(path, "must be an address such as \"192.168.0.10\"");
+    require(isWhole && ::inet_pton(AF_INET, text.c_str(), octets) == 1, path,
+            "must be an address such as \"192.168.0.10\"");
 }
 
-Json addressToJson(const std::uint8_t* octets) {
+Json addressToJson(const std::uint8_t* octets, std::size_t) {
     char text[INET_ADDRSTRLEN] = "";
     return ::inet_ntop(AF_INET, octets, text, sizeof text);
+}
+
+void readMac(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size) {
+    require(fromHex(readString(value, path), ":", bytes, size), path,
+            "must be an address such as \"02:00:00:0f:42:41\"");
+}
+
+Json macToJson(const std::uint8_t* bytes, std::size_t size) {
+    return toHex(bytes, size, ":");
 }
 
 bool isDecimal(const std::string& text) {
@@ -181,106 +173,73 @@ void readDigits(const Json& value, const std::string& path, std::uint8_t* bytes,
     if (!value.is_string())
         return readBytes(value, path, bytes, size);
     const auto& text = value.get_ref<const std::string&>();
-    if (!isDecimal(text) || !fromHex(text, {}, bytes, size))
-        refuse(path, "must be eight decimal digits");
+    require(isDecimal(text) && fromHex(text, {}, bytes, size), path,
+            "must be eight decimal digits");
 }
-
-} // namespace
 
 Json digitsToJson(const std::uint8_t* bytes, std::size_t size) {
     std::string text = toHex(bytes, size);
     return isDecimal(text) ? Json(std::move(text)) : Json{{"hex", std::move(text)}};
 }
 
-bool Field::isString() const {
-    return kind == Kind::Text || kind == Kind::Address || kind == Kind::Mac || kind == Kind::Digits;
+void readFlag(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
+    *bytes = static_cast<std::uint8_t>(readBool(value, path));
 }
+
+Json flagToJson(const std::uint8_t* bytes, std::size_t) {
+    return *bytes != 0;
+}
+
+void readModule(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
+    require(value.is_boolean() || value.is_number(), path,
+            "must be true, false or a whole number from 0 to 255");
+    *bytes = value.is_boolean() ? std::uint8_t{value.get<bool>()}
+                                : readNumber<std::uint8_t>(value, path);
+}
+
+Json moduleToJson(const std::uint8_t* bytes, std::size_t) {
+    return *bytes > 1 ? Json(*bytes) : Json(*bytes == 1);
+}
+
+template <typename Number>
+using Limits = std::numeric_limits<Number>;
+
+template <typename Number, std::int64_t lowest = Limits<Number>::min(),
+          std::int64_t highest = Limits<Number>::max()>
+constexpr FieldType numberType = {
+    [](const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
+        const auto number = static_cast<Number>(readInteger(value, path, lowest, highest));
+        std::memcpy(bytes, &number, sizeof number);
+    },
+    [](const std::uint8_t* bytes, std::size_t) -> Json { return load<Number>(bytes); }, 0, false};
+
+} // namespace
+
+const FieldType flagType = {readFlag, flagToJson, 0, false};
+const FieldType moduleType = {readModule, moduleToJson, 0, false};
+const FieldType byteType = numberType<std::uint8_t>;
+const FieldType int32Type = numberType<std::int32_t>;
+const FieldType uint32Type = numberType<std::uint32_t>;
+const FieldType durationType = numberType<std::uint32_t, 0, maxDurationMs>;
+const FieldType timeType = numberType<std::int64_t, 0, maxTime>;
+const FieldType bytesType = {readBytes, bytesToJson, 1, false};
+const FieldType textType = {readText, textToJson, 1, true};
+const FieldType addressType = {readAddress, addressToJson, 1, true};
+const FieldType macType = {readMac, macToJson, 1, true};
+const FieldType digitsType = {readDigits, digitsToJson, 1, true};
+const FieldType floatsType = {readFloats, floatsToJson, sizeof(float), false};
 
 std::optional<ByteRange> Field::range(std::string_view element) const {
     if (element.empty())
-        return ByteRange{offset, size};
-    const std::size_t width = kind == Kind::Floats ? sizeof(float) : 1;
-    const bool isArray = kind == Kind::Floats || kind == Kind::Bytes || isString();
+        return bytes;
+    const std::size_t width = type->elementSize;
     const char* const digits = element.data() + 1;
     const char* const end = element.data() + element.size() - 1;
     std::size_t index = 0;
-    if (!isArray || element.size() < 3 || element.front() != '[' || element.back() != ']' ||
-        std::from_chars(digits, end, index).ptr != end || index >= size / width)
+    if (width == 0 || element.size() < 3 || element.front() != '[' || element.back() != ']' ||
+        std::from_chars(digits, end, index).ptr != end || index >= bytes.size / width)
         return std::nullopt;
-    return ByteRange{offset + index * width, width};
-}
-
-void Field::read(const Json& value, const std::string& path, std::uint8_t* record) const {
-    std::uint8_t* const bytes = record + offset;
-    switch (kind) {
-    case Kind::Flag:
-        return store(bytes, readBool(value, path));
-    case Kind::Module:
-        if (!value.is_boolean() && !value.is_number())
-            refuse(path, "must be true, false or a whole number from 0 to 255");
-        return store(bytes, value.is_boolean() ? std::uint8_t{value.get<bool>()}
-                                               : readNumber<std::uint8_t>(value, path));
-    case Kind::Byte:
-        return store(bytes, readNumber<std::uint8_t>(value, path));
-    case Kind::Int32:
-        return store(bytes, readNumber<std::int32_t>(value, path));
-    case Kind::Uint32:
-        return store(bytes, readNumber<std::uint32_t>(value, path));
-    case Kind::Duration:
-        return store(bytes, static_cast<std::uint32_t>(readInteger(value, path, 0, maxDurationMs)));
-    case Kind::Time:
-        return store(bytes, readInteger(value, path, 0, maxTime));
-    case Kind::Bytes:
-        return readBytes(value, path, bytes, size);
-    case Kind::Text:
-        return readText(value, path, bytes, size);
-    case Kind::Address:
-        return readAddress(value, path, bytes);
-    case Kind::Mac:
-        if (!fromHex(readString(value, path), ":", bytes, size))
-            refuse(path, "must be an address such as \"02:00:00:0f:42:41\"");
-        return;
-    case Kind::Digits:
-        return readDigits(value, path, bytes, size);
-    case Kind::Floats:
-        return readFloats(value, path, bytes, size);
-    }
-}
-
-Json Field::write(const std::uint8_t* record) const {
-    const std::uint8_t* const bytes = record + offset;
-    switch (kind) {
-    case Kind::Flag:
-        return load<bool>(bytes);
-    case Kind::Module:
-        return *bytes > 1 ? Json(*bytes) : Json(*bytes == 1);
-    case Kind::Byte:
-        return *bytes;
-    case Kind::Int32:
-        return load<std::int32_t>(bytes);
-    case Kind::Uint32:
-    case Kind::Duration:
-        return load<std::uint32_t>(bytes);
-    case Kind::Time:
-        return load<std::int64_t>(bytes);
-    case Kind::Bytes:
-        return bytesToJson(bytes, size);
-    case Kind::Text:
-        return textToJson(bytes, size);
-    case Kind::Address:
-        return addressToJson(bytes);
-    case Kind::Mac:
-        return toHex(bytes, size, ":");
-    case Kind::Digits:
-        return digitsToJson(bytes, size);
-    case Kind::Floats: {
-        Json values = Json::array();
-        for (std::size_t index = 0; index < size; index += sizeof(float))
-            values.push_back(floatToJson(bytes + index));
-        return values;
-    }
-    }
-    return nullptr;
+    return ByteRange{bytes.offset + index * width, width};
 }
 
 } // namespace kvasim

@@ -31,18 +31,17 @@ bool isBytes(const Json& json) {
 
 /** Puts what is given in place of the defaults. Refuses what has no place there. */
 void overlay(Json& target, const Json& given, const std::string& path) {
-    if (target.is_array() && (!given.is_array() || given.size() != target.size()))
-        refuse(path, "must be an array of " + std::to_string(target.size()) + " values");
+    if (target.is_array())
+        require(given.is_array() && given.size() == target.size(), path,
+                "must be an array of " + std::to_string(target.size()) + " values");
     if (!target.is_object() || isBytes(target)) {
         target = given;
         return;
     }
-    if (!given.is_object())
-        refuse(path, "must be an object");
+    require(given.is_object(), path, "must be an object");
     for (const auto& item : given.items()) {
         const std::string itemPath = joined(path, item.key());
-        if (!target.contains(item.key()))
-            refuse(itemPath, "is not a known field");
+        require(target.contains(item.key()), itemPath, "is not a known field");
         overlay(target[item.key()], item.value(), itemPath);
     }
 }
@@ -56,25 +55,26 @@ void settle(const Part& part, Json& instrument, const std::string& path) {
             continue;
         Json& value = json.at(pointerTo(field.place));
         const std::string partPath = *part.place == '\0' ? path : joined(path, part.place);
-        field.read(value, joined(partPath, field.place), bytes.data());
-        const bool isUsual = field.kind == Kind::Floats &&
+        std::uint8_t* const first = bytes.data() + field.bytes.offset;
+        field.type->read(value, joined(partPath, field.place), first, field.bytes.size);
+        const bool isUsual = field.type == &floatsType &&
                              std::all_of(value.begin(), value.end(),
                                          [](const Json& number) { return number.is_number(); });
         if (!isUsual) // numbers stay as they are given
-            value = field.write(bytes.data());
+            value = field.type->write(first, field.bytes.size);
     }
 }
 
 Json defaultsFor(std::int32_t serialNumber) {
     Json json = parseJson(defaultInstrumentText, Comments::Allowed);
-    const auto number = static_cast<std::uint32_t>(serialNumber);
-    std::array<std::uint8_t, 4> bytes{};
-    for (unsigned int index = 0; index < bytes.size(); ++index)
-        bytes.at(index) = static_cast<std::uint8_t>(number >> (24U - 8 * index));
     json["serialNumber"] = serialNumber;
-    json["device"]["serialNumber"] = number;
+    json["device"]["serialNumber"] = static_cast<std::uint32_t>(serialNumber);
     // A locally administered address, so that it belongs to no maker.
-    json["device"]["macAddress"] = "02:00:" + toHex(bytes.data(), bytes.size(), ":");
+    const std::string digits = toHex(static_cast<std::uint32_t>(serialNumber)).substr(2);
+    std::string mac = "02:00";
+    for (std::size_t index = 0; index < digits.size(); index += 2)
+        mac += ':' + digits.substr(index, 2);
+    json["device"]["macAddress"] = mac;
     return json;
 }
 
@@ -98,7 +98,7 @@ void mergeInto(Json& target, const Json& patch) {
 void take(Json& instrument, const Json& json) {
     Json next = makeInstrument(json, "");
     if (isPlugged(next) != isPlugged(instrument))
-        setPlugged(next, isPlugged(next));
+        next["poweredOn"] = 0;
     instrument = std::move(next);
 }
 
@@ -107,7 +107,7 @@ bool isString(const std::string& place) {
     for (const Part& part : instrumentParts) {
         for (const Field& field : *part.record) {
             if (field.place != nullptr && joined(part.place, field.place) == place)
-                return field.isString();
+                return field.type->isString;
         }
     }
     return false;
@@ -139,12 +139,9 @@ void setAt(Json& json, const std::string& place, Json value) {
 } // namespace
 
 Json makeInstrument(const Json& json, const std::string& path) {
-    if (!json.is_object())
-        refuse(path, "must be an object");
-    const std::string serialPath = joined(path, "serialNumber");
-    if (!json.contains("serialNumber"))
-        refuse(serialPath, "is missing");
-    Json instrument = defaultsFor(readNumber<std::int32_t>(json["serialNumber"], serialPath));
+    const Json& serialNumber = fieldOf(json, path, "serialNumber");
+    Json instrument =
+        defaultsFor(readNumber<std::int32_t>(serialNumber, joined(path, "serialNumber")));
     overlay(instrument, json, path);
     for (const Optional& optional : optionals) {
         Json& given = instrument[pointerTo(optional.place)];
@@ -177,23 +174,29 @@ const Json& calibrationOf(const Json& instrument) {
     return calibration["staged"].is_null() ? calibration["committed"] : calibration["staged"];
 }
 
+KVA_RESULT commitCalibration(Json& instrument) {
+    Json& calibration = instrument["calibration"];
+    if (calibration["staged"].is_null())
+        return KVA_ERROR_NO_DATA;
+    calibration["committed"] = std::exchange(calibration["staged"], nullptr);
+    return KVA_SUCCESS;
+}
+
 bool isPlugged(const Json& instrument) {
     return instrument["plugged"].get<bool>();
 }
 
 void setPlugged(Json& instrument, bool plugged) {
-    instrument["plugged"] = plugged;
-    instrument["poweredOn"] = 0;
+    if (isPlugged(instrument) != plugged)
+        instrument.update({{"plugged", plugged}, {"poweredOn", 0}});
 }
 
-void powerCycle(Json& instrument, StartUp startUp) {
+void powerCycle(Json& instrument) {
     instrument["network"]["active"] = Json(networkOf(instrument));
     instrument["network"]["pending"] = nullptr;
     instrument["calibration"]["staged"] = nullptr;
     instrument["powerCycles"] = instrument["powerCycles"].get<std::uint32_t>() + 1;
-    const bool takesTime =
-        isPlugged(instrument) && startUp == StartUp::Timed && instrument["startUpMs"] != 0;
-    instrument["poweredOn"] = takesTime ? millisecondsSince1970() : 0;
+    instrument["poweredOn"] = isPlugged(instrument) ? millisecondsSince1970() : 0;
 }
 
 std::int64_t startUpLeft(const Json& instrument) {
@@ -210,8 +213,7 @@ bool isReady(const Json& instrument) {
 }
 
 void patch(Json& instrument, const Json& patch) {
-    if (!patch.is_object())
-        refuse("", "must be an object");
+    require(patch.is_object(), "", "must be an object");
     Json merged = instrument;
     mergeInto(merged, patch);
     take(instrument, merged);

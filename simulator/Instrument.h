@@ -27,17 +27,17 @@ KVA_PORTINFO portOf(const Json& instrument);
 const Json& networkOf(const Json& instrument);
 const Json& calibrationOf(const Json& instrument);
 
+/** Commits the staged calibration data. @return KVA_ERROR_NO_DATA where there is none */
+KVA_RESULT commitCalibration(Json& instrument);
+
 bool isPlugged(const Json& instrument);
 
-/** Attaches or detaches it; an instrument that is attached has started. */
+/** Attaches or detaches it, unless it is so; an instrument that is attached has started. */
 void setPlugged(Json& instrument, bool plugged);
-
-/** Whether a power cycle takes the instrument's time to start, or none. */
-enum class StartUp { Timed, Skipped };
 
 /** Switches the instrument off and on: pending settings come into use, data that was only staged is
     gone, and it starts, where it is plugged. */
-void powerCycle(Json& instrument, StartUp startUp);
+void powerCycle(Json& instrument);
 
 /** The milliseconds until a plugged instrument has started; 0 when it has. */
 std::int64_t startUpLeft(const Json& instrument);

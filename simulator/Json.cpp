@@ -2,11 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cinttypes>
+#include <cstdio>
 #include <functional>
-#include <limits>
 #include <set>
-#include <utility>
-#include <vector>
 
 namespace kvasim {
 
@@ -113,30 +112,24 @@ std::string joined(const std::string& path, const std::string& key) {
     return path.empty() ? key : path + '.' + key;
 }
 
-JsonFields::JsonFields(const Json& object, std::string path)
-    : m_object(object), m_path(std::move(path)) {
-    if (!object.is_object())
-        refuse(m_path, "must be an object");
+void require(bool isGood, const std::string& path, const std::string& reason) {
+    if (!isGood)
+        refuse(path, reason);
 }
 
-const Json* JsonFields::find(const char* key) {
-    m_known.emplace_back(key);
-    const auto found = m_object.find(key);
-    return found == m_object.end() ? nullptr : &*found;
-}
-
-const Json& JsonFields::get(const char* key) {
-    const Json* value = find(key);
-    if (value == nullptr)
-        refuse(pathOf(key), "is missing");
-    return *value;
-}
-
-void JsonFields::finish() const {
-    for (const auto& item : m_object.items()) {
-        if (std::find(m_known.begin(), m_known.end(), item.key()) == m_known.end())
-            refuse(pathOf(item.key().c_str()), "is not a known field");
+void requireFields(const Json& object, const std::string& path,
+                   const std::vector<std::string>& known) {
+    require(object.is_object(), path, "must be an object");
+    for (const auto& item : object.items()) {
+        const bool isKnown = std::find(known.begin(), known.end(), item.key()) != known.end();
+        require(isKnown, joined(path, item.key()), "is not a known field");
     }
+}
+
+const Json& fieldOf(const Json& object, const std::string& path, const char* key) {
+    require(object.is_object(), path, "must be an object");
+    require(object.contains(key), joined(path, key), "is missing");
+    return object[key];
 }
 
 std::int64_t readInteger(const Json& value, const std::string& path, std::int64_t lowest,
@@ -150,27 +143,18 @@ std::int64_t readInteger(const Json& value, const std::string& path, std::int64_
 }
 
 bool readBool(const Json& value, const std::string& path) {
-    if (!value.is_boolean())
-        refuse(path, "must be true or false");
+    require(value.is_boolean(), path, "must be true or false");
     return value.get<bool>();
 }
 
 std::string readString(const Json& value, const std::string& path) {
-    if (!value.is_string())
-        refuse(path, "must be a string");
+    require(value.is_string(), path, "must be a string");
     return value.get<std::string>();
-}
-
-const Json& readArray(const Json& value, const std::string& path) {
-    if (!value.is_array())
-        refuse(path, "must be an array");
-    return value;
 }
 
 std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view separator) {
     constexpr std::string_view digits = "0123456789abcdef";
     std::string text;
-    text.reserve(size * (2 + separator.size()));
     for (std::size_t index = 0; index < size; ++index) {
         if (index > 0)
             text += separator;
@@ -180,22 +164,25 @@ std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view 
     return text;
 }
 
+std::string toHex(std::uint32_t number) {
+    char text[11] = "";
+    std::snprintf(text, sizeof text, "0x%08" PRIx32, number);
+    return text;
+}
+
 bool fromHex(std::string_view text, std::string_view separator, std::uint8_t* bytes,
              std::size_t size) {
+    const std::size_t width = 2 + separator.size();
+    if (text.size() + separator.size() != size * width)
+        return false;
     for (std::size_t index = 0; index < size; ++index) {
-        if (index > 0) {
-            if (text.substr(0, separator.size()) != separator)
-                return false;
-            text.remove_prefix(separator.size());
-        }
-        if (text.size() < 2)
+        const std::string_view part = text.substr(index * width, width);
+        const char* const end = part.data() + 2;
+        const bool isByte = std::from_chars(part.data(), end, bytes[index], 16).ptr == end;
+        if (!isByte || part.substr(2) != (index + 1 < size ? separator : ""))
             return false;
-        const auto end = std::from_chars(text.data(), text.data() + 2, bytes[index], 16).ptr;
-        if (end != text.data() + 2)
-            return false;
-        text.remove_prefix(2);
     }
-    return text.empty();
+    return true;
 }
 
 } // namespace kvasim

@@ -29,8 +29,6 @@ public:
     using std::runtime_error::runtime_error;
 };
 
-/** Whether a document may hold comments, after // to the end of the line or between slashes with
-    asterisks. */
 enum class Comments { Refused, Allowed };
 
 /** Parses one JSON document in UTF-8.
@@ -45,32 +43,18 @@ std::string formatJson(const Json& value);
 /** @throws InputError always: "path: reason". */
 [[noreturn]] void refuse(const std::string& path, const std::string& reason);
 
+/** The same, unless @p isGood. */
+void require(bool isGood, const std::string& path, const std::string& reason);
+
 /** "path.key", or the key where the path is empty. */
 std::string joined(const std::string& path, const std::string& key);
 
-/** The fields of one JSON object. Asked for field by field; `finish` then refuses what was not
-   asked for. Keeps a reference to the object, which must outlive it. */
-class JsonFields {
-public:
-    /** @throws InputError when @p object is not an object. */
-    JsonFields(const Json& object, std::string path);
+/** Refuses what is no object, and an object with a field that is not among @p known. */
+void requireFields(const Json& object, const std::string& path,
+                   const std::vector<std::string>& known);
 
-    /** The field, or null when it is left out. */
-    const Json* find(const char* key);
-
-    /** The field. @throws InputError when it is left out. */
-    const Json& get(const char* key);
-
-    std::string pathOf(const char* key) const { return joined(m_path, key); }
-
-    /** @throws InputError when the object has a field that was not asked for. */
-    void finish() const;
-
-private:
-    const Json& m_object;
-    std::string m_path;
-    std::vector<std::string> m_known;
-};
+/** A field that must be there. */
+const Json& fieldOf(const Json& object, const std::string& path, const char* key);
 
 /** An integer from @p lowest to @p highest. */
 std::int64_t readInteger(const Json& value, const std::string& path, std::int64_t lowest,
@@ -85,10 +69,12 @@ Number readNumber(const Json& value, const std::string& path) {
 
 bool readBool(const Json& value, const std::string& path);
 std::string readString(const Json& value, const std::string& path);
-const Json& readArray(const Json& value, const std::string& path);
 
 /** Lower-case hexadecimal, two digits a byte, with @p separator between the bytes. */
 std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view separator = {});
+
+/** "0x7fc00001" */
+std::string toHex(std::uint32_t number);
 
 /** Reads exactly @p size bytes of hexadecimal with @p separator between them.
     @return false when the text is anything else; the bytes are then not to be used. */

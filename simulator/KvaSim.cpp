@@ -12,34 +12,25 @@
 namespace {
 
 using kvasim::Bench;
+using kvasim::BenchStore;
 using kvasim::Simulator;
 
 // No std::string: a thread's destructor for it would keep the library from being unloaded.
 thread_local char t_lastError[1024] = "";
 
-void setLastError(const char* reason) {
-    std::snprintf(t_lastError, sizeof t_lastError, "%s", reason);
-}
-
-template <typename Work>
-bool attempt(const Work& work) {
-    setLastError("");
+bool attempt(const std::function<void(Simulator&)>& work) {
+    t_lastError[0] = '\0';
     try {
         work(Simulator::instance());
         return true;
     } catch (const std::exception& error) {
-        setLastError(error.what());
+        std::snprintf(t_lastError, sizeof t_lastError, "%s", error.what());
         return false;
     }
 }
 
 bool change(const std::function<void(Bench&)>& make) {
-    return attempt([&](Simulator& simulator) {
-        simulator.change([&](Bench& next) {
-            make(next);
-            return true;
-        });
-    });
+    return attempt([&](Simulator& simulator) { simulator.change(make); });
 }
 
 std::string text(const char* given) {
@@ -48,40 +39,51 @@ std::string text(const char* given) {
     return given;
 }
 
-/** A copy for the caller, who frees it. */
-char* copied(const std::string& source) {
-    auto* copy = static_cast<char*>(std::malloc(source.size() + 1));
-    if (copy == nullptr)
-        throw std::bad_alloc();
-    std::memcpy(copy, source.c_str(), source.size() + 1);
+/** A text for the caller, who frees it; null where it is refused. */
+char* copyOf(const std::function<std::string(Simulator&)>& make) {
+    char* copy = nullptr;
+    attempt([&](Simulator& simulator) {
+        copy = ::strdup(make(simulator).c_str());
+        if (copy == nullptr)
+            throw std::bad_alloc();
+    });
     return copy;
 }
 
 } // namespace
 
 bool KvaSim_LoadFile(const char* path) {
-    return attempt([&](Simulator& simulator) { simulator.loadFile(text(path)); });
+    return attempt([&](Simulator& simulator) { simulator.load(BenchStore::open(text(path))); });
 }
 
 bool KvaSim_LoadJson(const char* json) {
-    return attempt([&](Simulator& simulator) { simulator.loadJson(text(json)); });
+    return attempt([&](Simulator& simulator) {
+        simulator.load(std::make_unique<BenchStore>(kvasim::parseBench(text(json))));
+    });
 }
 
 void KvaSim_Reset(void) {
-    attempt([](Simulator& simulator) { simulator.reset(); });
+    attempt([](Simulator& simulator) {
+        simulator.load(nullptr);
+        simulator.log().clear(true);
+    });
 }
 
 bool KvaSim_Plug(int32_t serialNumber) {
-    return attempt([&](Simulator& simulator) { simulator.plug(serialNumber, true); });
+    return change(
+        [&](Bench& next) { kvasim::setPlugged(kvasim::instrumentOf(next, serialNumber), true); });
 }
 
 bool KvaSim_Unplug(int32_t serialNumber) {
-    return attempt([&](Simulator& simulator) { simulator.plug(serialNumber, false); });
+    return change(
+        [&](Bench& next) { kvasim::setPlugged(kvasim::instrumentOf(next, serialNumber), false); });
 }
 
 bool KvaSim_PowerCycle(int32_t serialNumber) {
     return change([&](Bench& next) {
-        kvasim::powerCycle(kvasim::instrumentOf(next, serialNumber), kvasim::StartUp::Skipped);
+        kvasim::Json& instrument = kvasim::instrumentOf(next, serialNumber);
+        kvasim::powerCycle(instrument);
+        instrument["poweredOn"] = 0;
     });
 }
 
@@ -113,19 +115,15 @@ void KvaSim_WaitForEvents(void) {
 }
 
 char* KvaSim_State(void) {
-    char* answer = nullptr;
-    attempt([&](Simulator& simulator) { answer = copied(kvasim::formatJson(simulator.state())); });
-    return answer;
+    return copyOf([](Simulator& simulator) { return kvasim::formatJson(simulator.state()); });
 }
 
 char* KvaSim_CallLog(void) {
-    char* answer = nullptr;
-    attempt([&](Simulator& simulator) { answer = copied(simulator.log().toJson()); });
-    return answer;
+    return copyOf([](Simulator& simulator) { return simulator.log().toJson(); });
 }
 
 void KvaSim_ClearCallLog(void) {
-    attempt([](Simulator& simulator) { simulator.log().clear(); });
+    attempt([](Simulator& simulator) { simulator.log().clear(false); });
 }
 
 const char* KvaSim_LastError(void) {

@@ -6,9 +6,7 @@
  * a bench, an instrument and a rule are those of a bench file. A function that returns false, or
  * null, has done nothing; `KvaSim_LastError` says why. A null text is refused.
  *
- * Any thread may call any function, an event handler included.
- *
- * The header is valid C.
+ * Any thread may call any function, an event handler included. The header is valid C.
  */
 #ifndef SIMULATOR_KVASIM_H
 #define SIMULATOR_KVASIM_H
@@ -23,40 +21,34 @@ extern "C" {
 #endif
 
 /** Puts the bench of a file in place of the present one; changes are then saved in that file. The
-    connection ends without an event and the rules of the bench take the place of those in force;
-   log and handler stay. False when the file is refused: nothing has changed then. */
+    connection ends without an event, and calls are counted anew; log and handler stay. */
 KVASIM_API bool KvaSim_LoadFile(const char* path);
 
 /** As `KvaSim_LoadFile`, with a bench that is kept in memory only. */
 KVASIM_API bool KvaSim_LoadJson(const char* json);
 
-/** Forgets bench, connection, rules and log, and closes the trace; a registered handler stays. The
-    next use reads the bench from the environment (`KVASIM_BENCH`) again. */
+/** Forgets bench, connection and log; a registered handler stays. The next use reads the bench from
+    the environment (`KVASIM_BENCH`) again. */
 KVASIM_API void KvaSim_Reset(void);
 
-/** Attaches an instrument and delivers a standby event. True and no event when it is attached
+/** Attaches an instrument, which delivers a standby event, or detaches it; for the connected one
+   the connection is then lost and a disconnect event is delivered. True and no event when it is so
     already. */
 KVASIM_API bool KvaSim_Plug(int32_t serialNumber);
-
-/** Detaches an instrument. For the connected one the connection is lost and a disconnect event is
-    delivered. True and no event when it is detached already. */
 KVASIM_API bool KvaSim_Unplug(int32_t serialNumber);
 
 /** Switches an instrument off and on: pending network settings come into use, calibration data that
     was only staged is lost. For the connected one the connection is lost, and a disconnect and then
-    a standby event are delivered. It answers again at once; with its "startUpMs" it is switched by
-    the request {"command": "powerCycle"}. */
+    a standby event are delivered. It answers again at once, whatever its "startUpMs". */
 KVASIM_API bool KvaSim_PowerCycle(int32_t serialNumber);
 
 /** Merges a JSON merge patch into an instrument, for instance {"powerOffMode": 7}; null gives a
     field its default. Bytes ({"hex"}, {"fill"}, {"seed"}) are replaced as a whole. Setting
-   "plugged" has the effects of `KvaSim_Plug` and `KvaSim_Unplug`. */
+    "plugged" has the effects of `KvaSim_Plug` and `KvaSim_Unplug`. */
 KVASIM_API bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch);
 
-/** Adds a rule to those in force, in memory only. */
+/** Adds a rule to those of the bench, and removes them all. */
 KVASIM_API bool KvaSim_AddFault(const char* json);
-
-/** Removes all rules in force, those of the bench file too; the file keeps its own. */
 KVASIM_API void KvaSim_ClearFaults(void);
 
 /** Queues an event for the handler; nothing happens without one. */
@@ -70,15 +62,11 @@ KVASIM_API void KvaSim_WaitForEvents(void);
 KVASIM_API char* KvaSim_State(void);
 
 /** The log as a JSON array of {"seq", "function", "arguments", "result", "resultName",
-   "durationUs"}: the last 100 000 calls, oldest first. To be given back with `KvaSim_Free`. */
+    "durationUs"}: the last 100 000 calls, oldest first. To be given back with `KvaSim_Free`. */
 KVASIM_API char* KvaSim_CallLog(void);
 
 /** Empties the log; its numbers go on. */
 KVASIM_API void KvaSim_ClearCallLog(void);
-
-/** Answers a control request, {"command": …}: see Control.h. The answer, refusals included, is
-   JSON. Null only when memory runs out. To be given back with `KvaSim_Free`. */
-KVASIM_API char* KvaSim_Request(const char* requestJson);
 
 /** Why this thread's last call was refused, in one line; empty when it was not. Valid until this
     thread's next call of a function of this header. */

@@ -8,15 +8,17 @@ namespace kvasim {
 
 namespace {
 
-#define KVASIM_FIELD(record, place, field, kind)                                                   \
+#define KVASIM_FIELD(record, place, field, type)                                                   \
     Field {                                                                                        \
-        place, #field, Kind::kind, offsetof(record, field), sizeof(record::field)                  \
+        place, #field, &type, {                                                                    \
+            offsetof(record, field), sizeof(record{}.field)                                        \
+        }                                                                                          \
     }
 
 constexpr Field portFields[] = {
-    KVASIM_FIELD(KVA_PORTINFO, "serialNumber", serialNumber, Int32),
-    KVASIM_FIELD(KVA_PORTINFO, "port.type", portType, Uint32),
-    KVASIM_FIELD(KVA_PORTINFO, "port.name", portName, Text),
+    KVASIM_FIELD(KVA_PORTINFO, "serialNumber", serialNumber, int32Type),
+    KVASIM_FIELD(KVA_PORTINFO, "port.type", portType, uint32Type),
+    KVASIM_FIELD(KVA_PORTINFO, "port.name", portName, textType),
 };
 
 /** What no function of the library answers. */
@@ -28,68 +30,72 @@ struct State {
 };
 
 constexpr Field stateFields[] = {
-    KVASIM_FIELD(State, "plugged", plugged, Flag),
-    KVASIM_FIELD(State, "startUpMs", startUpMs, Duration),
-    KVASIM_FIELD(State, "powerCycles", powerCycles, Uint32),
-    KVASIM_FIELD(State, "poweredOn", poweredOn, Time),
+    KVASIM_FIELD(State, "plugged", plugged, flagType),
+    KVASIM_FIELD(State, "startUpMs", startUpMs, durationType),
+    KVASIM_FIELD(State, "powerCycles", powerCycles, uint32Type),
+    KVASIM_FIELD(State, "poweredOn", poweredOn, timeType),
 };
 
 constexpr Field deviceFields[] = {
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.serialNumber", serialNumber, Uint32),
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.firmware[0]", firmVersionMajor, Uint32),
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.firmware[1]", firmVersionMinor, Int32),
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.firmware[2]", firmVersionBuild, Int32),
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.macAddress", macAddress, Mac),
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.reserved1", reserved1, Bytes),
-    KVASIM_FIELD(KVA_DEVICEINFO, "device.reserved2", reserved2, Bytes),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.serialNumber", serialNumber, uint32Type),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.firmware[0]", firmVersionMajor, uint32Type),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.firmware[1]", firmVersionMinor, int32Type),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.firmware[2]", firmVersionBuild, int32Type),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.macAddress", macAddress, macType),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.reserved1", reserved1, bytesType),
+    KVASIM_FIELD(KVA_DEVICEINFO, "device.reserved2", reserved2, bytesType),
 };
 
 constexpr Field optionFields[] = {
-    KVASIM_FIELD(KVA_JIG_ACTIONOPTIONFACTORYDATA, "wirelessModule", wifiModuleEnable, Module),
-    KVASIM_FIELD(KVA_JIG_ACTIONOPTIONFACTORYDATA, "factoryOptionsReserved", reserved, Bytes),
+    KVASIM_FIELD(KVA_JIG_ACTIONOPTIONFACTORYDATA, "wirelessModule", wifiModuleEnable, moduleType),
+    KVASIM_FIELD(KVA_JIG_ACTIONOPTIONFACTORYDATA, "factoryOptionsReserved", reserved, bytesType),
 };
 
 constexpr Field networkFields[] = {
-    KVASIM_FIELD(KVA_NETWORKINFO, "APConnectUse", APConnectUse, Uint32),
-    KVASIM_FIELD(KVA_NETWORKINFO, "DHCPUse", DHCPUse, Uint32),
-    KVASIM_FIELD(KVA_NETWORKINFO, "IPAddress", IPAddress, Address),
-    KVASIM_FIELD(KVA_NETWORKINFO, "SubnetMask", SubnetMask, Address),
-    KVASIM_FIELD(KVA_NETWORKINFO, "DefaultGateway", DefaultGateway, Address),
-    KVASIM_FIELD(KVA_NETWORKINFO, "DNS", DNS, Address),
-    KVASIM_FIELD(KVA_NETWORKINFO, "SSID", SSID, Text),
-    KVASIM_FIELD(KVA_NETWORKINFO, "EncryptKey", EncryptKey, Text),
-    KVASIM_FIELD(KVA_NETWORKINFO, nullptr, padding, Bytes),
+    KVASIM_FIELD(KVA_NETWORKINFO, "APConnectUse", APConnectUse, uint32Type),
+    KVASIM_FIELD(KVA_NETWORKINFO, "DHCPUse", DHCPUse, uint32Type),
+    KVASIM_FIELD(KVA_NETWORKINFO, "IPAddress", IPAddress, addressType),
+    KVASIM_FIELD(KVA_NETWORKINFO, "SubnetMask", SubnetMask, addressType),
+    KVASIM_FIELD(KVA_NETWORKINFO, "DefaultGateway", DefaultGateway, addressType),
+    KVASIM_FIELD(KVA_NETWORKINFO, "DNS", DNS, addressType),
+    KVASIM_FIELD(KVA_NETWORKINFO, "SSID", SSID, textType),
+    KVASIM_FIELD(KVA_NETWORKINFO, "EncryptKey", EncryptKey, textType),
+    KVASIM_FIELD(KVA_NETWORKINFO, nullptr, padding, bytesType),
 };
 
-constexpr Field modeFields[] = {{"powerOffMode", "mode", Kind::Byte, 0, 1}};
+constexpr Field modeFields[] = {{"powerOffMode", "mode", &byteType, {0, 1}}};
 
 constexpr Field calibrationFields[] = {
-    KVASIM_FIELD(KVA_JIG_CALREFDATA, "white.serialNumber", whiteSerialNo, Digits),
-    {"white.values", "rfWhite.spcData", Kind::Floats, offsetof(KVA_JIG_CALREFDATA, rfWhite),
-     sizeof(KVA_JIG_WHITEDATA)},
-    KVASIM_FIELD(KVA_JIG_CALREFDATA, "ambientAdapter.serialNumber", ambAdpSerialNo, Digits),
-    {"ambientAdapter.values", "ambAdp.spcData", Kind::Floats, offsetof(KVA_JIG_CALREFDATA, ambAdp),
-     sizeof(KVA_JIG_AMBIENTADAPTERDATA)},
-    KVASIM_FIELD(KVA_JIG_CALREFDATA, "reserved", reserved, Bytes),
+    KVASIM_FIELD(KVA_JIG_CALREFDATA, "white.serialNumber", whiteSerialNo, digitsType),
+    KVASIM_FIELD(KVA_JIG_CALREFDATA, "white.values", rfWhite.spcData, floatsType),
+    KVASIM_FIELD(KVA_JIG_CALREFDATA, "ambientAdapter.serialNumber", ambAdpSerialNo, digitsType),
+    KVASIM_FIELD(KVA_JIG_CALREFDATA, "ambientAdapter.values", ambAdp.spcData, floatsType),
+    KVASIM_FIELD(KVA_JIG_CALREFDATA, "reserved", reserved, bytesType),
 };
 
 #undef KVASIM_FIELD
 
 template <std::size_t Count>
-constexpr Record recordOf(const Field (&fields)[Count], std::size_t size) {
-    return {fields, fields + Count, size};
+constexpr Record recordOf(const Field (&fields)[Count], std::size_t size,
+                          std::optional<Function> source) {
+    return {fields, fields + Count, size, source};
 }
 
-constexpr Record stateRecord = recordOf(stateFields, sizeof(State));
+constexpr Record stateRecord = recordOf(stateFields, sizeof(State), std::nullopt);
 
 } // namespace
 
-constexpr Record portRecord = recordOf(portFields, sizeof(KVA_PORTINFO));
-constexpr Record deviceRecord = recordOf(deviceFields, sizeof(KVA_DEVICEINFO));
-constexpr Record optionRecord = recordOf(optionFields, sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA));
-constexpr Record networkRecord = recordOf(networkFields, sizeof(KVA_NETWORKINFO));
-constexpr Record modeRecord = recordOf(modeFields, sizeof(std::uint8_t));
-constexpr Record calibrationRecord = recordOf(calibrationFields, sizeof(KVA_JIG_CALREFDATA));
+constexpr Record portRecord =
+    recordOf(portFields, sizeof(KVA_PORTINFO), Function::GetDevicePortList);
+constexpr Record deviceRecord =
+    recordOf(deviceFields, sizeof(KVA_DEVICEINFO), Function::GetDeviceInfo);
+constexpr Record optionRecord =
+    recordOf(optionFields, sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA), Function::GetFactoryOptions);
+constexpr Record networkRecord =
+    recordOf(networkFields, sizeof(KVA_NETWORKINFO), Function::GetNetworkInfo);
+constexpr Record modeRecord = recordOf(modeFields, sizeof(std::uint8_t), Function::GetShutdownTime);
+constexpr Record calibrationRecord =
+    recordOf(calibrationFields, sizeof(KVA_JIG_CALREFDATA), Function::GetCalibration);
 
 constexpr std::array<Part, 9> instrumentParts = {{
     {"", &portRecord},
@@ -118,30 +124,20 @@ Json::json_pointer pointerTo(const std::string& place) {
 
 Json toJson(const Record& record, const void* bytes) {
     Json json = Json::object();
-    for (const Field& field : record) {
-        if (field.place != nullptr)
-            json[pointerTo(field.place)] = field.write(static_cast<const std::uint8_t*>(bytes));
+    for (const auto& [place, name, type, range] : record) {
+        if (place != nullptr)
+            json[pointerTo(place)] =
+                type->write(static_cast<const std::uint8_t*>(bytes) + range.offset, range.size);
     }
     return json;
 }
 
 const Record* answerRecord(Function function) {
-    switch (function) {
-    case Function::GetDevicePortList:
-        return &portRecord;
-    case Function::GetDeviceInfo:
-        return &deviceRecord;
-    case Function::GetNetworkInfo:
-        return &networkRecord;
-    case Function::GetShutdownTime:
-        return &modeRecord;
-    case Function::GetCalibration:
-        return &calibrationRecord;
-    case Function::GetFactoryOptions:
-        return &optionRecord;
-    default:
-        return nullptr;
+    for (const Part& part : instrumentParts) {
+        if (part.record->source == function)
+            return part.record;
     }
+    return nullptr;
 }
 
 std::optional<ByteRange> answerField(Function function, std::string_view name) {

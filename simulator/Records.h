@@ -18,8 +18,9 @@ namespace kvasim {
 
 struct Record {
     const Field* first;
-    const Field* last; /**< behind the last one */
-    std::size_t size;  /**< of the whole record, in bytes */
+    const Field* last;              /**< behind the last one */
+    std::size_t size;               /**< of the whole record, in bytes */
+    std::optional<Function> source; /**< answers with it, or with a list of it */
 
     const Field* begin() const { return first; }
     const Field* end() const { return last; }
@@ -50,8 +51,9 @@ Bytes fromJson(const Record& record, const Json& json) {
     Bytes bytes{};
     for (const Field& field : record) {
         if (field.place != nullptr)
-            field.read(json.at(pointerTo(field.place)), field.place,
-                       reinterpret_cast<std::uint8_t*>(&bytes));
+            field.type->read(json.at(pointerTo(field.place)), field.place,
+                             reinterpret_cast<std::uint8_t*>(&bytes) + field.bytes.offset,
+                             field.bytes.size);
     }
     return bytes;
 }
@@ -59,8 +61,7 @@ Bytes fromJson(const Record& record, const Json& json) {
 /** The record as JSON. @param bytes the first of `record.size` bytes */
 Json toJson(const Record& record, const void* bytes);
 
-/** The record that a function answers with, an entry of the list for `KVA_GetDevicePortList`; null
-    for a function that answers with its result only. */
+/** The record that a function answers with; null where that is its result only. */
 const Record* answerRecord(Function function);
 
 /** A field as the record declares it ("IPAddress", "rfWhite.spcData"), or one element of an array

@@ -1,5 +1,6 @@
 #include "simulator/SdkNames.h"
 
+#include <algorithm>
 #include <array>
 
 namespace kvasim {
@@ -56,14 +57,6 @@ constexpr std::array<NamedResult, 25> results = {{
     {KVA_WARNING_INITIALDATE_SETTING, "KVA_WARNING_INITIALDATE_SETTING"},
 }};
 
-std::optional<KVA_RESULT> resultOf(std::string_view name) {
-    for (const NamedResult& named : results) {
-        if (name == named.name)
-            return named.value;
-    }
-    return std::nullopt;
-}
-
 } // namespace
 
 const char* functionName(Function function) {
@@ -71,11 +64,10 @@ const char* functionName(Function function) {
 }
 
 std::optional<Function> functionFromName(std::string_view name) {
-    for (std::size_t index = 0; index < functionCount; ++index) {
-        if (name == functionNames.at(index))
-            return static_cast<Function>(index);
-    }
-    return std::nullopt;
+    const auto* const found = std::find(functionNames.begin(), functionNames.end(), name);
+    if (found == functionNames.end())
+        return std::nullopt;
+    return static_cast<Function>(found - functionNames.begin());
 }
 
 std::string resultName(KVA_RESULT result) {
@@ -91,13 +83,17 @@ std::string resultName(KVA_RESULT result) {
 
 std::optional<KVA_RESULT> resultFromName(std::string_view name) {
     const auto slash = name.find('/');
-    const auto first = resultOf(name.substr(0, slash));
-    if (!first || slash == std::string_view::npos)
-        return first;
+    const auto first = std::find_if(results.begin(), results.end(), [&](const NamedResult& named) {
+        return named.name == name.substr(0, slash);
+    });
+    if (first == results.end())
+        return std::nullopt;
+    if (slash == std::string_view::npos)
+        return first->value;
     const auto others = resultFromName(name.substr(slash + 1));
-    if (!others || *first <= 0 || *others <= 0)
+    if (!others || first->value <= 0 || *others <= 0)
         return std::nullopt; // only warnings can be joined
-    return *first | *others;
+    return first->value | *others;
 }
 
 } // namespace kvasim

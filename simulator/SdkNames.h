@@ -32,17 +32,13 @@ enum class Function {
 
 constexpr std::size_t functionCount = 13;
 
-/** The exported name, for instance "KVA_Connect". */
+/** The exported name, for instance "KVA_Connect", and the function of a name, if there is one. */
 const char* functionName(Function function);
-
-/** The function of that name, nothing for an unknown name. */
 std::optional<Function> functionFromName(std::string_view name);
 
 /** The name of a result, the names of several warning bits joined by a slash; empty for a value
-    without a name. */
+    without a name. And the result of such a name, if there is one. */
 std::string resultName(KVA_RESULT result);
-
-/** The result of that name, as `resultName` writes it; nothing for an unknown name. */
 std::optional<KVA_RESULT> resultFromName(std::string_view name);
 
 } // namespace kvasim

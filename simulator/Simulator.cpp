@@ -39,8 +39,7 @@ Simulator& Simulator::instance() {
     return *g_simulator;
 }
 
-KVA_RESULT Simulator::perform(Call call,
-                              const std::function<KVA_RESULT(const CallEffects&)>& work) {
+KVA_RESULT Simulator::perform(Call call, const Work& work) {
     const auto start = std::chrono::steady_clock::now();
     KVA_RESULT result = KVA_ERROR;
     try {
@@ -48,12 +47,15 @@ KVA_RESULT Simulator::perform(Call call,
         result = performWith(effects, call, work);
     } catch (const std::exception& error) {
         complain(error.what());
-        result = KVA_ERROR;
     }
     const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(
         std::chrono::steady_clock::now() - start);
     try {
-        m_log.add({call.function, std::move(call.arguments), result, duration});
+        m_log.add({{"function", functionName(call.function)},
+                   {"arguments", std::move(call.arguments)},
+                   {"result", result},
+                   {"resultName", resultName(result)},
+                   {"durationUs", duration.count()}});
     } catch (const std::exception& error) {
         complain(std::string("a call could not be logged: ") + error.what());
     }
@@ -77,52 +79,42 @@ CallEffects Simulator::begin(Call& call) {
     for (const FaultRule& rule : m_faults.meet(call.function, call.serialNumber)) {
         bool isLeft = true;
         if (rule.has("times")) // counts down for all programs; another one may have been faster
-            changeLocked([&](Bench& next) { return isLeft = useUp(next.faults, rule); });
+            changeLocked([&](Bench& next) { isLeft = useUp(next.faults, rule); });
         if (isLeft)
-            rule.kind->apply(rule.json[rule.kind->key], rule, effects);
+            apply(rule, effects);
     }
     return effects;
 }
 
-KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call,
-                                  const std::function<KVA_RESULT(const CallEffects&)>& work) {
+KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call, const Work& work) {
     if (effects.delay.count() > 0)
         std::this_thread::sleep_for(effects.delay);
     // A connection that is being made and breaks has never been made.
-    const bool early = effects.unplugs(Moment::Before) ||
-                       (effects.unplugs(Moment::During) && call.function == Function::Connect);
+    const bool early = effects.unplug == "before" ||
+                       (effects.answerIsLost() && call.function == Function::Connect);
     if (early)
         unplug(effects, call);
-    KVA_RESULT result = KVA_SUCCESS;
-    if (effects.result && *effects.result < 0)
-        result = *effects.result;
-    else
-        result = work(effects);
-    if (effects.unplug && !early)
+    KVA_RESULT result = effects.result.value_or(KVA_SUCCESS) < 0 ? *effects.result : work(effects);
+    if (!effects.unplug.empty() && !early)
         unplug(effects, call);
     const bool isLost = effects.answerIsLost() && !isForNoInstrument(call.function);
     if (isLost && (result == KVA_SUCCESS || early))
         result = KVA_ERROR_COMMUNICATION_RECEIVE;
-    if (effects.result && result == KVA_SUCCESS)
-        result = *effects.result;
-    return result;
+    return result == KVA_SUCCESS ? effects.result.value_or(KVA_SUCCESS) : result;
 }
 
 /** Detaches what the rule says, or the instrument of the call, or the first one of the list. */
 void Simulator::unplug(const CallEffects& effects, const Call& call) {
-    std::optional<std::int32_t> serialNumber =
-        effects.unplug->instrument ? effects.unplug->instrument : call.serialNumber;
-    if (!serialNumber) {
-        const std::lock_guard<std::mutex> lock(m_mutex);
-        if (!loaded())
-            return;
-        const auto list = portsOf(m_store->bench());
-        if (list.empty())
-            return;
-        serialNumber = list.front().serialNumber;
-    }
     try {
-        plug(*serialNumber, false);
+        change([&](Bench& next) {
+            const auto list = portsOf(next);
+            if (effects.unplugged)
+                setPlugged(instrumentOf(next, *effects.unplugged), false);
+            else if (call.serialNumber)
+                setPlugged(instrumentOf(next, *call.serialNumber), false);
+            else if (!list.empty())
+                setPlugged(instrumentOf(next, list.front().serialNumber), false);
+        });
     } catch (const InputError& error) {
         complain(std::string("a rule cannot unplug: ") + error.what());
     }
@@ -139,9 +131,7 @@ KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
         return KVA_ERROR;
     std::vector<KVA_PORTINFO> answer =
         effects.stale && m_formerPorts ? *m_formerPorts : portsOf(m_store->bench());
-    std::size_t length = answer.size();
-    if (effects.longestList)
-        length = std::min<std::size_t>(length, *effects.longestList);
+    std::size_t length = std::min<std::size_t>(answer.size(), effects.longestList);
     if (list != nullptr)
         length = std::min(length, static_cast<std::size_t>(capacity));
     for (std::size_t index = 0; list != nullptr && index < length; ++index) {
@@ -153,7 +143,7 @@ KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
 }
 
 KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& port) {
-    const std::lock_guard<std::mutex> lock(m_mutex);
+    const std::lock_guard<std::mutex> guard(m_mutex);
     if (!loaded())
         return KVA_ERROR;
     if (m_connection && !m_connection->lost)
@@ -161,12 +151,12 @@ KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& po
     for (const Json& instrument : m_store->bench().instruments) {
         if (!isReady(instrument) || !isSame(portOf(instrument), port))
             continue;
-        BenchLock* const hold = m_store->lock();
-        if (hold != nullptr && !hold->hold(port.serialNumber))
+        const BenchLock& lock = m_store->lock();
+        if (!lock.hold(port.serialNumber))
             return KVA_ERROR_INSTRUMENT_UNAVAILABLE; // another program is connected to it
-        if (effects.dropped && hold != nullptr)
-            hold->release(port.serialNumber);
-        if (!effects.dropped)
+        if (effects.dropped)
+            lock.release(port.serialNumber);
+        else
             m_connection = Connection{port.serialNumber, false};
         return KVA_SUCCESS;
     }
@@ -178,7 +168,7 @@ KVA_RESULT Simulator::disconnect(const CallEffects& effects) {
     KVA_RESULT result = KVA_ERROR;
     if (connected(result) == nullptr || effects.dropped)
         return result;
-    releaseInstrument();
+    m_store->lock().release(m_connection->serialNumber);
     m_connection.reset();
     return result;
 }
@@ -206,12 +196,13 @@ KVA_RESULT Simulator::write(const CallEffects& effects,
         return result;
     Json before;
     changeLocked([&](Bench& next) {
-        const Json* const instrument = connected(result);
-        if (instrument == nullptr)
-            return false;
-        before = *instrument;
-        result = writer(instrumentOf(next, serialNumberOf(before)));
-        return result >= KVA_SUCCESS && !effects.dropped;
+        if (connected(result) == nullptr) // lost, as the file says by now
+            return;
+        Json& instrument = instrumentOf(next, m_connection->serialNumber);
+        before = instrument;
+        result = writer(instrument);
+        if (effects.dropped)
+            instrument = before;
     });
     if (result >= KVA_SUCCESS && !effects.dropped)
         keepFormerAnswers(before, *connected(result));

@@ -31,14 +31,17 @@ struct Call {
 /** Any thread may call any function. No lock is held while a handler runs.
  *
  * The bench is read from the environment when it is first needed; where that fails, one line on
- * standard error says why, and whatever needs the bench fails until `reset` or another `load…`.
- * Before each call, and every 50 ms while a handler is installed, a bench file that has changed is
- * read again. What is different then makes the events.
+ * standard error says why, and whatever needs the bench fails until `load`. Before each call, and
+ * every 50 ms while a handler is installed, a bench file that has changed is read again. What is
+ * different then makes the events.
  *
  * Every change of an instrument is saved before it counts: where it cannot be saved, the call that
  * made it fails and nothing has changed. */
 class Simulator {
 public:
+    /** What a call does. Whatever it throws becomes KVA_ERROR. */
+    using Work = std::function<KVA_RESULT(const CallEffects& effects)>;
+
     /** The one object; made with the first call. */
     static Simulator& instance();
 
@@ -46,12 +49,10 @@ public:
     Simulator(const Simulator&) = delete;
     Simulator& operator=(const Simulator&) = delete;
 
-    // The thirteen functions.
+    // The thirteen functions. Nothing is thrown.
 
-    /** Performs a call: asks the rules, does @p work unless they answer for it, and logs it. What
-       they do to the work itself is handed to it. Nothing is thrown; whatever @p work throws
-       becomes KVA_ERROR. */
-    KVA_RESULT perform(Call call, const std::function<KVA_RESULT(const CallEffects&)>& work);
+    /** Performs a call: asks the rules, does @p work unless they answer for it, and logs it. */
+    KVA_RESULT perform(Call call, const Work& work);
 
     /** @return KVA_ERROR when the event thread cannot be started. */
     KVA_RESULT registerHandler(KVA_DeviceEventHandler handler);
@@ -70,26 +71,18 @@ public:
     /** Changes the connected instrument; a negative answer of @p writer changes nothing. */
     KVA_RESULT write(const CallEffects& effects, const std::function<KVA_RESULT(Json&)>& writer);
 
-    // Control. Everything here throws InputError with the reason when it is refused.
+    // Control. Throws InputError with the reason when it is refused.
 
-    /** Puts a bench in place of the present one; the connection ends without an event. Where that
-        fails, all stays. */
-    void loadFile(const std::string& path);
-    void loadJson(const std::string& json);
+    /** Puts a bench in place of the present one; the connection ends without an event. Null: the
+       one of the environment, when it is next needed. */
+    void load(std::unique_ptr<BenchStore> store);
 
-    /** Forgets bench, connection, rules and log; the handler stays. */
-    void reset();
-
-    /** Changes the bench, which @p make gets a copy of; nothing is saved where it returns false. */
-    void change(const std::function<bool(Bench&)>& make);
-
-    /** Attaches or detaches an instrument; nothing happens to one that is so already. */
-    void plug(std::int32_t serialNumber, bool plugged);
+    /** Changes the bench, which @p make gets a copy of. */
+    void change(const std::function<void(Bench&)>& make);
 
     /** The whole bench. */
     Json state();
 
-    // Log and events: see CallLog and EventThread.
     CallLog& log() { return m_log; }
     EventThread& events() { return m_events; }
 
@@ -100,8 +93,7 @@ private:
     };
 
     CallEffects begin(Call& call);
-    KVA_RESULT performWith(const CallEffects& effects, const Call& call,
-                           const std::function<KVA_RESULT(const CallEffects&)>& work);
+    KVA_RESULT performWith(const CallEffects& effects, const Call& call, const Work& work);
     void unplug(const CallEffects& effects, const Call& call);
     const Json* connected(KVA_RESULT& result);
     void keepFormerAnswers(const Json& before, const Json& after);
@@ -111,20 +103,17 @@ private:
     void take(std::unique_ptr<BenchStore> store);
     void look();
     void refresh();
-    void changeLocked(const std::function<bool(Bench&)>& make);
+    void changeLocked(const std::function<void(Bench&)>& make);
 
     void see(const Bench& before);
     void see(const Json& before, const Json& after);
     void announce(const Json& instrument);
     bool isConnected(std::int32_t serialNumber) const;
     void loseConnection();
-    void releaseInstrument();
 
-    std::mutex m_mutex; // everything below down to m_log
-    enum class State { Unread, Loaded, Refused };
-    State m_state = State::Unread;
-    std::string m_refusal;
+    std::mutex m_mutex;                  // everything below down to m_log
     std::unique_ptr<BenchStore> m_store; // null: not loaded
+    std::string m_refusal;               // why not; empty: not tried yet
     std::optional<Connection> m_connection;
     FaultCounters m_faults;
     // By serial number: the parts of an instrument as they were before the last write that changed

@@ -31,39 +31,15 @@ bool isSameList(const std::vector<KVA_PORTINFO>& left, const std::vector<KVA_POR
 
 } // namespace
 
-void Simulator::loadFile(const std::string& path) {
-    auto store = BenchStore::open(path);
+void Simulator::load(std::unique_ptr<BenchStore> store) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     take(std::move(store));
 }
 
-void Simulator::loadJson(const std::string& json) {
-    auto store = std::make_unique<BenchStore>(parseBench(json));
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    take(std::move(store));
-}
-
-void Simulator::reset() {
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    take(nullptr);
-    m_state = State::Unread;
-    m_log.reset();
-}
-
-void Simulator::change(const std::function<bool(Bench&)>& make) {
+void Simulator::change(const std::function<void(Bench&)>& make) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     requireBench();
     changeLocked(make);
-}
-
-void Simulator::plug(std::int32_t serialNumber, bool plugged) {
-    change([&](Bench& next) {
-        Json& instrument = instrumentOf(next, serialNumber);
-        const bool isNew = isPlugged(instrument) != plugged;
-        if (isNew)
-            setPlugged(instrument, plugged);
-        return isNew;
-    });
 }
 
 Json Simulator::state() {
@@ -75,16 +51,15 @@ Json Simulator::state() {
 
 /** Reads the bench where that has not been tried yet. @return false when there is none. */
 bool Simulator::loaded() {
-    if (m_state == State::Unread) {
-        try {
-            take(BenchStore::openOfEnvironment());
-        } catch (const InputError& error) {
-            m_state = State::Refused;
-            m_refusal = error.what();
-            complain(m_refusal);
-        }
+    if (m_store != nullptr || !m_refusal.empty())
+        return m_store != nullptr;
+    try {
+        take(BenchStore::openOfEnvironment());
+    } catch (const InputError& error) {
+        m_refusal = error.what();
+        complain(m_refusal);
     }
-    return m_state == State::Loaded;
+    return m_store != nullptr;
 }
 
 void Simulator::requireBench() {
@@ -92,30 +67,30 @@ void Simulator::requireBench() {
         throw InputError(m_refusal);
 }
 
-/** Puts the bench in place of the present one; null leaves none. */
 void Simulator::take(std::unique_ptr<BenchStore> store) {
     if (m_store) {
         for (const Json& instrument : m_store->bench().instruments)
             m_events.dropLater(serialNumberOf(instrument));
     }
     m_store = std::move(store);
-    // Not before the earlier bench is gone: where both are one file, its locks go with it.
-    if (m_store && m_store->lock() != nullptr)
-        m_store->lock()->use();
+    m_refusal.clear();
     m_faults.assign({}); // counting starts again
-    m_faults.assign(m_store ? m_store->bench().faults : std::vector<FaultRule>());
-    m_log.setBench(m_store ? m_store->path() : "");
     m_formerAnswers.clear();
     m_formerPorts.reset();
     m_connection.reset();
-    m_state = State::Loaded;
+    m_log.setBench(m_store ? m_store->path() : "");
+    if (!m_store)
+        return;
+    // Not before the earlier bench is gone: where both are one file, its locks go with it.
+    m_store->lock().use();
+    m_faults.assign(m_store->bench().faults);
 }
 
 /** On the event thread. */
 void Simulator::look() {
     const std::lock_guard<std::mutex> lock(m_mutex);
     try {
-        if (m_state == State::Loaded)
+        if (m_store != nullptr)
             refresh();
     } catch (const std::exception& error) {
         complain(error.what());
@@ -126,7 +101,7 @@ void Simulator::refresh() {
     m_store->refresh([this](const Bench& before) { see(before); });
 }
 
-void Simulator::changeLocked(const std::function<bool(Bench&)>& make) {
+void Simulator::changeLocked(const std::function<void(Bench&)>& make) {
     m_store->change(make, [this](const Bench& before) { see(before); });
 }
 
@@ -155,10 +130,9 @@ void Simulator::see(const Json& before, const Json& after) {
     const std::int32_t serialNumber = serialNumberOf(after);
     const bool wasConnected = isConnected(serialNumberOf(before));
     if (wasConnected && serialNumber != serialNumberOf(before)) {
-        releaseInstrument();
+        m_store->lock().release(m_connection->serialNumber);
+        m_store->lock().hold(serialNumber);
         m_connection->serialNumber = serialNumber;
-        if (m_store->lock() != nullptr)
-            m_store->lock()->hold(serialNumber);
     }
     const bool isCycled = before["powerCycles"] != after["powerCycles"];
     if (isPlugged(before) == isPlugged(after) && !isCycled)
@@ -174,12 +148,9 @@ void Simulator::see(const Json& before, const Json& after) {
 /** Delivers a standby event, when the instrument has started. */
 void Simulator::announce(const Json& instrument) {
     const std::int64_t left = startUpLeft(instrument);
-    const DeviceEvent standby = {eEventCode_Standby, 0, 0};
-    if (left == 0)
-        return m_events.post(standby);
     // A millisecond more: when it is announced, it is listed too.
-    const auto time = EventThread::Clock::now() + std::chrono::milliseconds(left + 1);
-    m_events.postAt(standby, time, serialNumberOf(instrument));
+    m_events.post({eEventCode_Standby, 0, 0, serialNumberOf(instrument)},
+                  std::chrono::milliseconds(left == 0 ? 0 : left + 1));
 }
 
 bool Simulator::isConnected(std::int32_t serialNumber) const {
@@ -187,15 +158,9 @@ bool Simulator::isConnected(std::int32_t serialNumber) const {
 }
 
 void Simulator::loseConnection() {
-    releaseInstrument();
+    m_store->lock().release(m_connection->serialNumber);
     m_connection->lost = true;
     m_events.post({eEventCode_DisConnect, 0, 0});
-}
-
-/** Lets another program connect to it. */
-void Simulator::releaseInstrument() {
-    if (m_store->lock() != nullptr)
-        m_store->lock()->release(m_connection->serialNumber);
 }
 
 } // namespace kvasim

@@ -13,35 +13,30 @@ namespace {
 
 using Row = std::vector<std::string>;
 
+constexpr std::chrono::milliseconds pause{50};
+constexpr std::size_t widest = 60; // cell
+
 /** Columns of the width of their widest cell, two blanks apart. */
 std::string table(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths;
+    std::vector<std::size_t> widths(rows.front().size());
     for (const Row& row : rows) {
-        widths.resize(std::max(widths.size(), row.size()));
         for (std::size_t column = 0; column < row.size(); ++column)
-            widths[column] = std::max(widths[column], row[column].size());
+            widths[column] = std::max(widths[column], row[column].size() + 2);
     }
     std::string text;
     for (const Row& row : rows) {
         std::string line;
-        for (std::size_t column = 0; column < row.size(); ++column) {
-            line += row[column];
-            if (column + 1 < row.size())
-                line.append(widths[column] - row[column].size() + 2, ' ');
-        }
-        line.erase(line.find_last_not_of(' ') + 1);
-        text += line + '\n';
+        for (std::size_t column = 0; column < row.size(); ++column)
+            line += row[column] + std::string(widths[column] - row[column].size(), ' ');
+        text += line.erase(line.find_last_not_of(' ') + 1) + '\n';
     }
     return text;
 }
 
 /** Control characters would reach the terminal. */
 std::string printable(std::string text) {
-    for (char& character : text) {
-        const auto code = static_cast<unsigned char>(character);
-        if (code < 0x20 || code == 0x7F)
-            character = '?';
-    }
+    const auto isControl = [](unsigned char code) { return code < 0x20 || code == 0x7F; };
+    std::replace_if(text.begin(), text.end(), isControl, '?');
     return text;
 }
 
@@ -53,34 +48,33 @@ std::string cell(const Json& value) {
     if (value.is_object() && value.contains("length"))
         return "(" + value["length"].dump() + " bytes, hidden)";
     std::string text = printable(value.dump());
-    constexpr std::size_t widest = 60;
     return text.size() > widest ? text.substr(0, widest - 3) + "..." : text;
 }
 
-/** The cell of what is there; of nothing where it is not. */
-std::string cellAt(const Json& json, const std::string& pointer) {
-    const Json::json_pointer place(pointer);
-    return json.contains(place) ? cell(json[place]) : "-";
+/** A row of what two records have at one place, nothing where a record is not there. */
+Row compared(const std::string& title, const Json& one, const Json& other, const char* place) {
+    const Json::json_pointer pointer(place);
+    return {"  " + title, cell(one.value(pointer, Json())),
+            other.is_null() ? "-" : cell(other.value(pointer, Json()))};
 }
 
 std::string networkTable(const Json& network) {
     std::vector<Row> rows = {{"NETWORK", "ACTIVE", "PENDING"}};
     for (const auto& item : network["active"].items())
-        rows.push_back(
-            {"  " + item.key(), cell(item.value()), cellAt(network, "/pending/" + item.key())});
+        rows.push_back(compared(item.key(), network["active"], network["pending"],
+                                ('/' + item.key()).c_str()));
     return table(rows);
 }
 
 std::string calibrationTable(const Json& calibration) {
+    const Json& committed = calibration["committed"];
     std::vector<Row> rows = {{"CALIBRATION", "COMMITTED", "STAGED"}};
-    const auto add = [&](const std::string& title, const std::string& pointer) {
-        rows.push_back({"  " + title, cellAt(calibration, "/committed" + pointer),
-                        cellAt(calibration, "/staged" + pointer)});
+    const auto add = [&](const std::string& title, const std::string& place) {
+        rows.push_back(compared(title, committed, calibration["staged"], place.c_str()));
     };
     const auto addReference = [&](const std::string& title, const std::string& key) {
         add(title + " serial number", '/' + key + "/serialNumber");
-        const std::size_t count = calibration["committed"][key]["values"].size();
-        for (std::size_t index = 0; index < count; ++index)
+        for (std::size_t index = 0; index < committed[key]["values"].size(); ++index)
             add(title + " value " + std::to_string(index),
                 '/' + key + "/values/" + std::to_string(index));
     };
@@ -91,7 +85,7 @@ std::string calibrationTable(const Json& calibration) {
 }
 
 std::string stateOf(const Json& entry) {
-    if (!entry["plugged"].get<bool>())
+    if (!isPlugged(entry))
         return "unplugged";
     if (entry["starting"].get<bool>())
         return "starting";
@@ -101,9 +95,6 @@ std::string stateOf(const Json& entry) {
 std::string portAsText(const Json& port) {
     return port["type"] == 1 ? "USB" : "network " + cell(port["name"]);
 }
-
-constexpr std::chrono::milliseconds pause{50};
-constexpr std::size_t inode = 3; // of a stamp
 
 /** Hands over the whole lines that have been added. */
 void readLines(std::ifstream& file, const std::function<void(const Json&)>& take) {
@@ -122,11 +113,10 @@ Json listOf(const BenchStore& store) {
     Json list = Json::array();
     for (const Json& instrument : store.bench().instruments) {
         const std::int32_t serialNumber = serialNumberOf(instrument);
-        const bool isStarting = isPlugged(instrument) && !isReady(instrument);
         list.push_back({{"serialNumber", serialNumber},
                         {"plugged", instrument["plugged"]},
-                        {"starting", isStarting},
-                        {"connected", store.lock()->isHeld(serialNumber)},
+                        {"starting", isPlugged(instrument) && !isReady(instrument)},
+                        {"connected", store.lock().isHeld(serialNumber)},
                         {"port", instrument["port"]}});
     }
     return list;
@@ -160,11 +150,10 @@ std::string faultsAsText(const Json& faults) {
 }
 
 std::string callAsText(const Json& call) {
-    const std::string name = cell(call["resultName"]);
+    const Json& result = call["resultName"] == "" ? call["result"] : call["resultName"];
     return call["seq"].dump() + "  " + cell(call["function"]) + ' ' +
-           printable(call["arguments"].dump()) + "  " +
-           (name.empty() ? call["result"].dump() : name) + "  " + call["durationUs"].dump() +
-           " us\n";
+           printable(call["arguments"].dump()) + "  " + cell(result) + "  " +
+           call["durationUs"].dump() + " us\n";
 }
 
 void followLog(const std::string& path, const std::function<void(const Json&)>& take,
@@ -175,7 +164,7 @@ void followLog(const std::string& path, const std::function<void(const Json&)>& 
         more = goOn(); // before reading: the last call of a program comes before its end
         if (file.is_open())
             readLines(file, take);
-        const std::int64_t present = stampOf(path)[inode];
+        const std::int64_t present = stampOf(path).inode;
         if (present != opened && present != 0) {
             file.close();
             file.open(path, std::ios::binary);

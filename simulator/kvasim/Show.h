@@ -14,17 +14,10 @@ namespace kvasim {
 /** The instruments of a bench, an object each, as `kvasim list --json` prints them. */
 Json listOf(const BenchStore& store);
 
-/** The same, a line each. */
+// The texts have a line for each: instrument, field of an instrument, rule, call.
 std::string listAsText(const Json& instruments);
-
-/** An instrument as a table: what it is; its network settings, active and pending; its calibration
-    data, committed and staged. */
 std::string instrumentAsText(const Json& instrument);
-
-/** The rules, a line each. */
 std::string faultsAsText(const Json& faults);
-
-/** One call of the log in a line. */
 std::string callAsText(const Json& call);
 
 /** Hands over the calls of a log file, oldest first, and then those that are added to it, also when

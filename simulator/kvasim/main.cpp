@@ -8,12 +8,10 @@
 
 #include <cerrno>
 #include <cstdio>
-#include <cstring>
 #include <exception>
 #include <functional>
 #include <memory>
 #include <string>
-#include <system_error>
 #include <vector>
 
 namespace {
@@ -51,11 +49,7 @@ std::unique_ptr<BenchStore> open(const Options& options) {
 }
 
 void change(const Options& options, const std::function<void(Bench&)>& make) {
-    const auto makeAndSave = [&](Bench& next) {
-        make(next);
-        return true;
-    };
-    open(options)->change(makeAndSave, [](const Bench&) {});
+    open(options)->change(make, [](const Bench&) {});
 }
 
 void list(const Options& options) {
@@ -78,21 +72,6 @@ void show(const Options& options) {
     print(options.json ? kvasim::formatJson(instrument) : kvasim::instrumentAsText(instrument));
 }
 
-/** A command that changes one instrument. */
-using Make = std::function<void(Json& instrument)>;
-
-void changeInstrument(const Options& options, const Make& make) {
-    change(options, [&](Bench& next) {
-        make(kvasim::instrumentOf(next, options.serialNumber));
-        kvasim::requireDifferentSerialNumbers(next);
-    });
-}
-
-void plug(Json& instrument, bool plugged) {
-    if (kvasim::isPlugged(instrument) != plugged)
-        kvasim::setPlugged(instrument, plugged);
-}
-
 void listFaults(const Options& options) {
     Json faults = Json::array();
     const auto store = open(options);
@@ -108,7 +87,7 @@ void log(const Options& options) {
     const auto printCall = [&](const Json& call) {
         print(options.json ? call.dump() + '\n' : kvasim::callAsText(call));
     };
-    const auto goOn = [&] { return options.follow && store->lock()->isUsed(); };
+    const auto goOn = [&] { return options.follow && store->lock().isUsed(); };
     kvasim::followLog(kvasim::callLogPath(store->path()), printCall, goOn);
 }
 
@@ -122,14 +101,14 @@ void check(const Options& options) {
 void makeBench(const Options& options) {
     const std::string& path = options.file;
     std::FILE* const file = std::fopen(path.c_str(), "wxe"); // not where it is there already
-    const bool isWritten = file != nullptr && std::fputs(kvasim::startingBenchText, file) >= 0;
-    const bool isClosed = file == nullptr || std::fclose(file) == 0;
-    if (isWritten && isClosed)
+    if (file == nullptr)
+        kvasim::fail(path, "cannot be written", errno);
+    const bool isWritten = std::fputs(kvasim::startingBenchText, file) >= 0;
+    if (std::fclose(file) == 0 && isWritten)
         return;
     const int error = errno;
-    if (file != nullptr)
-        std::remove(path.c_str());
-    throw InputError(path + ": cannot be written: " + std::generic_category().message(error));
+    std::remove(path.c_str());
+    kvasim::fail(path, "cannot be written", error);
 }
 
 CLI::App* addSerialCommand(CLI::App& app, const char* name, const char* description,
@@ -153,14 +132,21 @@ void addInstrumentCommands(CLI::App& app, Options& options) {
     command->add_flag("--reveal", options.reveal, "show security keys");
     command->callback([&] { show(options); });
 
-    const auto addChange = [&](const char* name, const char* description, const Make& make) {
+    const auto addChange = [&](const char* name, const char* description,
+                               const std::function<void(Json & instrument)>& make) {
         command = addSerialCommand(app, name, description, options);
-        command->callback([&options, make] { changeInstrument(options, make); });
+        command->callback([&options, make] {
+            change(options, [&](Bench& next) {
+                make(kvasim::instrumentOf(next, options.serialNumber));
+                kvasim::requireDifferentSerialNumbers(next);
+            });
+        });
     };
-    addChange("plug", "Attach an instrument", [](Json& instrument) { plug(instrument, true); });
-    addChange("unplug", "Detach an instrument", [](Json& instrument) { plug(instrument, false); });
-    addChange("power-cycle", "Switch an instrument off and on",
-              [](Json& instrument) { kvasim::powerCycle(instrument, kvasim::StartUp::Timed); });
+    addChange("plug", "Attach an instrument",
+              [](Json& instrument) { kvasim::setPlugged(instrument, true); });
+    addChange("unplug", "Detach an instrument",
+              [](Json& instrument) { kvasim::setPlugged(instrument, false); });
+    addChange("power-cycle", "Switch an instrument off and on", kvasim::powerCycle);
     addChange("set", "Set fields of an instrument", [&options](Json& instrument) {
         for (const std::string& assignment : options.assignments)
             kvasim::assign(instrument, assignment);
