@@ -44,16 +44,6 @@ bool writeBeside(int file, const std::string& path, const std::string& text) {
            setTimeAfter(stampOf(path), file) && ::fsync(file) == 0;
 }
 
-/** The folder's entry for the new file is flushed too, so that a power cut does not bring the old
-    file back. Where a file system cannot do that, the file itself is still whole. */
-void flushFolder(const std::string& folder) {
-    const int descriptor = ::open(folder.c_str(), O_RDONLY | O_CLOEXEC | O_DIRECTORY);
-    if (descriptor < 0)
-        return;
-    static_cast<void>(::fsync(descriptor));
-    ::close(descriptor);
-}
-
 /** The folder for users' data, empty when the user has no home. */
 fs::path dataFolder() {
     std::error_code ignored;
@@ -67,19 +57,6 @@ fs::path dataFolder() {
         return data;
     return hasHome ? home / ".local/share" : fs::path();
 #endif
-}
-
-/** Makes the folder and those above it, for the owner only. */
-void makeFolders(const fs::path& folder) {
-    fs::path made;
-    for (const fs::path& part : folder) {
-        made /= part;
-        const bool isMade = ::mkdir(made.c_str(), S_IRWXU) == 0;
-        const int error = errno;
-        std::error_code ignored;
-        if (!isMade && !fs::is_directory(made, ignored))
-            fail(made.string(), "cannot be made", error);
-    }
 }
 
 } // namespace
@@ -132,7 +109,6 @@ Stamp writeBenchFile(const std::string& path, const Bench& bench) {
         ::unlink(beside.c_str());
         fail(path, "cannot be saved", error);
     }
-    flushFolder(fs::path(path).parent_path());
     return stamp;
 }
 
@@ -143,8 +119,13 @@ std::string benchPathOfEnvironment() {
     const fs::path data = dataFolder();
     if (data.empty())
         return {};
-    makeFolders(data / "vq-tl4-simulator");
-    return data / "vq-tl4-simulator" / "bench.json";
+    const fs::path folder = data / "vq-tl4-simulator";
+    std::error_code error;
+    if (fs::create_directories(folder, error))
+        fs::permissions(folder, fs::perms::owner_all, error);
+    if (error)
+        fail(folder, "cannot be made", error.value());
+    return folder / "bench.json";
 }
 
 std::string environmentOf(const char* name) {

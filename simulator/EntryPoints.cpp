@@ -10,7 +10,6 @@
 namespace {
 
 using kvasim::CallEffects;
-using kvasim::Function;
 using kvasim::Json;
 using kvasim::Simulator;
 
@@ -36,7 +35,7 @@ template <typename Bytes>
 KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
                     const Json& (*part)(const Json&) = whole) {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform({*record.source}, [&](const CallEffects& effects) -> KVA_RESULT {
+    return simulator.perform({record.source}, [&](const CallEffects& effects) -> KVA_RESULT {
         if (target == nullptr)
             return KVA_ERROR_ARGUMENT;
         Bytes answer{};
@@ -45,7 +44,7 @@ KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
         });
         if (result != KVA_SUCCESS || effects.answerIsLost())
             return result;
-        kvasim::corrupt(effects, *record.source, &answer);
+        kvasim::corrupt(effects, record.source, &answer);
         *target = answer;
         return result;
     });
@@ -55,7 +54,7 @@ KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
     @param place of the fields of @p record in its JSON
     @param describe what the log says of it */
 template <typename Bytes>
-KVA_RESULT writeFrom(Function function, const Bytes* source, const kvasim::Record& record,
+KVA_RESULT writeFrom(const char* function, const Bytes* source, const kvasim::Record& record,
                      const char* place, Json (*describe)(const Bytes& given)) {
     Simulator& simulator = Simulator::instance();
     Json arguments = source == nullptr ? Json::object() : describe(*source);
@@ -95,29 +94,28 @@ KVASIM_EXPORT KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler h
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
     if (handler == nullptr)
         simulator.registerHandler(nullptr);
-    return simulator.perform(
-        {Function::RegisterDeviceEventHandler, {{"handler", handler != nullptr}}},
-        [&](const CallEffects&) {
-            return handler == nullptr ? KVA_RESULT{KVA_SUCCESS}
-                                      : simulator.registerHandler(handler);
-        });
+    return simulator.perform({__func__, {{"handler", handler != nullptr}}},
+                             [&](const CallEffects&) {
+                                 return handler == nullptr ? KVA_RESULT{KVA_SUCCESS}
+                                                           : simulator.registerHandler(handler);
+                             });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count,
                                                int32_t maxEntries) {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform(
-        {Function::GetDevicePortList, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
-        [&](const CallEffects& effects) {
-            if (count == nullptr || maxEntries < 0 || (list == nullptr && maxEntries > 0))
-                return KVA_RESULT{KVA_ERROR_ARGUMENT};
-            return simulator.listPorts(effects, list, maxEntries, *count);
-        });
+    return simulator.perform({__func__, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
+                             [&](const CallEffects& effects) {
+                                 if (count == nullptr || maxEntries < 0 ||
+                                     (list == nullptr && maxEntries > 0))
+                                     return KVA_RESULT{KVA_ERROR_ARGUMENT};
+                                 return simulator.listPorts(effects, list, maxEntries, *count);
+                             });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     Simulator& simulator = Simulator::instance();
-    kvasim::Call call = {Function::Connect};
+    kvasim::Call call = {__func__};
     if (port != nullptr) {
         call.arguments = kvasim::toJson(kvasim::portRecord, port);
         call.serialNumber = port->serialNumber;
@@ -130,9 +128,8 @@ KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
 
 KVASIM_EXPORT KVA_RESULT KVA_Disconnect(void) {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform({Function::Disconnect}, [&](const CallEffects& effects) {
-        return simulator.disconnect(effects);
-    });
+    return simulator.perform(
+        {__func__}, [&](const CallEffects& effects) { return simulator.disconnect(effects); });
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
@@ -144,8 +141,7 @@ KVASIM_EXPORT KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
-    return writeFrom(Function::SetNetworkInfo, info, kvasim::networkRecord, "network.pending",
-                     describeNetwork);
+    return writeFrom(__func__, info, kvasim::networkRecord, "network.pending", describeNetwork);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
@@ -153,7 +149,7 @@ KVASIM_EXPORT KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
-    return writeFrom(Function::SetShutdownTime, mode, kvasim::modeRecord, "", describeMode);
+    return writeFrom(__func__, mode, kvasim::modeRecord, "", describeMode);
 }
 
 } // extern "C"
@@ -163,13 +159,13 @@ KVASIM_EXPORT KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* 
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
-    return writeFrom(Function::SetCalibration, data, kvasim::calibrationRecord,
-                     "calibration.staged", describeCalibration);
+    return writeFrom(__func__, data, kvasim::calibrationRecord, "calibration.staged",
+                     describeCalibration);
 }
 
 KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     Simulator& simulator = Simulator::instance();
-    return simulator.perform({Function::WriteSector}, [&](const CallEffects& effects) {
+    return simulator.perform({__func__}, [&](const CallEffects& effects) {
         return simulator.write(effects, kvasim::commitCalibration);
     });
 }

@@ -18,10 +18,10 @@ bool isSame(const FaultRule& left, const FaultRule& right) {
     return uses == right.json;
 }
 
-bool isFor(const FaultRule& rule, Function function, std::optional<std::int32_t> serialNumber) {
-    return (!rule.function || rule.function == function) &&
-           (!rule.has("serialNumber") ||
-            rule.json["serialNumber"].get<std::int32_t>() == serialNumber);
+bool isFor(const FaultRule& rule, std::string_view function,
+           std::optional<std::int32_t> serialNumber) {
+    return rule.isFor(function) && (!rule.has("serialNumber") ||
+                                    rule.json["serialNumber"].get<std::int32_t>() == serialNumber);
 }
 
 /** Whether the rule, met by a call, goes by chance and does nothing this time. */
@@ -68,21 +68,19 @@ void FaultCounters::assign(const std::vector<FaultRule>& rules) {
         const std::uint32_t seed = rule.json.value("seed", std::random_device()());
         m_rules.push_back({rule, {}, std::mt19937(seed)});
         if (rule.has("probability"))
-            complain(
-                "a rule for " +
-                (rule.function ? functionName(*rule.function) : std::string("every function")) +
-                " goes by chance, with seed " + std::to_string(seed));
+            complain("a rule for " + (rule.function() == "*" ? "every function" : rule.function()) +
+                     " goes by chance, with seed " + std::to_string(seed));
     }
 }
 
-std::vector<FaultRule> FaultCounters::meet(Function function,
+std::vector<FaultRule> FaultCounters::meet(std::string_view function,
                                            std::optional<std::int32_t> serialNumber) {
     std::vector<FaultRule> met;
     for (Counted& counted : m_rules) {
         const FaultRule& rule = counted.rule;
         if (!isFor(rule, function, serialNumber))
             continue;
-        const std::uint64_t call = ++counted.calls.at(static_cast<std::size_t>(function));
+        const std::uint64_t call = ++counted.calls[function];
         const bool isPast = rule.lastCall != UINT32_MAX && call > rule.lastCall;
         if (call >= rule.firstCall && !isPast && !isSpared(rule, counted.chance))
             met.push_back(rule);

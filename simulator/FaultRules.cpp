@@ -1,6 +1,8 @@
 // The fields of a rule: which functions may have them, how they are read, what they do to a call.
 
 #include "simulator/FaultRules.h"
+#include "simulator/Records.h"
+#include "simulator/SdkNames.h"
 
 #include <algorithm>
 #include <charconv>
@@ -9,17 +11,25 @@ namespace kvasim {
 
 namespace {
 
-constexpr unsigned int bit(Function function) {
-    return 1U << static_cast<unsigned int>(function);
+bool isAny(std::string_view /*function*/) {
+    return true;
 }
 
-constexpr unsigned int anyFunction = ~0U;
-constexpr unsigned int accepting = bit(Function::Connect) | bit(Function::Disconnect) |
-                                   bit(Function::SetNetworkInfo) | bit(Function::SetShutdownTime) |
-                                   bit(Function::SetCalibration) | bit(Function::WriteSector);
-constexpr unsigned int rereading = bit(Function::GetDevicePortList) |
-                                   bit(Function::GetNetworkInfo) | bit(Function::GetShutdownTime) |
-                                   bit(Function::GetCalibration);
+/** Whether it changes something. */
+bool isWriting(std::string_view function) {
+    return function == "KVA_Connect" || function == "KVA_Disconnect" ||
+           function.find("_Set") != std::string_view::npos;
+}
+
+/** Whether its answer changes with what is written, or with what is plugged. */
+bool isRereading(std::string_view function) {
+    return function == "KVA_GetDevicePortList" || function == "KVA_GetNetworkInfo" ||
+           function == "KVA_GetShutdownTime" || function == "KVA_JIG_GetFactoryCalib_CALREFDATA";
+}
+
+bool isListing(std::string_view function) {
+    return function == "KVA_GetDevicePortList";
+}
 
 /** Checks the value of a field. @return it in its usual form
     @throws InputError with @p path and the reason */
@@ -59,25 +69,15 @@ Json readMoment(const Json& value, const std::string& path, const FaultRule& /*r
     return moment;
 }
 
-/** The bytes of an answer that are corrupted; nothing where it has none of them. */
-std::optional<ByteRange> rangeOf(Function function, const Json& corruption) {
+/** The bytes of a function's answer that are corrupted; nothing where it has none of them. */
+std::optional<ByteRange> corruptedRange(std::string_view function, const Json& corruption) {
     const Record* const record = answerRecord(function);
     if (record == nullptr)
         return std::nullopt;
     if (corruption.contains("field"))
-        return answerField(function, corruption["field"].get<std::string>());
+        return rangeOf(*record, corruption["field"].get<std::string>());
     const auto offset = corruption["offset"].get<std::size_t>();
     return offset < record->size ? std::optional(ByteRange{offset, 1}) : std::nullopt;
-}
-
-/** Whether an answer to a call that the rule is for has the bytes. */
-bool isInAnswer(const FaultRule& rule, const Json& corruption) {
-    for (std::size_t index = 0; index < functionCount; ++index) {
-        const auto function = static_cast<Function>(index);
-        if (rule.function.value_or(function) == function && rangeOf(function, corruption))
-            return true;
-    }
-    return false;
 }
 
 Json readCorrupted(const Json& json, const std::string& path, const FaultRule& rule) {
@@ -93,7 +93,11 @@ Json readCorrupted(const Json& json, const std::string& path, const FaultRule& r
         usual[place] = readString(json[place], placePath);
     else
         usual[place] = kvasim::readNumber<std::uint32_t>(json[place], placePath);
-    require(isInAnswer(rule, usual), placePath, "is not in the answer of the function");
+    const auto hasBytes = [&](std::string_view function) {
+        return rule.isFor(function) && corruptedRange(function, usual);
+    };
+    require(std::any_of(functionNames.begin(), functionNames.end(), hasBytes), placePath,
+            "is not in the answer of the function");
     if (json.contains("value"))
         usual["value"] = kvasim::readNumber<std::uint8_t>(json["value"], joined(path, "value"));
     else
@@ -107,9 +111,9 @@ struct FaultField {
     const char* needs; /**< another field, without which it is refused; null: none */
     Read read;
 
-    // Of a kind of fault, of which a rule has one.
-    unsigned int functions = 0;                                      /**< a bit each */
-    void (*apply)(const Json& rule, CallEffects& effects) = nullptr; /**< null: of no kind */
+    // Of a kind of fault, of which a rule has one; of nothing else.
+    bool (*isFor)(std::string_view function) = nullptr;
+    void (*apply)(const Json& rule, CallEffects& effects) = nullptr;
 };
 
 constexpr FaultField fields[] = {
@@ -119,31 +123,31 @@ constexpr FaultField fields[] = {
     {"seed", "probability", readNumber<std::uint32_t>},
     {"instrument", "unplug", readNumber<std::int32_t>},
     {"id", nullptr, readNumber<std::uint32_t>},
-    {"result", nullptr, readResult, anyFunction,
+    {"result", nullptr, readResult, isAny,
      [](const Json& rule, CallEffects& effects) {
          const Json& result = rule["result"];
          if (!effects.result)
              effects.result = result.is_string() ? resultFromName(result.get<std::string>())
                                                  : result.get<KVA_RESULT>();
      }},
-    {"delayMs", nullptr, readNumber<std::uint32_t, 0, 600000>, anyFunction,
+    {"delayMs", nullptr, readNumber<std::uint32_t, 0, 600000>, isAny,
      [](const Json& rule, CallEffects& effects) {
          effects.delay += std::chrono::milliseconds(rule["delayMs"].get<std::uint32_t>());
      }},
-    {"dropped", nullptr, readTrue, accepting,
+    {"dropped", nullptr, readTrue, isWriting,
      [](const Json&, CallEffects& effects) { effects.dropped = true; }},
-    {"stale", nullptr, readTrue, rereading,
+    {"stale", nullptr, readTrue, isRereading,
      [](const Json&, CallEffects& effects) { effects.stale = true; }},
-    {"corrupted", nullptr, readCorrupted, anyFunction,
+    {"corrupted", nullptr, readCorrupted, isAny,
      [](const Json& rule, CallEffects& effects) {
          effects.corruptions.push_back(rule["corrupted"]);
      }},
-    {"shortList", nullptr, readNumber<std::uint32_t>, bit(Function::GetDevicePortList),
+    {"shortList", nullptr, readNumber<std::uint32_t>, isListing,
      [](const Json& rule, CallEffects& effects) {
          effects.longestList =
              std::min(effects.longestList, rule["shortList"].get<std::uint32_t>());
      }},
-    {"unplug", nullptr, readMoment, anyFunction,
+    {"unplug", nullptr, readMoment, isAny,
      [](const Json& rule, CallEffects& effects) {
          if (!effects.unplug.empty())
              return;
@@ -179,11 +183,14 @@ Json readCall(const Json& value, const std::string& path, FaultRule& rule) {
 FaultRule makeFaultRule(const Json& json, const std::string& path) {
     FaultRule rule;
     const std::string name = readString(fieldOf(json, path, "function"), joined(path, "function"));
-    rule.function = functionFromName(name);
-    require(rule.function || name == "*", joined(path, "function"),
-            "is not the name of a function");
+    const auto isCalled = [&](std::string_view function) {
+        return name == "*" || name == function;
+    };
+    require(std::any_of(functionNames.begin(), functionNames.end(), isCalled),
+            joined(path, "function"), "is not the name of a function");
     const Json call = json.value("call", Json("every"));
-    rule.json = {{"function", name}, {"call", readCall(call, joined(path, "call"), rule)}};
+    rule.json["function"] = name;
+    rule.json["call"] = readCall(call, joined(path, "call"), rule);
     std::vector<std::string> known = {"function", "call"};
     const char* kind = nullptr;
     for (const FaultField& field : fields) {
@@ -199,8 +206,7 @@ FaultRule makeFaultRule(const Json& json, const std::string& path) {
         if (field.apply == nullptr)
             continue;
         kind = field.key;
-        if (rule.function && (field.functions & bit(*rule.function)) == 0)
-            refuse(place, std::string("is not for ") + functionName(*rule.function));
+        require(name == "*" || field.isFor(name), place, "is not for " + name);
     }
     require(kind != nullptr, joined(path, "result"), "is missing, and so is every other fault");
     requireFields(json, path, known);
@@ -214,10 +220,10 @@ void apply(const FaultRule& rule, CallEffects& effects) {
     }
 }
 
-void corrupt(const CallEffects& effects, Function function, void* record) {
+void corrupt(const CallEffects& effects, std::string_view function, void* record) {
     auto* const bytes = static_cast<std::uint8_t*>(record);
     for (const Json& corruption : effects.corruptions) {
-        const auto [offset, size] = rangeOf(function, corruption).value_or(ByteRange{0, 0});
+        const auto [offset, size] = corruptedRange(function, corruption).value_or(ByteRange{0, 0});
         for (std::size_t index = offset; index < offset + size; ++index)
             bytes[index] = corruption.contains("value")
                                ? corruption["value"].get<std::uint8_t>()

@@ -7,14 +7,16 @@
 #ifndef SIMULATOR_FAULTRULES_H
 #define SIMULATOR_FAULTRULES_H
 
-#include "simulator/Records.h"
+#include "instrument/KvaSdk.h"
+#include "simulator/Json.h"
 
-#include <array>
 #include <chrono>
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <random>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kvasim {
@@ -35,16 +37,17 @@ struct CallEffects {
 };
 
 /** Applies the corruptions that are meant for an answer of @p function. */
-void corrupt(const CallEffects& effects, Function function, void* record);
+void corrupt(const CallEffects& effects, std::string_view function, void* record);
 
 struct FaultRule {
     Json json;                           /**< checked, and in its usual form */
-    std::optional<Function> function;    /**< nothing: every function */
     std::uint32_t firstCall = 1;         /**< counted from 1, inclusive */
     std::uint32_t lastCall = UINT32_MAX; /**< inclusive; UINT32_MAX: no end */
 
     bool operator==(const FaultRule& other) const { return json == other.json; }
     bool has(const char* key) const { return json.contains(key); }
+    std::string function() const { return json["function"]; }
+    bool isFor(std::string_view called) const { return function() == "*" || function() == called; }
 };
 
 /** @param path the place of @p json in its document, for the reason of a refusal.
@@ -70,12 +73,13 @@ public:
 
     /** Counts one call, and picks the rules that it meets, in their order.
         @param serialNumber the instrument that the call is for, if any */
-    std::vector<FaultRule> meet(Function function, std::optional<std::int32_t> serialNumber);
+    std::vector<FaultRule> meet(std::string_view function,
+                                std::optional<std::int32_t> serialNumber);
 
 private:
     struct Counted {
         FaultRule rule;
-        std::array<std::uint64_t, functionCount> calls{};
+        std::map<std::string_view, std::uint64_t> calls; // by function
         std::mt19937 chance;
     };
 

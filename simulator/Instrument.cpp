@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <chrono>
+#include <cstring>
 #include <utility>
 
 namespace kvasim {
@@ -46,22 +47,20 @@ void overlay(Json& target, const Json& given, const std::string& path) {
     }
 }
 
-/** Checks the fields of a record and puts them into their usual form. */
-void settle(const Part& part, Json& instrument, const std::string& path) {
-    Json& json = instrument.at(pointerTo(part.place));
-    std::vector<std::uint8_t> bytes(part.record->size);
-    for (const Field& field : *part.record) {
-        if (field.place == nullptr || json.is_null())
-            continue;
-        Json& value = json.at(pointerTo(field.place));
-        const std::string partPath = *part.place == '\0' ? path : joined(path, part.place);
-        std::uint8_t* const first = bytes.data() + field.bytes.offset;
-        field.type->read(value, joined(partPath, field.place), first, field.bytes.size);
-        const bool isUsual = field.type == &floatsType &&
+/** Checks all fields and puts them into their usual form. */
+void settle(Json& instrument, const std::string& path) {
+    for (const auto& [place, field] : instrumentPlaces()) {
+        const Json::json_pointer pointer = pointerTo(place);
+        if (!instrument.contains(pointer))
+            continue; // of a record that is not there
+        Json& value = instrument[pointer];
+        std::vector<std::uint8_t> bytes(field->bytes.size);
+        field->type->read(value, joined(path, place), bytes.data(), bytes.size());
+        const bool isUsual = field->type == &floatsType &&
                              std::all_of(value.begin(), value.end(),
                                          [](const Json& number) { return number.is_number(); });
         if (!isUsual) // numbers stay as they are given
-            value = field.type->write(first, field.bytes.size);
+            value = field->type->write(bytes.data(), bytes.size());
     }
 }
 
@@ -78,22 +77,6 @@ Json defaultsFor(std::int32_t serialNumber) {
     return json;
 }
 
-/** As a JSON merge patch, but that bytes are replaced as a whole. */
-void mergeInto(Json& target, const Json& patch) {
-    if (!patch.is_object() || isBytes(patch) || isBytes(target)) {
-        target = patch;
-        return;
-    }
-    if (!target.is_object())
-        target = Json::object();
-    for (const auto& item : patch.items()) {
-        if (item.value().is_null())
-            target.erase(item.key());
-        else
-            mergeInto(target[item.key()], item.value());
-    }
-}
-
 /** Takes the instrument's JSON as it should be. */
 void take(Json& instrument, const Json& json) {
     Json next = makeInstrument(json, "");
@@ -103,14 +86,11 @@ void take(Json& instrument, const Json& json) {
 }
 
 /** Whether the place is that of a field that is written as a string. */
-bool isString(const std::string& place) {
-    for (const Part& part : instrumentParts) {
-        for (const Field& field : *part.record) {
-            if (field.place != nullptr && joined(part.place, field.place) == place)
-                return field.type->isString;
-        }
-    }
-    return false;
+bool isString(const std::string& path) {
+    const auto places = instrumentPlaces();
+    return std::any_of(places.begin(), places.end(), [&](const Place& place) {
+        return place.path == path && place.field->type->isString;
+    });
 }
 
 Json valueOf(const std::string& text, const std::string& place) {
@@ -151,8 +131,7 @@ Json makeInstrument(const Json& json, const std::string& path) {
         overlay(whole, given, joined(path, optional.place));
         given = std::move(whole);
     }
-    for (const Part& part : instrumentParts)
-        settle(part, instrument, path);
+    settle(instrument, path);
     return instrument;
 }
 
@@ -162,6 +141,10 @@ std::int32_t serialNumberOf(const Json& instrument) {
 
 KVA_PORTINFO portOf(const Json& instrument) {
     return fromJson<KVA_PORTINFO>(portRecord, instrument);
+}
+
+bool isSamePort(const KVA_PORTINFO& left, const KVA_PORTINFO& right) {
+    return std::memcmp(&left, &right, sizeof left) == 0;
 }
 
 const Json& networkOf(const Json& instrument) {
@@ -215,7 +198,11 @@ bool isReady(const Json& instrument) {
 void patch(Json& instrument, const Json& patch) {
     require(patch.is_object(), "", "must be an object");
     Json merged = instrument;
-    mergeInto(merged, patch);
+    for (const auto& [place, field] : instrumentPlaces()) {
+        if (patch.contains(pointerTo(place)))
+            merged[pointerTo(place)] = nullptr; // bytes are replaced as a whole
+    }
+    merged.merge_patch(patch);
     take(instrument, merged);
 }
 

@@ -22,6 +22,7 @@ std::int32_t serialNumberOf(const Json& instrument);
 
 /** Its entry in the list. */
 KVA_PORTINFO portOf(const Json& instrument);
+bool isSamePort(const KVA_PORTINFO& left, const KVA_PORTINFO& right);
 
 /** The settings that were stored last, and the working copy of the calibration data. */
 const Json& networkOf(const Json& instrument);

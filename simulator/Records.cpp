@@ -76,28 +76,19 @@ constexpr Field calibrationFields[] = {
 #undef KVASIM_FIELD
 
 template <std::size_t Count>
-constexpr Record recordOf(const Field (&fields)[Count], std::size_t size,
-                          std::optional<Function> source) {
-    return {fields, fields + Count, size, source};
+constexpr Record recordOf(const char* source, const Field (&fields)[Count], std::size_t size) {
+    return {source, fields, fields + Count, size};
 }
 
-constexpr Record stateRecord = recordOf(stateFields, sizeof(State), std::nullopt);
+constexpr Record stateRecord = recordOf("", stateFields, sizeof(State));
 
-} // namespace
+/** A record as a part of an instrument's JSON. */
+struct Part {
+    const char* place; /**< empty: its fields are in the instrument itself */
+    const Record* record;
+};
 
-constexpr Record portRecord =
-    recordOf(portFields, sizeof(KVA_PORTINFO), Function::GetDevicePortList);
-constexpr Record deviceRecord =
-    recordOf(deviceFields, sizeof(KVA_DEVICEINFO), Function::GetDeviceInfo);
-constexpr Record optionRecord =
-    recordOf(optionFields, sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA), Function::GetFactoryOptions);
-constexpr Record networkRecord =
-    recordOf(networkFields, sizeof(KVA_NETWORKINFO), Function::GetNetworkInfo);
-constexpr Record modeRecord = recordOf(modeFields, sizeof(std::uint8_t), Function::GetShutdownTime);
-constexpr Record calibrationRecord =
-    recordOf(calibrationFields, sizeof(KVA_JIG_CALREFDATA), Function::GetCalibration);
-
-constexpr std::array<Part, 9> instrumentParts = {{
+constexpr Part parts[] = {
     {"", &portRecord},
     {"", &stateRecord},
     {"", &deviceRecord},
@@ -107,7 +98,30 @@ constexpr std::array<Part, 9> instrumentParts = {{
     {"", &modeRecord},
     {"calibration.committed", &calibrationRecord},
     {"calibration.staged", &calibrationRecord},
-}};
+};
+
+} // namespace
+
+constexpr Record portRecord = recordOf("KVA_GetDevicePortList", portFields, sizeof(KVA_PORTINFO));
+constexpr Record deviceRecord = recordOf("KVA_GetDeviceInfo", deviceFields, sizeof(KVA_DEVICEINFO));
+constexpr Record optionRecord = recordOf("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", optionFields,
+                                         sizeof(KVA_JIG_ACTIONOPTIONFACTORYDATA));
+constexpr Record networkRecord =
+    recordOf("KVA_GetNetworkInfo", networkFields, sizeof(KVA_NETWORKINFO));
+constexpr Record modeRecord = recordOf("KVA_GetShutdownTime", modeFields, sizeof(std::uint8_t));
+constexpr Record calibrationRecord =
+    recordOf("KVA_JIG_GetFactoryCalib_CALREFDATA", calibrationFields, sizeof(KVA_JIG_CALREFDATA));
+
+std::vector<Place> instrumentPlaces() {
+    std::vector<Place> places;
+    for (const Part& part : parts) {
+        for (const Field& field : *part.record) {
+            if (field.place != nullptr)
+                places.push_back({joined(part.place, field.place), &field});
+        }
+    }
+    return places;
+}
 
 Json::json_pointer pointerTo(const std::string& place) {
     std::string pointer = place.empty() ? "" : "/";
@@ -132,20 +146,17 @@ Json toJson(const Record& record, const void* bytes) {
     return json;
 }
 
-const Record* answerRecord(Function function) {
-    for (const Part& part : instrumentParts) {
+const Record* answerRecord(std::string_view function) {
+    for (const Part& part : parts) {
         if (part.record->source == function)
             return part.record;
     }
     return nullptr;
 }
 
-std::optional<ByteRange> answerField(Function function, std::string_view name) {
-    const Record* const record = answerRecord(function);
-    if (record == nullptr)
-        return std::nullopt;
+std::optional<ByteRange> rangeOf(const Record& record, std::string_view name) {
     const auto bracket = std::min(name.find('['), name.size());
-    for (const Field& field : *record) {
+    for (const Field& field : record) {
         if (name.substr(0, bracket) == field.name)
             return field.range(name.substr(bracket));
     }

@@ -1,26 +1,67 @@
 /**
  * The one description of the library's records: for each field its name in the record, its bytes,
- * its place in the JSON of a bench file, and how it is written there.
+ * its place in the JSON of a bench file, and how it is written there. What is written and read
+ * again has the same bytes.
  */
 #ifndef SIMULATOR_RECORDS_H
 #define SIMULATOR_RECORDS_H
 
-#include "simulator/Field.h"
-#include "simulator/SdkNames.h"
+#include "simulator/Json.h"
 
-#include <array>
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace kvasim {
 
+/** How the bytes of a field are written in JSON. */
+struct FieldType {
+    /** @throws InputError with @p path and the reason */
+    void (*read)(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size);
+    Json (*write)(const std::uint8_t* bytes, std::size_t size);
+    std::size_t elementSize; /**< in bytes; 0: it is no array */
+    bool isString;           /**< so that `kvasim set` takes a text as it is */
+};
+
+extern const FieldType flagType;     /**< true or false */
+extern const FieldType moduleType;   /**< one byte: false (0), true (1) or 0 to 255 */
+extern const FieldType byteType;     /**< 0 to 255 */
+extern const FieldType int32Type;    /**< signed 32-bit */
+extern const FieldType uint32Type;   /**< unsigned 32-bit */
+extern const FieldType durationType; /**< unsigned 32-bit, 0 to 600000 milliseconds */
+extern const FieldType timeType;     /**< signed 64-bit: milliseconds since 1970, 0 or more */
+extern const FieldType bytesType;    /**< {"hex": "00ff…"}, {"fill": n} or {"seed": n} */
+extern const FieldType textType;     /**< a string without NUL that fits the field, or its bytes */
+extern const FieldType addressType;  /**< four bytes: "192.168.0.10" */
+extern const FieldType macType;      /**< six bytes: "02:00:00:0f:42:41" */
+extern const FieldType digitsType;   /**< eight binary-coded decimals: a string, or its bytes */
+extern const FieldType floatsType;   /**< an array: each a number or "0x7fc00001", its bits */
+
+/** Some bytes of a record. */
+struct ByteRange {
+    std::size_t offset;
+    std::size_t size;
+};
+
+struct Field {
+    const char* place; /**< in the JSON, "port.type", "firmware[1]"; null: not there */
+    const char* name;  /**< in the record, "portType"; null: none */
+    const FieldType* type;
+    ByteRange bytes; /**< in the record */
+
+    /** The bytes of one element, "[3]"; of the whole field where @p element is empty.
+        @return nothing where the field has no such element */
+    std::optional<ByteRange> range(std::string_view element) const;
+};
+
 struct Record {
+    const char* source; /**< the function that answers with it, or with a list of it */
     const Field* first;
-    const Field* last;              /**< behind the last one */
-    std::size_t size;               /**< of the whole record, in bytes */
-    std::optional<Function> source; /**< answers with it, or with a list of it */
+    const Field* last; /**< behind the last one */
+    std::size_t size;  /**< of the whole record, in bytes */
 
     const Field* begin() const { return first; }
     const Field* end() const { return last; }
@@ -33,14 +74,14 @@ extern const Record networkRecord;     /**< KVA_NETWORKINFO */
 extern const Record modeRecord;        /**< the power-off mode, one byte */
 extern const Record calibrationRecord; /**< KVA_JIG_CALREFDATA */
 
-/** A record as a part of an instrument's JSON. */
-struct Part {
-    const char* place; /**< empty: its fields are in the instrument itself */
-    const Record* record;
+/** A field in the JSON of an instrument. */
+struct Place {
+    std::string path; /**< "network.active.SSID" */
+    const Field* field;
 };
 
-/** All parts of an instrument. */
-extern const std::array<Part, 9> instrumentParts;
+/** All fields of an instrument. */
+std::vector<Place> instrumentPlaces();
 
 /** "device.firmware[1]" as the pointer /device/firmware/1. */
 Json::json_pointer pointerTo(const std::string& place);
@@ -49,11 +90,10 @@ Json::json_pointer pointerTo(const std::string& place);
 template <typename Bytes>
 Bytes fromJson(const Record& record, const Json& json) {
     Bytes bytes{};
-    for (const Field& field : record) {
-        if (field.place != nullptr)
-            field.type->read(json.at(pointerTo(field.place)), field.place,
-                             reinterpret_cast<std::uint8_t*>(&bytes) + field.bytes.offset,
-                             field.bytes.size);
+    for (const auto& [place, name, type, range] : record) {
+        if (place != nullptr)
+            type->read(json.at(pointerTo(place)), place,
+                       reinterpret_cast<std::uint8_t*>(&bytes) + range.offset, range.size);
     }
     return bytes;
 }
@@ -62,12 +102,12 @@ Bytes fromJson(const Record& record, const Json& json) {
 Json toJson(const Record& record, const void* bytes);
 
 /** The record that a function answers with; null where that is its result only. */
-const Record* answerRecord(Function function);
+const Record* answerRecord(std::string_view function);
 
 /** A field as the record declares it ("IPAddress", "rfWhite.spcData"), or one element of an array
     ("IPAddress[3]"). "mode" is the answer of `KVA_GetShutdownTime`.
-    @return nothing when the function's answer has no such field */
-std::optional<ByteRange> answerField(Function function, std::string_view name);
+    @return nothing when the record has no such field */
+std::optional<ByteRange> rangeOf(const Record& record, std::string_view name);
 
 } // namespace kvasim
 

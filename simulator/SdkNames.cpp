@@ -7,22 +7,6 @@ namespace kvasim {
 
 namespace {
 
-constexpr std::array<const char*, functionCount> functionNames = {
-    "KVA_RegisterDeviceEventHandler",
-    "KVA_GetDevicePortList",
-    "KVA_Connect",
-    "KVA_Disconnect",
-    "KVA_GetDeviceInfo",
-    "KVA_GetNetworkInfo",
-    "KVA_SetNetworkInfo",
-    "KVA_GetShutdownTime",
-    "KVA_SetShutdownTime",
-    "KVA_JIG_GetFactoryCalib_CALREFDATA",
-    "KVA_JIG_SetFactoryCalib_CALREFDATA",
-    "KVA_JIG_SetFactoryCalib_WriteSector",
-    "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA",
-};
-
 struct NamedResult {
     KVA_RESULT value;
     const char* name;
@@ -59,16 +43,21 @@ constexpr std::array<NamedResult, 25> results = {{
 
 } // namespace
 
-const char* functionName(Function function) {
-    return functionNames.at(static_cast<std::size_t>(function));
-}
-
-std::optional<Function> functionFromName(std::string_view name) {
-    const auto* const found = std::find(functionNames.begin(), functionNames.end(), name);
-    if (found == functionNames.end())
-        return std::nullopt;
-    return static_cast<Function>(found - functionNames.begin());
-}
+constexpr std::array<std::string_view, 13> functionNames = {
+    "KVA_RegisterDeviceEventHandler",
+    "KVA_GetDevicePortList",
+    "KVA_Connect",
+    "KVA_Disconnect",
+    "KVA_GetDeviceInfo",
+    "KVA_GetNetworkInfo",
+    "KVA_SetNetworkInfo",
+    "KVA_GetShutdownTime",
+    "KVA_SetShutdownTime",
+    "KVA_JIG_GetFactoryCalib_CALREFDATA",
+    "KVA_JIG_SetFactoryCalib_CALREFDATA",
+    "KVA_JIG_SetFactoryCalib_WriteSector",
+    "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA",
+};
 
 std::string resultName(KVA_RESULT result) {
     std::string name;

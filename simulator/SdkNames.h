@@ -6,35 +6,14 @@
 
 #include "instrument/KvaSdk.h"
 
-#include <cstddef>
+#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
 
 namespace kvasim {
 
-/** The library's functions, in the order of their declarations. */
-enum class Function {
-    RegisterDeviceEventHandler,
-    GetDevicePortList,
-    Connect,
-    Disconnect,
-    GetDeviceInfo,
-    GetNetworkInfo,
-    SetNetworkInfo,
-    GetShutdownTime,
-    SetShutdownTime,
-    GetCalibration,
-    SetCalibration,
-    WriteSector,
-    GetFactoryOptions
-};
-
-constexpr std::size_t functionCount = 13;
-
-/** The exported name, for instance "KVA_Connect", and the function of a name, if there is one. */
-const char* functionName(Function function);
-std::optional<Function> functionFromName(std::string_view name);
+extern const std::array<std::string_view, 13> functionNames;
 
 /** The name of a result, the names of several warning bits joined by a slash; empty for a value
     without a name. And the result of such a name, if there is one. */

@@ -1,5 +1,8 @@
 #include "simulator/Simulator.h"
 
+#include "simulator/Records.h"
+#include "simulator/SdkNames.h"
+
 #include <algorithm>
 #include <cstring>
 #include <exception>
@@ -21,14 +24,8 @@ __attribute__((destructor)) void unload() {
     g_simulator = nullptr;
 }
 
-bool isForNoInstrument(Function function) {
-    return function == Function::RegisterDeviceEventHandler ||
-           function == Function::GetDevicePortList;
-}
-
-template <typename Record>
-bool isSame(const Record& left, const Record& right) {
-    return std::memcmp(&left, &right, sizeof left) == 0;
+bool isForNoInstrument(std::string_view function) {
+    return function == "KVA_RegisterDeviceEventHandler" || function == "KVA_GetDevicePortList";
 }
 
 } // namespace
@@ -51,7 +48,7 @@ KVA_RESULT Simulator::perform(Call call, const Work& work) {
     const auto duration = std::chrono::duration_cast<std::chrono::microseconds>(
         std::chrono::steady_clock::now() - start);
     try {
-        m_log.add({{"function", functionName(call.function)},
+        m_log.add({{"function", call.function},
                    {"arguments", std::move(call.arguments)},
                    {"result", result},
                    {"resultName", resultName(result)},
@@ -68,8 +65,7 @@ CallEffects Simulator::begin(Call& call) {
     if (!loaded())
         return effects;
     refresh();
-    const bool overConnection =
-        !isForNoInstrument(call.function) && call.function != Function::Connect;
+    const bool overConnection = !isForNoInstrument(call.function) && call.function != "KVA_Connect";
     if (overConnection && m_connection) {
         call.serialNumber = m_connection->serialNumber;
         Json arguments = {{"serialNumber", m_connection->serialNumber}};
@@ -90,8 +86,8 @@ KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call, 
     if (effects.delay.count() > 0)
         std::this_thread::sleep_for(effects.delay);
     // A connection that is being made and breaks has never been made.
-    const bool early = effects.unplug == "before" ||
-                       (effects.answerIsLost() && call.function == Function::Connect);
+    const bool early =
+        effects.unplug == "before" || (effects.answerIsLost() && call.function == "KVA_Connect");
     if (early)
         unplug(effects, call);
     KVA_RESULT result = effects.result.value_or(KVA_SUCCESS) < 0 ? *effects.result : work(effects);
@@ -135,7 +131,7 @@ KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
     if (list != nullptr)
         length = std::min(length, static_cast<std::size_t>(capacity));
     for (std::size_t index = 0; list != nullptr && index < length; ++index) {
-        corrupt(effects, Function::GetDevicePortList, &answer[index]);
+        corrupt(effects, portRecord.source, &answer[index]);
         list[index] = answer[index];
     }
     count = static_cast<std::int32_t>(length);
@@ -149,7 +145,7 @@ KVA_RESULT Simulator::connect(const CallEffects& effects, const KVA_PORTINFO& po
     if (m_connection && !m_connection->lost)
         return KVA_ERROR_CONNECT_ALREADY;
     for (const Json& instrument : m_store->bench().instruments) {
-        if (!isReady(instrument) || !isSame(portOf(instrument), port))
+        if (!isReady(instrument) || !isSamePort(portOf(instrument), port))
             continue;
         const BenchLock& lock = m_store->lock();
         if (!lock.hold(port.serialNumber))

@@ -17,13 +17,14 @@
 #include <mutex>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace kvasim {
 
 /** What the log and the rules need to know of a call. */
 struct Call {
-    Function function;
+    std::string_view function;
     Json arguments = Json::object();            /**< without secrets */
     std::optional<std::int32_t> serialNumber{}; /**< the instrument that the call names itself */
 };

@@ -3,7 +3,6 @@
 #include "simulator/Simulator.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
 #include <utility>
 
@@ -20,13 +19,6 @@ const Json* counterpart(const Bench& before, const Bench& now, std::size_t index
         return same;
     const Json& there = before.instruments[index];
     return findInstrument(now, serialNumberOf(there)) == nullptr ? &there : nullptr;
-}
-
-bool isSameList(const std::vector<KVA_PORTINFO>& left, const std::vector<KVA_PORTINFO>& right) {
-    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
-                      [](const KVA_PORTINFO& a, const KVA_PORTINFO& b) {
-                          return std::memcmp(&a, &b, sizeof a) == 0;
-                      });
 }
 
 } // namespace
@@ -110,7 +102,8 @@ void Simulator::see(const Bench& before) {
     const Bench& now = m_store->bench();
     m_faults.assign(now.faults);
     std::vector<KVA_PORTINFO> portsBefore = portsOf(before);
-    if (!isSameList(portsBefore, portsOf(now)))
+    const std::vector<KVA_PORTINFO> ports = portsOf(now);
+    if (!std::equal(portsBefore.begin(), portsBefore.end(), ports.begin(), ports.end(), isSamePort))
         m_formerPorts = std::move(portsBefore);
     for (std::size_t index = 0; index < now.instruments.size(); ++index) {
         const Json& instrument = now.instruments[index];

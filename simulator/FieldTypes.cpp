@@ -1,4 +1,4 @@
-#include "simulator/Field.h"
+#include "simulator/Records.h"
 
 #include <algorithm>
 #include <cfloat>
