@@ -5,15 +5,58 @@
 #ifndef SIMULATOR_BENCHSTORE_H
 #define SIMULATOR_BENCHSTORE_H
 
-#include "simulator/BenchFile.h"
+#include "simulator/Bench.h"
 
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 
 namespace kvasim {
+
+/** Tells two states of a file apart. All zero: there is no file. */
+struct Stamp {
+    std::int64_t time = 0; /**< of its modification, in nanoseconds */
+    std::int64_t size = 0;
+    std::int64_t inode = 0;
+
+    bool operator==(const Stamp& other) const {
+        return time == other.time && size == other.size && inode == other.inode;
+    }
+};
+
+Stamp stampOf(const std::string& path);
+
+/** Reads a bench file. Comments are allowed in it.
+    @throws InputError with the file and the reason: missing, no regular file, larger than 64 MiB,
+    not JSON (with the line), damaged or of a newer version (with the path of the field). */
+Bench readBenchFile(const std::string& path);
+
+/** Puts @p bench in place of the file at once: whoever reads it finds the old one or the new one,
+    whole. Only the owner can read it, or whoever could read the file before. The caller has the
+    lock of the bench.
+    @param path of a file, not of a symbolic link
+    @return the stamp of the new file; its time is later than that of the old one
+    @throws InputError when that fails; the file is then as it was. */
+Stamp writeBenchFile(const std::string& path, const Bench& bench);
+
+/** Writes in one call, so that programs with one file do not mix their texts.
+    @return false with `errno` */
+bool writeAtOnce(int file, const std::string& text);
+
+/** @throws InputError always: the file, what has failed, and the system's reason. */
+[[noreturn]] void fail(const std::string& path, const char* what, int error);
+
+/** An environment variable; empty where it is not set. */
+std::string environmentOf(const char* name);
+
+/** Shows control characters as '?'. */
+std::string printable(std::string text);
+
+/** One printable line on standard error, in the library's name. */
+void complain(const std::string& message);
 
 /** The lock beside a bench file, FILE.lock: one change at a time, and who holds which instrument.
  *
@@ -66,18 +109,18 @@ public:
         @throws InputError as `readBenchFile` does */
     static std::unique_ptr<BenchStore> open(const std::string& path);
 
-    /** Opens the bench of the environment; makes it from the built-in bench where it is the one of
-        the user's data folder and is not there. A user without a home has the built-in bench in
-        memory, which one line on standard error then says.
+    /** Opens the bench that `KVASIM_BENCH` names, or the one of the user's data folder, which is
+       made from the built-in bench where it is not there. A user without a home has the built-in
+       bench in memory, which one line on standard error then says.
         @throws InputError as `readBenchFile` and `writeBenchFile` do */
     static std::unique_ptr<BenchStore> openOfEnvironment();
 
     const Bench& bench() const { return m_bench; }
-
     const std::string& path() const { return m_path; }
+    const BenchLock& lock() const { return m_lock; }
 
-    /** Reads the file again if it has changed. A file that cannot be read or is refused leaves the
-        bench as it is; one line on standard error says so once it has been that way for a second.
+    /** Reads the file again if it has changed. A file that is refused leaves the bench as it is;
+       one line on standard error says so once it has been that way for a second.
         @param seen told when the bench has changed */
     void refresh(const Seen& seen);
 
@@ -87,8 +130,6 @@ public:
         @throws InputError when that fails, and whatever @p make throws; the bench is then as the
         file has it */
     void change(const std::function<void(Bench& next)>& make, const Seen& seen);
-
-    const BenchLock& lock() const { return m_lock; }
 
 private:
     using Clock = std::chrono::steady_clock;

@@ -1,6 +1,6 @@
 #include "simulator/CallLog.h"
 
-#include "simulator/BenchFile.h"
+#include "simulator/BenchStore.h"
 
 #include <cerrno>
 #include <cstdio>

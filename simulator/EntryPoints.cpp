@@ -5,8 +5,6 @@
 
 #include <utility>
 
-#define KVASIM_EXPORT __attribute__((visibility("default")))
-
 namespace {
 
 using kvasim::CallEffects;
@@ -89,7 +87,7 @@ Json describeCalibration(const KVA_JIG_CALREFDATA& given) {
 
 extern "C" {
 
-KVASIM_EXPORT KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
+KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
     Simulator& simulator = Simulator::instance();
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
     if (handler == nullptr)
@@ -101,8 +99,7 @@ KVASIM_EXPORT KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler h
                              });
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count,
-                                               int32_t maxEntries) {
+KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
     Simulator& simulator = Simulator::instance();
     return simulator.perform({__func__, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
                              [&](const CallEffects& effects) {
@@ -113,7 +110,7 @@ KVASIM_EXPORT KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* coun
                              });
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
+KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     Simulator& simulator = Simulator::instance();
     kvasim::Call call = {__func__};
     if (port != nullptr) {
@@ -126,51 +123,51 @@ KVASIM_EXPORT KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
     });
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_Disconnect(void) {
+KVA_RESULT KVA_Disconnect(void) {
     Simulator& simulator = Simulator::instance();
     return simulator.perform(
         {__func__}, [&](const CallEffects& effects) { return simulator.disconnect(effects); });
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
+KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
     return readInto(info, kvasim::deviceRecord);
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
+KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
     return readInto(info, kvasim::networkRecord, kvasim::networkOf);
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
+KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
     return writeFrom(__func__, info, kvasim::networkRecord, "network.pending", describeNetwork);
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
+KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
     return readInto(mode, kvasim::modeRecord);
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
+KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
     return writeFrom(__func__, mode, kvasim::modeRecord, "", describeMode);
 }
 
 } // extern "C"
 
-KVASIM_EXPORT KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* data) {
+KVA_RESULT KVA_JIG_GetFactoryCalib_CALREFDATA(KVA_JIG_CALREFDATA* data) {
     return readInto(data, kvasim::calibrationRecord, kvasim::calibrationOf);
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
+KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
     return writeFrom(__func__, data, kvasim::calibrationRecord, "calibration.staged",
                      describeCalibration);
 }
 
-KVASIM_EXPORT KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
+KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     Simulator& simulator = Simulator::instance();
     return simulator.perform({__func__}, [&](const CallEffects& effects) {
         return simulator.write(effects, kvasim::commitCalibration);
     });
 }
 
-KVASIM_EXPORT KVA_RESULT
+KVA_RESULT
 KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA(KVA_JIG_ACTIONOPTIONFACTORYDATA* data) {
     return readInto(data, kvasim::optionRecord);
 }

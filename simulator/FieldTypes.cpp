@@ -27,28 +27,24 @@ Number load(const std::uint8_t* bytes) {
     return value;
 }
 
-/** A number that would become infinite, subnormal or, not being zero, zero is refused.
-    @return why it is refused; null: it is not */
-const char* readFloat(const Json& value, float& result) {
-    if (value.is_string()) {
-        const auto& text = value.get_ref<const std::string&>();
-        std::uint32_t bits = 0;
-        const char* const end = text.data() + text.size();
-        if (text.size() != 10 || text.compare(0, 2, "0x") != 0 ||
-            std::from_chars(text.data() + 2, end, bits, 16).ptr != end)
-            return "must be a number or a bit pattern such as \"0x7fc00001\"";
-        std::memcpy(&result, &bits, sizeof bits);
-        return nullptr;
+/** A number that would become infinite, subnormal or, not being zero, zero is refused. */
+float readFloat(const Json& value, const std::string& path) {
+    if (value.is_number()) {
+        const auto number = value.get<double>();
+        require(std::fabs(number) <= static_cast<double>(FLT_MAX), path,
+                "is too large for a single-precision number");
+        const auto nearest = static_cast<float>(number);
+        require(number == 0.0 || std::isnormal(nearest), path,
+                "is too small for a single-precision number; give its bit pattern");
+        return nearest;
     }
-    if (!value.is_number())
-        return "must be a number or a bit pattern such as \"0x7fc00001\"";
-    const auto number = value.get<double>();
-    if (!(std::fabs(number) <= static_cast<double>(FLT_MAX)))
-        return "is too large for a single-precision number";
-    result = static_cast<float>(number);
-    return number != 0.0 && !std::isnormal(result)
-               ? "is too small for a single-precision number; give its bit pattern"
-               : nullptr;
+    const std::string text = value.is_string() ? value.get<std::string>() : std::string();
+    std::uint32_t bits = 0;
+    const char* const end = text.data() + text.size();
+    require(text.size() == 10 && text.compare(0, 2, "0x") == 0 &&
+                std::from_chars(text.data() + 2, end, bits, 16).ptr == end,
+            path, "must be a number or a bit pattern such as \"0x7fc00001\"");
+    return load<float>(reinterpret_cast<const std::uint8_t*>(&bits));
 }
 
 /** A number where a number carries the value exactly, the bit pattern for everything else:
@@ -73,9 +69,7 @@ void readFloats(const Json& value, const std::string& path, std::uint8_t* bytes,
     require(value.is_array() && value.size() == count, path,
             "must be an array of " + std::to_string(count) + " values");
     for (std::size_t index = 0; index < count; ++index) {
-        float number = 0;
-        if (const char* const reason = readFloat(value[index], number))
-            refuse(path + '[' + std::to_string(index) + ']', reason);
+        const float number = readFloat(value[index], path + '[' + std::to_string(index) + ']');
         std::memcpy(bytes + index * sizeof number, &number, sizeof number);
     }
 }

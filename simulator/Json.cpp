@@ -4,7 +4,6 @@
 #include <charconv>
 #include <cinttypes>
 #include <cstdio>
-#include <functional>
 #include <set>
 
 namespace kvasim {
@@ -13,30 +12,6 @@ namespace {
 
 constexpr int maxDepth = 64;
 constexpr std::size_t maxKeys = 1000;
-
-/** Refuses, while the parser runs, what it would take silently or without bound. */
-class ParseGuard {
-public:
-    bool operator()(int depth, Json::parse_event_t event, const Json& parsed) {
-        if (depth > maxDepth)
-            throw InputError("more than 64 levels of arrays and objects");
-        if (event == Json::parse_event_t::object_start) {
-            m_keys.emplace_back();
-        } else if (event == Json::parse_event_t::object_end) {
-            m_keys.pop_back();
-        } else if (event == Json::parse_event_t::key) {
-            const auto& key = parsed.get_ref<const std::string&>();
-            if (!m_keys.back().insert(key).second)
-                throw InputError("the key \"" + key + "\" is given twice in one object");
-            if (m_keys.back().size() > maxKeys)
-                throw InputError("an object of more than 1000 keys");
-        }
-        return true;
-    }
-
-private:
-    std::vector<std::set<std::string>> m_keys;
-};
 
 /** The parser's own message from the position on, without the input that it quotes, which may hold
    a security key. */
@@ -86,10 +61,26 @@ void append(std::string& text, const Json& value, std::size_t indent) {
 } // namespace
 
 Json parseJson(std::string_view text, Comments comments) {
+    std::vector<std::set<std::string>> keys; // of the objects that are open
+    // Refuses what the parser would take silently or without bound.
+    const auto guard = [&](int depth, Json::parse_event_t event, const Json& parsed) {
+        if (depth > maxDepth)
+            throw InputError("more than 64 levels of arrays and objects");
+        if (event == Json::parse_event_t::object_start)
+            keys.emplace_back();
+        if (event == Json::parse_event_t::object_end)
+            keys.pop_back();
+        if (event != Json::parse_event_t::key)
+            return true;
+        const auto& key = parsed.get_ref<const std::string&>();
+        if (!keys.back().insert(key).second)
+            throw InputError("the key \"" + key + "\" is given twice in one object");
+        if (keys.back().size() > maxKeys)
+            throw InputError("an object of more than 1000 keys");
+        return true;
+    };
     try {
-        ParseGuard guard;
-        return Json::parse(text.begin(), text.end(), std::ref(guard), true,
-                           comments == Comments::Allowed);
+        return Json::parse(text.begin(), text.end(), guard, true, comments == Comments::Allowed);
     } catch (const Json::parse_error& error) {
         throw InputError(reasonOf(error.what()));
     } catch (const Json::exception&) {

@@ -14,66 +14,64 @@
 #include <stdbool.h>
 #include <stdint.h>
 
-#define KVASIM_API __attribute__((visibility("default")))
-
 #ifdef __cplusplus
 extern "C" {
 #endif
 
 /** Puts the bench of a file in place of the present one; changes are then saved in that file. The
     connection ends without an event, and calls are counted anew; log and handler stay. */
-KVASIM_API bool KvaSim_LoadFile(const char* path);
+bool KvaSim_LoadFile(const char* path);
 
 /** As `KvaSim_LoadFile`, with a bench that is kept in memory only. */
-KVASIM_API bool KvaSim_LoadJson(const char* json);
+bool KvaSim_LoadJson(const char* json);
 
 /** Forgets bench, connection and log; a registered handler stays. The next use reads the bench from
     the environment (`KVASIM_BENCH`) again. */
-KVASIM_API void KvaSim_Reset(void);
+void KvaSim_Reset(void);
 
 /** Attaches an instrument, which delivers a standby event, or detaches it; for the connected one
    the connection is then lost and a disconnect event is delivered. True and no event when it is so
     already. */
-KVASIM_API bool KvaSim_Plug(int32_t serialNumber);
-KVASIM_API bool KvaSim_Unplug(int32_t serialNumber);
+bool KvaSim_Plug(int32_t serialNumber);
+bool KvaSim_Unplug(int32_t serialNumber);
 
 /** Switches an instrument off and on: pending network settings come into use, calibration data that
     was only staged is lost. For the connected one the connection is lost, and a disconnect and then
     a standby event are delivered. It answers again at once, whatever its "startUpMs". */
-KVASIM_API bool KvaSim_PowerCycle(int32_t serialNumber);
+bool KvaSim_PowerCycle(int32_t serialNumber);
 
 /** Merges a JSON merge patch into an instrument, for instance {"powerOffMode": 7}; null gives a
     field its default. Bytes ({"hex"}, {"fill"}, {"seed"}) are replaced as a whole. Setting
     "plugged" has the effects of `KvaSim_Plug` and `KvaSim_Unplug`. */
-KVASIM_API bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch);
+bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch);
 
 /** Adds a rule to those of the bench, and removes them all. */
-KVASIM_API bool KvaSim_AddFault(const char* json);
-KVASIM_API void KvaSim_ClearFaults(void);
+bool KvaSim_AddFault(const char* json);
+void KvaSim_ClearFaults(void);
 
 /** Queues an event for the handler; nothing happens without one. */
-KVASIM_API void KvaSim_EmitEvent(uint32_t code, uint32_t rawDataCount, int32_t error);
+void KvaSim_EmitEvent(uint32_t code, uint32_t rawDataCount, int32_t error);
 
 /** Returns when all queued events have been delivered, but for the standby event of an instrument
     that is still starting; from within a handler, at once. */
-KVASIM_API void KvaSim_WaitForEvents(void);
+void KvaSim_WaitForEvents(void);
 
 /** The whole bench as JSON, security keys included. To be given back with `KvaSim_Free`. */
-KVASIM_API char* KvaSim_State(void);
+char* KvaSim_State(void);
 
 /** The log as a JSON array of {"seq", "function", "arguments", "result", "resultName",
     "durationUs"}: the last 100 000 calls, oldest first. To be given back with `KvaSim_Free`. */
-KVASIM_API char* KvaSim_CallLog(void);
+char* KvaSim_CallLog(void);
 
 /** Empties the log; its numbers go on. */
-KVASIM_API void KvaSim_ClearCallLog(void);
+void KvaSim_ClearCallLog(void);
 
 /** Why this thread's last call was refused, in one line; empty when it was not. Valid until this
     thread's next call of a function of this header. */
-KVASIM_API const char* KvaSim_LastError(void);
+const char* KvaSim_LastError(void);
 
 /** Gives back a text; null is allowed. */
-KVASIM_API void KvaSim_Free(char* text);
+void KvaSim_Free(char* text);
 
 #ifdef __cplusplus
 }

@@ -1,13 +1,15 @@
 /**
- * The one description of the library's records: for each field its name in the record, its bytes,
- * its place in the JSON of a bench file, and how it is written there. What is written and read
- * again has the same bytes.
+ * The one description of the library's functions, results and records: for each field its name in
+ * the record, its bytes, its place in the JSON of a bench file, and how it is written there. What
+ * is written and read again has the same bytes.
  */
 #ifndef SIMULATOR_RECORDS_H
 #define SIMULATOR_RECORDS_H
 
+#include "instrument/KvaSdk.h"
 #include "simulator/Json.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <optional>
@@ -16,6 +18,14 @@
 #include <vector>
 
 namespace kvasim {
+
+/** The names of the library's functions. */
+extern const std::array<std::string_view, 13> functionNames;
+
+/** The name of a result, the names of several warning bits joined by a slash; empty for a value
+    without a name. And the result of such a name, if there is one. */
+std::string resultName(KVA_RESULT result);
+std::optional<KVA_RESULT> resultFromName(std::string_view name);
 
 /** How the bytes of a field are written in JSON. */
 struct FieldType {

@@ -1,7 +1,6 @@
 #include "simulator/Simulator.h"
 
 #include "simulator/Records.h"
-#include "simulator/SdkNames.h"
 
 #include <algorithm>
 #include <cstring>

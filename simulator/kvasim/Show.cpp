@@ -33,13 +33,6 @@ std::string table(const std::vector<Row>& rows) {
     return text;
 }
 
-/** Control characters would reach the terminal. */
-std::string printable(std::string text) {
-    const auto isControl = [](unsigned char code) { return code < 0x20 || code == 0x7F; };
-    std::replace_if(text.begin(), text.end(), isControl, '?');
-    return text;
-}
-
 std::string cell(const Json& value) {
     if (value.is_null())
         return "-";
