@@ -46,6 +46,7 @@ private:
     void addRecover();
     void addVerify();
     void addJournal();
+    void addReport();
 
     CLI::App m_app;
     std::function<ExitStatus()> m_verb;
@@ -62,8 +63,12 @@ private:
     JournalOptions m_journal;
     JournalShowOptions m_journalShow;
     JournalSnapshotOptions m_journalSnapshot;
+    ReportOptions m_report;
 };
 
+const char runHelp[] = QT_TRANSLATE_NOOP("vq-tl4ctl", "number of a run");
+const char newFileHelp[] =
+    QT_TRANSLATE_NOOP("vq-tl4ctl", "the file; one that is there is not written over");
 const char jsonHelp[] = QT_TRANSLATE_NOOP("vq-tl4ctl", "one JSON object a line");
 const char serialHelp[] =
     QT_TRANSLATE_NOOP("vq-tl4ctl", "serial number, with leading zeros or without");
@@ -105,6 +110,7 @@ CommandLine::CommandLine()
     addRecover();
     addVerify();
     addJournal();
+    addReport();
 }
 
 CLI::App* CommandLine::addVerb(const char* name, const char* description,
@@ -278,7 +284,6 @@ void CommandLine::addVerify() {
 }
 
 void CommandLine::addJournal() {
-    const char* runHelp = QT_TRANSLATE_NOOP("vq-tl4ctl", "number of a run");
     CLI::App* verb = addVerb("journal", QT_TRANSLATE_NOOP("vq-tl4ctl", "list what was done"),
                              [this] { return journalList(m_journal); });
     addText(verb, "--serial", m_journal.serial, serialHelp);
@@ -298,9 +303,16 @@ void CommandLine::addJournal() {
     part->callback([this] { m_verb = [this] { return journalSnapshot(m_journalSnapshot); }; });
     addText(part, "RUN", m_journalSnapshot.run, runHelp, true);
     addText(part, "SERIAL", m_journalSnapshot.serial, serialHelp, true);
-    addText(part, "--to", m_journalSnapshot.file,
-            QT_TRANSLATE_NOOP("vq-tl4ctl", "the file; one that is there is not written over"),
-            true);
+    addText(part, "--to", m_journalSnapshot.file, newFileHelp, true);
+}
+
+void CommandLine::addReport() {
+    CLI::App* verb = addVerb(
+        "report",
+        QT_TRANSLATE_NOOP("vq-tl4ctl", "write a run as a page to look at, print and file away"),
+        [this] { return htmlReport(m_report); });
+    addText(verb, "RUN", m_report.run, runHelp, true);
+    addText(verb, "--to", m_report.file, newFileHelp, true);
 }
 
 int CommandLine::run(int argc, char** argv) {

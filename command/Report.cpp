@@ -17,7 +17,8 @@ void writeLine(std::FILE* stream, const QByteArray& line) {
     std::fflush(stream);
 }
 
-/** The sentence that stands for an outcome. */
+} // namespace
+
 Text outcomeSentence(Outcome outcome, const QString& serial) {
     switch (outcome) {
     case Outcome::Unchanged:
@@ -49,8 +50,6 @@ Text outcomeSentence(Outcome outcome, const QString& serial) {
     }
     return {};
 }
-
-} // namespace
 
 void sayToUser(const QString& line) {
     writeLine(stderr, line.toLocal8Bit());

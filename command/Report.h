@@ -26,6 +26,8 @@ Text implausibleText(const CalibrationAccessory& accessory, const Implausible& v
 
 QJsonObject toJson(const FieldChange& change);
 QJsonObject toJson(const Verdict& verdict);
+/** What an outcome means, as a sentence. @param serial  of the instrument */
+Text outcomeSentence(Outcome outcome, const QString& serial);
 /** The verdict as people read it, on standard error. */
 void sayVerdict(const Verdict& verdict);
 

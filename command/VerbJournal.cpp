@@ -1,23 +1,11 @@
 #include "command/DataFolder.h"
-#include "command/DurableFile.h"
 #include "command/JournalText.h"
 #include "command/Report.h"
 #include "command/VerbSupport.h"
 
-#include <QFileInfo>
-
 #include <algorithm>
 
 namespace {
-
-/** The journal, and where it cannot be used, or is not there, why. */
-std::unique_ptr<JournalReader> openJournal(Text& problem) {
-    auto reader = JournalReader::open(DataFolder::journal(), problem);
-    if (!reader && problem.isEmpty())
-        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "There is no journal yet: %1"),
-                       {DataFolder::journal()});
-    return reader;
-}
 
 ExitStatus refuse(const Text& problem) {
     sayToUser(problem);
@@ -31,17 +19,6 @@ std::optional<QDateTime> parseTime(const QString& text) {
                                ? day.startOfDay()
                                : QDateTime::fromString(text, Qt::ISODate);
     return time.isValid() ? std::optional<QDateTime>(time) : std::nullopt;
-}
-
-Text findRun(const QString& text, std::optional<JournalRun>& run) {
-    Text problem;
-    const auto reader = openJournal(problem);
-    if (!reader)
-        return problem;
-    problem = reader->run(text.toLongLong(), run);
-    if (problem.isEmpty() && !run)
-        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The journal has no run %1."), {text});
-    return problem;
 }
 
 } // namespace
@@ -113,11 +90,6 @@ ExitStatus journalSnapshot(const JournalSnapshotOptions& options) {
         sayToUser(faults);
         return RefusedStatus;
     }
-    bool isTaken = false;
-    problem =
-        DurableFile::create(QFileInfo(options.file).absoluteFilePath(), part->before, isTaken);
-    if (isTaken)
-        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is there already, and stays as it is."),
-                       {options.file});
+    problem = createFile(options.file, part->before);
     return problem.isEmpty() ? Done : refuse(problem);
 }

@@ -1,8 +1,12 @@
 #include "command/VerbSupport.h"
 
 #include "command/Console.h"
+#include "command/DataFolder.h"
+#include "command/DurableFile.h"
 #include "command/Report.h"
 #include "command/Run.h"
+
+#include <QFileInfo>
 
 #include <algorithm>
 
@@ -60,4 +64,32 @@ void report(const Verdict& verdict, bool asJson) {
     sayVerdict(verdict);
     if (asJson)
         print(toJson(verdict));
+}
+
+std::unique_ptr<JournalReader> openJournal(Text& problem) {
+    auto reader = JournalReader::open(DataFolder::journal(), problem);
+    if (!reader && problem.isEmpty())
+        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "There is no journal yet: %1"),
+                       {DataFolder::journal()});
+    return reader;
+}
+
+Text findRun(const QString& number, std::optional<JournalRun>& run) {
+    Text problem;
+    const auto reader = openJournal(problem);
+    if (!reader)
+        return problem;
+    problem = reader->run(number.toLongLong(), run);
+    if (problem.isEmpty() && !run)
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The journal has no run %1."), {number});
+    return problem;
+}
+
+Text createFile(const QString& path, const QByteArray& content) {
+    bool isTaken = false;
+    Text problem = DurableFile::create(QFileInfo(path).absoluteFilePath(), content, isTaken);
+    if (isTaken)
+        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is there already, and stays as it is."),
+                       {path});
+    return problem;
 }

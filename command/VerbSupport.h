@@ -10,6 +10,7 @@
 
 #include <QString>
 
+#include <memory>
 #include <optional>
 
 /** What several verbs need. */
@@ -35,5 +36,15 @@ ExitStatus carryOut(Order& order, const WriteOptions& options,
                     const std::vector<JournalInput>& inputs);
 
 void report(const Verdict& verdict, bool asJson);
+
+/** Opens the journal that the command line names, or the usual one. @return nothing, and why in
+    @p problem, where it cannot be used or is not there */
+std::unique_ptr<JournalReader> openJournal(Text& problem);
+/** The run of that number. Empty when it is found; otherwise why it is not. */
+Text findRun(const QString& number, std::optional<JournalRun>& run);
+
+/** Writes a file that the user named, whole or not at all. Empty when it is written; otherwise why
+    not, which may be that it is there already. */
+Text createFile(const QString& path, const QByteArray& content);
 
 #endif

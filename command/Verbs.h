@@ -82,6 +82,12 @@ struct JournalSnapshotOptions {
 };
 ExitStatus journalSnapshot(const JournalSnapshotOptions& options);
 
+struct ReportOptions {
+    QString run;
+    QString file;
+};
+ExitStatus htmlReport(const ReportOptions& options);
+
 struct ApplyOptions : WriteOptions {
     QString network; ///< paths; empty where nothing is to be written
     QString whitePlate;

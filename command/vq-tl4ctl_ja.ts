@@ -779,5 +779,334 @@
         <source>%1 was written to and is not attached: it is not looked at.</source>
         <translation>%1 には書き込みましたが、接続されていないため調べません。</translation>
     </message>
+    <message>
+        <source>Value</source>
+        <translation>値</translation>
+    </message>
+    <message>
+        <source>Difference: &quot;%1&quot; less &quot;%2&quot;</source>
+        <translation>差(「%1」−「%2」)</translation>
+    </message>
+    <message>
+        <source>Implausible</source>
+        <translation>誤りと思われる値</translation>
+    </message>
+    <message>
+        <source>Index of the value</source>
+        <translation>値の番号(0から)</translation>
+    </message>
+    <message>
+        <source>write a run as a page to look at, print and file away</source>
+        <translation>実行の報告書を、表示・印刷・保管できるページ(HTML)として保存する</translation>
+    </message>
+    <message>
+        <source>White calibration plate</source>
+        <translation>白色校正板</translation>
+    </message>
+    <message>
+        <source>Ambient light adapter</source>
+        <translation>環境光アダプター</translation>
+    </message>
+    <message>
+        <source>%1: no numbers.</source>
+        <translation>%1: 数値はありません。</translation>
+    </message>
+    <message>
+        <source>%1: from %2 to %3.</source>
+        <translation>%1: %2~%3。</translation>
+    </message>
+    <message>
+        <source>Before</source>
+        <translation>変更前</translation>
+    </message>
+    <message>
+        <source>Values that are no numbers are in the table, with their bits, and not in the plot.</source>
+        <translation>数値でない値は、ビット列として表に示し、グラフには示しません。</translation>
+    </message>
+    <message>
+        <source>%1: values over their index</source>
+        <translation>%1: 番号順の値</translation>
+    </message>
+    <message>
+        <source>Values that look wrong:</source>
+        <translation>誤りと思われる値:</translation>
+    </message>
+    <message>
+        <source>Values %1 to %2</source>
+        <translation>値 %1~%2</translation>
+    </message>
+    <message>
+        <source>Index</source>
+        <translation>番号</translation>
+    </message>
+    <message>
+        <source>Difference</source>
+        <translation>差</translation>
+    </message>
+    <message>
+        <source>Wireless LAN</source>
+        <translation>無線LAN</translation>
+    </message>
+    <message>
+        <source>IP address</source>
+        <translation>IPアドレス</translation>
+    </message>
+    <message>
+        <source>Subnet mask</source>
+        <translation>サブネットマスク</translation>
+    </message>
+    <message>
+        <source>Default gateway</source>
+        <translation>デフォルトゲートウェイ</translation>
+    </message>
+    <message>
+        <source>Security key</source>
+        <translation>セキュリティキー</translation>
+    </message>
+    <message>
+        <source>Automatic power-off, minutes</source>
+        <translation>オートパワーオフ(分)</translation>
+    </message>
+    <message>
+        <source>Serial number of the white calibration plate</source>
+        <translation>白色校正板のシリアル番号</translation>
+    </message>
+    <message>
+        <source>Serial number of the ambient light adapter</source>
+        <translation>環境光アダプターのシリアル番号</translation>
+    </message>
+    <message>
+        <source>Instrument %1: %2</source>
+        <translation>測定器 %1: %2</translation>
+    </message>
+    <message>
+        <source>After</source>
+        <translation>変更後</translation>
+    </message>
+    <message>
+        <source>Wanted</source>
+        <translation>変更内容</translation>
+    </message>
+    <message>
+        <source>The run ended before a verdict.</source>
+        <translation>結果が判定される前に、実行が終了しました。</translation>
+    </message>
+    <message>
+        <source>What the write came to is not known yet: run vq-tl4ctl recover.</source>
+        <translation>書き込みの結果はまだ不明です。vq-tl4ctl recoverを実行してください。</translation>
+    </message>
+    <message>
+        <source>A later run settled what the instrument holds.</source>
+        <translation>測定器が保持する内容は、その後の実行で確定しました。</translation>
+    </message>
+    <message>
+        <source>This run ended an earlier one&apos;s unfinished write.</source>
+        <translation>この実行は、以前の実行が残した未完了の書き込みを完了させました。</translation>
+    </message>
+    <message>
+        <source>Identity and course</source>
+        <translation>測定器と経過</translation>
+    </message>
+    <message>
+        <source>Serial number</source>
+        <translation>シリアル番号</translation>
+    </message>
+    <message>
+        <source>Firmware</source>
+        <translation>ファームウェア</translation>
+    </message>
+    <message>
+        <source>MAC address</source>
+        <translation>MACアドレス</translation>
+    </message>
+    <message>
+        <source>Wireless module</source>
+        <translation>無線LANモジュール</translation>
+    </message>
+    <message>
+        <source>fitted and enabled</source>
+        <translation>あり(有効)</translation>
+    </message>
+    <message>
+        <source>none, or disabled</source>
+        <translation>なし、または無効</translation>
+    </message>
+    <message>
+        <source>Began</source>
+        <translation>開始</translation>
+    </message>
+    <message>
+        <source>Ended</source>
+        <translation>終了</translation>
+    </message>
+    <message>
+        <source>Calls of the library</source>
+        <translation>ライブラリーの呼び出し</translation>
+    </message>
+    <message>
+        <source>%1, of which %2 write</source>
+        <translation>%1 回(うち書き込み %2 回)</translation>
+    </message>
+    <message>
+        <source>Warnings of the library</source>
+        <translation>ライブラリーの警告</translation>
+    </message>
+    <message>
+        <source>Snapshot of the state before</source>
+        <translation>変更前の状態のスナップショット</translation>
+    </message>
+    <message>
+        <source>The journal has no snapshot of this instrument: nothing was written to it.</source>
+        <translation>履歴にこの測定器のスナップショットはありません。この測定器には書き込んでいません。</translation>
+    </message>
+    <message>
+        <source>Changes</source>
+        <translation>変更点</translation>
+    </message>
+    <message>
+        <source>None.</source>
+        <translation>なし。</translation>
+    </message>
+    <message>
+        <source>Before and after</source>
+        <translation>変更前と変更後</translation>
+    </message>
+    <message>
+        <source>Before and wanted</source>
+        <translation>変更前と変更内容</translation>
+    </message>
+    <message>
+        <source>Field</source>
+        <translation>項目</translation>
+    </message>
+    <message>
+        <source>Calibration values alone, below.</source>
+        <translation>校正値だけです(下記)。</translation>
+    </message>
+    <message>
+        <source>Input</source>
+        <translation>入力ファイル</translation>
+    </message>
+    <message>
+        <source>Looked at again</source>
+        <translation>その後の確認</translation>
+    </message>
+    <message>
+        <source>What vq-tl4ctl verify found later</source>
+        <translation>vq-tl4ctl verifyによる、その後の確認結果</translation>
+    </message>
+    <message>
+        <source>Time</source>
+        <translation>日時</translation>
+    </message>
+    <message>
+        <source>Outcome</source>
+        <translation>結果</translation>
+    </message>
+    <message>
+        <source>(none)</source>
+        <translation>(なし)</translation>
+    </message>
+    <message>
+        <source>Input files of the run</source>
+        <translation>実行の入力ファイル</translation>
+    </message>
+    <message>
+        <source>Input files for this instrument</source>
+        <translation>この測定器の入力ファイル</translation>
+    </message>
+    <message>
+        <source>Kind</source>
+        <translation>種類</translation>
+    </message>
+    <message>
+        <source>File</source>
+        <translation>ファイル</translation>
+    </message>
+    <message>
+        <source>Run</source>
+        <translation>実行</translation>
+    </message>
+    <message>
+        <source>Outcomes</source>
+        <translation>結果</translation>
+    </message>
+    <message>
+        <source>Command</source>
+        <translation>コマンド</translation>
+    </message>
+    <message>
+        <source>Exit status</source>
+        <translation>終了ステータス</translation>
+    </message>
+    <message>
+        <source>User</source>
+        <translation>ユーザー</translation>
+    </message>
+    <message>
+        <source>Host</source>
+        <translation>ホスト</translation>
+    </message>
+    <message>
+        <source>Version of vq-tl4ctl</source>
+        <translation>vq-tl4ctlのバージョン</translation>
+    </message>
+    <message>
+        <source>Library</source>
+        <translation>ライブラリー</translation>
+    </message>
+    <message>
+        <source>SHA-256 of the library</source>
+        <translation>ライブラリーのSHA-256</translation>
+    </message>
+    <message>
+        <source>Journal</source>
+        <translation>履歴ファイル</translation>
+    </message>
+    <message>
+        <source>Report made</source>
+        <translation>報告書の作成</translation>
+    </message>
+    <message>
+        <source>Instruments</source>
+        <translation>測定器</translation>
+    </message>
+    <message>
+        <source>Changed fields</source>
+        <translation>変更した項目数</translation>
+    </message>
+    <message>
+        <source>Last verification</source>
+        <translation>最後の確認</translation>
+    </message>
+    <message>
+        <source>Recap</source>
+        <translation>概要</translation>
+    </message>
+    <message>
+        <source>VQ-TL4: report of run %1</source>
+        <translation>VQ-TL4 報告書(実行 %1)</translation>
+    </message>
+    <message>
+        <source>en</source>
+        <extracomment>The code of the language that this is translated to.</extracomment>
+        <translation>ja</translation>
+    </message>
+    <message>
+        <source>Network settings</source>
+        <translation>ネットワークの設定</translation>
+    </message>
+    <message>
+        <source>Snapshot</source>
+        <translation>スナップショット</translation>
+    </message>
+    <message>
+        <source>Plan</source>
+        <translation>計画表</translation>
+    </message>
+    <message>
+        <source>%1, instrument %2</source>
+        <translation>%1(測定器 %2)</translation>
+    </message>
 </context>
 </TS>
