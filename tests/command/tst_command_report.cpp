@@ -1,6 +1,7 @@
 // The report of vq-tl4ctl: that the page is one that every browser takes, shows what was done and
 // nothing else, and draws the values as they are.
 #include "CommandRun.h"
+#include "PageReader.h"
 #include "command/CalibrationPlot.h"
 #include "command/HtmlReport.h"
 #include "command/Snapshot.h"
@@ -9,7 +10,8 @@
 
 #include <QDir>
 #include <QFileInfo>
-#include <QXmlStreamReader>
+#include <QSqlError>
+#include <QSqlQuery>
 
 #include <cfloat>
 #include <cmath>
@@ -18,127 +20,6 @@ namespace {
 
 const QString ssid = "<script>alert('1')</script>";
 const QString plateFile = "a&\"<b>'.csv";
-
-/** An element of a page, with the text that is in it, but for that of its children. */
-struct Element {
-    QString name;
-    QMap<QString, QString> attributes;
-    QString text;
-    QVector<int> within; ///< the elements around it, from the outermost
-
-    QString operator[](const QString& attribute) const { return attributes.value(attribute); }
-};
-using Elements = QVector<Element>;
-
-/** The elements of a page, in their order; none where it is no XML. */
-Elements elementsOf(const QByteArray& page) {
-    QXmlStreamReader reader(page);
-    Elements elements;
-    QVector<int> open;
-    while (!reader.atEnd()) {
-        reader.readNext();
-        if (reader.isStartElement()) {
-            Element element = {reader.name().toString(), {}, {}, open};
-            for (const QXmlStreamAttribute& attribute : reader.attributes())
-                element.attributes[attribute.name().toString()] = attribute.value().toString();
-            open.append(elements.size());
-            elements.append(element);
-        } else if (reader.isEndElement()) {
-            open.removeLast();
-        } else if (reader.isCharacters() && !open.isEmpty()) {
-            elements[open.last()].text += reader.text().toString();
-        }
-    }
-    return reader.hasError() ? Elements() : elements;
-}
-
-Elements named(const Elements& elements, const QString& name) {
-    Elements result;
-    for (const Element& element : elements) {
-        if (element.name == name)
-            result.append(element);
-    }
-    return result;
-}
-
-QStringList texts(const Elements& elements) {
-    QStringList result;
-    for (const Element& element : elements)
-        result.append(element.text.trimmed());
-    return result;
-}
-
-bool isWithin(const Elements& all, const Element& element, const QString& name,
-              const QString& style = {}) {
-    return std::any_of(element.within.begin(), element.within.end(), [&](int i) {
-        return all[i].name == name && (style.isEmpty() || all[i]["class"] == style);
-    });
-}
-
-using Points = QVector<QPointF>;
-
-Points pointsOf(const QString& text) {
-    Points points;
-    for (const QString& point : text.split(' ', Qt::SkipEmptyParts))
-        points.append({point.section(',', 0, 0).toDouble(), point.section(',', 1).toDouble()});
-    return points;
-}
-
-/** What is in one plot, back in the numbers that it shows. */
-class PlotReader {
-public:
-    PlotReader(const Elements& page, int index) {
-        int count = -1;
-        for (const Element& element : page) {
-            if (element.name == "svg")
-                ++count;
-            if (count == index && isWithin(page, element, "svg"))
-                add(page, element);
-        }
-    }
-
-    QVector<double> before;
-    QVector<double> after;
-    QVector<double> differences;
-    QStringList marked; ///< indices, as they are written
-    double resolution = 0;
-    double differenceResolution = 0;
-
-private:
-    struct Scale {
-        QVector<QPair<double, double>> ticks; ///< number, place
-        double at(double place) const {
-            const auto [low, lowPlace] = ticks.first();
-            const auto [high, highPlace] = ticks.last();
-            return low + (place - lowPlace) / (highPlace - lowPlace) * (high - low);
-        }
-        /** Places have two decimals. */
-        double resolution() const {
-            return std::fabs(at(ticks.first().second + 0.011) - at(ticks.first().second));
-        }
-    };
-
-    void add(const Elements& page, const Element& element) {
-        const auto in = [&](const char* style) { return isWithin(page, element, "g", style); };
-        if (element["class"] == "tick")
-            m_scales[in("values") ? 0 : 1].ticks.append(
-                {element.text.toDouble(), element["y"].toDouble() - 4});
-        if (element.name == "polyline" && !in("legend")) {
-            resolution = m_scales[0].resolution();
-            for (const QPointF& point : pointsOf(element["points"]))
-                (in("before") ? before : after).append(m_scales[0].at(point.y()));
-        }
-        if (element.name == "text" && element["class"] == "index" && !in("indices"))
-            marked.append(element.text);
-        if (element["class"] == "stem") {
-            differenceResolution = m_scales[1].resolution();
-            for (const QString& stem : element["d"].split('M', Qt::SkipEmptyParts))
-                differences.append(m_scales[1].at(stem.section('V', 1).toDouble()));
-        }
-    }
-
-    Scale m_scales[2];
-};
 
 QVector<double> valuesOf(const QJsonObject& instrument, const char* accessory) {
     QVector<double> values;
@@ -162,6 +43,27 @@ QVector<double> lessOf(const QVector<double>& left, const QVector<double>& right
     for (int i = 0; i < left.size(); ++i)
         result.append(left[i] - right[i]);
     return result;
+}
+
+/** Changes the snapshots in a journal behind the back of the program and of the journal's guards.
+ */
+void editSnapshots(const QString& journal) {
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "edit");
+        database.setDatabaseName(journal);
+        QVERIFY(database.open());
+        QSqlQuery query(database);
+        QVERIFY(query.exec("SELECT sql FROM sqlite_master WHERE name = 'snapshot_update'"));
+        QVERIFY(query.next());
+        const QString guard = query.value(0).toString();
+        query.finish();
+        for (const QString& statement :
+             {QString("DROP TRIGGER snapshot_update"),
+              QString("UPDATE snapshot SET content = replace(content, 'first-room', 'third-room')"),
+              guard})
+            QVERIFY2(query.exec(statement), qPrintable(query.lastError().text()));
+    }
+    QSqlDatabase::removeDatabase("edit");
 }
 
 constexpr int wrongIndex = 40;
@@ -556,6 +458,14 @@ void TestCommandReport::refusesADamagedSnapshot() {
         QVERIFY(!HtmlReport::make(run, "journal", faults));
         QCOMPARE(faults.size(), std::size_t(1));
     }
+    const CommandRun run;
+    QVERIFY(QDir().mkpath(run.dataFolder()));
+    QVERIFY(QFile::copy(m_done.journal(), run.journal()));
+    editSnapshots(run.journal());
+    const CommandResult got = run.run({"report", "1", "--to", run.path("new.html")});
+    QVERIFY2(got.exitStatus == 3, got.text());
+    QVERIFY2(got.standardError.contains("The snapshot is damaged or was edited"), got.text());
+    QVERIFY(!QFileInfo::exists(run.path("new.html")));
 }
 
 void TestCommandReport::drawsAnyNumbers_data() {
