@@ -41,6 +41,7 @@ private:
     static void addWriteOptions(CLI::App* verb, WriteOptions& options);
     void addReadingVerbs();
     void addFileVerbs();
+    void addPlan();
     void addApply();
     void addRestore();
     void addRecover();
@@ -55,6 +56,7 @@ private:
     ShowOptions m_show;
     BackupOptions m_backup;
     CheckOptions m_check;
+    PlanCheckOptions m_planCheck;
     DiffOptions m_diff;
     ApplyOptions m_apply;
     RestoreOptions m_restore;
@@ -70,6 +72,8 @@ const char runHelp[] = QT_TRANSLATE_NOOP("vq-tl4ctl", "number of a run");
 const char newFileHelp[] =
     QT_TRANSLATE_NOOP("vq-tl4ctl", "the file; one that is there is not written over");
 const char jsonHelp[] = QT_TRANSLATE_NOOP("vq-tl4ctl", "one JSON object a line");
+const char planHelp[] =
+    QT_TRANSLATE_NOOP("vq-tl4ctl", "the plan: a spreadsheet (.csv), a row for each instrument");
 const char serialHelp[] =
     QT_TRANSLATE_NOOP("vq-tl4ctl", "serial number, with leading zeros or without");
 
@@ -105,6 +109,7 @@ CommandLine::CommandLine()
         translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "the journal, in place of the usual one")));
     addReadingVerbs();
     addFileVerbs();
+    addPlan();
     addApply();
     addRestore();
     addRecover();
@@ -191,6 +196,21 @@ void CommandLine::addFileVerbs() {
     addText(verb, "A", m_diff.left, QT_TRANSLATE_NOOP("vq-tl4ctl", "the one"), true);
     addText(verb, "B", m_diff.right, QT_TRANSLATE_NOOP("vq-tl4ctl", "the other"), true);
     verb->add_flag("--json", m_diff.asJson, translated(jsonHelp));
+}
+
+void CommandLine::addPlan() {
+    CLI::App* verb = m_app.add_subcommand(
+        "plan",
+        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "check a spreadsheet for many instruments")));
+    verb->require_subcommand(1);
+
+    CLI::App* part = verb->add_subcommand(
+        "check", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "find every mistake in a plan")));
+    part->callback([this] { m_verb = [this] { return planCheck(m_planCheck); }; });
+    addText(part, "PLAN", m_planCheck.file, planHelp, true);
+    part->add_flag("--offline", m_planCheck.isOffline,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "without looking whether the "
+                                                             "instruments are attached")));
 }
 
 void CommandLine::addWriteOptions(CLI::App* verb, WriteOptions& options) {

@@ -10,11 +10,13 @@
 /** What is wrong with an input file, and where. */
 struct Fault {
     QString file;
-    int line = 0;   ///< from 1; 0 for the file as a whole
+    int line = 0;   ///< from 1; 0 for the file as a whole; the row of a spreadsheet
     int column = 0; ///< from 1, in bytes; 0 for the line or the file as a whole
     Text text;
+    QString cell = {}; ///< a spreadsheet's column, "F (ip)"; empty for other files
 
-    /** "FILE:LINE:COLUMN: text" in the user's language, without the places that are 0. */
+    /** "FILE:LINE:COLUMN: text" in the user's language, without the places that are 0; of a
+        spreadsheet "FILE, row LINE, column F (ip): text". */
     QString toString() const;
 };
 

@@ -29,6 +29,17 @@ QByteArray shortestDecimal(float value) {
     return {};
 }
 
+/** The octet that is the whole text, one to three digits; -1 for any other text. */
+int octet(std::string_view text) {
+    constexpr std::string_view digits = "0123456789";
+    if (text.empty() || text.size() > 3 || text.find_first_not_of(digits) != std::string_view::npos)
+        return -1;
+    int number = 0;
+    for (const char digit : text)
+        number = number * 10 + (digit - '0');
+    return number <= 255 ? number : -1;
+}
+
 QString bitPattern(float value) {
     std::uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
@@ -76,6 +87,19 @@ QString FieldTexts::address(const std::uint8_t (&octets)[4]) {
         .arg(octets[1])
         .arg(octets[2])
         .arg(octets[3]);
+}
+
+const char* FieldTexts::parseAddress(std::string_view text, std::uint8_t* octets) {
+    for (int i = 0; i < 4; ++i) {
+        // The fourth is all that is left: a fifth makes it no number.
+        const std::size_t length = i < 3 ? std::min(text.find('.'), text.size()) : text.size();
+        const int number = octet(text.substr(0, length));
+        if (number < 0)
+            return text.data();
+        octets[i] = static_cast<std::uint8_t>(number);
+        text.remove_prefix(std::min(length + 1, text.size()));
+    }
+    return nullptr;
 }
 
 QString FieldTexts::text(const char* field, std::size_t size) {

@@ -9,6 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 /** How the fields of an instrument are written, in snapshots, differences and on the terminal. */
 namespace FieldTexts {
@@ -30,6 +31,9 @@ const QStringList& powerOffWords();
 /** "off", "on"; the number where it is neither. */
 QString onOff(std::uint32_t flag);
 QString address(const std::uint8_t (&octets)[4]);
+/** Reads four numbers from 0 to 255, of one to three digits. @param octets  four
+    @return null, or what is no such number: a place in @p text or its end */
+const char* parseAddress(std::string_view text, std::uint8_t* octets);
 /** The field up to its NUL; its bytes, as "0x…", where they are no UTF-8 or could not be printed.
  */
 QString text(const char* field, std::size_t size);

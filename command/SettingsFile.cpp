@@ -1,5 +1,6 @@
 #include "command/SettingsFile.h"
 
+#include "command/FieldTexts.h"
 #include "command/FileCheck.h"
 #include "files/CFileIO.h"
 #include "files/IniLine.h"
@@ -40,34 +41,15 @@ void storeFlag(FileCheck& check, const char* key, std::string_view value, KVA_NE
                        {QLatin1String(key), FileCheck::quoted(value)}));
 }
 
-/** The octet that is the whole text, one to three digits; -1 for any other text. */
-int octet(std::string_view text) {
-    if (text.empty() || text.size() > 3 || text.find_first_not_of(digits) != std::string_view::npos)
-        return -1;
-    int number = 0;
-    for (const char digit : text)
-        number = number * 10 + (digit - '0');
-    return number <= 255 ? number : -1;
-}
-
 template <std::uint8_t (KVA_NETWORKINFO::*Field)[4]>
 void storeAddress(FileCheck& check, const char* key, std::string_view value,
                   KVA_NETWORKINFO& info) {
-    std::string_view rest = value;
-    for (int i = 0; i < 4; ++i) {
-        // The fourth is all that is left: a fifth makes it no number.
-        const std::size_t length = i < 3 ? std::min(rest.find('.'), rest.size()) : rest.size();
-        const int number = octet(rest.substr(0, length));
-        if (number < 0) {
-            check.add(rest.data(),
-                      Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has to be four numbers from 0 to "
-                                                          "255, such as 192.168.0.10, not \"%2\""),
-                           {QLatin1String(key), FileCheck::quoted(value)}));
-            return;
-        }
-        (info.*Field)[i] = static_cast<std::uint8_t>(number);
-        rest.remove_prefix(std::min(length + 1, rest.size()));
-    }
+    const char* wrong = FieldTexts::parseAddress(value, info.*Field);
+    if (wrong != nullptr)
+        check.add(wrong,
+                  Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has to be four numbers from 0 to "
+                                                      "255, such as 192.168.0.10, not \"%2\""),
+                       {QLatin1String(key), FileCheck::quoted(value)}));
 }
 
 template <std::size_t Size, char (KVA_NETWORKINFO::*Field)[Size]>

@@ -19,16 +19,12 @@ bool chooseInstruments(const BackupOptions& options, std::vector<std::int32_t>& 
     }
     if (!options.all)
         return true;
-    CallWatch watch;
-    InstrumentAccess access(watch);
-    std::vector<KVA_PORTINFO> ports;
-    const CallResult result = access.list(ports);
-    for (const KVA_PORTINFO& port : ports)
-        serials.push_back(port.serialNumber);
-    if (!result.failed() && !ports.empty())
+    Text problem = attachedInstruments(serials);
+    if (problem.isEmpty() && serials.empty())
+        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "No instrument is attached."));
+    if (problem.isEmpty())
         return true;
-    sayToUser(result.failed() ? callFailure(result)
-                              : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "No instrument is attached.")));
+    sayToUser(problem);
     status = RefusedStatus;
     return false;
 }

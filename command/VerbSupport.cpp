@@ -40,6 +40,16 @@ Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState
     return problem.isEmpty() ? readTwice(access, serialNumber, state) : problem;
 }
 
+Text attachedInstruments(std::vector<std::int32_t>& serials) {
+    CallWatch watch;
+    InstrumentAccess access(watch);
+    std::vector<KVA_PORTINFO> ports;
+    const CallResult result = access.list(ports);
+    for (const KVA_PORTINFO& port : ports)
+        serials.push_back(port.serialNumber);
+    return result.failed() ? callFailure(result) : Text();
+}
+
 bool canBeConfirmed(const WriteOptions& options) {
     if (options.isSure || options.isDryRun || Console::hasTerminal())
         return true;

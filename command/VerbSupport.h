@@ -27,6 +27,9 @@ FileKind kindOf(const InputFile& file);
 /** Connects, reads everything twice, disconnects. Empty, or why it could not be read. */
 Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state);
 
+/** The serial numbers that the port list has. Empty, or why it could not be asked for. */
+Text attachedInstruments(std::vector<std::int32_t>& serials);
+
 /** Refuses a question that nobody could answer, before anything is done. */
 bool canBeConfirmed(const WriteOptions& options);
 

@@ -128,18 +128,11 @@ void report(const Finding& finding, bool asJson) {
 
 /** The attached instruments; those that the journal knows and that are not attached are named. */
 Text addAttached(JournalReader& reader, std::vector<std::int32_t>& serials) {
-    std::vector<KVA_PORTINFO> ports;
-    {
-        CallWatch watch;
-        InstrumentAccess access(watch);
-        const CallResult result = access.list(ports);
-        if (result.failed())
-            return callFailure(result);
-    }
-    for (const KVA_PORTINFO& port : ports)
-        serials.push_back(port.serialNumber);
+    Text problem = attachedInstruments(serials);
+    if (!problem.isEmpty())
+        return problem;
     std::vector<std::int32_t> written;
-    Text problem = reader.written(written);
+    problem = reader.written(written);
     for (const std::int32_t serial : written) {
         if (std::find(serials.begin(), serials.end(), serial) == serials.end())
             sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl",

@@ -35,6 +35,12 @@ struct CheckOptions {
 };
 ExitStatus check(const CheckOptions& options);
 
+struct PlanCheckOptions {
+    QString file;
+    bool isOffline = false; ///< no instrument is looked for
+};
+ExitStatus planCheck(const PlanCheckOptions& options);
+
 struct DiffOptions {
     QString left; ///< a serial number, a snapshot or a settings file
     QString right;

@@ -60,6 +60,142 @@
         <translation>測定器を使わずにファイルを検査する</translation>
     </message>
     <message>
+        <source>%1, row %2, column %3: %4</source>
+        <translation>%1 の%2行目、%3列: %4</translation>
+    </message>
+    <message>
+        <source>%1 is no network mask such as 255.255.255.0.</source>
+        <translation>%1 は255.255.255.0のようなサブネットマスクではありません。</translation>
+    </message>
+    <message>
+        <source>%1 is no address that an instrument can have.</source>
+        <translation>%1 は測定器に割り当てられないアドレスです。</translation>
+    </message>
+    <message>
+        <source>%1 is the address of the gateway as well.</source>
+        <translation>%1 はゲートウェイのアドレスでもあります。</translation>
+    </message>
+    <message>
+        <source>%1 is outside the network that mask %2 and gateway %3 make.</source>
+        <translation>%1 は、マスク %2 とゲートウェイ %3 によるネットワークの範囲外です。</translation>
+    </message>
+    <message>
+        <source>There is a quote within a cell: the whole cell has to be in quotes, and the quote in it doubled</source>
+        <translation>セルの途中に引用符があります。セル全体を引用符で囲み、中の引用符は2つ重ねてください</translation>
+    </message>
+    <message>
+        <source>A cell in quotes is not closed</source>
+        <translation>引用符で囲んだセルが閉じていません</translation>
+    </message>
+    <message>
+        <source>The last line has no line end: the file may have been cut off here</source>
+        <translation>最後の行に改行がありません。ファイルがここで途切れた可能性があります</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; may have lost digits: give the column of the serial numbers the format &quot;text&quot;, and type them anew</source>
+        <translation>「%1」は桁が失われた可能性があります。シリアル番号の列の書式を「文字列」にして入力し直してください</translation>
+    </message>
+    <message>
+        <source>It has to be &quot;on&quot; or &quot;off&quot;, not &quot;%1&quot;</source>
+        <translation>onまたはoffで指定してください(「%1」は不可)</translation>
+    </message>
+    <message>
+        <source>It has to be four numbers from 0 to 255, such as 192.168.0.10, not &quot;%1&quot;</source>
+        <translation>192.168.0.10のように0〜255の数値4つで指定してください(「%1」は不可)</translation>
+    </message>
+    <message>
+        <source>The text has a line end, a tab or another control character</source>
+        <translation>文字列に改行、タブなどの制御文字があります</translation>
+    </message>
+    <message>
+        <source>The text looks like a number that a spreadsheet has shortened, such as 1.23E+15: give the column the format &quot;text&quot;, and type it anew</source>
+        <translation>1.23E+15のように、表計算ソフトが短縮した数値に見えます。列の書式を「文字列」にして入力し直してください</translation>
+    </message>
+    <message>
+        <source>The text has %1 bytes, at most %2 are allowed</source>
+        <translation>文字列が%1バイトあります(最大%2バイト)</translation>
+    </message>
+    <message>
+        <source>The text begins or ends with a blank, which belongs to it</source>
+        <translation>文字列の先頭または末尾に空白があります。空白も文字列の一部です</translation>
+    </message>
+    <message>
+        <source>It has to be off, 15, 30 or 60, not &quot;%1&quot;</source>
+        <translation>off、15、30、60のいずれかで指定してください(「%1」は不可)</translation>
+    </message>
+    <message>
+        <source>The file &quot;%1&quot; cannot be used:</source>
+        <translation>ファイル「%1」は使用できません:</translation>
+    </message>
+    <message>
+        <source>There is a column &quot;%1&quot; already</source>
+        <translation>列「%1」が重複しています</translation>
+    </message>
+    <message>
+        <source>A plan has no column &quot;%1&quot;. A column of your own begins with &quot;#&quot;.</source>
+        <translation>計画に列「%1」はありません。独自の列の名前は「#」で始めてください。</translation>
+    </message>
+    <message>
+        <source>The header has no column &quot;serial&quot;</source>
+        <translation>見出しの行に列「serial」がありません</translation>
+    </message>
+    <message>
+        <source>The text is not UTF-8: save the plan as &quot;CSV UTF-8&quot;</source>
+        <translation>文字コードがUTF-8ではありません。計画を「CSV UTF-8」で保存してください</translation>
+    </message>
+    <message>
+        <source>&quot;%1&quot; stands in a column without a name</source>
+        <translation>名前のない列に「%1」があります</translation>
+    </message>
+    <message>
+        <source>The row has no serial number</source>
+        <translation>行にシリアル番号がありません</translation>
+    </message>
+    <message>
+        <source>Instrument %1 has no row</source>
+        <translation>測定器 %1 の行がありません</translation>
+    </message>
+    <message>
+        <source>The plan has no row</source>
+        <translation>計画に行がありません</translation>
+    </message>
+    <message>
+        <source>Instrument %1 is in row %2 as well</source>
+        <translation>測定器 %1 は%2行目にもあります</translation>
+    </message>
+    <message>
+        <source>The address %1 is in row %2 as well</source>
+        <translation>アドレス %1 は%2行目にもあります</translation>
+    </message>
+    <message>
+        <source>White plate %1 is in row %2 as well</source>
+        <translation>白色校正板 %1 は%2行目にもあります</translation>
+    </message>
+    <message>
+        <source>Ambient adapter %1 is in row %2 as well</source>
+        <translation>環境光アダプター %1 は%2行目にもあります</translation>
+    </message>
+    <message>
+        <source>%1: a plan, no fault (instruments: %2)</source>
+        <translation>%1: 計画、問題なし(測定器: %2台)</translation>
+    </message>
+    <message>
+        <source>the plan: a spreadsheet (.csv), a row for each instrument</source>
+        <translation>計画: 測定器ごとに1行の表(.csv)</translation>
+    </message>
+    <message>
+        <source>check a spreadsheet for many instruments</source>
+        <translation>多数の測定器のための表を検査する</translation>
+    </message>
+    <message>
+        <source>find every mistake in a plan</source>
+        <translation>計画の誤りをすべて調べる</translation>
+    </message>
+    <message>
+        <source>without looking whether the instruments are attached</source>
+        <translation>測定器が接続されているかどうかは調べない</translation>
+    </message>
+    <message>
         <source>settings (.ini), values (.csv) or snapshots (.json)</source>
         <translation>設定ファイル(.ini)、値ファイル(.csv)、スナップショット(.json)</translation>
     </message>

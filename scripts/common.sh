@@ -53,12 +53,12 @@ install_homebrew() {
 
 install_build_needs() {
     if is_macos; then
-        install_homebrew cmake ninja nlohmann-json cli11 qt@5
+        install_homebrew cmake ninja nlohmann-json cli11 libcsv qt@5
         CMAKE_PREFIX_PATH="$(brew --prefix qt@5)${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
         export CMAKE_PREFIX_PATH
     elif command -v apt-get >/dev/null; then
         install_debian build-essential cmake ninja-build nlohmann-json3-dev \
-            libcli11-dev qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools \
+            libcli11-dev libcsv-dev qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools \
             qttranslations5-l10n
     else
         say "Neither Debian, Ubuntu nor macOS: taking what is installed"

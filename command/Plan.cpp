@@ -1,0 +1,49 @@
+#include "command/Plan.h"
+
+#include "command/CsvReader.h"
+#include "command/Journal.h"
+#include "command/PlanReader.h"
+
+#include <algorithm>
+
+namespace {
+
+QByteArray maskedRow(const CsvReader& reader, std::size_t keyColumn, char delimiter) {
+    QByteArray line;
+    for (std::size_t i = 0; i < reader.cells().size(); ++i) {
+        if (i > 0)
+            line += delimiter;
+        const std::string_view cell = reader.cells()[i];
+        const bool isKey = i == keyColumn && reader.number() > 1 && !cell.empty();
+        line += CsvReader::quoted(isKey ? std::string_view("********") : cell);
+    }
+    return line + '\n';
+}
+
+} // namespace
+
+std::optional<Plan> Plan::check(const InputFile& file, const PlanNeeds& needs, Faults& faults) {
+    return PlanReader(file, needs, faults).read();
+}
+
+JournalInput Plan::journalInput(const InputFile& file) {
+    JournalInput input = ::journalInput(QStringLiteral("plan"), file);
+    const std::string_view content = PlanReader::withoutByteOrderMark(file);
+    const char delimiter = PlanReader::delimiterOf(content);
+    input.content.clear();
+    input.isMasked = true;
+    CsvReader reader(content, delimiter);
+    std::size_t keyColumn = 0;
+    while (reader.next()) {
+        const auto& cells = reader.cells();
+        if (reader.number() == 1 || input.content.isEmpty())
+            keyColumn =
+                static_cast<std::size_t>(std::find_if(cells.begin(), cells.end(),
+                                                      [](std::string_view cell) {
+                                                          return PlanCells::trimmed(cell) == "key";
+                                                      }) -
+                                         cells.begin());
+        input.content += maskedRow(reader, keyColumn, delimiter);
+    }
+    return input;
+}

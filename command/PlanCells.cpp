@@ -1,0 +1,101 @@
+#include "command/PlanCells.h"
+
+#include <algorithm>
+#include <charconv>
+#include <string>
+
+namespace {
+
+constexpr std::string_view digits = "0123456789";
+
+bool isAllDigits(std::string_view text) {
+    return text.find_first_not_of(digits) == std::string_view::npos;
+}
+
+bool isAllZeros(std::string_view text) {
+    return text.find_first_not_of('0') == std::string_view::npos;
+}
+
+/** Of a text of digits. */
+bool toNumber(std::string_view text, std::int32_t& number) {
+    const auto result = std::from_chars(text.data(), text.data() + text.size(), number);
+    return result.ec == std::errc() && result.ptr == text.data() + text.size();
+}
+
+/** A number in scientific form: one digit, a fraction, an exponent of one or two digits. */
+struct Scientific {
+    char first = '0';
+    std::string_view fraction;
+    int exponent = 0;
+};
+
+std::optional<Scientific> scientific(std::string_view cell) {
+    const std::size_t mark = cell.find_first_of("eE");
+    if (mark == std::string_view::npos || mark == 0)
+        return std::nullopt;
+    std::string_view mantissa = cell.substr(0, mark);
+    std::string_view exponent = cell.substr(mark + 1);
+    if (!exponent.empty() && exponent.front() == '+')
+        exponent.remove_prefix(1);
+    Scientific result;
+    result.first = mantissa.front();
+    mantissa.remove_prefix(1);
+    const bool hasFraction =
+        mantissa.size() > 1 && (mantissa.front() == '.' || mantissa.front() == ',');
+    if (hasFraction)
+        result.fraction = mantissa.substr(1);
+    std::int32_t number = 0;
+    if (!isAllDigits(cell.substr(0, 1)) || (!mantissa.empty() && !hasFraction) ||
+        !isAllDigits(result.fraction) || exponent.empty() || exponent.size() > 2 ||
+        !isAllDigits(exponent) || !toNumber(exponent, number))
+        return std::nullopt;
+    result.exponent = number;
+    return result;
+}
+
+} // namespace
+
+PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_t& serialNumber) {
+    if (const auto number = scientific(cell)) {
+        const auto exponent = static_cast<std::size_t>(number->exponent);
+        // A digit that the form does not have may have been any.
+        if (number->fraction.size() < exponent)
+            return SerialFault::Inexact;
+        const std::string whole = number->first + std::string(number->fraction.substr(0, exponent));
+        const bool isWhole = isAllZeros(number->fraction.substr(exponent));
+        return isWhole && toNumber(whole, serialNumber) ? SerialFault::None : SerialFault::NoNumber;
+    }
+    // Three zeros could be thousands: 10.000 is ten thousand to many.
+    for (const std::string_view fraction : {".00", ".0"}) {
+        const bool ends =
+            cell.size() > fraction.size() && cell.substr(cell.size() - fraction.size()) == fraction;
+        if (ends) {
+            cell.remove_suffix(fraction.size());
+            break;
+        }
+    }
+    const bool isNumber = !cell.empty() && isAllDigits(cell) && toNumber(cell, serialNumber);
+    return isNumber ? SerialFault::None : SerialFault::NoNumber;
+}
+
+std::optional<std::uint32_t> PlanCells::onOff(std::string_view cell) {
+    std::string word(cell);
+    std::transform(word.begin(), word.end(), word.begin(), [](char character) {
+        const bool isCapital = character >= 'A' && character <= 'Z';
+        return isCapital ? static_cast<char>(character - 'A' + 'a') : character;
+    });
+    if (word != "on" && word != "off")
+        return std::nullopt;
+    return word == "on" ? 1 : 0;
+}
+
+bool PlanCells::isShortenedNumber(std::string_view cell) {
+    return cell.find("E+") != std::string_view::npos && scientific(cell).has_value();
+}
+
+std::string_view PlanCells::trimmed(std::string_view cell) {
+    constexpr std::string_view blanks = " \t";
+    const std::size_t begin = std::min(cell.find_first_not_of(blanks), cell.size());
+    const std::size_t end = cell.find_last_not_of(blanks);
+    return cell.substr(begin, end == std::string_view::npos ? 0 : end + 1 - begin);
+}

@@ -1,0 +1,90 @@
+#ifndef COMMAND_PLANREADER_H
+#define COMMAND_PLANREADER_H
+
+#include "command/CsvReader.h"
+#include "command/Plan.h"
+#include "command/PlanCells.h"
+
+#include <string_view>
+#include <utility>
+#include <vector>
+
+/** One check of a plan: finds every fault and says it at its row and column. */
+class PlanReader {
+public:
+    /** All of them outlive the object. */
+    PlanReader(const InputFile& file, const PlanNeeds& needs, Faults& faults);
+
+    /** Once. See `Plan::check`. */
+    std::optional<Plan> read();
+
+    static std::string_view withoutByteOrderMark(const InputFile& file);
+    /** The one with which the header has a column "serial"; the comma where none does. */
+    static char delimiterOf(std::string_view content);
+
+    /** What a column means: takes a cell, which is not empty, into the row. */
+    struct Column {
+        const char* name;
+        void (PlanReader::*take)(std::string_view cell);
+        bool hasText; ///< blanks around belong to it
+    };
+    static const std::vector<Column>& columns();
+
+private:
+    struct Place {
+        int row = 0;
+        std::size_t column = 0; ///< from 0
+    };
+    /** Something that only one row may have. */
+    struct Unique {
+        const char* column;
+        const char* message; ///< with a place for the text, and one for the row that has it too
+        bool (*valueOf)(const PlanRow& row, std::uint32_t& value);
+        QString (*textOf)(const PlanRow& row);
+    };
+
+    bool readHeader(const std::vector<std::string_view>& cells);
+    std::size_t indexOf(const char* column) const;
+    void readRow(const CsvReader& reader);
+    void readCell(std::size_t column, std::string_view cell);
+    bool isUtf8(std::string_view cell);
+
+    void takeSerial(std::string_view cell);
+    template <std::optional<std::uint32_t> NetworkFields::*Field>
+    void takeOnOff(std::string_view cell);
+    template <std::optional<NetworkFields::Address> NetworkFields::*Field>
+    void takeAddress(std::string_view cell);
+    template <std::optional<std::string> NetworkFields::*Field, std::size_t Size>
+    void takeText(std::string_view cell);
+    void takePowerOff(std::string_view cell);
+    template <const CalibrationAccessory& Accessory>
+    void takeValues(std::string_view cell);
+
+    void checkAddresses();
+    void checkAllRows();
+    void checkAttached();
+    void checkUnique(const Unique& what);
+    bool finish();
+
+    QString cellName(std::size_t column) const;
+    Fault faultAt(const Place& place, Text text) const;
+    void add(const Place& place, Text text);
+    void addHere(Text text) { add(m_place, std::move(text)); }
+    /** With the text in the cell. */
+    void addHere(const char* message, std::string_view cell);
+
+    const InputFile& m_file;
+    const PlanNeeds& m_needs;
+    Faults& m_faults;
+    std::vector<std::pair<Place, Fault>> m_found;
+    Plan m_plan;
+
+    std::vector<const Column*> m_columns; ///< of the file; null for comments and nameless ones
+    std::vector<QString> m_names;
+    std::vector<bool> m_isComment;
+    bool m_hasOnlyAscii = false;
+    Place m_place; ///< of the present cell
+    PlanRow m_row; ///< the present one
+};
+
+#endif
