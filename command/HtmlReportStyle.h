@@ -54,7 +54,7 @@ svg .difference .mark { stroke: var(--after); stroke-width: 4; stroke-linecap: r
 svg .implausible { stroke: var(--warn); stroke-width: 2; }
 @page { size: A4; margin: 16mm 15mm; }
 @media print {
-  body { max-width: none; margin: 0; padding: 0; font-size: 9.5pt; }
+  body { max-width: none; margin: 0; padding: 0; font-size: 9pt; line-height: 1.4; }
   h1 { font-size: 16pt; }
   h2 { font-size: 13pt; }
   h3 { font-size: 11pt; }
@@ -62,7 +62,7 @@ svg .implausible { stroke: var(--warn); stroke-width: 2; }
   h2, h3, caption { break-after: avoid; }
   .instrument { break-before: page; }
   .instrument h2 { border-top: 0; margin-top: 0; padding-top: 0; }
-  tr, figure, .verdict { break-inside: avoid; }
+  tr, figure, .verdict, .facts, .changes, .files { break-inside: avoid; }
   thead { display: table-header-group; break-inside: avoid; }
   .values { font-size: 7.5pt; }
   .values caption { font-size: 8.5pt; }
