@@ -158,8 +158,7 @@ private Q_SLOTS:
         for (const Setting& setting : row.widget.settings)
             QVERIFY2(valueOf(*widget, setting.property) == comparable(setting.value, false),
                      setting.property);
-        // Everything else is as in a plain widget with the row's settings, what follows from them
-        // included.
+        // Everything else is as in a plain widget with the row's settings and what follows of them.
         QDialog plainDialog;
         QWidget* plain = newWidget(row.widget.className, &plainDialog);
         QVERIFY(plain);
@@ -300,8 +299,7 @@ private Q_SLOTS:
         addRows(rows);
     }
 
-    /** What can be disconnected was connected; what can be disconnected twice was connected twice.
-     */
+    /** What can be disconnected was connected, once if it can be disconnected once. */
     void slot() {
         const auto row = rowOf<SlotRow>();
         const QByteArray signature = slotsOf(row.form)[row.index];

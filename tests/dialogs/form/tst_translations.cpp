@@ -43,14 +43,12 @@ struct PartRow {
 
 } // namespace
 
-/** The translation files against the sources of the program, and the compiled files against both.
- */
+/** The translation files against the program's sources, and the compiled files against both. */
 class TestTranslations : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    /** Every text that the program looks up has its entry, there is no other, and all are finished.
-     */
+    /** Every text that the program looks up has its entry, and no other; all are finished. */
     void complete_data() { addRows(languages); }
     void complete() {
         const auto row = rowOf<LanguageRow>();

@@ -1,7 +1,5 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 
-#include "simulator/KvaSim.h"
-
 #include <QJsonDocument>
 #include <QtTest>
 
@@ -22,12 +20,6 @@ QStringList ConnectedFixture::busyAtBox() {
     for (const QString& name : disabled())
         names.removeOne(name);
     return names;
-}
-
-QString ConnectedFixture::loseBehind(QWidget& below) {
-    watchOf(dialog).setInterval(20); // a second is long
-    KvaSim_Unplug(TestBench::serialNumber);
-    return dismissBoxAbove(below);
 }
 
 QJsonObject networkValues(double wireless, double dhcp) {

@@ -24,8 +24,6 @@ public:
 
     /** What was disabled while the last box was open and is not any more. */
     QStringList busyAtBox();
-    /** Pulls the plug and waits for the watch's report on top of @p below. @return as `boxes` */
-    QString loseBehind(QWidget& below);
 };
 
 // ---- Network settings

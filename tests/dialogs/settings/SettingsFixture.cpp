@@ -6,7 +6,6 @@
 #include <QtWidgets>
 
 #include <chrono>
-#include <utility>
 
 /** Lets a test at a private member, as an explicit instantiation may name it. */
 template <QTimer InitSettingDialog::*Member>
@@ -229,18 +228,9 @@ QStringList SettingsFixture::lines() const {
     return log.lines();
 }
 
-void SettingsFixture::whenShown(QWidget& window, std::function<void()> action) {
-    auto* poll = new QTimer(&dialog);
-    QObject::connect(poll, &QTimer::timeout, &dialog, [poll, &window, action = std::move(action)] {
-        if (!window.isVisible())
-            return;
-        poll->stop();
-        action();
-    });
-    poll->start(1);
-}
-
-QString SettingsFixture::dismissBoxAbove(QWidget& below) {
+QString SettingsFixture::loseBehind(QWidget& below) {
+    watchOf(dialog).setInterval(20); // a second is long
+    KvaSim_Unplug(TestBench::serialNumber);
     QString shown;
     QTimer poll;
     QObject::connect(&poll, &QTimer::timeout, [&] {

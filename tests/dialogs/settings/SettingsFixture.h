@@ -12,7 +12,6 @@
 #include <QLineEdit>
 #include <QTimer>
 
-#include <functional>
 #include <memory>
 
 /** The words of a text with one blank between them. */
@@ -104,11 +103,9 @@ public:
     /** `boxes`, then `calls`, then `lines`. */
     QStringList records() const { return boxes() + calls() + lines(); }
 
-    /** Calls @p action, once, when the window is shown. */
-    void whenShown(QWidget& window, std::function<void()> action);
-    /** Waits, while @p below is open, for a box on top of it and presses its Ok.
-        @return as `boxes`; empty when none came */
-    static QString dismissBoxAbove(QWidget& below);
+    /** Pulls the plug while @p below is open, waits for the watch's report on top of it and presses
+        its Ok. @return as `boxes`; empty when none came */
+    QString loseBehind(QWidget& below);
 
     static inline const QStringList disabledWhenConnected =
         words("ConnectPushBtn ClosePushBtn setWCPValPushBtn setAmbAdpBodyPushBtn");

@@ -66,10 +66,19 @@ public:
         dialog.connectDevice(-1, false);
         dialog.show();
         clearRecords();
+        // A choice that does not come to its end is abandoned then.
+        QTimer::singleShot(20000, &dialog, &QWidget::close);
     }
 
     void whenOffered(const std::function<void(Choice choice)>& action) {
-        whenShown(selection, [this, action] { action(Choice(*this)); });
+        auto* poll = new QTimer(&dialog);
+        QObject::connect(poll, &QTimer::timeout, &dialog, [this, poll, action] {
+            if (!selection.isVisible())
+                return;
+            poll->stop();
+            action(Choice(*this));
+        });
+        poll->start(1);
     }
 };
 

@@ -270,8 +270,7 @@ private Q_SLOTS:
 
         QCOMPARE(f.records(), row.records);
         QCOMPARE(f.disabled(), row.disabledTabs + SettingsFixture::disabledWhenConnected);
-        // The connected state is entered last: until then the buttons are those of the state
-        // before.
+        // The connected state comes last: until then the buttons are those of the state before.
         for (const QStringList& disabled : f.disabledAtBoxes)
             QCOMPARE(disabled, row.disabledTabs + QStringList("disConnectPushBtn"));
         QCOMPARE(f.checked(), row.checked);

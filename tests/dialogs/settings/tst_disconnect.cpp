@@ -63,9 +63,8 @@ private Q_SLOTS:
         QVERIFY(f.dialog.isVisible());
     }
 
-    // The switch of the wireless LAN is unchecked directly: Qt lets that happen as long as another
-    // button inside its group box is checked, which those of DHCP are, but not to a button that is
-    // the only one.
+    // The switch of the wireless LAN is unchecked directly. Qt lets that happen as long as another
+    // button of its group box is checked, as those of DHCP are, but not to the only one that is.
     void keepsASwitchThatIsTheOnlyOne() {
         SettingsFixture f;
         TestBench::answer("KVA_GetNetworkInfo");

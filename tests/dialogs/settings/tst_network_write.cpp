@@ -201,8 +201,7 @@ private Q_SLOTS:
         const QString key(64, 'k');
         const QString tokyo = "東京 1階";
         const QString kanji = "京";
-        // All octets alike: no rule but that of the octets themselves, so 0.0.0.0 is sent and a
-        // mask may have holes.
+        // All octets alike. No rule but an octet's own: 0.0.0.0 is sent, a mask may have holes.
         const auto octets = [](const char* name, const QString& typed, int sent) -> SentText {
             const QString address = "%1.%1.%1.%1";
             return {name, withAddresses(networkValues(), address.arg(typed)),
