@@ -18,6 +18,12 @@ inline std::string textOf(const std::uint8_t* data, std::size_t size) {
     return std::string(reinterpret_cast<const char*>(data), size);
 }
 
+#ifdef __linux__
+constexpr char descriptorFolder[] = "/proc/self/fd/";
+#else
+constexpr char descriptorFolder[] = "/dev/fd/";
+#endif
+
 /** A regular file, gone with the object. Its path is that of the descriptor, so that nothing is
    left behind however the process ends. */
 class FuzzFile {
@@ -28,24 +34,14 @@ public:
         require(m_descriptor >= 0 && ::unlink(name) == 0);
         require(::write(m_descriptor, content.data(), content.size()) ==
                 static_cast<ssize_t>(content.size()));
-#ifdef __linux__
-        m_path = "/proc/self/fd/" + std::to_string(m_descriptor);
-#else
-        m_path = "/dev/fd/" + std::to_string(m_descriptor);
-#endif
+        m_path = descriptorFolder + std::to_string(m_descriptor);
     }
-    ~FuzzFile() {
-        ::close(m_descriptor);
-    }
+    ~FuzzFile() { ::close(m_descriptor); }
     FuzzFile(const FuzzFile&) = delete;
     FuzzFile& operator=(const FuzzFile&) = delete;
 
-    int descriptor() const {
-        return m_descriptor;
-    }
-    const char* path() const {
-        return m_path.c_str();
-    }
+    int descriptor() const { return m_descriptor; }
+    const char* path() const { return m_path.c_str(); }
 
 private:
     int m_descriptor;

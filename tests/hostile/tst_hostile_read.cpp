@@ -28,11 +28,9 @@ QString shownNumber(const CalibrationCase& c) {
     return QString("%1").arg(c.serialNumber, 8, 10, QChar('0'));
 }
 
-/** The calibration record of the connected instrument. */
+/** The calibration record of the connected instrument, in hexadecimal. */
 QByteArray heldRecord() {
-    KVA_JIG_CALREFDATA record = {};
-    KVA_JIG_GetFactoryCalib_CALREFDATA(&record);
-    return bytesOf(record);
+    return bytesOf(TestBench::held(KVA_JIG_GetFactoryCalib_CALREFDATA)).toHex();
 }
 
 /** The three texts of the tab: instrument's serial number, file name, file's serial number. */
@@ -164,7 +162,7 @@ private Q_SLOTS:
         QCOMPARE(textsOf(f, tab), (QStringList{held, QFileInfo(row.file).baseName(),
                                                row.isAccepted ? shownNumber(row) : QString()}));
         QCOMPARE(f.disabled().contains(tab.writeButton), !row.isAccepted);
-        QCOMPARE(heldRecord().toHex(), record.toHex());
+        QCOMPARE(heldRecord(), record);
         QVERIFY(file.wasBearable());
     }
 
@@ -204,10 +202,10 @@ private Q_SLOTS:
         QCOMPARE(textsOf(f, tab), texts);
         QVERIFY(!f.disabled().contains(tab.writeButton) &&
                 !f.disabled().contains(tab.chooseButton));
-        QCOMPARE(
-            heldRecord().toHex(),
-            (isRegistered ? calRefRecord(row.adapter, row.serialNo, row.values, record) : record)
-                .toHex());
+        const auto written = [&] {
+            return calRefRecord(row.adapter, row.serialNo, row.values, QByteArray::fromHex(record));
+        };
+        QCOMPARE(heldRecord(), isRegistered ? written().toHex() : record);
         QVERIFY(file.wasBearable());
     }
 };

@@ -37,6 +37,14 @@ void addFault(const QJsonObject& rule);
 /** What an instrument holds. */
 QJsonObject state(int serial = serialNumber);
 
+/** A record of the connected instrument: `held(KVA_GetNetworkInfo)`; zeros where it is refused. */
+template <typename Record>
+Record held(KVA_RESULT (*get)(Record*)) {
+    Record record = {};
+    get(&record);
+    return record;
+}
+
 /** The functions called, in order. */
 QStringList calls();
 /** The same with arguments (JSON, keys sorted, without the serial number of the connection) and

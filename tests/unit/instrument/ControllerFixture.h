@@ -3,12 +3,7 @@
 
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "simulator/KvaSim.h"
-#include "tests/support/DebugLog.h"
-#include "tests/support/TestBench.h"
-#include "tests/support/TestFolder.h"
-#include "tests/support/TestMain.h"
-
-#include <cstring>
+#include "tests/unit/files/CalRefFixture.h"
 
 /** A controller, and what its operations leave behind. */
 class LoggedController : public CKvaSdk_Ctrl {
@@ -86,36 +81,28 @@ inline QStringList serialNumbers(const CKvaSdk_Ctrl& controller) {
 
 /** What the connected instrument answers to a request for its calibration record. */
 inline QByteArray calibrationRecord() {
-    KVA_JIG_CALREFDATA record = {};
-    KVA_JIG_GetFactoryCalib_CALREFDATA(&record);
-    return TestBench::bytesOf(record);
+    return TestBench::bytesOf(TestBench::held(KVA_JIG_GetFactoryCalib_CALREFDATA));
 }
 
-/** A calibration accessory: how the controller handles its value file, and where the values and the
-    serial number are in the record. */
+/** A calibration accessory: how the controller handles its value file. */
 struct Accessory {
     const char* name;
+    bool isAdapter;
+    int valueCount;
+    const char* serialNo; ///< valid in a file
     bool (CKvaSdk_Ctrl::*read)(const char* path);
     bool (CKvaSdk_Ctrl::*write)(const char* path);
     QString CKvaSdk_Ctrl::*fileSerialNo;
-    int serialNoOffset;
-    int valuesOffset;
-    int valueCount;
-    const char* serialNo; ///< valid in a file
 
     QByteArray file() const { return TestBench::valueFile(serialNo, valueCount); }
 
     /** The record with a file's serial number in its place, binary-coded decimal. */
-    QByteArray numberedIn(QByteArray record, const QByteArray& number) const {
-        return record.replace(serialNoOffset, 4, QByteArray::fromHex(number));
+    QByteArray numberedIn(const QByteArray& record, const QByteArray& number) const {
+        return calRefRecord(isAdapter, QByteArray::fromHex(number), {}, record);
     }
     /** The record with the values of a `TestBench::valueFile` in their place. */
-    QByteArray valuesIn(QByteArray record) const {
-        for (int i = 0; i < valueCount; ++i) {
-            const float value = TestBench::fileValue(i);
-            std::memcpy(record.data() + valuesOffset + 4 * i, &value, sizeof value);
-        }
-        return record;
+    QByteArray valuesIn(const QByteArray& record) const {
+        return calRefRecord(isAdapter, {}, sampleValues(valueCount), record);
     }
     /** The record with all of `file` in its place. */
     QByteArray registeredIn(const QByteArray& record) const {
@@ -123,22 +110,16 @@ struct Accessory {
     }
 };
 
-constexpr Accessory whitePlate = {"white plate",
-                                  &CKvaSdk_Ctrl::ReadWCPFile,
-                                  &CKvaSdk_Ctrl::WriteWCPData,
-                                  &CKvaSdk_Ctrl::m_fileWCPSerialNo,
-                                  0,
-                                  4,
-                                  38,
-                                  "23456789"};
+using C = CKvaSdk_Ctrl;
+constexpr Accessory whitePlate = {
+    "white plate", false, 38, "23456789", &C::ReadWCPFile, &C::WriteWCPData, &C::m_fileWCPSerialNo};
 constexpr Accessory adapter = {"adapter",
-                               &CKvaSdk_Ctrl::ReadAmbAdpFile,
-                               &CKvaSdk_Ctrl::WriteAmbAdpData,
-                               &CKvaSdk_Ctrl::m_fileAmbAdpSerialNo,
-                               156,
-                               160,
+                               true,
                                75,
-                               "00054321"};
+                               "00054321",
+                               &C::ReadAmbAdpFile,
+                               &C::WriteAmbAdpData,
+                               &C::m_fileAmbAdpSerialNo};
 constexpr Accessory accessories[] = {whitePlate, adapter};
 
 #endif

@@ -4,12 +4,6 @@
 
 namespace {
 
-KVA_NETWORKINFO heldNetwork() {
-    KVA_NETWORKINFO record = {};
-    KVA_GetNetworkInfo(&record);
-    return record;
-}
-
 /** Changes active settings of the instrument. */
 void setNetwork(const QByteArray& fields) {
     TestBench::set(R"({"network": {"active": {)" + fields + "}}}");
@@ -203,7 +197,7 @@ private Q_SLOTS:
             R"("SSID":"measuring-room","SubnetMask":"255.0.0.0"}} 0)";
         QCOMPARE(controller.left(), QStringList({"0", call}));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
-        QCOMPARE(TestBench::bytesOf(heldNetwork()), sent);
+        QCOMPARE(TestBench::bytesOf(TestBench::held(KVA_GetNetworkInfo)), sent);
         controller.powerCycle();
         QVERIFY(controller.GetNetworkInfo());
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), sent);
@@ -225,7 +219,7 @@ private Q_SLOTS:
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), changed);
         QCOMPARE(controller.m_ssid, "press-hall");
         QCOMPARE(controller.m_ipAddress.size(), 4);
-        QCOMPARE(TestBench::bytesOf(heldNetwork()), before);
+        QCOMPARE(TestBench::bytesOf(TestBench::held(KVA_GetNetworkInfo)), before);
     }
 
     void setsAddresses_data() { addRows(addressSetters); }

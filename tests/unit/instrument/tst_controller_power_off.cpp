@@ -5,13 +5,6 @@ namespace {
 const NumberRow modes[] = {{"0", 0}, {"1", 1},     {"2", 2},     {"3", 3},
                            {"4", 4}, {"127", 127}, {"128", 128}, {"255", 255}};
 
-/** The mode that the instrument holds. */
-int heldMode() {
-    uint8_t mode = 77;
-    KVA_GetShutdownTime(&mode);
-    return mode;
-}
-
 } // namespace
 
 class TestControllerPowerOff : public QObject {
@@ -53,7 +46,7 @@ private Q_SLOTS:
         const QString line = "KVA_SetShutdownTime() success[mode:%1].\n";
         const QString call = R"(KVA_SetShutdownTime {"mode":%1} 0)";
         QCOMPARE(controller.left(), QStringList({"0", line.arg(row.value), call.arg(row.value)}));
-        QCOMPARE(qint64{heldMode()}, row.value);
+        QCOMPARE(qint64{TestBench::held(KVA_GetShutdownTime)}, row.value);
     }
 
     void failsToWrite() {
@@ -62,7 +55,7 @@ private Q_SLOTS:
         QVERIFY(!controller.SetShutdownTime(3));
         QCOMPARE(controller.left(), QStringList({"-9799", "KVA_SetShutdownTime() failed[mode:3].\n",
                                                  R"(KVA_SetShutdownTime {"mode":3} -9799)"}));
-        QCOMPARE(heldMode(), 2);
+        QCOMPARE(int{TestBench::held(KVA_GetShutdownTime)}, 2);
     }
 };
 

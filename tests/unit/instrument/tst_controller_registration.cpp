@@ -1,4 +1,3 @@
-#include "tests/support/StandardOutput.h"
 #include "tests/unit/instrument/ControllerFixture.h"
 
 namespace {

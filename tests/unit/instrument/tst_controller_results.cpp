@@ -44,8 +44,6 @@ bool writesPowerOff(CKvaSdk_Ctrl& controller) {
     return controller.SetShutdownTime(3);
 }
 
-using C = CKvaSdk_Ctrl;
-
 /** All of them. */
 const Operation operations[] = {
     {"GetDevicePortList", runs<&C::GetDevicePortList>, portLine, portLine},
@@ -68,25 +66,20 @@ const Operation operations[] = {
 struct ResultRow {
     QByteArray name;
     Operation operation;
-    int result; ///< of the library
+    int result;          ///< of the library
+    bool isLost = false; ///< the result is that of a lost connection
 };
 
-QVector<ResultRow> withResults(std::initializer_list<int> results) {
+/** Each operation with warnings, with negative results, and on a lost connection. */
+QVector<ResultRow> results() {
     QVector<ResultRow> rows;
     for (const Operation& operation : operations) {
-        for (const int result : results)
+        for (const int result : {1, 2, 3, 4, 5, 6, 7, 8, INT_MAX, -9999, -9995, -9985, -9900, -9799,
+                                 -9794, -1, INT_MIN})
             rows.append({operation.name + QByteArray(", ") + QByteArray::number(result), operation,
                          result});
-    }
-    return rows;
-}
-
-/** All but the enumeration, which needs no connection. */
-QVector<ResultRow> withALostConnection() {
-    QVector<ResultRow> rows;
-    for (const Operation& operation : operations) {
-        if (operation.run != operations[0].run)
-            rows.append({operation.name, operation, -9994});
+        if (operation.run != operations[0].run) // the enumeration needs no connection
+            rows.append({operation.name, operation, -9994, true});
     }
     return rows;
 }
@@ -130,45 +123,26 @@ private Q_SLOTS:
     }
 
     void init() { TestBench::load(); }
-    void warningIsSuccess_data() { addRows(withResults({1, 2, 3, 4, 5, 6, 7, 8, INT_MAX})); }
-    void warningIsSuccess() {
+    void passesResultOn_data() { addRows(results()); }
+
+    /** A warning is success. A negative result is failure and ends the operation at once. */
+    void passesResultOn() {
         const auto row = rowOf<ResultRow>();
+        const bool isSuccess = row.result >= 0;
         CKvaSdk_Ctrl controller;
         QVERIFY(prepare(controller, row.operation));
-        TestBench::answer("*", row.result);
-        const DebugLog log;
-        QVERIFY(row.operation.run(controller));
-        QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
-        QCOMPARE(log.lines().join('|'), row.operation.successLine);
-    }
-
-    void negativeIsFailure_data() {
-        addRows(withResults({-9999, -9995, -9985, -9900, -9799, -9794, -1, INT_MIN}));
-    }
-
-    void negativeIsFailure() {
-        const auto row = rowOf<ResultRow>();
-        CKvaSdk_Ctrl controller;
-        QVERIFY(prepare(controller, row.operation));
+        if (row.isLost)
+            TestBench::unplug();
+        else
+            TestBench::answer("*", row.result);
         TestBench::clearCalls();
-        TestBench::answer("*", row.result);
         const DebugLog log;
-        QVERIFY(!row.operation.run(controller));
+        QCOMPARE(row.operation.run(controller), isSuccess);
         QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
-        QCOMPARE(log.lines().join('|'), row.operation.failureLine);
-        QCOMPARE(TestBench::calls().size(), 1); // ended at once
-    }
-
-    void lostConnectionFails_data() { addRows(withALostConnection()); }
-    void lostConnectionFails() {
-        const auto row = rowOf<ResultRow>();
-        CKvaSdk_Ctrl controller;
-        QVERIFY(prepare(controller, row.operation));
-        TestBench::unplug();
-        const DebugLog log;
-        QVERIFY(!row.operation.run(controller));
-        QCOMPARE(controller.m_lastResult, row.operation.keepsLastResult ? row.result : 0);
-        QCOMPARE(log.lines().join('|'), row.operation.failureLine);
+        QCOMPARE(log.lines().join('|'),
+                 isSuccess ? row.operation.successLine : row.operation.failureLine);
+        if (!isSuccess)
+            QCOMPARE(TestBench::calls().size(), 1);
     }
 
     void namesCode_data() { addRows(nameRows()); }

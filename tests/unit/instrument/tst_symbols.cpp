@@ -1,5 +1,6 @@
 // The program against the maker's library: what it asks of it by name, and where it finds it.
 
+#include "tests/support/LibrarySymbols.h"
 #include "tests/support/TestMain.h"
 
 #include <QProcess>
@@ -31,23 +32,6 @@ QStringList dynamicEntries(const QString& tag) {
     return values;
 }
 
-/** The thirteen functions of the library as the compiler names them, each behind @p prefix; sorted.
- */
-QStringList functionSymbols(const char* prefix) {
-    QStringList symbols;
-    for (const char* name :
-         {"KVA_Connect", "KVA_Disconnect", "KVA_GetDeviceInfo", "KVA_GetDevicePortList",
-          "KVA_GetNetworkInfo", "KVA_GetShutdownTime", "KVA_RegisterDeviceEventHandler",
-          "KVA_SetNetworkInfo", "KVA_SetShutdownTime",
-          "_Z34KVA_JIG_GetFactoryCalib_CALREFDATAP18KVA_JIG_CALREFDATA",
-          "_Z34KVA_JIG_SetFactoryCalib_CALREFDATAPK18KVA_JIG_CALREFDATA",
-          "_Z35KVA_JIG_SetFactoryCalib_WriteSectorv",
-          "_Z40KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATAP31KVA_JIG_ACTIONOPTIONFACTORYDATA"})
-        symbols.append(QString(prefix) + name);
-    symbols.sort();
-    return symbols;
-}
-
 } // namespace
 
 class TestSymbols : public QObject {
@@ -63,7 +47,7 @@ private Q_SLOTS:
                 symbols.append(line.simplified());
         }
         symbols.sort();
-        QCOMPARE(symbols, functionSymbols("U "));
+        QCOMPARE(symbols, librarySymbols("U "));
     }
 
     /** By the simulated library, whose list for the linker there is kept by hand. */
@@ -75,7 +59,7 @@ private Q_SLOTS:
             QString::fromUtf8(file.readAll()).split('\n', Qt::SkipEmptyParts).filter(noComment);
         names.sort();
         // The linker's names have an underscore before the compiler's.
-        QStringList expected = functionSymbols("_") << "_KvaSim_*";
+        QStringList expected = librarySymbols("_") << "_KvaSim_*";
         expected.sort();
         QCOMPARE(names, expected);
     }

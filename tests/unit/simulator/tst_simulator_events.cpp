@@ -50,36 +50,6 @@ bool registers(KVA_DeviceEventHandler handler) {
     return KVA_RegisterDeviceEventHandler(handler) == KVA_SUCCESS;
 }
 
-struct OperationsRow {
-    QByteArray name; ///< the operations
-    QByteArray codes;
-};
-
-const OperationsRow operationsRows[] = {
-    {"", ""},
-    {"connect disconnect", ""},
-    {"plug", ""},
-    {"unplug", ""},
-    {"unplug plug", "0"},
-    {"unplug plug plug", "0"},
-    {"connect unplug", "6"},
-    {"connect unplug unplug", "6"},
-    {"connect unplug plug", "6 0"},
-    {"connect unplug plug unplug", "6 0"},
-    {"connect unplug plug connect unplug", "6 0 6"},
-    {"connect disconnect unplug", ""},
-    {"cycle", ""},
-    {"unplug cycle", ""},
-    {"connect cycle", "6 0"},
-    {"connect cycle cycle", "6 0"},
-    {"connect cycle connect cycle", "6 0 6 0"},
-    {"connect unplug cycle", "6"},
-    {"connect other-unplug other-cycle", ""},
-    {"connect other-unplug other-plug", "0"},
-    {"connect set-off", "6"},
-    {"connect set-off set-on", "6 0"},
-};
-
 struct ChangeRow {
     const char* name;
     KVA_DeviceEventHandler handler; ///< that takes the place of the one that runs
@@ -102,30 +72,6 @@ private Q_SLOTS:
     }
 
     void cleanup() { QVERIFY(registers(nullptr)); }
-
-    void eventsOfOperations_data() { addRows(operationsRows); }
-    void eventsOfOperations() {
-        const auto row = rowOf<OperationsRow>();
-        QVERIFY(registers(recordEvent));
-        for (const QByteArray& operation : row.name.split(' ')) {
-            const std::int32_t serial = operation.startsWith("other-") ? networkSerial : usbSerial;
-            if (operation == "connect")
-                QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-            else if (operation == "disconnect")
-                QCOMPARE(KVA_Disconnect(), KVA_SUCCESS);
-            else if (operation.endsWith("unplug"))
-                QVERIFY(KvaSim_Unplug(serial));
-            else if (operation.endsWith("plug"))
-                QVERIFY(KvaSim_Plug(serial));
-            else if (operation.endsWith("cycle"))
-                QVERIFY(KvaSim_PowerCycle(serial));
-            else if (operation.startsWith("set-"))
-                QVERIFY(set(usbSerial, {{"plugged", operation == "set-on"}}));
-            else
-                QVERIFY2(operation.isEmpty(), operation.constData());
-        }
-        QCOMPARE(deliveredCodes(), row.codes);
-    }
 
     void argumentsAndThread() {
         QVERIFY(registers(recordEvent));

@@ -140,16 +140,6 @@ private Q_SLOTS:
                 before["calibration"]["committed"]);
     }
 
-    void droppedConnection() {
-        QVERIFY(addFaultOf("KVA_Disconnect", {{"dropped", true}, {"times", 1}}));
-        QCOMPARE(KVA_Disconnect(), KVA_SUCCESS);
-        QCOMPARE(powerOffMode(), 0);
-        QCOMPARE(KVA_Disconnect(), KVA_SUCCESS);
-        QVERIFY(addFaultOf("KVA_Connect", {{"dropped", true}, {"times", 1}}));
-        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-        QCOMPARE(KVA_Disconnect(), KVA_ERROR_CONNECT);
-    }
-
     void stale() {
         const KVA_NETWORKINFO first = held(KVA_GetNetworkInfo);
         const KVA_JIG_CALREFDATA calibration = held(KVA_JIG_GetFactoryCalib_CALREFDATA);
@@ -169,14 +159,6 @@ private Q_SLOTS:
         KvaSim_ClearFaults();
         QCOMPARE(powerOffMode(), 2);
         QVERIFY(sameBytes(held(KVA_JIG_GetFactoryCalib_CALREFDATA), changed));
-    }
-
-    void stalePorts() {
-        QVERIFY(KvaSim_Unplug(networkSerial));
-        QVERIFY(addFaultOf("KVA_GetDevicePortList", {{"stale", true}}));
-        QCOMPARE(ports().size(), std::size_t{2});
-        KvaSim_ClearFaults();
-        QCOMPARE(ports().size(), std::size_t{1});
     }
 
     void corruptedField_data() { addRows(corruptedRows); }
@@ -215,15 +197,6 @@ private Q_SLOTS:
             QCOMPARE(port.portType, 0x02020202U);
     }
 
-    void shortList() {
-        QVERIFY(addFaultOf("KVA_GetDevicePortList", {{"call", "2-3"}, {"shortList", 1}}));
-        QCOMPARE(portCount(), 2);
-        QCOMPARE(ports().size(), std::size_t{1});
-        QCOMPARE(portCount(), 1);
-        QVERIFY(addFaultOf("*", {{"shortList", 0}}));
-        QCOMPARE(ports().size(), std::size_t{0});
-    }
-
     void unplugMoments_data() { addRows(unplugRows); }
     void unplugMoments() {
         const auto row = rowOf<UnplugRow>();
@@ -234,25 +207,6 @@ private Q_SLOTS:
         QVERIFY(instrument(usbSerial)["plugged"] == false);
         QCOMPARE(deliveredCodes(), "6");
         QCOMPARE(setPowerOffMode(3), KVA_ERROR_INSTRUMENT_UNAVAILABLE);
-    }
-
-    void unplugDuringConnect() {
-        QCOMPARE(KVA_Disconnect(), KVA_SUCCESS);
-        KVA_RegisterDeviceEventHandler(recordEvent);
-        QVERIFY(addFaultOf("KVA_Connect", {{"unplug", "during"}, {"times", 1}}));
-        QCOMPARE(connectTo(usbSerial), KVA_ERROR_COMMUNICATION_RECEIVE);
-        QCOMPARE(deliveredCodes(), "");
-        QCOMPARE(KVA_Disconnect(), KVA_ERROR_CONNECT);
-        QCOMPARE(ports().size(), std::size_t{1});
-    }
-
-    void unplugFromList() {
-        QVERIFY(addFaultOf("KVA_GetDevicePortList", {{"unplug", "after"}, {"times", 1}}));
-        QCOMPARE(ports().size(), std::size_t{2});
-        QCOMPARE(ports().size(), std::size_t{1});
-        QVERIFY(addFaultOf("KVA_GetDevicePortList",
-                           {{"unplug", "before"}, {"instrument", networkSerial}}));
-        QCOMPARE(ports().size(), std::size_t{0});
     }
 
     void chanceIsRepeatable() {

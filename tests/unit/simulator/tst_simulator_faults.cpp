@@ -146,62 +146,12 @@ private Q_SLOTS:
         QCOMPARE(row.call(), firstAnswerOf(row));
     }
 
-    void negativeResultDoesNothing() {
-        QVERIFY(addFaultOf("KVA_Connect", {{"call", 1}, {"result", "KVA_ERROR_CONNECT"}}));
-        QCOMPARE(connectTo(usbSerial), KVA_ERROR_CONNECT);
-        std::uint8_t mode = 99;
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_CONNECT);
+    void failedCallFillsNothing() {
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-        QVERIFY(addFaultOf("KVA_Disconnect", {{"times", 1}, {"result", "KVA_ERROR"}}));
-        QCOMPARE(KVA_Disconnect(), KVA_ERROR);
-        QCOMPARE(connectTo(usbSerial), KVA_ERROR_CONNECT_ALREADY);
         QVERIFY(addFaultOf("KVA_GetShutdownTime", {{"result", "KVA_ERROR"}}));
+        std::uint8_t mode = 99;
         QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR);
         QCOMPARE(int{mode}, 99);
-    }
-
-    void warningPerformsTheCall() {
-        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-        QVERIFY(addFaultOf("*", {{"result", "KVA_WARNING_BATTERY_EMPTY"}}));
-        const std::uint8_t mode = 3;
-        QCOMPARE(KVA_SetShutdownTime(&mode), KVA_WARNING_BATTERY_EMPTY);
-        std::uint8_t read = 0;
-        QCOMPARE(KVA_GetShutdownTime(&read), KVA_WARNING_BATTERY_EMPTY);
-        QCOMPARE(int{read}, 3);
-        QCOMPARE(KVA_Disconnect(), KVA_WARNING_BATTERY_EMPTY);
-    }
-
-    void warningDoesNotHideFailure() {
-        QVERIFY(addFaultOf("*", {{"result", 1}}));
-        QCOMPARE(KVA_Disconnect(), KVA_ERROR_CONNECT);
-        QCOMPARE(KVA_Connect(nullptr, 10), KVA_ERROR_ARGUMENT);
-    }
-
-    void anyFunctionIsCountedApart() {
-        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-        QVERIFY(addFaultOf("*", {{"call", 2}, {"result", "KVA_ERROR_NAK"}}));
-        std::uint8_t mode = 0;
-        KVA_DEVICEINFO info{};
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
-        QCOMPARE(KVA_GetDeviceInfo(&info), KVA_SUCCESS);
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_NAK);
-        QCOMPARE(KVA_GetDeviceInfo(&info), KVA_ERROR_NAK);
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
-    }
-
-    void serialNumberOfRule() {
-        QVERIFY(addFaultOf(
-            "*", {{"call", 2}, {"serialNumber", networkSerial}, {"result", "KVA_ERROR_NAK"}}));
-        std::uint8_t mode = 0;
-        for (int round = 0; round < 3; ++round) {
-            QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-            QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
-            QCOMPARE(KVA_Disconnect(), KVA_SUCCESS);
-        }
-        QCOMPARE(connectTo(networkSerial), KVA_SUCCESS);
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_SUCCESS);
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_NAK);
-        QCOMPARE(connectTo(networkSerial), KVA_ERROR_NAK);
     }
 
     void usedUpRuleIsGone() {
@@ -211,19 +161,6 @@ private Q_SLOTS:
         QCOMPARE(connectTo(usbSerial), KVA_ERROR);
         QVERIFY(faults() == json::array());
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-    }
-
-    void firstResultWins() {
-        QVERIFY(addFaultOf("KVA_Connect", {{"result", "KVA_ERROR_NAK"}}));
-        QVERIFY(addFaultOf("*", {{"result", "KVA_ERROR_NAV"}}));
-        QCOMPARE(connectTo(usbSerial), KVA_ERROR_NAK);
-    }
-
-    void countedFromAdding() {
-        QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-        std::uint8_t mode = held(KVA_GetShutdownTime);
-        QVERIFY(addFaultOf("KVA_GetShutdownTime", {{"call", 1}, {"result", -9799}}));
-        QCOMPARE(KVA_GetShutdownTime(&mode), KVA_ERROR_NAK);
     }
 
     void clear() {

@@ -2,6 +2,7 @@
 // end of the process and of the library.
 
 #include "SimulatorTest.h"
+#include "tests/support/LibrarySymbols.h"
 
 #include <QFileInfo>
 
@@ -9,16 +10,39 @@ using namespace simtest;
 
 namespace {
 
-struct EndRow {
+#ifdef Q_OS_MACOS
+constexpr const char* libraryName = "libKVASDK.dylib";
+const QStringList exportsOption = {"-gU"};
+constexpr int prefixLength = 1; // of the linker's names
+#else
+constexpr const char* libraryName = "libKVASDK.so";
+const QStringList exportsOption = {"-D", "--defined-only"};
+constexpr int prefixLength = 0;
+#endif
+
+struct ProbeRow {
     const char* name;
+    const char* action; ///< of the program that uses the library
     int status;
     QByteArray output;
+    QByteArray error = {}; ///< in the only line on standard error; empty: there is none
+    void (*prepare)() = [] {};
 };
 
-const EndRow ends[] = {
-    {"exit-with-handler", 5, ""},
-    {"exit-in-handler", 7, ""},
-    {"remove-at-exit", 0, "0\n"},
+void unsetHome() {
+    qunsetenv("HOME");
+    qunsetenv("XDG_DATA_HOME");
+}
+
+const ProbeRow probeRows[] = {
+    {"used from C", "call-all", 0, "0 0 0 0 0 0 0 0 0 0\n"},
+    {"one line for a refused bench", "count-twice", 0, "-9999 -9999 -1\n",
+     "broken.json: line 2, column 18: ", [] { qputenv("KVASIM_BENCH", "broken.json"); }},
+    {"one line for no home", "count-twice", 0, "0 0 2\n", "no home folder", unsetHome},
+    {"quiet otherwise", "count-twice", 0, "0 0 2\n"},
+    {"exit-with-handler", "exit-with-handler", 5, ""},
+    {"exit-in-handler", "exit-in-handler", 7, ""},
+    {"remove-at-exit", "remove-at-exit", 0, "0\n"},
 };
 
 } // namespace
@@ -30,45 +54,22 @@ private Q_SLOTS:
     void init() { startClean(m_folder); }
 
     void exportedSymbols() {
-#ifdef Q_OS_MACOS
-        const Outcome outcome = run(NM, {"-gU", LIBRARY});
-#else
-        const Outcome outcome = run(NM, {"-D", "--defined-only", LIBRARY});
-#endif
+        const Outcome outcome = run(NM, exportsOption + QStringList(LIBRARY));
         QCOMPARE(outcome.status, 0);
-        QList<QByteArray> contract;
+        QStringList contract;
         for (const QByteArray& line : outcome.output.trimmed().split('\n')) {
-            QByteArray name = line.mid(line.lastIndexOf(' ') + 1);
-#ifdef Q_OS_MACOS
-            name.remove(0, 1);
-#endif
+            const QByteArray name = line.mid(line.lastIndexOf(' ') + 1 + prefixLength);
             if (!name.startsWith("KvaSim_"))
                 contract.append(name);
         }
-        std::sort(contract.begin(), contract.end());
-        const QList<QByteArray> expected = {
-            "KVA_Connect",
-            "KVA_Disconnect",
-            "KVA_GetDeviceInfo",
-            "KVA_GetDevicePortList",
-            "KVA_GetNetworkInfo",
-            "KVA_GetShutdownTime",
-            "KVA_RegisterDeviceEventHandler",
-            "KVA_SetNetworkInfo",
-            "KVA_SetShutdownTime",
-            "_Z34KVA_JIG_GetFactoryCalib_CALREFDATAP18KVA_JIG_CALREFDATA",
-            "_Z34KVA_JIG_SetFactoryCalib_CALREFDATAPK18KVA_JIG_CALREFDATA",
-            "_Z35KVA_JIG_SetFactoryCalib_WriteSectorv",
-            "_Z40KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATAP31KVA_JIG_ACTIONOPTIONFACTORYDATA"};
-        QCOMPARE(contract, expected);
+        contract.sort();
+        QCOMPARE(contract, librarySymbols());
     }
 
     void nameOfLibrary() {
         const QFileInfo library(LIBRARY);
-#ifdef Q_OS_MACOS
-        QCOMPARE(library.fileName(), "libKVASDK.dylib");
-#else
-        QCOMPARE(library.fileName(), "libKVASDK.so");
+        QCOMPARE(library.fileName(), libraryName);
+#ifndef Q_OS_MACOS
         QVERIFY(!library.isSymLink());
         QFile file(library.filePath());
         QVERIFY(file.open(QIODevice::ReadOnly));
@@ -76,47 +77,19 @@ private Q_SLOTS:
 #endif
     }
 
-    void usedFromC() {
-        const Outcome outcome = probe("call-all");
-        QCOMPARE(outcome.status, 0);
-        QCOMPARE(outcome.output, "0 0 0 0 0 0 0 0 0 0\n");
+    void probes_data() {
+        addRows(probeRows);
     }
-
-    void oneLineForRefusedBench() {
+    void probes() {
+        const auto row = rowOf<ProbeRow>();
         m_folder.write("broken.json", "{\"version\": 1,\n \"instruments\": [,]}\n");
-        qputenv("KVASIM_BENCH", m_folder.localPath("broken.json"));
-        const Outcome outcome = probe("count-twice");
-        QCOMPARE(outcome.output, "-9999 -9999 -1\n");
-        QCOMPARE(outcome.errors.count('\n'), 1);
-        QVERIFY2(outcome.errors.contains("broken.json: line 2, column 18: "),
-                 outcome.errors.constData());
-    }
-
-    void oneLineForNoHome() {
-        qunsetenv("HOME");
-        qunsetenv("XDG_DATA_HOME");
-        const Outcome outcome = probe("count-twice");
-        QCOMPARE(outcome.output, "0 0 2\n");
-        QCOMPARE(outcome.errors.count('\n'), 1);
-        QVERIFY2(outcome.errors.contains("no home folder"), outcome.errors.constData());
-    }
-
-    void quietOtherwise() {
-        const Outcome outcome = probe("count-twice");
-        QCOMPARE(outcome.output, "0 0 2\n");
-        QCOMPARE(outcome.errors, "");
-    }
-
-    void endOfProcess_data() {
-        addRows(ends);
-    }
-    void endOfProcess() {
-        const auto row = rowOf<EndRow>();
+        row.prepare();
         for (int round = 0; round < 20; ++round) {
-            const Outcome outcome = probe(row.name);
-            QVERIFY2(outcome.errors.isEmpty(), outcome.errors.constData());
-            QCOMPARE(outcome.status, row.status);
+            const Outcome outcome = run(PROBE, {row.action});
+            QVERIFY2(outcome.errors.contains(row.error), outcome.errors);
+            QCOMPARE(outcome.errors.count('\n'), row.error.isEmpty() ? 0 : 1);
             QCOMPARE(outcome.output, row.output);
+            QCOMPARE(outcome.status, row.status);
         }
     }
 
@@ -128,10 +101,6 @@ private Q_SLOTS:
     }
 
 private:
-    static Outcome probe(const QString& action) {
-        return run(PROBE, {action});
-    }
-
     TestFolder m_folder;
 };
 

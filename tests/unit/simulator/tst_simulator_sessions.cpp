@@ -1,0 +1,186 @@
+// Sequences of operations: what each of them answers, and which events come of them.
+
+#include "SimulatorTest.h"
+
+#include <map>
+
+using namespace simtest;
+
+namespace {
+
+struct SessionRow {
+    const char* name;
+    const char* operations;
+    QByteArray answers;
+    const char* rules = ""; ///< which the operation "rules" adds, as JSON
+};
+
+const SessionRow sessionRows[] = {
+    {"connect twice", "connect connect connect-other info", "0 -9995 -9995 0/1000001"},
+    {"connect after a lost connection",
+     "connect unplug connect connect-other disconnect plug connect mode", "0 0 -9994 0 0 0 0 0/0"},
+    {"disconnect ends the connection", "connect disconnect disconnect connect-other",
+     "0 0 -9998 0"},
+    {"the list follows the plug",
+     "unplug list connect-other disconnect other-unplug list count plug list", "0 1 0 0 0 0 0 0 1"},
+    {"commit without staged data", "connect commit stage commit commit", "0 -9985 0 0 -9985"},
+    {"unplugging keeps staged data", "connect stage unplug plug connect commit", "0 0 0 0 0 0"},
+
+    {"a negative result does nothing", "rules connect mode connect disconnect connect",
+     "-9998 -9998 0 -9999 -9995",
+     R"({"function": "KVA_Connect", "call": 1, "result": "KVA_ERROR_CONNECT"},
+        {"function": "KVA_Disconnect", "times": 1, "result": "KVA_ERROR"})"},
+    {"a warning performs the call", "connect rules set-mode mode disconnect", "0 2 2/3 2",
+     R"({"function": "*", "result": "KVA_WARNING_BATTERY_EMPTY"})"},
+    {"a warning does not hide a failure", "rules disconnect connect-null", "-9998 -9992",
+     R"({"function": "*", "result": 1})"},
+    {"any function is counted apart", "connect rules mode info mode info mode",
+     "0 0/0 0/1000001 -9799 -9799 0/0",
+     R"({"function": "*", "call": 2, "result": "KVA_ERROR_NAK"})"},
+    {"serial number of a rule",
+     "rules connect mode disconnect connect mode disconnect connect mode disconnect "
+     "connect-other mode mode connect-other",
+     "0 0/0 0 0 0/0 0 0 0/0 0 0 0/0 -9799 -9799",
+     R"({"function": "*", "call": 2, "serialNumber": 1000002, "result": "KVA_ERROR_NAK"})"},
+    {"the first result wins", "rules connect", "-9799",
+     R"({"function": "KVA_Connect", "result": "KVA_ERROR_NAK"},
+        {"function": "*", "result": "KVA_ERROR_NAV"})"},
+    {"counted from adding", "connect mode rules mode", "0 0/0 -9799",
+     R"({"function": "KVA_GetShutdownTime", "call": 1, "result": -9799})"},
+
+    {"dropped connection", "connect rules disconnect mode disconnect connect disconnect",
+     "0 0 0/0 0 0 -9998",
+     R"({"function": "KVA_Disconnect", "dropped": true, "times": 1},
+        {"function": "KVA_Connect", "dropped": true, "times": 1})"},
+    {"stale ports", "other-unplug rules list clear list", "0 2 0 1",
+     R"({"function": "KVA_GetDevicePortList", "stale": true})"},
+    {"short list", "rules count list count", "2 1 1",
+     R"({"function": "KVA_GetDevicePortList", "call": "2-3", "shortList": 1})"},
+    {"short list for any function", "rules list", "0", R"({"function": "*", "shortList": 0})"},
+    {"unplugged during connect", "rules connect events disconnect list", "-9990 [] -9998 1",
+     R"({"function": "KVA_Connect", "unplug": "during", "times": 1})"},
+    {"unplugged from the list", "connect rules list list", "0 2 1",
+     R"({"function": "KVA_GetDevicePortList", "unplug": "after", "times": 1})"},
+    {"another one unplugged from the list", "connect unplug rules list", "0 0 0",
+     R"({"function": "KVA_GetDevicePortList", "unplug": "before", "instrument": 1000002})"},
+};
+
+struct EventsRow {
+    const char* name; ///< the operations
+    QByteArray codes;
+};
+
+const EventsRow eventsRows[] = {
+    {"", ""},
+    {"connect disconnect", ""},
+    {"plug", ""},
+    {"unplug", ""},
+    {"unplug plug", "0"},
+    {"unplug plug plug", "0"},
+    {"connect unplug", "6"},
+    {"connect unplug unplug", "6"},
+    {"connect unplug plug", "6 0"},
+    {"connect unplug plug unplug", "6 0"},
+    {"connect unplug plug connect unplug", "6 0 6"},
+    {"connect disconnect unplug", ""},
+    {"cycle", ""},
+    {"unplug cycle", ""},
+    {"connect cycle", "6 0"},
+    {"connect cycle cycle", "6 0"},
+    {"connect cycle connect cycle", "6 0 6 0"},
+    {"connect unplug cycle", "6"},
+    {"connect other-unplug other-cycle", ""},
+    {"connect other-unplug other-plug", "0"},
+    {"connect set-off", "6"},
+    {"connect set-off set-on", "6 0"},
+};
+
+/** The result, and, unless it is negative, what was given with it. */
+template <typename Number>
+QByteArray answer(KVA_RESULT result, const Number& given) {
+    const QByteArray text = QByteArray::number(result);
+    return result < 0 ? text : text + '/' + QByteArray::number(given);
+}
+
+/** Performs these, each named by a word. @return what they answer, joined by blanks; 0: done */
+QByteArray answersTo(const QByteArray& operations, const char* rules = "") {
+    const auto addRules = [rules] {
+        for (const json& rule : json::parse(std::string("[") + rules + ']'))
+            QVERIFY2(addFault(rule), KvaSim_LastError());
+    };
+    const std::map<QByteArray, std::function<int()>> numbers = {
+        {"connect", [] { return connectTo(usbSerial); }},
+        {"connect-other", [] { return connectTo(networkSerial); }},
+        {"connect-null", [] { return KVA_Connect(nullptr, 10); }},
+        {"disconnect", KVA_Disconnect},
+        {"list", [] { return static_cast<int>(ports().size()); }},
+        {"count", portCount},
+        {"set-mode", [] { return send(KVA_SetShutdownTime, 3); }},
+        {"stage", [] { return send(KVA_JIG_SetFactoryCalib_CALREFDATA); }},
+        {"commit", KVA_JIG_SetFactoryCalib_WriteSector},
+        {"plug", [] { return KvaSim_Plug(usbSerial) - 1; }},
+        {"unplug", [] { return KvaSim_Unplug(usbSerial) - 1; }},
+        {"cycle", [] { return KvaSim_PowerCycle(usbSerial) - 1; }},
+        {"other-plug", [] { return KvaSim_Plug(networkSerial) - 1; }},
+        {"other-unplug", [] { return KvaSim_Unplug(networkSerial) - 1; }},
+        {"other-cycle", [] { return KvaSim_PowerCycle(networkSerial) - 1; }},
+        {"set-off",
+         [] {
+             return set(usbSerial, {{"plugged", false}}) - 1;
+         }},
+        {"set-on",
+         [] {
+             return set(usbSerial, {{"plugged", true}}) - 1;
+         }},
+        {"clear", [] { return (KvaSim_ClearFaults(), 0); }},
+    };
+    QByteArrayList answers;
+    KVA_DEVICEINFO info{};
+    std::uint8_t mode = 99;
+    for (const QByteArray& operation : operations.simplified().split(' ')) {
+        if (operation == "rules")
+            addRules();
+        else if (operation == "info")
+            answers += answer(KVA_GetDeviceInfo(&info), info.serialNumber);
+        else if (operation == "mode")
+            answers += answer(KVA_GetShutdownTime(&mode), mode);
+        else if (operation == "events")
+            answers += '[' + deliveredCodes() + ']';
+        else if (!operation.isEmpty())
+            answers += QByteArray::number(numbers.at(operation)());
+    }
+    return answers.join(' ');
+}
+
+} // namespace
+
+class TestSimulatorSessions : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init() {
+        startClean(m_folder);
+        QVERIFY(loadJson(benchOf({usbSerial, networkSerial})));
+        QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_SUCCESS);
+    }
+
+    void sessions_data() { addRows(sessionRows); }
+    void sessions() {
+        const auto row = rowOf<SessionRow>();
+        QCOMPARE(answersTo(row.operations, row.rules), row.answers);
+    }
+
+    void eventsOfOperations_data() { addRows(eventsRows); }
+    void eventsOfOperations() {
+        const auto row = rowOf<EventsRow>();
+        const QByteArray answers = answersTo(row.name);
+        QVERIFY2(!answers.contains('-'), answers.constData());
+        QCOMPARE(deliveredCodes(), row.codes);
+    }
+
+private:
+    TestFolder m_folder;
+};
+
+TEST_CLASS(TestSimulatorSessions)
+#include "tst_simulator_sessions.moc"
