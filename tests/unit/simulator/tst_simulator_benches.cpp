@@ -89,8 +89,11 @@ private Q_SLOTS:
         QCOMPARE(KVA_Connect(&port, 10), KVA_ERROR_INSTRUMENT_UNAVAILABLE);
         KvaSim_EmitEvent(3, 0, 0); // others are not held up
         QCOMPARE(deliveredCodes(), "6 3");
+        while (timer.elapsed() < 300) {
+            const bool isListed = ports().size() == 2;
+            QVERIFY(!isListed || timer.elapsed() >= 300);
+        }
         QTRY_COMPARE(deliveredCodes(), "6 3 0");
-        QVERIFY(timer.elapsed() >= 300);
         QCOMPARE(KVA_Connect(&port, 10), KVA_SUCCESS);
     }
 
