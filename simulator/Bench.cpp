@@ -26,10 +26,13 @@ Json& instrumentOf(Bench& bench, std::int32_t serialNumber) {
     throw InputError("no instrument " + std::to_string(serialNumber) + " on the bench");
 }
 
-void requireDifferentSerialNumbers(const Bench& bench) {
-    for (const Json& instrument : bench.instruments)
-        require(findInstrument(bench, serialNumberOf(instrument)) == &instrument, "serialNumber",
-                "is the serial number of another instrument");
+void changeInstrument(Bench& bench, std::int32_t serialNumber,
+                      const std::function<void(Json& instrument)>& make) {
+    Json& instrument = instrumentOf(bench, serialNumber);
+    make(instrument);
+    for (const Json& other : bench.instruments)
+        require(&other == &instrument || serialNumberOf(other) != serialNumberOf(instrument),
+                "serialNumber", "is the serial number of another instrument");
 }
 
 std::vector<KVA_PORTINFO> portsOf(const Bench& bench) {

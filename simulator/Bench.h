@@ -1,16 +1,75 @@
 /**
  * A bench: the attached instruments and the rules for faults, as plain data and as JSON.
+ *
+ * An instrument is its JSON, with all its fields, each checked and in its usual form.
+ * docs/simulator.md lists the fields.
  */
 #ifndef SIMULATOR_BENCH_H
 #define SIMULATOR_BENCH_H
 
+#include "instrument/KvaSdk.h"
 #include "simulator/FaultRules.h"
-#include "simulator/Instrument.h"
+#include "simulator/Json.h"
 
 #include <cstdint>
+#include <functional>
+#include <string>
 #include <vector>
 
 namespace kvasim {
+
+// The benches that are compiled in; the build makes them from their files.
+extern const char* const builtInBenchText;      /**< benches/usb-and-network.json */
+extern const char* const startingBenchText;     /**< kvasim/starting-bench.json */
+extern const char* const defaultInstrumentText; /**< default-instrument.json */
+
+/** Checks @p json and adds the fields that it leaves out.
+    @param path the place of @p json in its document
+    @throws InputError with the path of the field and the reason */
+Json makeInstrument(const Json& json, const std::string& path);
+
+std::int32_t serialNumberOf(const Json& instrument);
+
+/** Its entry in the list. */
+KVA_PORTINFO portOf(const Json& instrument);
+bool isSamePort(const KVA_PORTINFO& left, const KVA_PORTINFO& right);
+
+/** The settings that were stored last, and the working copy of the calibration data. */
+const Json& networkOf(const Json& instrument);
+const Json& calibrationOf(const Json& instrument);
+
+/** Commits the staged calibration data. @return KVA_ERROR_NO_DATA where there is none */
+KVA_RESULT commitCalibration(Json& instrument);
+
+bool isPlugged(const Json& instrument);
+
+/** Attaches or detaches it, unless it is so; an instrument that is attached has started. */
+void setPlugged(Json& instrument, bool plugged);
+
+/** Switches the instrument off and on: pending settings come into use, data that was only staged is
+    gone, and it starts, where it is plugged. */
+void powerCycle(Json& instrument);
+
+/** The milliseconds until a plugged instrument has started; 0 when it has. */
+std::int64_t startUpLeft(const Json& instrument);
+
+/** Whether it is plugged and has started. */
+bool isReady(const Json& instrument);
+
+/** Merges @p patch into the instrument as a JSON merge patch does; null gives a field its default.
+    Bytes ({"hex"}, {"fill"}, {"seed"}) are replaced as a whole.
+    @throws InputError as `makeInstrument` does; nothing has changed then. */
+void patch(Json& instrument, const Json& patch);
+
+/** Sets one field.
+    @param assignment a dotted path into the instrument's JSON ("network.active.SSID",
+        "calibration.committed.white.values.3", "device.firmware[1]"), "=" and the value: JSON, or,
+        where the field holds a text, the text as it is. null gives the field its default.
+    @throws InputError when it is no assignment, or as `makeInstrument` does */
+void assign(Json& instrument, const std::string& assignment);
+
+/** Puts {"length": bytes} in place of the security key of settings, for showing only. */
+void hideKey(Json& network);
 
 struct Bench {
     std::vector<Json> instruments; /**< in the order of the list; serial numbers differ */
@@ -21,10 +80,10 @@ struct Bench {
     }
 };
 
-// The benches that are compiled in; the build makes them from their files.
-extern const char* const builtInBenchText;      /**< benches/usb-and-network.json */
-extern const char* const startingBenchText;     /**< kvasim/starting-bench.json */
-extern const char* const defaultInstrumentText; /**< default-instrument.json */
+/** Reads the text of a bench file, comments allowed.
+    @throws InputError with line and column, or with the path of the field, and the reason. */
+Bench parseBench(const std::string& text);
+Json benchToJson(const Bench& bench);
 
 /** An instrument by its serial number; null when there is none. */
 const Json* findInstrument(const Bench& bench, std::int32_t serialNumber);
@@ -32,16 +91,13 @@ const Json* findInstrument(const Bench& bench, std::int32_t serialNumber);
 /** The same. @throws InputError when there is none. */
 Json& instrumentOf(Bench& bench, std::int32_t serialNumber);
 
-/** @throws InputError when two instruments have one serial number. */
-void requireDifferentSerialNumbers(const Bench& bench);
+/** Changes an instrument.
+    @throws InputError when there is none, or when another one has its serial number then */
+void changeInstrument(Bench& bench, std::int32_t serialNumber,
+                      const std::function<void(Json& instrument)>& make);
 
 /** The list of the instruments that are plugged and have started. */
 std::vector<KVA_PORTINFO> portsOf(const Bench& bench);
-
-/** Reads the text of a bench file, comments allowed.
-    @throws InputError with line and column, or with the path of the field, and the reason. */
-Bench parseBench(const std::string& text);
-Json benchToJson(const Bench& bench);
 
 } // namespace kvasim
 

@@ -31,9 +31,7 @@ bool isListing(std::string_view function) {
     return function == "KVA_GetDevicePortList";
 }
 
-/** Checks the value of a field. @return it in its usual form
-    @throws InputError with @p path and the reason */
-using Read = Json (*)(const Json& value, const std::string& path, const FaultRule& rule);
+// The readers check the value of a field and return it in its usual form.
 
 template <typename Number, std::int64_t lowest = std::numeric_limits<Number>::min(),
           std::int64_t highest = std::numeric_limits<Number>::max()>
@@ -109,7 +107,7 @@ Json readCorrupted(const Json& json, const std::string& path, const FaultRule& r
 struct FaultField {
     const char* key;
     const char* needs; /**< another field, without which it is refused; null: none */
-    Read read;
+    Json (*read)(const Json& value, const std::string& path, const FaultRule& rule);
 
     // Of a kind of fault, of which a rule has one; of nothing else.
     bool (*isFor)(std::string_view function) = nullptr;
@@ -186,12 +184,6 @@ bool isSame(const FaultRule& left, const FaultRule& right) {
     return uses == right.json;
 }
 
-bool isFor(const FaultRule& rule, std::string_view function,
-           std::optional<std::int32_t> serialNumber) {
-    return rule.isFor(function) && (!rule.has("serialNumber") ||
-                                    rule.json["serialNumber"].get<std::int32_t>() == serialNumber);
-}
-
 /** Whether the rule, met by a call, goes by chance and does nothing this time. */
 bool isSpared(const FaultRule& rule, std::mt19937& chance) {
     return rule.has("probability") &&
@@ -203,13 +195,11 @@ bool isSpared(const FaultRule& rule, std::mt19937& chance) {
 FaultRule makeFaultRule(const Json& json, const std::string& path) {
     FaultRule rule;
     const std::string name = readString(fieldOf(json, path, "function"), joined(path, "function"));
-    const auto isCalled = [&](std::string_view function) {
-        return name == "*" || name == function;
-    };
-    require(std::any_of(functionNames.begin(), functionNames.end(), isCalled),
+    rule.json["function"] = name;
+    require(std::any_of(functionNames.begin(), functionNames.end(),
+                        [&](std::string_view function) { return rule.isFor(function); }),
             joined(path, "function"), "is not the name of a function");
     const Json call = json.value("call", Json("every"));
-    rule.json["function"] = name;
     rule.json["call"] = readCall(call, joined(path, "call"), rule);
     std::vector<std::string> known = {"function", "call"};
     const char* kind = nullptr;
@@ -264,23 +254,20 @@ bool useUp(std::vector<FaultRule>& rules, const FaultRule& used) {
                                     [&](const FaultRule& rule) { return isSame(rule, used); });
     if (found == rules.end())
         return false;
-    const auto left = found->json["times"].get<std::uint32_t>() - 1;
-    found->json["times"] = left;
-    if (left == 0)
+    found->json["times"] = found->json["times"].get<std::uint32_t>() - 1;
+    if (found->json["times"] == 0)
         rules.erase(found);
     return true;
 }
 
 void FaultCounters::assign(const std::vector<FaultRule>& rules) {
-    std::vector<Counted> before;
-    before.swap(m_rules);
+    std::vector<Counted> before = std::exchange(m_rules, {});
     for (const FaultRule& rule : rules) {
         const auto known = std::find_if(before.begin(), before.end(), [&](const Counted& counted) {
             return isSame(counted.rule, rule);
         });
         if (known != before.end()) {
-            m_rules.push_back(std::move(*known));
-            m_rules.back().rule = rule;
+            m_rules.push_back({rule, std::move(known->calls), known->chance});
             before.erase(known);
             continue;
         }
@@ -297,7 +284,9 @@ std::vector<FaultRule> FaultCounters::meet(std::string_view function,
     std::vector<FaultRule> met;
     for (Counted& counted : m_rules) {
         const FaultRule& rule = counted.rule;
-        if (!isFor(rule, function, serialNumber))
+        const bool isForInstrument = !rule.has("serialNumber") ||
+                                     rule.json["serialNumber"].get<std::int32_t>() == serialNumber;
+        if (!rule.isFor(function) || !isForInstrument)
             continue;
         const std::uint64_t call = ++counted.calls[function];
         const bool isPast = rule.lastCall != UINT32_MAX && call > rule.lastCall;

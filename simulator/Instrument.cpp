@@ -1,4 +1,4 @@
-#include "simulator/Instrument.h"
+// One instrument and everything that it keeps.
 
 #include "simulator/Bench.h"
 #include "simulator/Records.h"

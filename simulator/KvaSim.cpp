@@ -13,6 +13,7 @@ namespace {
 
 using kvasim::Bench;
 using kvasim::BenchStore;
+using kvasim::Json;
 using kvasim::Simulator;
 
 // No std::string: a thread's destructor for it would keep the library from being unloaded.
@@ -31,6 +32,10 @@ bool attempt(const std::function<void(Simulator&)>& work) {
 
 bool change(const std::function<void(Bench&)>& make) {
     return attempt([&](Simulator& simulator) { simulator.change(make); });
+}
+
+bool changeInstrument(int32_t serialNumber, const std::function<void(Json&)>& make) {
+    return change([&](Bench& next) { kvasim::changeInstrument(next, serialNumber, make); });
 }
 
 std::string text(const char* given) {
@@ -70,35 +75,31 @@ void KvaSim_Reset(void) {
 }
 
 bool KvaSim_Plug(int32_t serialNumber) {
-    return change(
-        [&](Bench& next) { kvasim::setPlugged(kvasim::instrumentOf(next, serialNumber), true); });
+    return changeInstrument(serialNumber,
+                            [](Json& instrument) { kvasim::setPlugged(instrument, true); });
 }
 
 bool KvaSim_Unplug(int32_t serialNumber) {
-    return change(
-        [&](Bench& next) { kvasim::setPlugged(kvasim::instrumentOf(next, serialNumber), false); });
+    return changeInstrument(serialNumber,
+                            [](Json& instrument) { kvasim::setPlugged(instrument, false); });
 }
 
 bool KvaSim_PowerCycle(int32_t serialNumber) {
-    return change([&](Bench& next) {
-        kvasim::Json& instrument = kvasim::instrumentOf(next, serialNumber);
+    return changeInstrument(serialNumber, [](Json& instrument) {
         kvasim::powerCycle(instrument);
         instrument["poweredOn"] = 0;
     });
 }
 
 bool KvaSim_Set(int32_t serialNumber, const char* jsonMergePatch) {
-    return change([&](Bench& next) {
-        const kvasim::Json patch = kvasim::parseJson(text(jsonMergePatch));
-        kvasim::patch(kvasim::instrumentOf(next, serialNumber), patch);
-        kvasim::requireDifferentSerialNumbers(next);
+    return changeInstrument(serialNumber, [&](Json& instrument) {
+        kvasim::patch(instrument, kvasim::parseJson(text(jsonMergePatch)));
     });
 }
 
 bool KvaSim_AddFault(const char* json) {
     return change([&](Bench& next) {
-        const kvasim::Json rule = kvasim::parseJson(text(json));
-        kvasim::addFault(next.faults, kvasim::makeFaultRule(rule, ""));
+        kvasim::addFault(next.faults, kvasim::makeFaultRule(kvasim::parseJson(text(json)), ""));
     });
 }
 

@@ -117,9 +117,7 @@ private:
     std::string m_refusal;               // why not; empty: not tried yet
     std::optional<Connection> m_connection;
     FaultCounters m_faults;
-    // By serial number: the parts of an instrument as they were before the last write that changed
-    // them.
-    std::map<std::int32_t, Json> m_formerAnswers;
+    std::map<std::int32_t, Json> m_formerAnswers; // parts of instruments before the last write
     std::optional<std::vector<KVA_PORTINFO>> m_formerPorts;
 
     CallLog m_log;

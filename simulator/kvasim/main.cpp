@@ -137,8 +137,7 @@ void addInstrumentCommands(CLI::App& app, Options& options) {
         command = addSerialCommand(app, name, description, options);
         command->callback([&options, make] {
             change(options, [&](Bench& next) {
-                make(kvasim::instrumentOf(next, options.serialNumber));
-                kvasim::requireDifferentSerialNumbers(next);
+                kvasim::changeInstrument(next, options.serialNumber, make);
             });
         });
     };
