@@ -12,7 +12,6 @@
 #include <thread>
 #include <utility>
 
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -23,28 +22,9 @@ namespace fs = std::filesystem;
 namespace {
 
 constexpr std::int64_t second = 1000000000; // in nanoseconds
+constexpr std::int64_t maxFileSize = std::int64_t{64} * 1024 * 1024;
 constexpr std::chrono::seconds patience{1};
 constexpr std::chrono::milliseconds pause{20};
-
-// The bytes of the lock file that stand for something; none of them is ever written.
-constexpr std::int64_t changePlace = 0;
-constexpr std::int64_t usePlace = 1;
-
-std::int64_t placeOf(std::int32_t serialNumber) {
-    return 2 + std::int64_t{static_cast<std::uint32_t>(serialNumber)};
-}
-
-/** @return false with `errno` */
-bool setLock(int file, int command, short type, std::int64_t place) {
-    struct flock lock {};
-    lock.l_type = type;
-    lock.l_whence = SEEK_SET;
-    lock.l_start = place;
-    lock.l_len = 1;
-    return ::fcntl(file, command, &lock) == 0 && (command != F_GETLK || lock.l_type != F_UNLCK);
-}
-
-constexpr std::int64_t maxFileSize = std::int64_t{64} * 1024 * 1024;
 
 /** Gives the file a time after that of @p before. The system's own times are coarse: two changes
     within some milliseconds would have the same.
@@ -180,34 +160,23 @@ void BenchLock::lock() const {
         return;
     if (m_file < 0)
         fail(m_path, "cannot be opened", EACCES);
-    while (!setLock(m_file, F_SETLKW, F_WRLCK, changePlace)) {
+    while (!set(F_SETLKW, F_WRLCK, changePlace)) {
         if (errno != EINTR)
             fail(m_path, "cannot be locked", errno);
     }
 }
 
 void BenchLock::unlock() const {
-    setLock(m_file, F_SETLK, F_UNLCK, changePlace);
+    set(F_SETLK, F_UNLCK, changePlace);
 }
 
-bool BenchLock::hold(std::int32_t serialNumber) const {
-    return m_file < 0 || setLock(m_file, F_SETLK, F_WRLCK, placeOf(serialNumber));
-}
-
-void BenchLock::release(std::int32_t serialNumber) const {
-    setLock(m_file, F_SETLK, F_UNLCK, placeOf(serialNumber));
-}
-
-bool BenchLock::isHeld(std::int32_t serialNumber) const {
-    return setLock(m_file, F_GETLK, F_WRLCK, placeOf(serialNumber));
-}
-
-void BenchLock::use() const {
-    setLock(m_file, F_SETLK, F_RDLCK, usePlace); // shared
-}
-
-bool BenchLock::isUsed() const {
-    return setLock(m_file, F_GETLK, F_WRLCK, usePlace);
+bool BenchLock::set(int command, short type, std::int64_t place) const {
+    struct flock lock {};
+    lock.l_type = type;
+    lock.l_whence = SEEK_SET;
+    lock.l_start = place;
+    lock.l_len = 1;
+    return ::fcntl(m_file, command, &lock) == 0 && (command != F_GETLK || lock.l_type != F_UNLCK);
 }
 
 std::unique_ptr<BenchStore> BenchStore::open(const std::string& path) {

@@ -14,6 +14,8 @@
 #include <optional>
 #include <string>
 
+#include <fcntl.h>
+
 namespace kvasim {
 
 /** Tells two states of a file apart. All zero: there is no file. */
@@ -80,17 +82,31 @@ public:
     void unlock() const;
 
     /** Holds an instrument for this program. @return false when another program does */
-    bool hold(std::int32_t serialNumber) const;
-    void release(std::int32_t serialNumber) const;
+    bool hold(std::int32_t serialNumber) const {
+        return m_file < 0 || set(F_SETLK, F_WRLCK, placeOf(serialNumber));
+    }
+    void release(std::int32_t serialNumber) const { set(F_SETLK, F_UNLCK, placeOf(serialNumber)); }
 
     /** Whether another program holds the instrument. */
-    bool isHeld(std::int32_t serialNumber) const;
+    bool isHeld(std::int32_t serialNumber) const {
+        return set(F_GETLK, F_WRLCK, placeOf(serialNumber));
+    }
 
     /** Tells others that this program uses the bench, and whether another one does. */
-    void use() const;
-    bool isUsed() const;
+    void use() const { set(F_SETLK, F_RDLCK, usePlace); }
+    bool isUsed() const { return set(F_GETLK, F_WRLCK, usePlace); }
 
 private:
+    // The bytes of the file that stand for something; none of them is ever written.
+    static constexpr std::int64_t changePlace = 0;
+    static constexpr std::int64_t usePlace = 1;
+    static std::int64_t placeOf(std::int32_t serialNumber) {
+        return 2 + std::int64_t{static_cast<std::uint32_t>(serialNumber)};
+    }
+
+    /** @return false with `errno`; for F_GETLK, whether another program has the lock */
+    bool set(int command, short type, std::int64_t place) const;
+
     const std::string m_path;
     int m_file = -1;
 };

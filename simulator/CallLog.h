@@ -24,14 +24,12 @@ std::string callLogPath(const std::string& bench);
 /** Any thread may call any function. */
 class CallLog {
 public:
-    /** From the next call on the calls go to the file of this bench; see `callLogPath`, which is
-        asked with that call. */
+    /** From the next call on the calls go to the file that `callLogPath` then names. */
     void setBench(const std::string& bench);
 
-    /** Adds a call under the next number, from 1. In memory are the last 100000. In a file beside
-        a bench are the last 4 MiB: a full one is moved to FILE.log.old, in place of an earlier
-        one; a file that `KVASIM_TRACE` names is never moved. That a file cannot be written is said
-        once on standard error.
+    /** Adds a call under the next number, from 1. In memory are the last 100000. A file beside a
+        bench is moved to FILE.log.old when it has 4 MiB. That a file cannot be written is said once
+        on standard error.
         @param call its fields from "function" on, without secrets */
     void add(const Json& call);
 

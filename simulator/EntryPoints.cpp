@@ -9,7 +9,10 @@ namespace {
 
 using kvasim::CallEffects;
 using kvasim::Json;
-using kvasim::Simulator;
+
+kvasim::Simulator& simulator() {
+    return kvasim::Simulator::instance();
+}
 
 /** The CRC-32 of Ethernet and ZIP files: enough to tell records in a log apart. */
 std::string crc32(const void* data, std::size_t size) {
@@ -32,12 +35,11 @@ const Json& whole(const Json& instrument) {
 template <typename Bytes>
 KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
                     const Json& (*part)(const Json&) = whole) {
-    Simulator& simulator = Simulator::instance();
-    return simulator.perform({record.source}, [&](const CallEffects& effects) -> KVA_RESULT {
+    return simulator().perform({record.source}, [&](const CallEffects& effects) -> KVA_RESULT {
         if (target == nullptr)
             return KVA_ERROR_ARGUMENT;
         Bytes answer{};
-        const KVA_RESULT result = simulator.read(effects, [&](const Json& instrument) {
+        const KVA_RESULT result = simulator().read(effects, [&](const Json& instrument) {
             answer = kvasim::fromJson<Bytes>(record, part(instrument));
         });
         if (result != KVA_SUCCESS || effects.answerIsLost())
@@ -54,12 +56,11 @@ KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
 template <typename Bytes>
 KVA_RESULT writeFrom(const char* function, const Bytes* source, const kvasim::Record& record,
                      const char* place, Json (*describe)(const Bytes& given)) {
-    Simulator& simulator = Simulator::instance();
     Json arguments = source == nullptr ? Json::object() : describe(*source);
-    return simulator.perform({function, std::move(arguments)}, [&](const CallEffects& effects) {
+    return simulator().perform({function, std::move(arguments)}, [&](const CallEffects& effects) {
         if (source == nullptr)
             return KVA_RESULT{KVA_ERROR_ARGUMENT};
-        return simulator.write(effects, [&](Json& instrument) -> KVA_RESULT {
+        return simulator().write(effects, [&](Json& instrument) -> KVA_RESULT {
             instrument[kvasim::pointerTo(place)].update(kvasim::toJson(record, source));
             return KVA_SUCCESS;
         });
@@ -88,45 +89,42 @@ Json describeCalibration(const KVA_JIG_CALREFDATA& given) {
 extern "C" {
 
 KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
-    Simulator& simulator = Simulator::instance();
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
     if (handler == nullptr)
-        simulator.registerHandler(nullptr);
-    return simulator.perform({__func__, {{"handler", handler != nullptr}}},
-                             [&](const CallEffects&) {
-                                 return handler == nullptr ? KVA_RESULT{KVA_SUCCESS}
-                                                           : simulator.registerHandler(handler);
-                             });
+        simulator().registerHandler(nullptr);
+    return simulator().perform({__func__, {{"handler", handler != nullptr}}},
+                               [&](const CallEffects&) {
+                                   return handler == nullptr ? KVA_RESULT{KVA_SUCCESS}
+                                                             : simulator().registerHandler(handler);
+                               });
 }
 
 KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
-    Simulator& simulator = Simulator::instance();
-    return simulator.perform({__func__, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
-                             [&](const CallEffects& effects) {
-                                 if (count == nullptr || maxEntries < 0 ||
-                                     (list == nullptr && maxEntries > 0))
-                                     return KVA_RESULT{KVA_ERROR_ARGUMENT};
-                                 return simulator.listPorts(effects, list, maxEntries, *count);
-                             });
+    return simulator().perform({__func__, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
+                               [&](const CallEffects& effects) {
+                                   if (count == nullptr || maxEntries < 0 ||
+                                       (list == nullptr && maxEntries > 0))
+                                       return KVA_RESULT{KVA_ERROR_ARGUMENT};
+                                   return simulator().listPorts(effects, list, maxEntries, *count);
+                               });
 }
 
 KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
-    Simulator& simulator = Simulator::instance();
     kvasim::Call call = {__func__};
     if (port != nullptr) {
         call.arguments = kvasim::toJson(kvasim::portRecord, port);
         call.serialNumber = port->serialNumber;
     }
     call.arguments["wait"] = wait;
-    return simulator.perform(std::move(call), [&](const CallEffects& effects) {
-        return port == nullptr ? KVA_RESULT{KVA_ERROR_ARGUMENT} : simulator.connect(effects, *port);
+    return simulator().perform(std::move(call), [&](const CallEffects& effects) {
+        return port == nullptr ? KVA_RESULT{KVA_ERROR_ARGUMENT}
+                               : simulator().connect(effects, *port);
     });
 }
 
 KVA_RESULT KVA_Disconnect(void) {
-    Simulator& simulator = Simulator::instance();
-    return simulator.perform(
-        {__func__}, [&](const CallEffects& effects) { return simulator.disconnect(effects); });
+    return simulator().perform(
+        {__func__}, [&](const CallEffects& effects) { return simulator().disconnect(effects); });
 }
 
 KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
@@ -161,9 +159,8 @@ KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
 }
 
 KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
-    Simulator& simulator = Simulator::instance();
-    return simulator.perform({__func__}, [&](const CallEffects& effects) {
-        return simulator.write(effects, kvasim::commitCalibration);
+    return simulator().perform({__func__}, [&](const CallEffects& effects) {
+        return simulator().write(effects, kvasim::commitCalibration);
     });
 }
 

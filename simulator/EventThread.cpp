@@ -8,10 +8,6 @@
 
 namespace kvasim {
 
-EventThread::~EventThread() {
-    setHandler(nullptr);
-}
-
 bool EventThread::setHandler(KVA_DeviceEventHandler handler) {
     if (isCurrent()) {
         const std::lock_guard<std::mutex> lock(m_mutex);

@@ -24,25 +24,20 @@ struct DeviceEvent {
     std::optional<std::int32_t> owner{}; /**< for `dropLater` */
 };
 
-/** Delivers events in order, one at a time, on a thread that lives while a handler is installed. No
-    lock of this class is held during a delivery, so a handler may call anything, this class
-    included. Any thread may call any function. */
+/** Delivers events in order, one at a time, on a thread that lives while a handler is installed. A
+    handler may call anything, this class included. Any thread may call any function. */
 class EventThread {
 public:
-    /** The time between two looks. */
-    static constexpr std::chrono::milliseconds lookPeriod{50};
-
-    /** @param look called on the thread, between deliveries and without any lock; throws nothing */
+    /** @param look called on the thread every 50 ms, between deliveries; throws nothing */
     explicit EventThread(std::function<void()> look) : m_look(std::move(look)) {}
-    ~EventThread();
+    ~EventThread() { setHandler(nullptr); }
     EventThread(const EventThread&) = delete;
     EventThread& operator=(const EventThread&) = delete;
 
-    /** Installs @p handler for all later deliveries; null removes it and drops the events that
-        wait. When it returns, no earlier handler is running or will be called again, and after a
-        removal the thread has ended. From within a handler it returns at once instead: the delivery
-        under way is then the last one of the earlier handler, and the thread ends with the next
-        removal.
+    /** Installs @p handler; null removes it and drops the events that wait. When it returns, no
+        earlier handler is running or will be called again, and after a removal the thread has
+        ended. From within a handler it returns at once: the delivery under way is the last one of
+        the earlier handler, and the thread ends with the next removal.
         @return false when the thread cannot be started; nothing is then installed. */
     bool setHandler(KVA_DeviceEventHandler handler);
 
@@ -62,6 +57,7 @@ public:
 
 private:
     using Clock = std::chrono::steady_clock;
+    static constexpr std::chrono::milliseconds lookPeriod{50};
 
     bool ensureStarted();
     void install(KVA_DeviceEventHandler handler);

@@ -54,7 +54,7 @@ struct FaultRule {
     @throws InputError when @p json is no rule. */
 FaultRule makeFaultRule(const Json& json, const std::string& path);
 
-/** Adds what a rule does to what others do. */
+/** Adds what a rule does. */
 void apply(const FaultRule& rule, CallEffects& effects);
 
 /** Adds a rule: draws its number, and the seed of its chance where it has none. */

@@ -77,14 +77,6 @@ Json defaultsFor(std::int32_t serialNumber) {
     return json;
 }
 
-/** Takes the instrument's JSON as it should be. */
-void take(Json& instrument, const Json& json) {
-    Json next = makeInstrument(json, "");
-    if (isPlugged(next) != isPlugged(instrument))
-        next["poweredOn"] = 0;
-    instrument = std::move(next);
-}
-
 /** Whether the place is that of a field that is written as a string. */
 bool isString(const std::string& path) {
     const auto places = instrumentPlaces();
@@ -102,18 +94,6 @@ Json valueOf(const std::string& text, const std::string& place) {
     } catch (const InputError&) {
         return text; // whether a text is right is found when the instrument is made
     }
-}
-
-void setAt(Json& json, const std::string& place, Json value) {
-    const Json::json_pointer pointer = pointerTo(place);
-    const Json::json_pointer parent = pointer.parent_pointer();
-    const bool isThere = json.contains(pointer);
-    if (!isThere && json.contains(parent) && json[parent].is_array())
-        throw InputError(place + ": has no element " + pointer.back());
-    if (isThere && value.is_null() && json[parent].is_object())
-        json[parent].erase(pointer.back());
-    else
-        json[pointer] = std::move(value);
 }
 
 } // namespace
@@ -203,7 +183,10 @@ void patch(Json& instrument, const Json& patch) {
             merged[pointerTo(place)] = nullptr; // bytes are replaced as a whole
     }
     merged.merge_patch(patch);
-    take(instrument, merged);
+    merged = makeInstrument(merged, "");
+    if (isPlugged(merged) != isPlugged(instrument))
+        merged["poweredOn"] = 0;
+    instrument = std::move(merged);
 }
 
 void assign(Json& instrument, const std::string& assignment) {
@@ -211,22 +194,29 @@ void assign(Json& instrument, const std::string& assignment) {
     if (equals == std::string::npos || equals == 0)
         throw InputError(assignment + ": is not FIELD=VALUE");
     const std::string place = assignment.substr(0, equals);
-    for (Json::json_pointer step = pointerTo(place); !step.empty(); step.pop_back()) {
-        if (step.back().empty())
-            throw InputError(place + ": is not the path of a field");
-    }
-    Json json = instrument;
+    Json::json_pointer pointer = pointerTo(place);
+    Json value = valueOf(assignment.substr(equals + 1), place);
+    Json whole = instrument;
     for (const Optional& optional : optionals) {
-        Json& present = json[pointerTo(optional.place)];
-        if (present.is_null() && place.find(optional.place + std::string(".")) == 0)
-            present = json[pointerTo(optional.otherwise)];
+        if (whole[pointerTo(optional.place)].is_null())
+            whole[pointerTo(optional.place)] = whole[pointerTo(optional.otherwise)];
     }
-    try {
-        setAt(json, place, valueOf(assignment.substr(equals + 1), place));
-    } catch (const Json::exception&) {
-        refuse(place, "is not a known field");
+    const Json::json_pointer parent = pointer.parent_pointer();
+    if (whole.contains(parent) && whole[parent].is_array()) { // a patch has whole arrays only
+        if (!whole.contains(pointer))
+            throw InputError(place + ": has no element " + pointer.back());
+        whole[pointer] = std::move(value);
+        value = std::move(whole[parent]);
+        pointer = parent;
     }
-    take(instrument, json);
+    for (; !pointer.empty(); pointer.pop_back()) {
+        if (pointer.back().empty())
+            throw InputError(place + ": is not the path of a field");
+        Json outer;
+        outer[pointer.back()] = std::move(value);
+        value = std::move(outer);
+    }
+    patch(instrument, value);
 }
 
 void hideKey(Json& network) {

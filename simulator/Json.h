@@ -36,8 +36,7 @@ enum class Comments { Refused, Allowed };
     key given twice in one object, more than 64 levels or an object of more than 1000 keys. */
 Json parseJson(std::string_view text, Comments comments = Comments::Refused);
 
-/** The document with an indent of two, one field a line; arrays of plain values stay on one line.
-    Ends with a line feed. */
+/** The document with an indent of two, one field a line, arrays of plain values on one line. */
 std::string formatJson(const Json& value);
 
 /** @throws InputError always: "path: reason". */
@@ -46,7 +45,7 @@ std::string formatJson(const Json& value);
 /** The same, unless @p isGood. */
 void require(bool isGood, const std::string& path, const std::string& reason);
 
-/** "path.key", or the key where the path is empty. */
+/** "path.key", or what is there of the two. */
 std::string joined(const std::string& path, const std::string& key);
 
 /** Refuses what is no object, and an object with a field that is not among @p known. */

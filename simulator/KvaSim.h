@@ -18,11 +18,9 @@
 extern "C" {
 #endif
 
-/** Puts the bench of a file in place of the present one; changes are then saved in that file. The
+/** Puts the bench of a file, or one that is kept in memory only, in place of the present one. The
     connection ends without an event, and calls are counted anew; log and handler stay. */
 bool KvaSim_LoadFile(const char* path);
-
-/** As `KvaSim_LoadFile`, with a bench that is kept in memory only. */
 bool KvaSim_LoadJson(const char* json);
 
 /** Forgets bench, connection and log; a registered handler stays. The next use reads the bench from
@@ -56,11 +54,10 @@ void KvaSim_EmitEvent(uint32_t code, uint32_t rawDataCount, int32_t error);
     that is still starting; from within a handler, at once. */
 void KvaSim_WaitForEvents(void);
 
-/** The whole bench as JSON, security keys included. To be given back with `KvaSim_Free`. */
+/** The whole bench as JSON, security keys included, and the log as a JSON array of {"seq",
+    "function", "arguments", "result", "resultName", "durationUs"}: the last 100 000 calls, oldest
+    first. To be given back with `KvaSim_Free`. */
 char* KvaSim_State(void);
-
-/** The log as a JSON array of {"seq", "function", "arguments", "result", "resultName",
-    "durationUs"}: the last 100 000 calls, oldest first. To be given back with `KvaSim_Free`. */
 char* KvaSim_CallLog(void);
 
 /** Empties the log; its numbers go on. */

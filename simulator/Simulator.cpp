@@ -115,10 +115,6 @@ void Simulator::unplug(const CallEffects& effects, const Call& call) {
     }
 }
 
-KVA_RESULT Simulator::registerHandler(KVA_DeviceEventHandler handler) {
-    return m_events.setHandler(handler) ? KVA_SUCCESS : KVA_ERROR;
-}
-
 KVA_RESULT Simulator::listPorts(const CallEffects& effects, KVA_PORTINFO* list,
                                 std::int32_t capacity, std::int32_t& count) {
     const std::lock_guard<std::mutex> lock(m_mutex);

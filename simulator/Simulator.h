@@ -22,10 +22,9 @@
 
 namespace kvasim {
 
-/** What the log and the rules need to know of a call. */
 struct Call {
     std::string_view function;
-    Json arguments = Json::object();            /**< without secrets */
+    Json arguments = Json::object();            /**< for the log, without secrets */
     std::optional<std::int32_t> serialNumber{}; /**< the instrument that the call names itself */
 };
 
@@ -56,7 +55,9 @@ public:
     KVA_RESULT perform(Call call, const Work& work);
 
     /** @return KVA_ERROR when the event thread cannot be started. */
-    KVA_RESULT registerHandler(KVA_DeviceEventHandler handler);
+    KVA_RESULT registerHandler(KVA_DeviceEventHandler handler) {
+        return m_events.setHandler(handler) ? KVA_SUCCESS : KVA_ERROR;
+    }
 
     /** Fills up to @p capacity entries of @p list; a null @p list counts only.
         @param count set to the number of entries filled, or of attached instruments */
@@ -103,13 +104,17 @@ private:
     void requireBench();
     void take(std::unique_ptr<BenchStore> store);
     void look();
-    void refresh();
-    void changeLocked(const std::function<void(Bench&)>& make);
+    void refresh() {
+        m_store->refresh([this](const Bench& before) { see(before); });
+    }
+    void changeLocked(const std::function<void(Bench&)>& make) {
+        m_store->change(make, [this](const Bench& before) { see(before); });
+    }
 
+    /** Lets what is different from @p before have its effect. */
     void see(const Bench& before);
     void see(const Json& before, const Json& after);
     void announce(const Json& instrument);
-    bool isConnected(std::int32_t serialNumber) const;
     void loseConnection();
 
     std::mutex m_mutex;                  // everything below down to m_log

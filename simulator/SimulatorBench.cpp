@@ -89,15 +89,6 @@ void Simulator::look() {
     }
 }
 
-void Simulator::refresh() {
-    m_store->refresh([this](const Bench& before) { see(before); });
-}
-
-void Simulator::changeLocked(const std::function<void(Bench&)>& make) {
-    m_store->change(make, [this](const Bench& before) { see(before); });
-}
-
-/** Lets what is different from @p before have its effect. */
 void Simulator::see(const Bench& before) {
     const Bench& now = m_store->bench();
     m_faults.assign(now.faults);
@@ -121,7 +112,8 @@ void Simulator::see(const Bench& before) {
 
 void Simulator::see(const Json& before, const Json& after) {
     const std::int32_t serialNumber = serialNumberOf(after);
-    const bool wasConnected = isConnected(serialNumberOf(before));
+    const bool wasConnected =
+        m_connection && !m_connection->lost && m_connection->serialNumber == serialNumberOf(before);
     if (wasConnected && serialNumber != serialNumberOf(before)) {
         m_store->lock().release(m_connection->serialNumber);
         m_store->lock().hold(serialNumber);
@@ -144,10 +136,6 @@ void Simulator::announce(const Json& instrument) {
     // A millisecond more: when it is announced, it is listed too.
     m_events.post({eEventCode_Standby, 0, 0, serialNumberOf(instrument)},
                   std::chrono::milliseconds(left == 0 ? 0 : left + 1));
-}
-
-bool Simulator::isConnected(std::int32_t serialNumber) const {
-    return m_connection && !m_connection->lost && m_connection->serialNumber == serialNumber;
 }
 
 void Simulator::loseConnection() {

@@ -111,36 +111,31 @@ void makeBench(const Options& options) {
     kvasim::fail(path, "cannot be written", error);
 }
 
-CLI::App* addSerialCommand(CLI::App& app, const char* name, const char* description,
-                           Options& options) {
-    CLI::App* command = app.add_subcommand(name, description);
-    command->add_option("SERIAL", options.serialNumber, "serial number of the instrument")
-        ->required();
-    return command;
-}
-
 void addInstrumentCommands(CLI::App& app, Options& options) {
     CLI::App* command = app.add_subcommand("list", "List the instruments");
     command->add_flag("--json", options.json, "as JSON");
     command->add_flag("--serials", options.serialNumbersOnly, "serial numbers only");
     command->callback([&] { list(options); });
 
-    command = addSerialCommand(
-        app, "show", "Show an instrument: settings active and pending, data committed and staged",
-        options);
-    command->add_flag("--json", options.json, "as JSON");
-    command->add_flag("--reveal", options.reveal, "show security keys");
-    command->callback([&] { show(options); });
-
+    const auto addSerialCommand = [&](const char* name, const char* description) {
+        command = app.add_subcommand(name, description);
+        command->add_option("SERIAL", options.serialNumber, "serial number of the instrument")
+            ->required();
+        return command;
+    };
     const auto addChange = [&](const char* name, const char* description,
-                               const std::function<void(Json & instrument)>& make) {
-        command = addSerialCommand(app, name, description, options);
-        command->callback([&options, make] {
+                               const std::function<void(Json&)>& make) {
+        addSerialCommand(name, description)->callback([&options, make] {
             change(options, [&](Bench& next) {
                 kvasim::changeInstrument(next, options.serialNumber, make);
             });
         });
     };
+    addSerialCommand("show",
+                     "Show an instrument: settings active and pending, data committed and staged")
+        ->callback([&] { show(options); });
+    command->add_flag("--json", options.json, "as JSON");
+    command->add_flag("--reveal", options.reveal, "show security keys");
     addChange("plug", "Attach an instrument",
               [](Json& instrument) { kvasim::setPlugged(instrument, true); });
     addChange("unplug", "Detach an instrument",
@@ -226,9 +221,9 @@ void addFaultCommands(CLI::App& app, Options& options, Json& rule) {
             kvasim::addFault(next.faults, kvasim::makeFaultRule(rule, "fault"));
         });
     });
-    CLI::App* rules = fault->add_subcommand("list", "List the rules in force");
-    rules->add_flag("--json", options.json, "as JSON");
-    rules->callback([&] { listFaults(options); });
+    fault->add_subcommand("list", "List the rules in force")
+        ->callback([&] { listFaults(options); })
+        ->add_flag("--json", options.json, "as JSON");
     fault->add_subcommand("clear", "Remove all rules")->callback([&] {
         change(options, [](Bench& next) { next.faults.clear(); });
     });
@@ -240,14 +235,15 @@ void addLogAndBenchCommands(CLI::App& app, Options& options) {
     calls->add_flag("--json", options.json, "as JSON, a line each");
     calls->callback([&] { log(options); });
 
-    CLI::App* bench = app.add_subcommand("bench", "Bench files");
-    bench->require_subcommand(1);
-    CLI::App* checking = bench->add_subcommand("check", "Say whether a bench file is good");
-    checking->add_option("FILE", options.file, "bench file")->required();
-    checking->callback([&] { check(options); });
-    CLI::App* init = bench->add_subcommand("init", "Write a starting bench with comments");
-    init->add_option("FILE", options.file, "file to make; it must not be there yet")->required();
-    init->callback([&] { makeBench(options); });
+    CLI::App* bench = app.add_subcommand("bench", "Bench files")->require_subcommand(1);
+    bench->add_subcommand("check", "Say whether a bench file is good")
+        ->callback([&] { check(options); })
+        ->add_option("FILE", options.file, "bench file")
+        ->required();
+    bench->add_subcommand("init", "Write a starting bench with comments")
+        ->callback([&] { makeBench(options); })
+        ->add_option("FILE", options.file, "file to make; it must not be there yet")
+        ->required();
 }
 
 int run(int argumentCount, char** arguments) {
