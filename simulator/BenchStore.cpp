@@ -26,24 +26,18 @@ constexpr std::int64_t maxFileSize = std::int64_t{64} * 1024 * 1024;
 constexpr std::chrono::seconds patience{1};
 constexpr std::chrono::milliseconds pause{20};
 
-/** Gives the file a time after that of @p before. The system's own times are coarse: two changes
-    within some milliseconds would have the same.
-    @return false with `errno` */
-bool setTimeAfter(const Stamp& before, int file) {
-    const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
-    const std::int64_t time = std::max<std::int64_t>(now.count(), before.time + 1);
-    const timespec stamp = {time / second, time % second};
-    const timespec times[2] = {stamp, stamp};
-    return ::futimens(file, times) == 0;
-}
-
-/** Writes the new file, with the mode and after the time of the one that it will replace.
+/** Writes the new file, with the mode and after the time of the one that it will replace: the
+    system's own times are coarse, two changes within some milliseconds would have the same.
     @return false with `errno` */
 bool writeBeside(int file, const std::string& path, const std::string& text) {
     struct stat old {};
     const bool isThere = ::stat(path.c_str(), &old) == 0;
+    const std::chrono::nanoseconds now = std::chrono::system_clock::now().time_since_epoch();
+    const std::int64_t time = std::max<std::int64_t>(now.count(), stampOf(path).time + 1);
+    const timespec stamp = {time / second, time % second};
+    const timespec times[2] = {stamp, stamp};
     return (!isThere || ::fchmod(file, old.st_mode & 0777U) == 0) && writeAtOnce(file, text) &&
-           setTimeAfter(stampOf(path), file) && ::fsync(file) == 0;
+           ::futimens(file, times) == 0 && ::fsync(file) == 0;
 }
 
 /** The folder for users' data, empty when the user has no home. */

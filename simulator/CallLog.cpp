@@ -16,17 +16,6 @@ namespace {
 constexpr std::size_t capacity = 100000; // calls in memory
 constexpr std::int64_t maxFileSize = std::int64_t{4} << 20U;
 
-/** @return 0 or the system's error number */
-int appendTo(const std::string& path, const std::string& line) {
-    const int file =
-        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (file < 0)
-        return errno;
-    const int error = writeAtOnce(file, line) ? 0 : errno;
-    ::close(file);
-    return error;
-}
-
 } // namespace
 
 std::string callLogPath(const std::string& bench) {
@@ -72,8 +61,13 @@ void CallLog::append(const std::string& line) {
         return;
     if (m_path == m_bench + ".log" && stampOf(m_path).size >= maxFileSize)
         static_cast<void>(std::rename(m_path.c_str(), (m_path + ".old").c_str()));
-    const int error = appendTo(m_path, line);
-    if (error == 0)
+    const int file =
+        ::open(m_path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+    const bool isWritten = file >= 0 && writeAtOnce(file, line);
+    const int error = errno;
+    if (file >= 0)
+        ::close(file);
+    if (isWritten)
         return;
     complain(m_path + ": the calls cannot be written, they end here: " +
              std::generic_category().message(error));

@@ -35,17 +35,14 @@ const Json& whole(const Json& instrument) {
 template <typename Bytes>
 KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
                     const Json& (*part)(const Json&) = whole) {
-    return simulator().perform({record.source}, [&](const CallEffects& effects) -> KVA_RESULT {
-        if (target == nullptr)
-            return KVA_ERROR_ARGUMENT;
+    return simulator().perform({record.source, target != nullptr}, [&](const CallEffects& effects) {
         Bytes answer{};
         const KVA_RESULT result = simulator().read(effects, [&](const Json& instrument) {
             answer = kvasim::fromJson<Bytes>(record, part(instrument));
         });
-        if (result != KVA_SUCCESS || effects.answerIsLost())
-            return result;
         kvasim::corrupt(effects, record.source, &answer);
-        *target = answer;
+        if (result == KVA_SUCCESS && !effects.answerIsLost())
+            *target = answer;
         return result;
     });
 }
@@ -57,14 +54,13 @@ template <typename Bytes>
 KVA_RESULT writeFrom(const char* function, const Bytes* source, const kvasim::Record& record,
                      const char* place, Json (*describe)(const Bytes& given)) {
     Json arguments = source == nullptr ? Json::object() : describe(*source);
-    return simulator().perform({function, std::move(arguments)}, [&](const CallEffects& effects) {
-        if (source == nullptr)
-            return KVA_RESULT{KVA_ERROR_ARGUMENT};
-        return simulator().write(effects, [&](Json& instrument) -> KVA_RESULT {
-            instrument[kvasim::pointerTo(place)].update(kvasim::toJson(record, source));
-            return KVA_SUCCESS;
+    return simulator().perform(
+        {function, source != nullptr, std::move(arguments)}, [&](const CallEffects& effects) {
+            return simulator().write(effects, [&](Json& instrument) -> KVA_RESULT {
+                instrument[kvasim::pointerTo(place)].update(kvasim::toJson(record, source));
+                return KVA_SUCCESS;
+            });
         });
-    });
 }
 
 Json describeNetwork(const KVA_NETWORKINFO& given) {
@@ -92,33 +88,30 @@ KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
     if (handler == nullptr)
         simulator().registerHandler(nullptr);
-    return simulator().perform({__func__, {{"handler", handler != nullptr}}},
-                               [&](const CallEffects&) {
-                                   return handler == nullptr ? KVA_RESULT{KVA_SUCCESS}
-                                                             : simulator().registerHandler(handler);
-                               });
+    Json arguments = {{"handler", handler != nullptr}};
+    return simulator().perform({__func__, true, std::move(arguments)}, [&](const CallEffects&) {
+        return handler == nullptr ? KVA_RESULT{KVA_SUCCESS} : simulator().registerHandler(handler);
+    });
 }
 
 KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
-    return simulator().perform({__func__, {{"list", list != nullptr}, {"maxEntries", maxEntries}}},
+    const bool hasRoom = maxEntries == 0 || (maxEntries > 0 && list != nullptr);
+    Json arguments = {{"list", list != nullptr}, {"maxEntries", maxEntries}};
+    return simulator().perform({__func__, hasRoom && count != nullptr, std::move(arguments)},
                                [&](const CallEffects& effects) {
-                                   if (count == nullptr || maxEntries < 0 ||
-                                       (list == nullptr && maxEntries > 0))
-                                       return KVA_RESULT{KVA_ERROR_ARGUMENT};
                                    return simulator().listPorts(effects, list, maxEntries, *count);
                                });
 }
 
 KVA_RESULT KVA_Connect(const KVA_PORTINFO* port, uint32_t wait) {
-    kvasim::Call call = {__func__};
+    kvasim::Call call = {__func__, port != nullptr};
     if (port != nullptr) {
         call.arguments = kvasim::toJson(kvasim::portRecord, port);
         call.serialNumber = port->serialNumber;
     }
     call.arguments["wait"] = wait;
     return simulator().perform(std::move(call), [&](const CallEffects& effects) {
-        return port == nullptr ? KVA_RESULT{KVA_ERROR_ARGUMENT}
-                               : simulator().connect(effects, *port);
+        return simulator().connect(effects, *port);
     });
 }
 

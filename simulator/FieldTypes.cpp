@@ -223,17 +223,4 @@ const FieldType macType = {readMac, macToJson, 1, true};
 const FieldType digitsType = {readDigits, digitsToJson, 1, true};
 const FieldType floatsType = {readFloats, floatsToJson, sizeof(float), false};
 
-std::optional<ByteRange> Field::range(std::string_view element) const {
-    if (element.empty())
-        return bytes;
-    const std::size_t width = type->elementSize;
-    const char* const digits = element.data() + 1;
-    const char* const end = element.data() + element.size() - 1;
-    std::size_t index = 0;
-    if (width == 0 || element.size() < 3 || element.front() != '[' || element.back() != ']' ||
-        std::from_chars(digits, end, index).ptr != end || index >= bytes.size / width)
-        return std::nullopt;
-    return ByteRange{bytes.offset + index * width, width};
-}
-
 } // namespace kvasim

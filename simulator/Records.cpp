@@ -1,6 +1,7 @@
 #include "simulator/Records.h"
 
 #include <algorithm>
+#include <charconv>
 
 namespace kvasim {
 
@@ -230,11 +231,19 @@ const Record* answerRecord(std::string_view function) {
 
 std::optional<ByteRange> rangeOf(const Record& record, std::string_view name) {
     const auto bracket = std::min(name.find('['), name.size());
-    for (const Field& field : record) {
-        if (name.substr(0, bracket) == field.name)
-            return field.range(name.substr(bracket));
-    }
-    return std::nullopt;
+    const auto* const field = std::find_if(record.begin(), record.end(), [&](const Field& one) {
+        return name.substr(0, bracket) == one.name;
+    });
+    if (field == record.end() || bracket == name.size())
+        return field == record.end() ? std::nullopt : std::optional(field->bytes);
+    const std::string_view digits = name.substr(bracket + 1);
+    const std::size_t width = field->type->elementSize;
+    std::size_t index = 0;
+    const char* const end = std::from_chars(digits.begin(), digits.end(), index).ptr;
+    if (width == 0 || end == digits.begin() || std::string_view(end, digits.end() - end) != "]" ||
+        index >= field->bytes.size / width)
+        return std::nullopt;
+    return ByteRange{field->bytes.offset + index * width, width};
 }
 
 } // namespace kvasim

@@ -61,10 +61,6 @@ struct Field {
     const char* name;  /**< in the record, "portType"; null: none */
     const FieldType* type;
     ByteRange bytes; /**< in the record */
-
-    /** The bytes of one element, "[3]"; of the whole field where @p element is empty.
-        @return nothing where the field has no such element */
-    std::optional<ByteRange> range(std::string_view element) const;
 };
 
 struct Record {

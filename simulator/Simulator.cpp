@@ -30,9 +30,8 @@ bool isForNoInstrument(std::string_view function) {
 } // namespace
 
 Simulator& Simulator::instance() {
-    static std::once_flag once;
-    std::call_once(once, [] { g_simulator = new Simulator; });
-    return *g_simulator;
+    static Simulator* const made = g_simulator = new Simulator;
+    return *made;
 }
 
 KVA_RESULT Simulator::perform(Call call, const Work& work) {
@@ -89,7 +88,11 @@ KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call, 
         effects.unplug == "before" || (effects.answerIsLost() && call.function == "KVA_Connect");
     if (early)
         unplug(effects, call);
-    KVA_RESULT result = effects.result.value_or(KVA_SUCCESS) < 0 ? *effects.result : work(effects);
+    KVA_RESULT result = KVA_ERROR_ARGUMENT;
+    if (effects.result.value_or(KVA_SUCCESS) < 0)
+        result = *effects.result;
+    else if (call.isValid)
+        result = work(effects);
     if (!effects.unplug.empty() && !early)
         unplug(effects, call);
     const bool isLost = effects.answerIsLost() && !isForNoInstrument(call.function);

@@ -24,6 +24,7 @@ namespace kvasim {
 
 struct Call {
     std::string_view function;
+    bool isValid = true;                        /**< otherwise KVA_ERROR_ARGUMENT */
     Json arguments = Json::object();            /**< for the log, without secrets */
     std::optional<std::int32_t> serialNumber{}; /**< the instrument that the call names itself */
 };
