@@ -4,6 +4,8 @@ InstrumentState Change::appliedTo(const InstrumentState& held) const {
     InstrumentState wanted = held;
     if (network)
         wanted.network = normalized(*network);
+    else if (wanted.network)
+        networkFields.mergeInto(*wanted.network);
     wanted.powerOffMode = powerOffMode.value_or(held.powerOffMode);
     if (calibration)
         wanted.calibration = *calibration;

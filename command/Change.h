@@ -2,6 +2,7 @@
 #define COMMAND_CHANGE_H
 
 #include "command/InstrumentState.h"
+#include "command/NetworkFields.h"
 #include "command/ValueFile.h"
 
 #include <optional>
@@ -10,6 +11,7 @@
 /** What an instrument is to hold. What is not named stays as it is. */
 struct Change {
     std::optional<KVA_NETWORKINFO> network;
+    NetworkFields networkFields; ///< some of them; without effect beside `network`
     /** Whether somebody asked for network settings, and not for all that there is. */
     bool namesNetwork = false;
     std::optional<std::uint8_t> powerOffMode;

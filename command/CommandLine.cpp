@@ -8,7 +8,9 @@
 #include <CLI/CLI.hpp>
 #include <QCoreApplication>
 
+#include <algorithm>
 #include <functional>
+#include <initializer_list>
 #include <iostream>
 #include <memory>
 #include <string>
@@ -43,6 +45,8 @@ private:
     void addFileVerbs();
     void addPlan();
     void addApply();
+    void addApplyFiles(CLI::App* verb);
+    static void requireApplyTarget(const CLI::App& verb);
     void addRestore();
     void addRecover();
     void addVerify();
@@ -56,6 +60,7 @@ private:
     ShowOptions m_show;
     BackupOptions m_backup;
     CheckOptions m_check;
+    PlanInitOptions m_planInit;
     PlanCheckOptions m_planCheck;
     DiffOptions m_diff;
     ApplyOptions m_apply;
@@ -200,11 +205,22 @@ void CommandLine::addFileVerbs() {
 
 void CommandLine::addPlan() {
     CLI::App* verb = m_app.add_subcommand(
-        "plan",
-        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "check a spreadsheet for many instruments")));
+        "plan", translated(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                             "make or check a spreadsheet for many instruments")));
     verb->require_subcommand(1);
 
     CLI::App* part = verb->add_subcommand(
+        "init", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "make a plan to fill in, with a row for "
+                                                          "each attached instrument")));
+    part->callback([this] { m_verb = [this] { return planInit(m_planInit); }; });
+    addText(part, "PLAN", m_planInit.file,
+            QT_TRANSLATE_NOOP("vq-tl4ctl", "the file; one that is there is not written over"),
+            true);
+    part->add_flag("--all", m_planInit.fillsIn,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "fill in all that the instruments "
+                                                             "hold, but for the key")));
+
+    part = verb->add_subcommand(
         "check", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "find every mistake in a plan")));
     part->callback([this] { m_verb = [this] { return planCheck(m_planCheck); }; });
     addText(part, "PLAN", m_planCheck.file, planHelp, true);
@@ -214,7 +230,6 @@ void CommandLine::addPlan() {
 }
 
 void CommandLine::addWriteOptions(CLI::App* verb, WriteOptions& options) {
-    addText(verb, "SERIAL", options.serial, serialHelp, true);
     verb->add_flag(
         "--dry-run", options.isDryRun,
         translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "only show what would change: exit status 7")));
@@ -233,9 +248,31 @@ void CommandLine::addWriteOptions(CLI::App* verb, WriteOptions& options) {
 
 void CommandLine::addApply() {
     CLI::App* verb =
-        addVerb("apply", QT_TRANSLATE_NOOP("vq-tl4ctl", "change an instrument, and prove it"),
+        addVerb("apply", QT_TRANSLATE_NOOP("vq-tl4ctl", "change instruments, and prove it"),
                 [this] { return apply(m_apply); });
+    addTexts(verb, "SERIAL", m_apply.serials, serialHelp, false);
+    verb->add_flag("--all", m_apply.all,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments")));
+    addText(verb, "--plan", m_apply.plan, planHelp);
+    verb->add_option_function<std::vector<std::string>>(
+            "--only",
+            [this](const std::vector<std::string>& serials) {
+                for (const std::string& serial : serials)
+                    m_apply.only.append(QString::fromStdString(serial));
+            },
+            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "these instruments of the plan alone, with "
+                                                      "commas between")))
+        ->delimiter(',')
+        ->needs("--plan");
+    verb->add_flag("--keep-going", m_apply.keepsGoing,
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "go on with the other instruments "
+                                                             "when one fails")));
     addWriteOptions(verb, m_apply);
+    addApplyFiles(verb);
+    verb->parse_complete_callback([verb] { requireApplyTarget(*verb); });
+}
+
+void CommandLine::addApplyFiles(CLI::App* verb) {
     addText(verb, "--network", m_apply.network,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "network settings file (.ini)"));
     verb->add_option_function<std::string>(
@@ -249,20 +286,31 @@ void CommandLine::addApply() {
             QT_TRANSLATE_NOOP("vq-tl4ctl", "values of the ambient light adapter (.csv)"));
     verb->add_flag("--accept-implausible", m_apply.acceptsImplausible,
                    translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write values that look wrong")));
-    verb->parse_complete_callback([verb] {
-        for (const char* name :
-             {"--network", "--power-off", "--white-plate", "--ambient-adapter"}) {
-            if (verb->count(name) > 0)
-                return;
-        }
+}
+
+void CommandLine::requireApplyTarget(const CLI::App& verb) {
+    const auto countOf = [&](std::initializer_list<const char*> names) {
+        return std::count_if(names.begin(), names.end(),
+                             [&](const char* name) { return verb.count(name) > 0; });
+    };
+    const auto things = countOf({"--network", "--power-off", "--white-plate", "--ambient-adapter"});
+    const auto targets = countOf({"SERIAL", "--all", "--plan"});
+    if (targets == 0)
+        throw CLI::RequiredError("SERIAL | --all | --plan");
+    if (targets > 1)
+        throw CLI::ExcludesError("SERIAL | --all", "--plan");
+    if (verb.count("--plan") == 0 && things == 0)
         throw CLI::RequiredError("--network | --power-off | --white-plate | --ambient-adapter");
-    });
+    if (verb.count("--plan") > 0 && things > 0)
+        throw CLI::ExcludesError("--plan", "--network | --power-off | --white-plate | "
+                                           "--ambient-adapter");
 }
 
 void CommandLine::addRestore() {
     CLI::App* verb =
         addVerb("restore", QT_TRANSLATE_NOOP("vq-tl4ctl", "put a snapshot back, and prove it"),
                 [this] { return restore(m_restore); });
+    addText(verb, "SERIAL", m_restore.serial, serialHelp, true);
     addWriteOptions(verb, m_restore);
     addText(verb, "SNAPSHOT", m_restore.snapshot,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "a snapshot of this instrument"), true);

@@ -38,18 +38,18 @@ void Console::foundImplausible(const CalibrationAccessory& accessory, const Impl
 }
 
 void Console::foundDifference(const FieldChanges& changes) {
-    const QString serial = serialText(m_serialNumber);
-    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, %2 changes:"),
-                   {serial, QString::number(changes.size())}));
-    for (const FieldChange& change : changes)
-        sayToUser(changeLine(change));
+    sayDifference(m_serialNumber, changes);
 }
 
 bool Console::confirms() {
     if (m_isSure)
         return true;
-    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Write this to instrument %1? [y/N]"),
-                   {serialText(m_serialNumber)}));
+    return asks(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Write this to instrument %1? [y/N]"),
+                     {serialText(m_serialNumber)}));
+}
+
+bool Console::asks(const Text& question) {
+    sayToUser(question);
     const QByteArray answer = readAnswer();
     return answer == "y" || answer == "yes";
 }

@@ -13,6 +13,9 @@ public:
     /** Whether there is somebody who can be asked. */
     static bool hasTerminal();
 
+    /** Asks a question that ends in "[y/N]". */
+    static bool asks(const Text& question);
+
     void foundImplausible(const CalibrationAccessory& accessory, const Implausible& value) override;
     void foundDifference(const FieldChanges& changes) override;
     bool confirms() override;

@@ -1,23 +1,13 @@
 #include "command/Report.h"
 
 #include "command/InstrumentState.h"
+#include "command/Terminal.h"
 #include "instrument/ResultNames.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
 
 #include <cstdio>
-
-namespace {
-
-/** In one piece, so that two threads' lines do not mix. */
-void writeLine(std::FILE* stream, const QByteArray& line) {
-    const QByteArray whole = line + '\n';
-    std::fwrite(whole.constData(), 1, static_cast<std::size_t>(whole.size()), stream);
-    std::fflush(stream);
-}
-
-} // namespace
 
 Text outcomeSentence(Outcome outcome, const QString& serial) {
     switch (outcome) {
@@ -47,12 +37,15 @@ Text outcomeSentence(Outcome outcome, const QString& serial) {
     case Outcome::WouldChange:
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: would-change. Nothing was written."),
                     {serial});
+    case Outcome::NotReached:
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: not-reached. The run stopped before it."),
+                    {serial});
     }
     return {};
 }
 
 void sayToUser(const QString& line) {
-    writeLine(stderr, line.toLocal8Bit());
+    Terminal::writeLine(stderr, line.toLocal8Bit());
 }
 
 void sayToUser(const Text& text) {
@@ -65,11 +58,11 @@ void sayToUser(const Faults& faults) {
 }
 
 void print(const QString& line) {
-    writeLine(stdout, line.toLocal8Bit());
+    Terminal::writeLine(stdout, line.toLocal8Bit());
 }
 
 void print(const QJsonObject& object) {
-    writeLine(stdout, QJsonDocument(object).toJson(QJsonDocument::Compact));
+    Terminal::writeLine(stdout, QJsonDocument(object).toJson(QJsonDocument::Compact));
 }
 
 QString changeLine(const FieldChange& change) {
@@ -85,6 +78,13 @@ Text implausibleText(const CalibrationAccessory& accessory, const Implausible& v
             : QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient adapter, value %1: %2 (%3; expected: %4)");
     return Text(source, {QString::number(value.index), QString::number(double(value.value)),
                          value.why.translated(), value.expected.translated()});
+}
+
+void sayDifference(std::int32_t serialNumber, const FieldChanges& changes) {
+    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, %2 changes:"),
+                   {serialText(serialNumber), QString::number(changes.size())}));
+    for (const FieldChange& change : changes)
+        sayToUser(changeLine(change));
 }
 
 QJsonObject toJson(const FieldChange& change) {

@@ -24,6 +24,9 @@ QString changeLine(const FieldChange& change);
 /** An implausible value as a sentence. */
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value);
 
+/** The difference of an instrument, on standard error. */
+void sayDifference(std::int32_t serialNumber, const FieldChanges& changes);
+
 QJsonObject toJson(const FieldChange& change);
 QJsonObject toJson(const Verdict& verdict);
 /** What an outcome means, as a sentence. @param serial  of the instrument */

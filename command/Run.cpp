@@ -21,23 +21,46 @@ Run::Run(bool isDryRun, const std::vector<JournalInput>& inputs) {
 }
 
 Verdict Run::carryOut(const Order& order, TransactionObserver& observer) {
-    Verdict verdict;
+    if (!m_problem.isEmpty() || !m_journal) {
+        Verdict verdict = lookAt(order, observer);
+        note(verdict);
+        return verdict;
+    }
+    JournalEntry entry(*m_journal, order.serialNumber);
+    CallWatch watch(&entry);
+    const UnfinishedMark mark(order.serialNumber, &m_journal->database());
+    Verdict verdict = Transaction(order, mark, watch, observer, entry).run();
+    note(verdict);
+    return verdict;
+}
+
+Verdict Run::lookAt(const Order& order, TransactionObserver& observer) {
     if (!m_problem.isEmpty()) {
+        Verdict verdict;
         verdict.serialNumber = order.serialNumber;
         verdict.reasons = {m_problem};
-    } else if (m_journal) {
-        JournalEntry entry(*m_journal, order.serialNumber);
-        CallWatch watch(&entry);
-        const UnfinishedMark mark(order.serialNumber, &m_journal->database());
-        verdict = Transaction(order, mark, watch, observer, entry).run();
-    } else {
-        TransactionLog none;
-        CallWatch watch;
-        const UnfinishedMark mark(order.serialNumber, m_read.get());
-        verdict = Transaction(order, mark, watch, observer, none).run();
+        return verdict;
     }
+    Order dry = order;
+    dry.isDryRun = true;
+    TransactionLog none;
+    CallWatch watch;
+    const UnfinishedMark mark(order.serialNumber,
+                              m_journal ? &m_journal->database() : m_read.get());
+    return Transaction(dry, mark, watch, observer, none).run();
+}
+
+void Run::keep(Verdict& verdict) {
+    Text problem;
+    if (m_journal)
+        problem = JournalEntry(*m_journal, verdict.serialNumber).ends(verdict, false);
+    if (!problem.isEmpty())
+        verdict.reasons.push_back(problem);
+    note(verdict);
+}
+
+void Run::note(const Verdict& verdict) {
     m_status = graver(m_status, exitStatus(verdict.outcome));
-    return verdict;
 }
 
 ExitStatus Run::end(ExitStatus least) {

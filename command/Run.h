@@ -25,12 +25,20 @@ public:
     /** Changes one instrument. */
     Verdict carryOut(const Order& order, TransactionObserver& observer);
 
+    /** Finds out what an order would change, as a dry run does; keeps nothing. */
+    Verdict lookAt(const Order& order, TransactionObserver& observer);
+
+    /** Keeps a verdict that was found without `carryOut`. */
+    void keep(Verdict& verdict);
+
     /** Ends the run in the journal. Once, at the end.
         @param least  what it ends with at least
         @return the status of the gravest outcome */
     ExitStatus end(ExitStatus least = Done);
 
 private:
+    void note(const Verdict& verdict);
+
     WriteLock m_lock;
     Text m_problem;
     std::unique_ptr<Journal> m_journal;

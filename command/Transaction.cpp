@@ -125,6 +125,7 @@ Text Transaction::make(std::initializer_list<Step> steps, Until until) {
             return Text(
                 QT_TRANSLATE_NOOP("vq-tl4ctl", "The connection to the instrument was lost."));
         m_log.stepBegins(step.name);
+        m_observer.stepBegins(step.name);
         Text problem = (this->*step.make)();
         if (!problem.isEmpty())
             return problem;
@@ -151,7 +152,10 @@ Text Transaction::connect() {
 }
 
 Text Transaction::readEverythingTwice() {
-    return readTwice(*m_access, m_order.serialNumber, m_held);
+    Text problem = readTwice(*m_access, m_order.serialNumber, m_held);
+    if (problem.isEmpty())
+        m_observer.foundState(m_held);
+    return problem;
 }
 
 Text Transaction::refuseUnfit() {
@@ -164,13 +168,22 @@ Text Transaction::refuseUnfit() {
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                       "All bytes of the calibration record to be written are 0x00 "
                                       "or 0xFF: that is no record."));
+    Text problem = refuseNetwork();
+    return problem.isEmpty() ? refuseLowBattery() : problem;
+}
+
+Text Transaction::refuseNetwork() const {
     const bool wantsNetwork =
         m_order.change.namesNetwork || !isSame(m_held.network, m_wanted.network);
     if (wantsNetwork && m_held.wirelessModule == 0)
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                       "The instrument has no wireless module and takes no network "
                                       "settings."));
-    return refuseLowBattery();
+    // Settings that came together were together before; some of them meet what the instrument
+    // holds.
+    if (!m_order.change.networkFields.any() || !m_held.network)
+        return {};
+    return changedAddressFault(*m_held.network, *m_wanted.network);
 }
 
 Text Transaction::refuseLowBattery() const {
@@ -216,6 +229,11 @@ Text Transaction::judgePlausibility() {
 }
 
 Text Transaction::findDifference() {
+    const auto& confirmed = m_order.confirmed;
+    if (confirmed &&
+        (!isSameIdentity(m_held, *confirmed) || differingParts(m_held, *confirmed).any()))
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The instrument has changed since its "
+                                                   "difference was shown and confirmed."));
     m_verdict.changes = difference(m_held, m_wanted);
     m_parts = differingParts(m_held, m_wanted);
     // What reads equal after an unfinished write may be staged, or wait for a power cycle.

@@ -26,12 +26,16 @@ struct Order {
     bool rollsBack = true; ///< false: a failure is left as it is
     bool acceptsImplausible = false;
     bool allowsLowBattery = false;
+    /** What the instrument held when somebody said yes to its difference. */
+    std::optional<InstrumentState> confirmed = {};
 };
 
 /** The person before the terminal, and whoever else wants to know of the steps. */
 class TransactionObserver {
 public:
     virtual ~TransactionObserver() = default;
+    virtual void stepBegins(const char* /*name*/) {}
+    virtual void foundState(const InstrumentState& /*held*/) {}
     virtual void foundImplausible(const CalibrationAccessory& accessory,
                                   const Implausible& value) = 0;
     virtual void foundDifference(const FieldChanges& changes) = 0;
@@ -68,6 +72,7 @@ private:
     Text connect();
     Text readEverythingTwice();
     Text refuseUnfit();
+    Text refuseNetwork() const;
     Text judgePlausibility();
     Text findDifference();
     Text ask();

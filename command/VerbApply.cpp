@@ -1,8 +1,12 @@
 #include "command/FieldTexts.h"
 #include "command/Journal.h"
+#include "command/ManyOrders.h"
+#include "command/Plan.h"
 #include "command/Report.h"
 #include "command/SettingsFile.h"
 #include "command/VerbSupport.h"
+
+#include <algorithm>
 
 namespace {
 
@@ -18,18 +22,9 @@ void addValues(const QString& path, const CalibrationAccessory& accessory, const
         change.accessories.push_back(*values);
 }
 
-} // namespace
-
-ExitStatus apply(const ApplyOptions& options) {
-    const auto serial = requireSerial(options.serial);
-    if (!serial)
-        return Usage;
-    Order order;
-    order.serialNumber = *serial;
-    order.acceptsImplausible = options.acceptsImplausible;
-    Change& change = order.change;
-    Faults faults;
-    std::vector<JournalInput> inputs;
+/** What the options name, for each of the instruments. */
+Change changeFor(const ApplyOptions& options, std::vector<JournalInput>& inputs, Faults& faults) {
+    Change change;
     if (!options.network.isEmpty()) {
         const auto file = InputFile::read(options.network, faults);
         if (file) {
@@ -45,9 +40,144 @@ ExitStatus apply(const ApplyOptions& options) {
               faults);
     addValues(options.ambientAdapter, CalibrationAccessory::ambientAdapter, "ambient-adapter",
               change, inputs, faults);
+    return change;
+}
+
+std::optional<std::vector<std::int32_t>> requireSerials(const QStringList& texts) {
+    std::vector<std::int32_t> serials;
+    for (const QString& text : texts) {
+        const auto serial = requireSerial(text);
+        if (!serial)
+            return std::nullopt;
+        serials.push_back(*serial);
+    }
+    return serials;
+}
+
+ExitStatus carryOut(std::vector<Order>& orders, const ApplyOptions& options,
+                    const std::vector<JournalInput>& inputs) {
+    if (!canBeConfirmed(options))
+        return Usage;
+    for (Order& order : orders) {
+        prepare(order, options);
+        order.acceptsImplausible = options.acceptsImplausible;
+    }
+    return ManyOrders(orders, options, inputs).carryOut();
+}
+
+// ---- A plan
+
+Order orderFor(PlanRow& row) {
+    Order order;
+    order.serialNumber = row.serialNumber;
+    order.change.namesNetwork = row.network.any();
+    order.change.networkFields = std::move(row.network);
+    order.change.powerOffMode = row.powerOffMode;
+    order.change.accessories = std::move(row.accessories);
+    return order;
+}
+
+ExitStatus applyPlan(const ApplyOptions& options) {
+    const auto only = requireSerials(options.only);
+    if (!only)
+        return Usage;
+    PlanNeeds needs;
+    needs.only = *only;
+    const Text problem = attachedInstruments(needs.attached.emplace());
+    if (!problem.isEmpty()) {
+        sayToUser(problem);
+        return RefusedStatus;
+    }
+    Faults faults;
+    const auto file = InputFile::read(options.plan, faults);
+    auto plan = file ? Plan::check(*file, needs, faults) : std::nullopt;
+    if (!plan) {
+        sayToUser(faults);
+        return Usage;
+    }
+    sayToUser(plan->notes);
+    std::vector<JournalInput> inputs = {Plan::journalInput(*file)};
+    inputs.insert(inputs.end(), plan->inputs.begin(), plan->inputs.end());
+    std::vector<Order> orders;
+    for (PlanRow& row : plan->rows) {
+        if (only->empty() || std::find(only->begin(), only->end(), row.serialNumber) != only->end())
+            orders.push_back(orderFor(row));
+    }
+    return carryOut(orders, options, inputs);
+}
+
+// ---- The same for several
+
+/** What would make the same for several wrong; all of it at once. */
+std::vector<Text> problemsOf(const std::vector<std::int32_t>& serials,
+                             const std::vector<std::int32_t>& attached, const Change& change) {
+    std::vector<Text> problems;
+    for (auto serial = serials.begin(); serial != serials.end(); ++serial) {
+        if (std::find(attached.begin(), attached.end(), *serial) == attached.end())
+            problems.emplace_back(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."),
+                                  QStringList{serialText(*serial)});
+        if (std::find(serials.begin(), serial, *serial) != serial)
+            problems.emplace_back(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is named twice."),
+                                  QStringList{serialText(*serial)});
+    }
+    if (serials.size() < 2)
+        return problems;
+    if (!change.accessories.empty())
+        problems.emplace_back(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                                "A plate or an adapter belongs to one instrument: "
+                                                "its values are not registered in several."));
+    if (change.network && change.network->DHCPUse == eDHCP_OFF)
+        problems.emplace_back(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                                "The settings have a fixed address, which only "
+                                                "one instrument can have: use DHCP, or a plan."));
+    return problems;
+}
+
+ExitStatus applyToSeveral(std::vector<std::int32_t> serials, const ApplyOptions& options,
+                          const Change& change, const std::vector<JournalInput>& inputs) {
+    std::vector<std::int32_t> attached;
+    Text problem = attachedInstruments(attached);
+    if (options.all)
+        serials = attached;
+    if (problem.isEmpty() && serials.empty())
+        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "No instrument is attached."));
+    if (!problem.isEmpty()) {
+        sayToUser(problem);
+        return RefusedStatus;
+    }
+    const std::vector<Text> problems = problemsOf(serials, attached, change);
+    for (const Text& each : problems)
+        sayToUser(each);
+    if (!problems.empty())
+        return Usage;
+    std::vector<Order> orders(serials.size());
+    for (std::size_t i = 0; i < serials.size(); ++i) {
+        orders[i].serialNumber = serials[i];
+        orders[i].change = change;
+    }
+    return carryOut(orders, options, inputs);
+}
+
+} // namespace
+
+ExitStatus apply(const ApplyOptions& options) {
+    if (!options.plan.isEmpty())
+        return applyPlan(options);
+    const auto serials = requireSerials(options.serials);
+    if (!serials)
+        return Usage;
+    Faults faults;
+    std::vector<JournalInput> inputs;
+    const Change change = changeFor(options, inputs, faults);
     if (!faults.empty()) {
         sayToUser(faults);
         return Usage;
     }
+    if (serials->size() != 1)
+        return applyToSeveral(*serials, options, change, inputs);
+    Order order;
+    order.serialNumber = serials->front();
+    order.acceptsImplausible = options.acceptsImplausible;
+    order.change = change;
     return canBeConfirmed(options) ? carryOut(order, options, inputs) : Usage;
 }

@@ -59,11 +59,15 @@ bool canBeConfirmed(const WriteOptions& options) {
     return false;
 }
 
-ExitStatus carryOut(Order& order, const WriteOptions& options,
-                    const std::vector<JournalInput>& inputs) {
+void prepare(Order& order, const WriteOptions& options) {
     order.isDryRun = options.isDryRun;
     order.rollsBack = !options.leavesFailure;
     order.allowsLowBattery = options.allowsLowBattery;
+}
+
+ExitStatus carryOut(Order& order, const WriteOptions& options,
+                    const std::vector<JournalInput>& inputs) {
+    prepare(order, options);
     Run run(options.isDryRun, inputs);
     Console console(order.serialNumber, options.isSure);
     report(run.carryOut(order, console), options.asJson);

@@ -33,6 +33,9 @@ Text attachedInstruments(std::vector<std::int32_t>& serials);
 /** Refuses a question that nobody could answer, before anything is done. */
 bool canBeConfirmed(const WriteOptions& options);
 
+/** Puts what the user wants of every write into the order. */
+void prepare(Order& order, const WriteOptions& options);
+
 /** Makes the transaction, in a run of its own, and reports its verdict.
     @param inputs  what the journal keeps of the files that the user gave */
 ExitStatus carryOut(Order& order, const WriteOptions& options,

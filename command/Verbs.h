@@ -35,6 +35,12 @@ struct CheckOptions {
 };
 ExitStatus check(const CheckOptions& options);
 
+struct PlanInitOptions {
+    QString file;
+    bool fillsIn = false; ///< the columns too, not the comment alone
+};
+ExitStatus planInit(const PlanInitOptions& options);
+
 struct PlanCheckOptions {
     QString file;
     bool isOffline = false; ///< no instrument is looked for
@@ -50,7 +56,6 @@ ExitStatus diff(const DiffOptions& options);
 
 /** What `apply` and `restore` have in common. */
 struct WriteOptions {
-    QString serial;
     bool isDryRun = false;
     bool isSure = false;
     bool asJson = false;
@@ -58,7 +63,7 @@ struct WriteOptions {
     bool allowsLowBattery = false;
 };
 
-struct RecoverOptions : WriteOptions {}; // without a serial number and a dry run
+struct RecoverOptions : WriteOptions {}; // without a dry run
 ExitStatus recover(const RecoverOptions& options);
 
 struct VerifyOptions {
@@ -95,6 +100,11 @@ struct ReportOptions {
 ExitStatus htmlReport(const ReportOptions& options);
 
 struct ApplyOptions : WriteOptions {
+    QStringList serials;
+    bool all = false; ///< all attached instruments, in place of serial numbers
+    QString plan;     ///< path; in place of serial numbers and of what is written
+    QStringList only; ///< serial numbers of the plan; empty for all of them
+    bool keepsGoing = false;
     QString network; ///< paths; empty where nothing is to be written
     QString whitePlate;
     QString ambientAdapter;
@@ -104,6 +114,7 @@ struct ApplyOptions : WriteOptions {
 ExitStatus apply(const ApplyOptions& options);
 
 struct RestoreOptions : WriteOptions {
+    QString serial;
     QString snapshot;
     QStringList only; ///< words of `restorableParts`; empty for all of them
 };

@@ -19,6 +19,8 @@ const char* outcomeWord(Outcome outcome) {
         return "waits";
     case Outcome::WouldChange:
         return "would-change";
+    case Outcome::NotReached:
+        return "not-reached";
     }
     return "unknown";
 }
@@ -29,6 +31,7 @@ ExitStatus exitStatus(Outcome outcome) {
     case Outcome::Verified:
         return Done;
     case Outcome::Refused:
+    case Outcome::NotReached:
         return RefusedStatus;
     case Outcome::RolledBack:
         return RolledBackStatus;

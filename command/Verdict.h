@@ -18,6 +18,7 @@ enum class Outcome {
     Unknown,     ///< the state could not be verified or not be restored
     Waits,       ///< network settings are stored and not answered yet; all else is verified
     WouldChange, ///< a dry run found something to change; nothing was written
+    NotReached,  ///< the run stopped before it; nothing was written
 };
 
 /** The word for it, as JSON has it. */

@@ -60,6 +60,98 @@
         <translation>測定器を使わずにファイルを検査する</translation>
     </message>
     <message>
+        <source>change instruments, and prove it</source>
+        <translation>測定器を変更し、検証する</translation>
+    </message>
+    <message>
+        <source>The instrument has changed since its difference was shown and confirmed.</source>
+        <translation>相違を表示して確認した後に、測定器の内容が変わっています。</translation>
+    </message>
+    <message>
+        <source>Write all this? Instruments: %1 [y/N]</source>
+        <translation>これらをすべて書き込みますか?(測定器: %1台)[y/N]</translation>
+    </message>
+    <message>
+        <source>%1: not-reached. The run stopped before it.</source>
+        <translation>%1: not-reached(未処理)。その前に実行が止まりました。</translation>
+    </message>
+    <message>
+        <source>connecting</source>
+        <translation>接続中</translation>
+    </message>
+    <message>
+        <source>reading</source>
+        <translation>読み込み中</translation>
+    </message>
+    <message>
+        <source>keeping a snapshot</source>
+        <translation>スナップショットを保存中</translation>
+    </message>
+    <message>
+        <source>writing calibration values</source>
+        <translation>校正値を書き込み中</translation>
+    </message>
+    <message>
+        <source>writing the power-off time</source>
+        <translation>自動電源オフ時間を書き込み中</translation>
+    </message>
+    <message>
+        <source>writing network settings</source>
+        <translation>ネットワーク設定を書き込み中</translation>
+    </message>
+    <message>
+        <source>reading back</source>
+        <translation>読み戻して確認中</translation>
+    </message>
+    <message>
+        <source>putting the old state back</source>
+        <translation>元の状態に復元中</translation>
+    </message>
+    <message>
+        <source>%1 left</source>
+        <translation>残り %1</translation>
+    </message>
+    <message>
+        <source>Recap: serial number, outcome, changes</source>
+        <translation>まとめ: シリアル番号、結果、変更数</translation>
+    </message>
+    <message>
+        <source>Instrument %1 is named twice.</source>
+        <translation>測定器 %1 が2回指定されています。</translation>
+    </message>
+    <message>
+        <source>A plate or an adapter belongs to one instrument: its values are not registered in several.</source>
+        <translation>校正板やアダプターは1台の測定器に属するため、その値を複数の測定器には登録しません。</translation>
+    </message>
+    <message>
+        <source>The settings have a fixed address, which only one instrument can have: use DHCP, or a plan.</source>
+        <translation>設定に固定アドレスがあり、1台の測定器にしか使えません。DHCPまたは計画を使用してください。</translation>
+    </message>
+    <message>
+        <source>these instruments of the plan alone, with commas between</source>
+        <translation>計画のうち、コンマで区切ったこれらの測定器のみ</translation>
+    </message>
+    <message>
+        <source>go on with the other instruments when one fails</source>
+        <translation>1台が失敗しても残りの測定器を続ける</translation>
+    </message>
+    <message>
+        <source>make or check a spreadsheet for many instruments</source>
+        <translation>多数の測定器のための表を作成または検査する</translation>
+    </message>
+    <message>
+        <source>make a plan to fill in, with a row for each attached instrument</source>
+        <translation>接続されている測定器ごとに1行の、記入用の計画を作成する</translation>
+    </message>
+    <message>
+        <source>fill in all that the instruments hold, but for the key</source>
+        <translation>セキュリティキー以外の現在の内容をすべて記入する</translation>
+    </message>
+    <message>
+        <source>%1 is there already: it is not written over.</source>
+        <translation>%1 は既にあります。上書きしません。</translation>
+    </message>
+    <message>
         <source>%1, row %2, column %3: %4</source>
         <translation>%1 の%2行目、%3列: %4</translation>
     </message>
@@ -184,10 +276,6 @@
         <translation>計画: 測定器ごとに1行の表(.csv)</translation>
     </message>
     <message>
-        <source>check a spreadsheet for many instruments</source>
-        <translation>多数の測定器のための表を検査する</translation>
-    </message>
-    <message>
         <source>find every mistake in a plan</source>
         <translation>計画の誤りをすべて調べる</translation>
     </message>
@@ -226,10 +314,6 @@
     <message>
         <source>put the old state back (the default), or leave it</source>
         <translation>失敗したときに元に戻す(rollback、省略時)か、そのままにする(leave)</translation>
-    </message>
-    <message>
-        <source>change an instrument, and prove it</source>
-        <translation>測定器を変更し、検証する</translation>
     </message>
     <message>
         <source>network settings file (.ini)</source>

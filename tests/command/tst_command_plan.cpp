@@ -1,12 +1,10 @@
-// A plan for many instruments: what is a mistake in it, what is understood, and what becomes of the
-// instruments.
+// A plan for many instruments: what is a mistake in it, and what is understood.
 #include "CommandRun.h"
 #include "command/Plan.h"
 #include "command/PlanCells.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
-#include <QJsonDocument>
 
 namespace {
 

@@ -1,0 +1,46 @@
+#ifndef COMMAND_MANYORDERS_H
+#define COMMAND_MANYORDERS_H
+
+#include "command/Run.h"
+#include "command/RunScreen.h"
+#include "command/Verbs.h"
+
+#include <map>
+#include <vector>
+
+/**
+ * Orders for several instruments, carried out one after the other in one run.
+ *
+ * Where a person is to be asked, all instruments are read first and all differences shown, then
+ * one question is asked for all of them. An instrument that is found otherwise afterwards is
+ * refused. The first outcome that is not `unchanged`, `verified` or `waits` stops the run, unless
+ * it was said to keep going; those behind it are `not-reached`. A dry run looks at all of them.
+ */
+class ManyOrders {
+public:
+    /** @param orders  at least one, prepared; they outlive the object */
+    ManyOrders(std::vector<Order>& orders, const ApplyOptions& options,
+               const std::vector<JournalInput>& inputs);
+
+    /** Once. */
+    ExitStatus carryOut();
+
+private:
+    void carryOutEach();
+    /** Whether the orders may be carried out. Otherwise all verdicts are there. */
+    bool isConfirmed();
+    void keepAll(std::vector<Verdict>& found);
+    bool stops(const Verdict& verdict) const;
+    void report(const Verdict& verdict);
+    void reportNotReached(std::int32_t serialNumber);
+
+    std::vector<Order>& m_orders;
+    const ApplyOptions& m_options;
+    Run m_run;
+    CallWatch m_signals; ///< watches no call: its thread takes signals between two instruments
+    RunScreen m_screen;
+    std::map<std::int32_t, Verdict> m_refused; ///< before the question: they are not tried again
+    std::vector<Verdict> m_verdicts;
+};
+
+#endif

@@ -1,0 +1,148 @@
+#include "command/CsvReader.h"
+#include "command/DurableFile.h"
+#include "command/FieldTexts.h"
+#include "command/Plan.h"
+#include "command/PlanCells.h"
+#include "command/Report.h"
+#include "command/Snapshot.h"
+#include "command/UnfinishedMark.h"
+#include "command/VerbSupport.h"
+
+#include <QFileInfo>
+
+namespace {
+
+QByteArray lineOf(const QStringList& cells) {
+    QByteArrayList line;
+    for (const QString& cell : cells) {
+        const QByteArray bytes = cell.toUtf8();
+        line.append(CsvReader::quoted({bytes.constData(), static_cast<std::size_t>(bytes.size())}));
+    }
+    return line.join(',') + "\r\n";
+}
+
+/** The text as a cell, where that is read as the same text again; else empty, which leaves it as it
+    is. What begins like a formula would be one to a spreadsheet. */
+QString textCell(const char* field, std::size_t size) {
+    const QString text = FieldTexts::text(field, size);
+    const QByteArray bytes = text.toUtf8();
+    const bool isWhole = bytes == QByteArray(field, static_cast<int>(::strnlen(field, size)));
+    const bool isFormula = !text.isEmpty() && QStringLiteral("=+-@'").contains(text[0]);
+    const std::string_view cell(bytes.constData(), static_cast<std::size_t>(bytes.size()));
+    return isWhole && !isFormula && !PlanCells::isShortenedNumber(cell) ? text : QString();
+}
+
+/** Where it is neither on nor off, empty. */
+QString flagCell(std::uint32_t flag) {
+    return flag > 1 ? QString() : FieldTexts::onOff(flag);
+}
+
+/** The four columns of addresses; empty where they are not used, or would be refused. */
+QStringList addressCells(const KVA_NETWORKINFO& info) {
+    KVA_NETWORKINFO other = info;
+    other.DHCPUse = eDHCP_ON;
+    const bool isUsable = info.DHCPUse == eDHCP_OFF && changedAddressFault(other, info).isEmpty();
+    if (!isUsable)
+        return {QString(), QString(), QString(), QString()};
+    return {FieldTexts::address(info.IPAddress), FieldTexts::address(info.SubnetMask),
+            FieldTexts::address(info.DefaultGateway), FieldTexts::address(info.DNS)};
+}
+
+/** In the order of `planColumns`, from the one behind the serial number to the power-off time. */
+QStringList cellsOf(const InstrumentState& state) {
+    QStringList cells;
+    if (state.network) {
+        const KVA_NETWORKINFO& info = *state.network;
+        cells << flagCell(info.APConnectUse) << textCell(info.SSID, sizeof info.SSID) << QString()
+              << flagCell(info.DHCPUse) << addressCells(info);
+    }
+    const int networkColumns = planColumns().indexOf(QStringLiteral("power_off")) - 1;
+    while (cells.size() < networkColumns)
+        cells.append(QString());
+    const QString powerOff = FieldTexts::powerOff(state.powerOffMode);
+    return cells << (FieldTexts::powerOffWords().contains(powerOff) ? powerOff : QString());
+}
+
+/** One cell, which begins with a word of ours: never a formula. */
+QString comment(const InstrumentState& state) {
+    QStringList parts;
+    const auto add = [&](const char* name, const QString& text) {
+        parts.append(QStringLiteral("%1 %2").arg(QLatin1String(name), text));
+    };
+    if (state.network) {
+        const KVA_NETWORKINFO& info = *state.network;
+        add("wireless", FieldTexts::onOff(info.APConnectUse));
+        add("ssid", QStringLiteral("\"%1\"").arg(FieldTexts::text(info.SSID, sizeof info.SSID)));
+        add("key", maskedKey(info));
+        add("dhcp", FieldTexts::onOff(info.DHCPUse));
+        add("ip", FieldTexts::address(info.IPAddress));
+        add("mask", FieldTexts::address(info.SubnetMask));
+        add("gateway", FieldTexts::address(info.DefaultGateway));
+        add("dns", FieldTexts::address(info.DNS));
+    } else {
+        parts.append(QStringLiteral("no wireless module"));
+    }
+    add("power_off", FieldTexts::powerOff(state.powerOffMode));
+    add("white_plate",
+        FieldTexts::accessorySerial(state.calibration.*CalibrationAccessory::whitePlate.serialNo));
+    add("ambient_adapter", FieldTexts::accessorySerial(
+                               state.calibration.*CalibrationAccessory::ambientAdapter.serialNo));
+    return parts.join(QStringLiteral("; "));
+}
+
+/** The instrument's row. @return why it could not be read; empty where it was */
+Text addRow(std::int32_t serialNumber, bool fillsIn, QByteArray& content) {
+    QStringList cells = {serialText(serialNumber)};
+    InstrumentState state;
+    CallWatch watch;
+    Text problem =
+        UnfinishedMark(serialNumber).exists()
+            ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unfinished. An earlier write did not end: "
+                                                  "run vq-tl4ctl recover."),
+                   {serialText(serialNumber)})
+            : readInstrument(watch, serialNumber, state);
+    if (problem.isEmpty() && fillsIn)
+        cells += cellsOf(state);
+    while (cells.size() < planColumns().size())
+        cells.append(QString());
+    cells.append(problem.isEmpty() ? comment(state) : problem.english());
+    content += lineOf(cells);
+    return problem;
+}
+
+} // namespace
+
+ExitStatus planInit(const PlanInitOptions& options) {
+    std::vector<std::int32_t> serials;
+    Text problem = attachedInstruments(serials);
+    if (problem.isEmpty() && serials.empty())
+        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "No instrument is attached."));
+    const Text taken(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is there already: it is not written over."),
+                     {options.file});
+    if (problem.isEmpty() && QFileInfo::exists(options.file))
+        problem = taken;
+    // A byte-order mark, as some spreadsheets take a file without one for another encoding.
+    QByteArray content =
+        "\xEF\xBB\xBF" + lineOf(planColumns() + QStringList{QStringLiteral("# now")});
+    ExitStatus status = Done;
+    for (const std::int32_t serial : serials) {
+        if (!problem.isEmpty())
+            break;
+        const Text unread = addRow(serial, options.fillsIn, content);
+        if (unread.isEmpty())
+            continue;
+        sayToUser(unread);
+        status = RefusedStatus;
+    }
+    bool isTaken = false;
+    if (problem.isEmpty())
+        problem = DurableFile::create(QFileInfo(options.file).absoluteFilePath(), content, isTaken);
+    if (isTaken)
+        problem = taken;
+    if (problem.isEmpty()) {
+        print(options.file);
+        return status;
+    }
+    sayToUser(problem);
+    return RefusedStatus;
+}
