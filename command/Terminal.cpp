@@ -40,7 +40,8 @@ QString fitting(const QString& text) {
 } // namespace
 
 bool Terminal::isInteractive() {
-    return ::isatty(STDERR_FILENO) == 1 && qgetenv("TERM") != "dumb";
+    const QByteArray kind = qgetenv("TERM");
+    return ::isatty(STDERR_FILENO) == 1 && !kind.isEmpty() && kind != "dumb";
 }
 
 QString Terminal::painted(const QString& text, Colour colour) {

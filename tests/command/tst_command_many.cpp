@@ -1,68 +1,27 @@
 // Runs over several instruments, by a plan or with the same for all: what becomes of each, what is
 // shown and asked, and what stops the run.
-#include "CommandRun.h"
+#include "ThreeInstruments.h"
 #include "tests/support/TestMain.h"
 
-#include <QDir>
-#include <QJsonDocument>
 
 #include <csignal>
 
+using namespace ThreeInstruments;
+
 namespace {
 
-constexpr int first = CommandRun::serialNumber;
-
-/** As the usual instrument at first, with other serial number and address. */
-QJsonObject instrumentNumber(int number) {
-    QJsonObject instrument = CommandRun::initialInstrument();
-    QJsonObject network = instrument["network"].toObject()["active"].toObject();
-    network["IPAddress"] = QString("192.168.7.%1").arg(10 + number);
-    instrument["network"] = QJsonObject{{"active", network}};
-    instrument["serialNumber"] = first + number;
-    return instrument;
-}
-
-void setBench(const CommandRun& run, const QJsonArray& faults = {}) {
-    const QJsonArray instruments = {instrumentNumber(0), instrumentNumber(1), instrumentNumber(2)};
-    const QJsonObject bench = {{"version", 1}, {"instruments", instruments}, {"faults", faults}};
-    run.write("bench.json", QJsonDocument(bench).toJson());
+/** The program in a terminal of its own, by script(1). */
+std::unique_ptr<QProcess> startInTerminal(const CommandRun& run, const QStringList& arguments,
+                                          const QStringList& environment = {}) {
+    const auto list = run.start({"list"}, QStringList{"TERM=xterm"} + environment);
+    CommandRun::finish(*list);
     run.clearTrace();
-}
-
-/** What instrument holds: address in force after a power cycle, power-off mode, plate. */
-QString held(const CommandRun& run, int number) {
-    const QJsonObject instrument = QJsonDocument::fromJson(run.read("bench.json"))
-                                       .object()["instruments"]
-                                       .toArray()[number]
-                                       .toObject();
-    const QJsonObject network = instrument["network"].toObject();
-    const QJsonObject used =
-        (network["pending"].isObject() ? network["pending"] : network["active"]).toObject();
-    const QJsonObject record = instrument["calibration"].toObject()["committed"].toObject();
-    return QString("%1 %2 %3")
-        .arg(used["IPAddress"].toString().section('.', 3),
-             QString::number(instrument["powerOffMode"].toInt()),
-             record["white"].toObject()["serialNumber"].toString());
-}
-
-QString heldByAll(const CommandRun& run) {
-    return QStringList{held(run, 0), held(run, 1), held(run, 2)}.join(", ");
-}
-
-/** "00000001 word" of each object on standard output. */
-QString outcomes(const CommandResult& result) {
-    QStringList lines;
-    for (const QByteArray& line : result.standardOutput.trimmed().split('\n')) {
-        const QJsonObject object = QJsonDocument::fromJson(line).object();
-        lines.append(object["outcome"].toString());
-    }
-    return lines.join(' ');
-}
-
-QJsonObject faultOf(int number, const char* function, const char* call, const QJsonObject& what) {
-    QJsonObject result = rule(function, call, what);
-    result["serialNumber"] = first + number;
-    return result;
+    auto process = std::make_unique<QProcess>();
+    process->setProcessEnvironment(list->processEnvironment());
+    process->setProcessChannelMode(QProcess::MergedChannels);
+    process->start("script",
+                   {"-qefc", "exec " + (QStringList(VQTL4CTL) + arguments).join(' '), "/dev/null"});
+    return process;
 }
 
 const QByteArray threeRows = "serial,ip,power_off,white_plate\n1000001,192.168.7.20,,\n"
@@ -76,7 +35,6 @@ class TestCommandMany : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void makesAPlan();
     void appliesSome_data();
     void appliesSome();
     void appliesAPlan_data();
@@ -87,68 +45,11 @@ private Q_SLOTS:
     void goesOnAfterAnInterrupt();
     void asksOnceForAll_data();
     void asksOnceForAll();
+    void showsProgress_data();
+    void showsProgress();
     void tellsUsage_data();
     void tellsUsage();
 };
-
-void TestCommandMany::makesAPlan() {
-    CommandRun run;
-    setBench(run, {faultOf(2, "KVA_GetShutdownTime", "every",
-                           {{"result", "KVA_ERROR_COMMUNICATION_TIMEOUT"}})});
-    QJsonObject bench = QJsonDocument::fromJson(run.read("bench.json")).object();
-    QJsonArray instruments = bench["instruments"].toArray();
-    QJsonObject second = instruments[1].toObject();
-    QJsonObject network = second["network"].toObject()["active"].toObject();
-    network["SSID"] = "=1+1";
-    network["DHCPUse"] = 1;
-    second["network"] = QJsonObject{{"active", network}};
-    instruments[1] = second;
-    bench["instruments"] = instruments;
-    run.write("bench.json", QJsonDocument(bench).toJson());
-    const QString plan = run.path("new/plan.csv");
-    const QByteArray titles =
-        "\xEF\xBB\xBF\"serial\",\"wireless\",\"ssid\",\"key\",\"dhcp\",\"ip\","
-        "\"mask\",\"gateway\",\"dns\",\"power_off\",\"white_plate\","
-        "\"ambient_adapter\",\"# now\"\r\n";
-    const QByteArray now =
-        "mask 255.255.255.0; gateway 192.168.7.1; dns 192.168.7.2; power_off 15; "
-        "white_plate 12345678; ambient_adapter 00012345\"\r\n";
-    const QByteArray firstNow =
-        "\"wireless on; ssid \"\"first-room\"\"; key ********; dhcp off; ip "
-        "192.168.7.10; " +
-        now;
-    const QByteArray secondNow = "\"wireless on; ssid \"\"=1+1\"\"; key ********; dhcp on; ip "
-                                 "192.168.7.11; " +
-                                 now;
-    const QByteArray nothing = ",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",";
-    const QByteArray unread =
-        "\"01000003\"" + nothing +
-        "\"KVA_GetShutdownTime answered KVA_ERROR_COMMUNICATION_TIMEOUT.\"\r\n";
-
-    CommandResult result = run.run({"plan", "init", plan});
-    QCOMPARE(result.exitStatus, 3); // one could not be read
-    QCOMPARE(run.read("new/plan.csv"), titles + "\"01000001\"" + nothing + firstNow +
-                                           "\"01000002\"" + nothing + secondNow + unread);
-    QCOMPARE(run.run({"plan", "check", plan}).exitStatus, 0);
-
-    result = run.run({"plan", "init", plan, "--all"});
-    QCOMPARE(result.exitStatus, 3);
-    QVERIFY2(result.standardError.contains("is not written over"), result.text());
-    QDir(run.path("new")).remove("plan.csv");
-    QCOMPARE(run.run({"plan", "init", plan, "--all"}).exitStatus, 3);
-    QCOMPARE(run.read("new/plan.csv"),
-             titles +
-                 "\"01000001\",\"on\",\"first-room\",\"\",\"off\",\"192.168.7.10\","
-                 "\"255.255.255.0\",\"192.168.7.1\",\"192.168.7.2\",\"15\",\"\",\"\"," +
-                 firstNow +
-                 "\"01000002\",\"on\",\"\",\"\",\"on\",\"\",\"\",\"\",\"\",\"15\",\"\",\"\"," +
-                 secondNow + unread);
-    // What was filled in is what is held.
-    const CommandResult again =
-        run.run({"apply", "--plan", plan, "--only", "1000001,1000002", "--yes", "--json"});
-    QCOMPARE(outcomes(again), QString("unchanged unchanged"));
-    QVERIFY(run.writingCalls().isEmpty());
-}
 
 void TestCommandMany::appliesSome_data() {
     QTest::addColumn<QByteArray>("cells"); // ip, mask, gateway, dhcp, ssid, key
@@ -366,15 +267,9 @@ void TestCommandMany::asksOnceForAll() {
     QFETCH(QJsonArray, faults);
     CommandRun run;
     setBench(run, faults);
-    const QStringList arguments =
-        QStringList{VQTL4CTL, "apply", "--plan", run.write("plan.csv", threeRows)} + options;
-    const auto list = run.start({"list"});
-    CommandRun::finish(*list);
-    run.clearTrace();
-    QProcess process;
-    process.setProcessEnvironment(list->processEnvironment());
-    process.setProcessChannelMode(QProcess::MergedChannels);
-    process.start("script", {"-qefc", "exec " + arguments.join(' '), "/dev/null"});
+    const QStringList arguments = QStringList{"apply", "--plan", run.write("plan.csv", threeRows)};
+    const auto terminal = startInTerminal(run, arguments + options);
+    QProcess& process = *terminal;
     QByteArray shown;
     if (!answer.isEmpty()) {
         QTRY_VERIFY2_WITH_TIMEOUT((shown += process.readAll()).contains("[y/N]"), shown.constData(),
@@ -390,6 +285,37 @@ void TestCommandMany::asksOnceForAll() {
     QTEST(heldByAll(run), "holds");
     QCOMPARE(shown.count("[y/N]"), answer.isEmpty() ? 0 : 1);
     QVERIFY2(shown.contains("[#############-------]  3/3  01000003  reading"), shown);
+}
+
+void TestCommandMany::showsProgress_data() {
+    QTest::addColumn<QString>("variable");
+    QTest::addColumn<bool>("hasBar");
+    QTest::addColumn<bool>("hasColour");
+    QTest::newRow("a terminal") << "TERM=xterm" << true << true;
+    QTest::newRow("without colours") << "NO_COLOR=1" << true << false;
+    QTest::newRow("a dumb terminal") << "TERM=dumb" << false << false;
+    QTest::newRow("a terminal of no kind") << "TERM=" << false << false;
+}
+
+void TestCommandMany::showsProgress() {
+    QFETCH(QString, variable);
+    CommandRun run;
+    setBench(run);
+    const QStringList arguments = {"apply", "--plan", run.write("plan.csv", threeRows), "--yes"};
+    const auto process = startInTerminal(run, arguments, {variable});
+    const CommandResult result = CommandRun::finish(*process);
+    QCOMPARE(result.exitStatus, 0);
+    const QByteArray shown = result.standardOutput;
+    QTEST(shown.contains("\r\033[K[######--------------]  2/3  01000002  writing calibration "
+                         "values  0:0"),
+          "hasBar");
+    QTEST(shown.contains("\033[32m01000001: verified."), "hasColour");
+    QVERIFY2(shown.contains("01000001: verified."), shown);
+    // Nothing of the bar stays, and without one no character but those of the lines.
+    const QByteArray lastLines = shown.mid(shown.indexOf("Recap"));
+    QVERIFY2(!lastLines.contains('#'), shown);
+    QFETCH(bool, hasBar);
+    QVERIFY2(hasBar || !shown.contains('\033'), shown);
 }
 
 void TestCommandMany::tellsUsage_data() {

@@ -1,10 +1,12 @@
 // A plan for many instruments: what is a mistake in it, and what is understood.
-#include "CommandRun.h"
+#include "ThreeInstruments.h"
 #include "command/Plan.h"
 #include "command/PlanCells.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
+
+using namespace ThreeInstruments;
 
 namespace {
 
@@ -66,6 +68,7 @@ private Q_SLOTS:
     void masksKeysForTheJournal();
     void looksForInstruments_data();
     void looksForInstruments();
+    void makesAPlan();
 
 private:
     CommandRun m_run;
@@ -332,6 +335,65 @@ void TestCommandPlan::looksForInstruments() {
     QVERIFY2(result.text().contains(said), result.text());
     QVERIFY2(!result.text().contains("secret"), result.text());
     QVERIFY(!m_run.calls().contains("KVA_Connect"));
+}
+
+void TestCommandPlan::makesAPlan() {
+    CommandRun run;
+    setBench(run, {faultOf(2, "KVA_GetShutdownTime", "every",
+                           {{"result", "KVA_ERROR_COMMUNICATION_TIMEOUT"}})});
+    QJsonObject bench = QJsonDocument::fromJson(run.read("bench.json")).object();
+    QJsonArray instruments = bench["instruments"].toArray();
+    QJsonObject second = instruments[1].toObject();
+    QJsonObject network = second["network"].toObject()["active"].toObject();
+    network["SSID"] = "=1+1";
+    network["DHCPUse"] = 1;
+    second["network"] = QJsonObject{{"active", network}};
+    instruments[1] = second;
+    bench["instruments"] = instruments;
+    run.write("bench.json", QJsonDocument(bench).toJson());
+    const QString plan = run.path("new/plan.csv");
+    const QByteArray titles =
+        "\xEF\xBB\xBF\"serial\",\"wireless\",\"ssid\",\"key\",\"dhcp\",\"ip\","
+        "\"mask\",\"gateway\",\"dns\",\"power_off\",\"white_plate\","
+        "\"ambient_adapter\",\"# now\"\r\n";
+    const QByteArray now =
+        "mask 255.255.255.0; gateway 192.168.7.1; dns 192.168.7.2; power_off 15; "
+        "white_plate 12345678; ambient_adapter 00012345\"\r\n";
+    const QByteArray firstNow =
+        "\"wireless on; ssid \"\"first-room\"\"; key ********; dhcp off; ip "
+        "192.168.7.10; " +
+        now;
+    const QByteArray secondNow = "\"wireless on; ssid \"\"=1+1\"\"; key ********; dhcp on; ip "
+                                 "192.168.7.11; " +
+                                 now;
+    const QByteArray nothing = ",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",\"\",";
+    const QByteArray unread =
+        "\"01000003\"" + nothing +
+        "\"KVA_GetShutdownTime answered KVA_ERROR_COMMUNICATION_TIMEOUT.\"\r\n";
+
+    CommandResult result = run.run({"plan", "init", plan});
+    QCOMPARE(result.exitStatus, 3); // one could not be read
+    QCOMPARE(run.read("new/plan.csv"), titles + "\"01000001\"" + nothing + firstNow +
+                                           "\"01000002\"" + nothing + secondNow + unread);
+    QCOMPARE(run.run({"plan", "check", plan}).exitStatus, 0);
+
+    result = run.run({"plan", "init", plan, "--all"});
+    QCOMPARE(result.exitStatus, 3);
+    QVERIFY2(result.standardError.contains("is not written over"), result.text());
+    QDir(run.path("new")).remove("plan.csv");
+    QCOMPARE(run.run({"plan", "init", plan, "--all"}).exitStatus, 3);
+    QCOMPARE(run.read("new/plan.csv"),
+             titles +
+                 "\"01000001\",\"on\",\"first-room\",\"\",\"off\",\"192.168.7.10\","
+                 "\"255.255.255.0\",\"192.168.7.1\",\"192.168.7.2\",\"15\",\"\",\"\"," +
+                 firstNow +
+                 "\"01000002\",\"on\",\"\",\"\",\"on\",\"\",\"\",\"\",\"\",\"15\",\"\",\"\"," +
+                 secondNow + unread);
+    // What was filled in is what is held.
+    const CommandResult again =
+        run.run({"apply", "--plan", plan, "--only", "1000001,1000002", "--yes", "--json"});
+    QCOMPARE(outcomes(again), QString("unchanged unchanged"));
+    QVERIFY(run.writingCalls().isEmpty());
 }
 
 TEST_CLASS(TestCommandPlan)
