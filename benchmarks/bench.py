@@ -18,9 +18,11 @@ import time
 
 sys.dont_write_bytecode = True  # the sources' folder is to hold sources
 
+import command_figures  # noqa: E402
 import figures  # noqa: E402
 from programs import Build, Failure, output  # noqa: E402
 
+GROUPS = figures.GROUPS + command_figures.GROUPS
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 
@@ -116,7 +118,7 @@ def as_json(figure):
 
 def measure(build, plan, only):
     measured = []
-    for group in figures.GROUPS:
+    for group in GROUPS:
         if only and group.__name__ not in only:
             continue
         print(f"== {group.__name__.replace('_', ' ')}", file=sys.stderr)
@@ -132,7 +134,7 @@ def arguments():
                         help="fewer, shorter runs: whether it works, not how fast")
     parser.add_argument("--runs", type=int, help="how many (15)")
     parser.add_argument("--only", action="append", metavar="GROUP",
-                        choices=[group.__name__ for group in figures.GROUPS],
+                        choices=[group.__name__ for group in GROUPS],
                         help="one group of figures; may be given again: %(choices)s")
     return parser.parse_args()
 

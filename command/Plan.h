@@ -18,6 +18,7 @@ struct PlanRow {
     NetworkFields network;
     std::optional<std::uint8_t> powerOffMode; ///< `eShutdownTime_…`
     std::vector<ValueFile> accessories;
+    std::vector<JournalInput> inputs; ///< the files that the row names
 };
 
 /** The instruments that a plan needs. */
@@ -33,7 +34,6 @@ struct PlanNeeds {
 struct Plan {
     std::vector<PlanRow> rows;        ///< at least one, each of another instrument
     Faults notes;                     ///< what is right and looks wrong
-    std::vector<JournalInput> inputs; ///< of the value files; without the plan itself
 
     /** Nothing, and a fault for everything that is wrong in @p faults, unless the plan and all
         files that it names are right, and the instruments that it needs are attached. */

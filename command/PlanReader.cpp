@@ -192,9 +192,10 @@ void PlanReader::takeValues(std::string_view cell) {
     auto values = file ? ValueFile::check(*file, Accessory, faults) : std::nullopt;
     if (values) {
         m_row.accessories.push_back(std::move(*values));
-        m_plan.inputs.push_back(::journalInput(
-            QStringLiteral("%1 %2").arg(m_names[m_place.column], serialText(m_row.serialNumber)),
-            *file));
+        const bool isPlate = &Accessory == &CalibrationAccessory::whitePlate;
+        const QString role =
+            isPlate ? QStringLiteral("white-plate %1") : QStringLiteral("ambient-adapter %1");
+        m_row.inputs.push_back(::journalInput(role.arg(serialText(m_row.serialNumber)), *file));
         return;
     }
     addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "The file \"%1\" cannot be used:"), cell);

@@ -97,11 +97,13 @@ ExitStatus applyPlan(const ApplyOptions& options) {
     }
     sayToUser(plan->notes);
     std::vector<JournalInput> inputs = {Plan::journalInput(*file)};
-    inputs.insert(inputs.end(), plan->inputs.begin(), plan->inputs.end());
     std::vector<Order> orders;
     for (PlanRow& row : plan->rows) {
-        if (only->empty() || std::find(only->begin(), only->end(), row.serialNumber) != only->end())
-            orders.push_back(orderFor(row));
+        if (!only->empty() &&
+            std::find(only->begin(), only->end(), row.serialNumber) == only->end())
+            continue;
+        inputs.insert(inputs.end(), row.inputs.begin(), row.inputs.end());
+        orders.push_back(orderFor(row));
     }
     return carryOut(orders, options, inputs);
 }
