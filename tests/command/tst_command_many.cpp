@@ -3,7 +3,6 @@
 #include "ThreeInstruments.h"
 #include "tests/support/TestMain.h"
 
-
 #include <csignal>
 
 using namespace ThreeInstruments;
