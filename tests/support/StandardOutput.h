@@ -30,7 +30,7 @@ public:
         QFile file(m_file.fileName());
         if (!file.open(QIODevice::ReadOnly) || !file.seek(m_taken))
             return {};
-        const QByteArray written = file.readAll();
+        QByteArray written = file.readAll();
         m_taken += written.size();
         return written;
     }
