@@ -93,11 +93,12 @@ bool CsvReader::endAtEndOfFile() {
 }
 
 void CsvReader::collectCells() {
-    m_cells.clear();
+    m_cells.resize(m_ends.size());
+    const std::string_view text = m_text;
     std::size_t begin = 0;
-    for (const std::size_t end : m_ends) {
-        m_cells.push_back(std::string_view(m_text).substr(begin, end - begin));
-        begin = end;
+    for (std::size_t i = 0; i < m_ends.size(); ++i) {
+        m_cells[i] = text.substr(begin, m_ends[i] - begin);
+        begin = m_ends[i];
     }
 }
 

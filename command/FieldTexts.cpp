@@ -29,17 +29,6 @@ QByteArray shortestDecimal(float value) {
     return {};
 }
 
-/** The octet that is the whole text, one to three digits; -1 for any other text. */
-int octet(std::string_view text) {
-    constexpr std::string_view digits = "0123456789";
-    if (text.empty() || text.size() > 3 || text.find_first_not_of(digits) != std::string_view::npos)
-        return -1;
-    int number = 0;
-    for (const char digit : text)
-        number = number * 10 + (digit - '0');
-    return number <= 255 ? number : -1;
-}
-
 QString bitPattern(float value) {
     std::uint32_t bits = 0;
     std::memcpy(&bits, &value, sizeof bits);
@@ -90,14 +79,20 @@ QString FieldTexts::address(const std::uint8_t (&octets)[4]) {
 }
 
 const char* FieldTexts::parseAddress(std::string_view text, std::uint8_t* octets) {
+    const char* place = text.data();
+    const char* const end = place + text.size();
     for (int i = 0; i < 4; ++i) {
+        const char* const begin = place;
+        int number = 0;
+        while (place < end && place - begin < 4 && *place >= '0' && *place <= '9')
+            number = number * 10 + (*place++ - '0');
         // The fourth is all that is left: a fifth makes it no number.
-        const std::size_t length = i < 3 ? std::min(text.find('.'), text.size()) : text.size();
-        const int number = octet(text.substr(0, length));
-        if (number < 0)
-            return text.data();
+        const bool isWhole = place == end || (i < 3 && *place == '.');
+        if (place == begin || place - begin > 3 || number > 255 || !isWhole)
+            return begin;
         octets[i] = static_cast<std::uint8_t>(number);
-        text.remove_prefix(std::min(length + 1, text.size()));
+        if (place < end)
+            ++place;
     }
     return nullptr;
 }

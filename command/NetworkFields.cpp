@@ -92,25 +92,24 @@ std::vector<AddressFault> addressFaults(const std::optional<Address>& ip,
                   {textOf(*mask)})});
     if (!ip)
         return faults;
-    const QString address = textOf(*ip);
     if (!isOfAHost(*ip) || (hasMask && isReserved(*ip, *mask)))
         faults.push_back(
             {Field::Ip, Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is no address that an instrument "
                                                             "can have."),
-                             {address})});
+                             {textOf(*ip)})});
     if (!gateway || bits(*gateway) == 0)
         return faults;
     if (*ip == *gateway)
         faults.push_back(
             {Field::Ip,
              Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is the address of the gateway as well."),
-                  {address})});
+                  {textOf(*ip)})});
     else if (hasMask && ((bits(*ip) ^ bits(*gateway)) & bits(*mask)) != 0)
         faults.push_back(
             {Field::Ip,
              Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                     "%1 is outside the network that mask %2 and gateway %3 make."),
-                  {address, textOf(*mask), textOf(*gateway)})});
+                  {textOf(*ip), textOf(*mask), textOf(*gateway)})});
     return faults;
 }
 

@@ -6,10 +6,9 @@
 
 namespace {
 
-constexpr std::string_view digits = "0123456789";
-
 bool isAllDigits(std::string_view text) {
-    return text.find_first_not_of(digits) == std::string_view::npos;
+    return std::all_of(text.begin(), text.end(),
+                       [](char character) { return character >= '0' && character <= '9'; });
 }
 
 bool isAllZeros(std::string_view text) {
@@ -79,23 +78,26 @@ PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_
 }
 
 std::optional<std::uint32_t> PlanCells::onOff(std::string_view cell) {
-    std::string word(cell);
-    std::transform(word.begin(), word.end(), word.begin(), [](char character) {
-        const bool isCapital = character >= 'A' && character <= 'Z';
-        return isCapital ? static_cast<char>(character - 'A' + 'a') : character;
-    });
-    if (word != "on" && word != "off")
+    const auto is = [&](std::string_view word) {
+        return std::equal(cell.begin(), cell.end(), word.begin(), word.end(), [](char a, char b) {
+            return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b);
+        });
+    };
+    if (!is("on") && !is("off"))
         return std::nullopt;
-    return word == "on" ? 1 : 0;
+    return is("on") ? 1 : 0;
 }
 
 bool PlanCells::isShortenedNumber(std::string_view cell) {
-    return cell.find("E+") != std::string_view::npos && scientific(cell).has_value();
+    const bool begins = !cell.empty() && cell.front() >= '0' && cell.front() <= '9';
+    return begins && cell.find("E+") != std::string_view::npos && scientific(cell).has_value();
 }
 
 std::string_view PlanCells::trimmed(std::string_view cell) {
-    constexpr std::string_view blanks = " \t";
-    const std::size_t begin = std::min(cell.find_first_not_of(blanks), cell.size());
-    const std::size_t end = cell.find_last_not_of(blanks);
-    return cell.substr(begin, end == std::string_view::npos ? 0 : end + 1 - begin);
+    const auto isBlank = [](char character) { return character == ' ' || character == '\t'; };
+    while (!cell.empty() && isBlank(cell.front()))
+        cell.remove_prefix(1);
+    while (!cell.empty() && isBlank(cell.back()))
+        cell.remove_suffix(1);
+    return cell;
 }

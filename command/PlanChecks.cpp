@@ -5,9 +5,17 @@
 #include "command/PlanReader.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace {
+
+/** So that ascending addresses are ascending numbers. */
+template <typename Bytes>
+std::uint32_t numberOf(const Bytes& bytes) {
+    std::uint32_t number = 0;
+    for (const std::uint8_t byte : bytes)
+        number = number << 8U | byte;
+    return number;
+}
 
 std::optional<std::uint32_t> accessoryOf(const PlanRow& row, const CalibrationAccessory& accessory,
                                          QString* text = nullptr) {
@@ -16,9 +24,7 @@ std::optional<std::uint32_t> accessoryOf(const PlanRow& row, const CalibrationAc
             continue;
         if (text != nullptr)
             *text = FieldTexts::accessorySerial(file.serialNo);
-        std::uint32_t number = 0;
-        std::memcpy(&number, file.serialNo, sizeof number);
-        return number;
+        return numberOf(file.serialNo);
     }
     return std::nullopt;
 }
@@ -48,7 +54,7 @@ QString serialNumberText(const PlanRow& row) {
 
 bool ipAddress(const PlanRow& row, std::uint32_t& value) {
     if (row.network.ip)
-        std::memcpy(&value, row.network.ip->data(), sizeof value);
+        value = numberOf(*row.network.ip);
     return row.network.ip.has_value();
 }
 
@@ -78,7 +84,8 @@ void PlanReader::checkUnique(const Unique& what) {
             values.emplace_back(value, &row);
     }
     // Rows lie behind one another: the first of equal ones comes first.
-    std::sort(values.begin(), values.end());
+    if (!std::is_sorted(values.begin(), values.end()))
+        std::sort(values.begin(), values.end());
     const PlanRow* first = nullptr;
     for (std::size_t i = 1; i < values.size(); ++i) {
         if (values[i - 1].first != values[i].first) {

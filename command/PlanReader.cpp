@@ -176,8 +176,10 @@ void PlanReader::takeText(std::string_view cell) {
 }
 
 void PlanReader::takePowerOff(std::string_view cell) {
-    const int mode = FieldTexts::powerOffWords().indexOf(toText(cell));
-    if (mode >= 0)
+    const QLatin1String word(cell.data(), static_cast<int>(cell.size()));
+    const QStringList& words = FieldTexts::powerOffWords();
+    const auto mode = std::find(words.begin(), words.end(), word) - words.begin();
+    if (mode < words.size())
         m_row.powerOffMode = static_cast<std::uint8_t>(mode);
     else
         addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "It has to be off, 15, 30 or 60, not \"%1\""), cell);
@@ -303,10 +305,12 @@ bool PlanReader::finish() {
 }
 
 std::optional<Plan> PlanReader::read() {
-    if (!FileCheck(m_file, m_faults).hasLines())
-        return std::nullopt;
     const std::string_view content = withoutByteOrderMark(m_file);
     m_hasOnlyAscii = isAscii(content);
+    const auto lines = static_cast<std::size_t>(std::count(content.begin(), content.end(), '\n'));
+    if ((!m_hasOnlyAscii || lines == 0) && !FileCheck(m_file, m_faults).hasLines())
+        return std::nullopt;
+    m_plan.rows.reserve(lines);
     CsvReader reader(content, delimiterOf(content));
     if (reader.next()) {
         m_place.row = reader.number();
