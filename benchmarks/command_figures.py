@@ -38,13 +38,15 @@ def write(path, text):
 
 
 class Bench:
-    """Instruments that hold something else than a plan for them, and a data folder of its own."""
+    """Instruments, a plan for some of them that changes all things, carried out, and a data folder
+    of its own. What the library does for a call grows with the instruments of its bench file, so
+    those are as many for each plan."""
 
-    def __init__(self, build, count):
+    def __init__(self, build, attached, count):
         self.count = count
         self.folder = build.folder()
         self._environment = build.environment(self.folder)
-        bench = {"version": 1, "instruments": [instrument(i + 1) for i in range(count)]}
+        bench = {"version": 1, "instruments": [instrument(i + 1) for i in range(attached)]}
         write(self._environment["KVASIM_BENCH"], json.dumps(bench))
         values = ",".join(f"{85.6 + 0.2 * i:.4f}" for i in range(38))
         text = COLUMNS
@@ -145,7 +147,7 @@ def plan_run(build, plan):
     even = Figure(f"plan over {names} instruments, time for each", "slowest : fastest", 1.1, "ms")
     memory = Figure(f"plan over {names} instruments, peak memory", "most : least", 1.1, "MiB")
     for _ in range(plan.runs):
-        benches = [Bench(build, count) for count in counts]
+        benches = [Bench(build, most, count) for count in counts]
         last = benches[-1]
         duration.add(last.milliseconds, two_transactions(build, most, last.bytes))
         times = [bench.milliseconds for bench in benches]

@@ -15,20 +15,20 @@ ExitStatus ManyOrders::carryOut() {
     const bool asks = !m_options.isDryRun && !m_options.isSure && m_run.problem().isEmpty();
     if (!asks || isConfirmed())
         carryOutEach();
-    while (m_verdicts.size() < m_orders.size())
-        reportNotReached(m_orders[m_verdicts.size()].serialNumber);
-    RunScreen::recap(m_verdicts);
+    while (m_ended.size() < m_orders.size())
+        reportNotReached(m_orders[m_ended.size()].serialNumber);
+    RunScreen::recap(m_ended);
     const bool hasReachedAll =
-        std::none_of(m_verdicts.begin(), m_verdicts.end(),
-                     [](const Verdict& verdict) { return verdict.outcome == Outcome::NotReached; });
+        std::none_of(m_ended.begin(), m_ended.end(),
+                     [](const EndedOrder& order) { return order.outcome == Outcome::NotReached; });
     return m_run.end(hasReachedAll ? Done : RefusedStatus);
 }
 
 void ManyOrders::carryOutEach() {
     m_screen.passBegins(m_orders.size());
     bool hasStopped = false;
-    while (m_verdicts.size() < m_orders.size() && !hasStopped && !Interrupt::isRequested()) {
-        const Order& order = m_orders[m_verdicts.size()];
+    while (m_ended.size() < m_orders.size() && !hasStopped && !Interrupt::isRequested()) {
+        const Order& order = m_orders[m_ended.size()];
         m_screen.instrumentBegins(order.serialNumber);
         const auto refused = m_refused.find(order.serialNumber);
         if (refused == m_refused.end()) {
@@ -38,7 +38,7 @@ void ManyOrders::carryOutEach() {
             report(refused->second);
         }
         m_screen.instrumentEnds();
-        hasStopped = stops(m_verdicts.back());
+        hasStopped = stops(m_ended.back().outcome);
     }
 }
 
@@ -88,18 +88,18 @@ void ManyOrders::keepAll(std::vector<Verdict>& found) {
     }
 }
 
-bool ManyOrders::stops(const Verdict& verdict) const {
+bool ManyOrders::stops(Outcome outcome) const {
     if (m_options.keepsGoing || m_options.isDryRun)
         return false;
-    return verdict.outcome != Outcome::Unchanged && verdict.outcome != Outcome::Verified &&
-           verdict.outcome != Outcome::Waits;
+    return outcome != Outcome::Unchanged && outcome != Outcome::Verified &&
+           outcome != Outcome::Waits;
 }
 
 void ManyOrders::report(const Verdict& verdict) {
     RunScreen::sayVerdict(verdict);
     if (m_options.asJson)
         print(toJson(verdict));
-    m_verdicts.push_back(verdict);
+    m_ended.push_back({verdict.serialNumber, verdict.outcome, verdict.changes.size()});
 }
 
 void ManyOrders::reportNotReached(std::int32_t serialNumber) {

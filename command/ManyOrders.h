@@ -30,7 +30,7 @@ private:
     /** Whether the orders may be carried out. Otherwise all verdicts are there. */
     bool isConfirmed();
     void keepAll(std::vector<Verdict>& found);
-    bool stops(const Verdict& verdict) const;
+    bool stops(Outcome outcome) const;
     void report(const Verdict& verdict);
     void reportNotReached(std::int32_t serialNumber);
 
@@ -40,7 +40,7 @@ private:
     CallWatch m_signals; ///< watches no call: its thread takes signals between two instruments
     RunScreen m_screen;
     std::map<std::int32_t, Verdict> m_refused; ///< before the question: they are not tried again
-    std::vector<Verdict> m_verdicts;
+    std::vector<EndedOrder> m_ended;
 };
 
 #endif

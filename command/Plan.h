@@ -32,8 +32,8 @@ struct PlanNeeds {
  * LF or CR LF, UTF-8 with or without a byte-order mark. An empty cell leaves things as they are.
  */
 struct Plan {
-    std::vector<PlanRow> rows;        ///< at least one, each of another instrument
-    Faults notes;                     ///< what is right and looks wrong
+    std::vector<PlanRow> rows; ///< at least one, each of another instrument
+    Faults notes;              ///< what is right and looks wrong
 
     /** Nothing, and a fault for everything that is wrong in @p faults, unless the plan and all
         files that it names are right, and the instruments that it needs are attached. */

@@ -127,22 +127,22 @@ void RunScreen::sayVerdict(const Verdict& verdict) {
         sayToUser(QStringLiteral("  ") + reason.translated());
 }
 
-void RunScreen::recap(const std::vector<Verdict>& verdicts) {
+void RunScreen::recap(const std::vector<EndedOrder>& orders) {
     std::vector<std::pair<Outcome, int>> counts;
     constexpr int serialWidth = 10;
     constexpr int outcomeWidth = 12;
     sayToUser(QString());
     sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Recap: serial number, outcome, changes")));
-    for (const Verdict& verdict : verdicts) {
-        const QString word = wordOf(verdict.outcome).leftJustified(outcomeWidth);
-        sayToUser(serialText(verdict.serialNumber).leftJustified(serialWidth) +
-                  Terminal::painted(word, colourOf(verdict.outcome)) +
-                  QString::number(verdict.changes.size()).rightJustified(5));
+    for (const EndedOrder& order : orders) {
+        const QString word = wordOf(order.outcome).leftJustified(outcomeWidth);
+        sayToUser(serialText(order.serialNumber).leftJustified(serialWidth) +
+                  Terminal::painted(word, colourOf(order.outcome)) +
+                  QString::number(order.changeCount).rightJustified(5));
         const auto known = std::find_if(counts.begin(), counts.end(), [&](const auto& count) {
-            return count.first == verdict.outcome;
+            return count.first == order.outcome;
         });
         if (known == counts.end())
-            counts.emplace_back(verdict.outcome, 1);
+            counts.emplace_back(order.outcome, 1);
         else
             ++known->second;
     }

@@ -7,6 +7,13 @@
 #include <optional>
 #include <vector>
 
+/** What the table at the end has of an instrument: no more, as there may be many. */
+struct EndedOrder {
+    std::int32_t serialNumber = 0;
+    Outcome outcome = Outcome::NotReached;
+    std::size_t changeCount = 0;
+};
+
 /** A run over several instruments as people see it, on standard error: what is shown and done at
     present, a line for each instrument as it ends, and a table of all. */
 class RunScreen : public TransactionObserver {
@@ -24,7 +31,7 @@ public:
     void instrumentEnds();
 
     static void sayVerdict(const Verdict& verdict);
-    static void recap(const std::vector<Verdict>& verdicts);
+    static void recap(const std::vector<EndedOrder>& orders);
 
     /** What the present instrument was found to hold; nothing where it could not be read. */
     const std::optional<InstrumentState>& state() const { return m_state; }
