@@ -34,26 +34,22 @@ std::int32_t serialNumberOf(const Json& instrument);
 KVA_PORTINFO portOf(const Json& instrument);
 bool isSamePort(const KVA_PORTINFO& left, const KVA_PORTINFO& right);
 
-/** The settings that were stored last, and the working copy of the calibration data. */
+/** What was stored last. */
 const Json& networkOf(const Json& instrument);
 const Json& calibrationOf(const Json& instrument);
 
 /** Commits the staged calibration data. @return KVA_ERROR_NO_DATA where there is none */
 KVA_RESULT commitCalibration(Json& instrument);
 
+/** An instrument that is attached has started. */
 bool isPlugged(const Json& instrument);
-
-/** Attaches or detaches it, unless it is so; an instrument that is attached has started. */
 void setPlugged(Json& instrument, bool plugged);
 
-/** Switches the instrument off and on: pending settings come into use, data that was only staged is
-    gone, and it starts, where it is plugged. */
+/** Switches it off and on: pending settings come into use, data that was only staged is gone. */
 void powerCycle(Json& instrument);
 
-/** The milliseconds until a plugged instrument has started; 0 when it has. */
+/** The milliseconds until it has started, and whether it is plugged and has. */
 std::int64_t startUpLeft(const Json& instrument);
-
-/** Whether it is plugged and has started. */
 bool isReady(const Json& instrument);
 
 /** Merges @p patch into the instrument as a JSON merge patch does; null gives a field its default.
@@ -85,10 +81,8 @@ struct Bench {
 Bench parseBench(const std::string& text);
 Json benchToJson(const Bench& bench);
 
-/** An instrument by its serial number; null when there is none. */
+/** An instrument by its serial number. Where there is none, null or an InputError. */
 const Json* findInstrument(const Bench& bench, std::int32_t serialNumber);
-
-/** The same. @throws InputError when there is none. */
 Json& instrumentOf(Bench& bench, std::int32_t serialNumber);
 
 /** Changes an instrument.

@@ -48,7 +48,7 @@ fs::path dataFolder() {
 #ifdef __APPLE__
     return hasHome ? home / "Library/Application Support" : fs::path();
 #else
-    const fs::path data = environmentOf("XDG_DATA_HOME");
+    fs::path data = environmentOf("XDG_DATA_HOME");
     if (data.is_absolute())
         return data;
     return hasHome ? home / ".local/share" : fs::path();

@@ -44,8 +44,7 @@ Bench readBenchFile(const std::string& path);
     @throws InputError when that fails; the file is then as it was. */
 Stamp writeBenchFile(const std::string& path, const Bench& bench);
 
-/** Writes in one call, so that programs with one file do not mix their texts.
-    @return false with `errno` */
+/** Writes in one call, so that programs do not mix their texts. @return false with `errno` */
 bool writeAtOnce(int file, const std::string& text);
 
 /** @throws InputError always: the file, what has failed, and the system's reason. */
@@ -61,10 +60,8 @@ std::string printable(std::string text);
 void complain(const std::string& message);
 
 /** The lock beside a bench file, FILE.lock: one change at a time, and who holds which instrument.
- *
- * The locks are the system's record locks. They belong to the process and end with it, however it
- * ends. Closing any descriptor of the file ends all of them, so a process has one object for a
- * bench, or none of the earlier one's locks counts any more. The file stays; nothing is in it. */
+    The system's record locks belong to the process and end with it, however it ends, or when it
+    closes any descriptor of the file: of an earlier object for the bench no lock counts. */
 class BenchLock {
 public:
     /** Opens the file and makes it for its owner where it is not there. In a folder that cannot be
@@ -140,11 +137,9 @@ public:
         @param seen told when the bench has changed */
     void refresh(const Seen& seen);
 
-    /** Changes the bench: takes the lock, refreshes, lets @p make change a copy, saves that where
-       it is another one, and gives the lock back. Waits for up to a second for a file that is just
-        being saved by hand.
-        @throws InputError when that fails, and whatever @p make throws; the bench is then as the
-        file has it */
+    /** Changes the bench under its lock: refreshes, lets @p make change a copy, and saves that
+       where it is another one. Waits for up to a second for a file that is being saved by hand.
+        @throws InputError when that fails, and whatever @p make throws; nothing is changed then */
     void change(const std::function<void(Bench& next)>& make, const Seen& seen);
 
 private:

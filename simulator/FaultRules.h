@@ -39,9 +39,9 @@ struct CallEffects {
 /** Applies the corruptions that are meant for an answer of @p function. */
 void corrupt(const CallEffects& effects, std::string_view function, void* record);
 
-struct FaultRule {
-    Json json;                           /**< checked, and in its usual form */
-    std::uint32_t firstCall = 1;         /**< counted from 1, inclusive */
+struct FaultRule {               // NOLINT(bugprone-exception-escape): moving JSON throws nothing
+    Json json;                   /**< checked, and in its usual form */
+    std::uint32_t firstCall = 1; /**< counted from 1, inclusive */
     std::uint32_t lastCall = UINT32_MAX; /**< inclusive; UINT32_MAX: no end */
 
     bool operator==(const FaultRule& other) const { return json == other.json; }

@@ -69,14 +69,12 @@ Number readNumber(const Json& value, const std::string& path) {
 bool readBool(const Json& value, const std::string& path);
 std::string readString(const Json& value, const std::string& path);
 
-/** Lower-case hexadecimal, two digits a byte, with @p separator between the bytes. */
-std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view separator = {});
-
 /** "0x7fc00001" */
 std::string toHex(std::uint32_t number);
 
-/** Reads exactly @p size bytes of hexadecimal with @p separator between them.
-    @return false when the text is anything else; the bytes are then not to be used. */
+/** Lower-case hexadecimal, two digits a byte, with @p separator between the bytes. What is read
+   must be exactly @p size bytes; otherwise it is false, and the bytes are not to be used. */
+std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view separator = {});
 bool fromHex(std::string_view text, std::string_view separator, std::uint8_t* bytes,
              std::size_t size);
 

@@ -7,12 +7,14 @@ namespace kvasim {
 
 namespace {
 
+// NOLINTBEGIN(bugprone-macro-parentheses): a type and a member cannot have any
 #define KVASIM_FIELD(record, place, field, type)                                                   \
     Field {                                                                                        \
         place, #field, &type, {                                                                    \
             offsetof(record, field), sizeof(record{}.field)                                        \
         }                                                                                          \
     }
+// NOLINTEND(bugprone-macro-parentheses)
 
 constexpr Field portFields[] = {
     KVASIM_FIELD(KVA_PORTINFO, "serialNumber", serialNumber, int32Type),

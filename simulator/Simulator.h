@@ -32,12 +32,9 @@ struct Call {
 /** Any thread may call any function. No lock is held while a handler runs.
  *
  * The bench is read from the environment when it is first needed; where that fails, one line on
- * standard error says why, and whatever needs the bench fails until `load`. Before each call, and
- * every 50 ms while a handler is installed, a bench file that has changed is read again. What is
- * different then makes the events.
- *
- * Every change of an instrument is saved before it counts: where it cannot be saved, the call that
- * made it fails and nothing has changed. */
+ * standard error says why, and whatever needs it fails until `load`. It is looked at before each
+ * call and on the event thread; what has changed makes the events. Every change is saved before it
+ * counts: where that fails, the call that made it fails. */
 class Simulator {
 public:
     /** What a call does. Whatever it throws becomes KVA_ERROR. */
