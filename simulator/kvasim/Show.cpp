@@ -143,10 +143,11 @@ std::string faultsAsText(const Json& faults) {
 }
 
 std::string callAsText(const Json& call) {
-    const Json& result = call["resultName"] == "" ? call["result"] : call["resultName"];
+    const std::string name = cell(call["resultName"]);
     return call["seq"].dump() + "  " + cell(call["function"]) + ' ' +
-           printable(call["arguments"].dump()) + "  " + cell(result) + "  " +
-           call["durationUs"].dump() + " us\n";
+           printable(call["arguments"].dump()) + "  " +
+           (name.empty() ? call["result"].dump() : name) + "  " + call["durationUs"].dump() +
+           " us\n";
 }
 
 void followLog(const std::string& path, const std::function<void(const Json&)>& take,
