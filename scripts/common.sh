@@ -65,9 +65,9 @@ install_build_needs() {
     fi
 }
 
-# What a virtual X server, mouse and keyboard need, and the fonts of both languages.
+# What a virtual X server, mouse, keyboard and terminal need, and the fonts of both languages.
 install_virtual_needs() {
-    install_debian xvfb openbox xdotool wmctrl imagemagick jq fonts-dejavu-core fonts-noto-cjk
+    install_debian xvfb openbox xdotool wmctrl imagemagick jq xterm fonts-dejavu-core fonts-noto-cjk
 }
 
 # build PRESET [OPTION...]: configures and builds into build/PRESET; the options go to the build.
