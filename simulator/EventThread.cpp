@@ -8,36 +8,32 @@
 
 namespace kvasim {
 
-bool EventThread::setHandler(KVA_DeviceEventHandler handler) {
-    if (isCurrent()) {
+EventThread::~EventThread() {
+    {
         const std::lock_guard<std::mutex> lock(m_mutex);
-        install(handler);
-        return true;
+        m_stop = true;
+        m_wake.notify_all();
     }
-    const std::lock_guard<std::mutex> change(m_change);
-    if (handler != nullptr && !ensureStarted())
-        return false;
+    if (m_thread.joinable())
+        m_thread.join();
+}
+
+bool EventThread::setHandler(KVA_DeviceEventHandler handler) {
     std::unique_lock<std::mutex> lock(m_mutex);
-    install(handler);
-    const std::uint64_t underWay = m_deliveries;
-    m_progress.wait(lock, [&] { return !m_delivering || m_deliveries != underWay; });
-    if (m_handler != nullptr || !m_thread.joinable())
-        return true;
-    m_stop = true;
+    if (handler != nullptr && !m_thread.joinable() && !start())
+        return false;
+    m_handler = handler;
+    if (handler == nullptr)
+        m_events.clear();
     m_wake.notify_all();
-    lock.unlock();
-    m_thread.join();
-    lock.lock();
-    m_id = {};
+    m_progress.notify_all();
+    const std::uint64_t underWay = m_deliveries;
+    if (m_thread.get_id() != std::this_thread::get_id())
+        m_progress.wait(lock, [&] { return !m_delivering || m_deliveries != underWay; });
     return true;
 }
 
-/** To be called with m_change held. */
-bool EventThread::ensureStarted() {
-    if (m_thread.joinable())
-        return true;
-    const std::lock_guard<std::mutex> lock(m_mutex);
-    m_stop = false;
+bool EventThread::start() {
     // A thread takes the mask of its maker: signals belong to the program, not to this thread.
     sigset_t all;
     sigset_t before;
@@ -49,15 +45,7 @@ bool EventThread::ensureStarted() {
         // It is not joinable then.
     }
     pthread_sigmask(SIG_SETMASK, &before, nullptr);
-    m_id = m_thread.get_id();
     return m_thread.joinable();
-}
-
-void EventThread::install(KVA_DeviceEventHandler handler) {
-    m_handler = handler;
-    if (handler == nullptr)
-        m_events.clear();
-    m_progress.notify_all();
 }
 
 void EventThread::post(const DeviceEvent& event, std::chrono::milliseconds delay) {
@@ -85,19 +73,21 @@ void EventThread::waitUntilDelivered() {
 
 bool EventThread::isCurrent() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    return m_id == std::this_thread::get_id();
+    return m_thread.get_id() == std::this_thread::get_id();
 }
 
 void EventThread::run() {
     std::unique_lock<std::mutex> lock(m_mutex);
     auto nextLook = Clock::now() + lookPeriod;
     while (!m_stop) {
-        if (isDue())
+        if (m_handler == nullptr)
+            m_wake.wait(lock);
+        else if (isDue())
             deliver(lock);
         else
             m_wake.wait_until(lock, m_events.empty() ? nextLook
                                                      : std::min(nextLook, m_events.begin()->first));
-        if (Clock::now() < nextLook)
+        if (m_handler == nullptr || Clock::now() < nextLook)
             continue;
         lock.unlock();
         m_look();

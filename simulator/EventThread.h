@@ -24,20 +24,21 @@ struct DeviceEvent {
     std::optional<std::int32_t> owner{}; /**< for `dropLater` */
 };
 
-/** Delivers events in order, one at a time, on a thread that lives while a handler is installed. A
-    handler may call anything, this class included. Any thread may call any function. */
+/** Delivers events in order, one at a time, on a thread that starts with the first handler and ends
+    with this object. A handler may call anything but the destructor. Any thread may call any
+    function. */
 class EventThread {
 public:
-    /** @param look called on the thread every 50 ms, between deliveries; throws nothing */
+    /** @param look called on the thread every 50 ms while a handler is installed, between
+        deliveries; throws nothing */
     explicit EventThread(std::function<void()> look) : m_look(std::move(look)) {}
-    ~EventThread() { setHandler(nullptr); }
+    ~EventThread();
     EventThread(const EventThread&) = delete;
     EventThread& operator=(const EventThread&) = delete;
 
     /** Installs @p handler; null removes it and drops the events that wait. When it returns, no
-        earlier handler is running or will be called again, and after a removal the thread has
-        ended. From within a handler it returns at once: the delivery under way is the last one of
-        the earlier handler, and the thread ends with the next removal.
+        earlier handler is running or will be called again. From within a handler it returns at
+        once: the delivery under way is the last one of the earlier handler.
         @return false when the thread cannot be started; nothing is then installed. */
     bool setHandler(KVA_DeviceEventHandler handler);
 
@@ -48,8 +49,7 @@ public:
     /** Drops the events of @p owner whose time has not come. @return whether there were any */
     bool dropLater(std::int32_t owner);
 
-    /** Returns when every event whose time has come is delivered; from within a handler, at once.
-     */
+    /** Returns when every event that is due is delivered; from within a handler, at once. */
     void waitUntilDelivered();
 
     /** Whether the caller runs on this thread. */
@@ -59,20 +59,16 @@ private:
     using Clock = std::chrono::steady_clock;
     static constexpr std::chrono::milliseconds lookPeriod{50};
 
-    bool ensureStarted();
-    void install(KVA_DeviceEventHandler handler);
+    bool start();
     void run();
     bool isDue() const;
     void deliver(std::unique_lock<std::mutex>& lock);
 
     const std::function<void()> m_look;
-    std::mutex m_change; // one start or end at a time; taken before m_mutex, never by the thread
-    std::thread m_thread;
-
     mutable std::mutex m_mutex; // everything below
+    std::thread m_thread;
     std::condition_variable m_wake;
     std::condition_variable m_progress;
-    std::thread::id m_id;
     KVA_DeviceEventHandler m_handler = nullptr;
     std::multimap<Clock::time_point, DeviceEvent> m_events; // equal times: in order
     std::uint64_t m_deliveries = 0;                         // begun so far
