@@ -44,36 +44,24 @@ std::string cell(const Json& value) {
     return text.size() > widest ? text.substr(0, widest - 3) + "..." : text;
 }
 
-/** A row of what two records have at one place, nothing where a record is not there. */
-Row compared(const std::string& title, const Json& one, const Json& other, const char* place) {
-    const Json::json_pointer pointer(place);
-    return {"  " + title, cell(one.value(pointer, Json())),
-            other.is_null() ? "-" : cell(other.value(pointer, Json()))};
-}
-
-std::string networkTable(const Json& network) {
-    std::vector<Row> rows = {{"NETWORK", "ACTIVE", "PENDING"}};
-    for (const auto& item : network["active"].items())
-        rows.push_back(compared(item.key(), network["active"], network["pending"],
-                                ('/' + item.key()).c_str()));
-    return table(rows);
-}
-
-std::string calibrationTable(const Json& calibration) {
-    const Json& committed = calibration["committed"];
-    std::vector<Row> rows = {{"CALIBRATION", "COMMITTED", "STAGED"}};
-    const auto add = [&](const std::string& title, const std::string& place) {
-        rows.push_back(compared(title, committed, calibration["staged"], place.c_str()));
+/** What two records have, nothing where a record is not there. */
+std::string compared(const Row& head, const Json& one, const Json& other) {
+    std::vector<Row> rows = {head};
+    const auto add = [&](const std::string& title, const Json::json_pointer& place) {
+        rows.push_back(
+            {"  " + title, cell(one[place]), cell(other.is_null() ? other : other[place])});
     };
-    const auto addReference = [&](const std::string& title, const std::string& key) {
-        add(title + " serial number", '/' + key + "/serialNumber");
-        for (std::size_t index = 0; index < committed[key]["values"].size(); ++index)
-            add(title + " value " + std::to_string(index),
-                '/' + key + "/values/" + std::to_string(index));
-    };
-    addReference("white", "white");
-    addReference("adapter", "ambientAdapter");
-    add("reserved", "/reserved");
+    for (const auto& [key, value] : one.items()) {
+        const Json::json_pointer place = Json::json_pointer() / key;
+        if (!value.contains("values")) {
+            add(key, place);
+            continue;
+        }
+        const std::string reference = key == "white" ? key : "adapter";
+        add(reference + " serial number", place / "serialNumber");
+        for (std::size_t index = 0; index < value["values"].size(); ++index)
+            add(reference + " value " + std::to_string(index), place / "values" / index);
+    }
     return table(rows);
 }
 
@@ -131,8 +119,13 @@ std::string instrumentAsText(const Json& instrument) {
     for (const char* key :
          {"wirelessModule", "factoryOptionsReserved", "powerOffMode", "startUpMs"})
         rows.push_back({std::string("  ") + key, cell(instrument[key])});
-    return table(rows) + '\n' + networkTable(instrument["network"]) + '\n' +
-           calibrationTable(instrument["calibration"]);
+    const Json& network = instrument["network"];
+    const Json& calibration = instrument["calibration"];
+    return table(rows) + '\n' +
+           compared({"NETWORK", "ACTIVE", "PENDING"}, network["active"], network["pending"]) +
+           '\n' +
+           compared({"CALIBRATION", "COMMITTED", "STAGED"}, calibration["committed"],
+                    calibration["staged"]);
 }
 
 std::string faultsAsText(const Json& faults) {
