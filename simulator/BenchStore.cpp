@@ -40,6 +40,29 @@ bool writeBeside(int file, const std::string& path, const std::string& text) {
            ::futimens(file, times) == 0 && ::fsync(file) == 0;
 }
 
+/** Puts @p bench in place of the file at once: whoever reads it finds the old one or the new one,
+    whole. Only the owner can read it, or whoever could read the file before.
+    @return the stamp of the new file; its time is later than that of the old one
+    @throws InputError when that fails; the file is then as it was. */
+Stamp writeBenchFile(const std::string& path, const Bench& bench) {
+    const std::string text = formatJson(benchToJson(bench));
+    std::string beside = path + ".XXXXXX";
+    const int file = ::mkostemp(beside.data(), O_CLOEXEC);
+    if (file < 0)
+        fail(path, "cannot be saved", errno);
+    int error = writeBeside(file, path, text) ? 0 : errno;
+    const Stamp stamp = stampOf(beside);
+    if (::close(file) != 0 && error == 0)
+        error = errno;
+    if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0)
+        error = errno;
+    if (error != 0) {
+        ::unlink(beside.c_str());
+        fail(path, "cannot be saved", error);
+    }
+    return stamp;
+}
+
 /** The folder for users' data, empty when the user has no home. */
 fs::path dataFolder() {
     std::error_code ignored;
@@ -87,25 +110,6 @@ Bench readBenchFile(const std::string& path) {
     } catch (const InputError& error) {
         throw InputError(path + ": " + error.what());
     }
-}
-
-Stamp writeBenchFile(const std::string& path, const Bench& bench) {
-    const std::string text = formatJson(benchToJson(bench));
-    std::string beside = path + ".XXXXXX";
-    const int file = ::mkostemp(beside.data(), O_CLOEXEC);
-    if (file < 0)
-        fail(path, "cannot be saved", errno);
-    int error = writeBeside(file, path, text) ? 0 : errno;
-    const Stamp stamp = stampOf(beside);
-    if (::close(file) != 0 && error == 0)
-        error = errno;
-    if (error == 0 && ::rename(beside.c_str(), path.c_str()) != 0)
-        error = errno;
-    if (error != 0) {
-        ::unlink(beside.c_str());
-        fail(path, "cannot be saved", error);
-    }
-    return stamp;
 }
 
 std::string environmentOf(const char* name) {

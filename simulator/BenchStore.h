@@ -36,14 +36,6 @@ Stamp stampOf(const std::string& path);
     not JSON (with the line), damaged or of a newer version (with the path of the field). */
 Bench readBenchFile(const std::string& path);
 
-/** Puts @p bench in place of the file at once: whoever reads it finds the old one or the new one,
-    whole. Only the owner can read it, or whoever could read the file before. The caller has the
-    lock of the bench.
-    @param path of a file, not of a symbolic link
-    @return the stamp of the new file; its time is later than that of the old one
-    @throws InputError when that fails; the file is then as it was. */
-Stamp writeBenchFile(const std::string& path, const Bench& bench);
-
 /** Writes in one call, so that programs do not mix their texts. @return false with `errno` */
 bool writeAtOnce(int file, const std::string& text);
 

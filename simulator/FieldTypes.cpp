@@ -27,6 +27,22 @@ Number load(const std::uint8_t* bytes) {
     return value;
 }
 
+/** Reads what `toHex` writes; it must be exactly @p size bytes. */
+bool fromHex(std::string_view text, std::string_view separator, std::uint8_t* bytes,
+             std::size_t size) {
+    const std::size_t width = 2 + separator.size();
+    if (text.size() + separator.size() != size * width)
+        return false;
+    for (std::size_t index = 0; index < size; ++index) {
+        const std::string_view part = text.substr(index * width, width);
+        const char* const end = part.data() + 2;
+        const bool isByte = std::from_chars(part.data(), end, bytes[index], 16).ptr == end;
+        if (!isByte || part.substr(2) != (index + 1 < size ? separator : ""))
+            return false;
+    }
+    return true;
+}
+
 /** A number that would become infinite, subnormal or, not being zero, zero is refused. */
 float readFloat(const Json& value, const std::string& path) {
     if (value.is_number()) {

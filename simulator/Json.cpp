@@ -1,7 +1,6 @@
 #include "simulator/Json.h"
 
 #include <algorithm>
-#include <charconv>
 #include <cinttypes>
 #include <cstdio>
 #include <set>
@@ -159,21 +158,6 @@ std::string toHex(std::uint32_t number) {
     char text[11] = "";
     std::snprintf(text, sizeof text, "0x%08" PRIx32, number);
     return text;
-}
-
-bool fromHex(std::string_view text, std::string_view separator, std::uint8_t* bytes,
-             std::size_t size) {
-    const std::size_t width = 2 + separator.size();
-    if (text.size() + separator.size() != size * width)
-        return false;
-    for (std::size_t index = 0; index < size; ++index) {
-        const std::string_view part = text.substr(index * width, width);
-        const char* const end = part.data() + 2;
-        const bool isByte = std::from_chars(part.data(), end, bytes[index], 16).ptr == end;
-        if (!isByte || part.substr(2) != (index + 1 < size ? separator : ""))
-            return false;
-    }
-    return true;
 }
 
 } // namespace kvasim

@@ -72,11 +72,8 @@ std::string readString(const Json& value, const std::string& path);
 /** "0x7fc00001" */
 std::string toHex(std::uint32_t number);
 
-/** Lower-case hexadecimal, two digits a byte, with @p separator between the bytes. What is read
-   must be exactly @p size bytes; otherwise it is false, and the bytes are not to be used. */
+/** Two digits a byte, with @p separator between the bytes. */
 std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view separator = {});
-bool fromHex(std::string_view text, std::string_view separator, std::uint8_t* bytes,
-             std::size_t size);
 
 } // namespace kvasim
 
