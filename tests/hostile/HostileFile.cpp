@@ -27,23 +27,6 @@ void require(bool done, const char* what) {
 
 } // namespace
 
-QStringList strayKinds(const QStringList& rows) {
-    const QStringList kinds =
-        QString("directory|unreadable|disappears|empty|one byte|2 GiB of zeros|UTF-16|"
-                "byte-order mark|carriage returns alone|NUL bytes|Shift-JIS|511 to 513 bytes|"
-                "field limits|numbers|100000 digits|odd path")
-            .split('|');
-    QStringList missing = kinds;
-    QStringList stray;
-    for (const QString& row : rows) {
-        const QString kind = row.section(": ", 0, 0);
-        missing.removeAll(kind);
-        if (!kinds.contains(kind))
-            stray.append(kind);
-    }
-    return stray + missing;
-}
-
 QVector<HostileCase> oddPlaces(const QString& extension) {
     const auto place = [&extension](const char* name, const char* folder, const char* file) {
         return HostileCase{name, {}, HostileCase::None, folder, file + extension};

@@ -1,4 +1,4 @@
-#include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/soak/ProcessUse.h"
 #include "tests/support/TestBench.h"
 #include "tests/support/TestFolder.h"

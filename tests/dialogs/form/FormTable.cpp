@@ -5,8 +5,6 @@
 #include "dialogs/LangSelectDialog.h"
 #include "tests/support/GiveUp.h"
 
-#include <QtWidgets>
-
 #include <vector>
 
 namespace {

@@ -1,13 +1,9 @@
 #ifndef TESTS_DIALOGS_FORM_FORMTABLE_H
 #define TESTS_DIALOGS_FORM_FORMTABLE_H
 
-#include <QDialog>
-#include <QImage>
-#include <QVariant>
-#include <QVector>
+#include <QtWidgets>
 
 #include <functional>
-#include <memory>
 
 /** A property that a form sets; enumerations and flags by their number. */
 struct Setting {

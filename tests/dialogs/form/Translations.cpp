@@ -1,7 +1,5 @@
 #include "tests/dialogs/form/Translations.h"
 
-#include <QtTest>
-
 namespace {
 
 TranslationEntry readEntry(QXmlStreamReader& xml, const QString& context) {
@@ -29,10 +27,6 @@ bool isMessage(const TranslationEntry& entry) {
            !entry.source.endsWith("...");
 }
 
-QString translationSourcePath(const QString& language) {
-    return TRANSLATION_SOURCES "/" + language + ".ts";
-}
-
 QVector<TranslationEntry> readTranslationSource(const QString& path) {
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly))
@@ -52,7 +46,7 @@ QVector<TranslationEntry> readTranslationSource(const QString& path) {
 }
 
 QVector<TranslationEntry> entriesOf(const QString& language) {
-    const auto entries = readTranslationSource(translationSourcePath(language));
+    const auto entries = readTranslationSource(TRANSLATION_SOURCES "/" + language + ".ts");
     if (entries.isEmpty())
         QTest::qFail(qPrintable("no translations: " + language), __FILE__, __LINE__);
     return entries;
@@ -64,31 +58,4 @@ QString translationOf(const QString& language, const QString& context, const QSt
             return entry.translation;
     }
     return {};
-}
-
-InstalledTranslation::InstalledTranslation(const QString& language) {
-    const QString folder = QCoreApplication::applicationDirPath() + "/../Resources/";
-    QVERIFY2(load(folder + language + ".qm"), qPrintable(language));
-    QCoreApplication::installTranslator(this);
-}
-
-InstalledTranslation::~InstalledTranslation() {
-    QCoreApplication::removeTranslator(this);
-}
-
-MarkingTranslator::MarkingTranslator() {
-    QCoreApplication::installTranslator(this);
-}
-
-MarkingTranslator::~MarkingTranslator() {
-    QCoreApplication::removeTranslator(this);
-}
-
-QString MarkingTranslator::translate(const char* context, const char* sourceText,
-                                     const char* /*disambiguation*/, int /*n*/) const {
-    return marked(context, sourceText);
-}
-
-QString MarkingTranslator::marked(const char* context, const char* source) {
-    return QString("[%1|%2]").arg(context, source);
 }

@@ -1,8 +1,7 @@
 #ifndef TESTS_DIALOGS_FORM_TRANSLATIONS_H
 #define TESTS_DIALOGS_FORM_TRANSLATIONS_H
 
-#include <QTranslator>
-#include <QVector>
+#include <QtTest>
 
 /** An entry of a translation source file. */
 struct TranslationEntry {
@@ -23,9 +22,6 @@ struct LanguageRow {
 
 inline const QVector<LanguageRow> languages = {{"en"}, {"jp"}};
 
-/** The path of the source file of a language. */
-QString translationSourcePath(const QString& language);
-
 /** The entries of a translation source file; empty when it cannot be read or parsed. */
 QVector<TranslationEntry> readTranslationSource(const QString& path);
 
@@ -39,22 +35,30 @@ QString translationOf(const QString& language, const QString& context, const QSt
     fails when the file cannot be loaded. */
 class InstalledTranslation : public QTranslator {
 public:
-    explicit InstalledTranslation(const QString& language);
-    ~InstalledTranslation() override;
+    explicit InstalledTranslation(const QString& language) {
+        const QString folder = QCoreApplication::applicationDirPath() + "/../Resources/";
+        QVERIFY2(load(folder + language + ".qm"), qPrintable(language));
+        QCoreApplication::installTranslator(this);
+    }
+    ~InstalledTranslation() override { QCoreApplication::removeTranslator(this); }
 };
 
 /** Marks each text that is looked up, so that what was looked up, and in which context, can be
     seen: "[context|source]". Installed while it exists. */
 class MarkingTranslator : public QTranslator {
 public:
-    MarkingTranslator();
-    ~MarkingTranslator() override;
+    MarkingTranslator() { QCoreApplication::installTranslator(this); }
+    ~MarkingTranslator() override { QCoreApplication::removeTranslator(this); }
 
     bool isEmpty() const override { return false; }
-    QString translate(const char* context, const char* sourceText, const char* disambiguation,
-                      int n) const override;
+    QString translate(const char* context, const char* sourceText, const char* /*disambiguation*/,
+                      int /*n*/) const override {
+        return marked(context, sourceText);
+    }
 
-    static QString marked(const char* context, const char* source);
+    static QString marked(const char* context, const char* source) {
+        return QString("[%1|%2]").arg(context, source);
+    }
 };
 
 #endif

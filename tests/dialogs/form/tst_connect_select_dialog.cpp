@@ -8,8 +8,6 @@
 #include "tests/support/TestBench.h"
 #include "tests/support/TestMain.h"
 
-#include <QtWidgets>
-
 namespace {
 
 const QStringList three = {"VARNE-1(USB,Serial#1000001)", "VARNE-1(192.168.0.20,Serial#1000002)",

@@ -2,8 +2,6 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
-#include <QKeyEvent>
-
 namespace {
 
 struct KeyRow {

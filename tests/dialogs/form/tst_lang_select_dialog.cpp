@@ -5,8 +5,6 @@
 #include "tests/support/DebugLog.h"
 #include "tests/support/TestMain.h"
 
-#include <QtWidgets>
-
 #include <limits>
 
 namespace {

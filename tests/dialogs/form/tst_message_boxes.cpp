@@ -3,9 +3,6 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
-#include <QApplication>
-#include <QLabel>
-
 namespace {
 
 const QString title = "Spectrophotometer Configuration Tool VQ-TL4";

@@ -7,8 +7,6 @@
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestMain.h"
 
-#include <QtWidgets>
-
 namespace {
 
 struct MessageRow {

@@ -3,7 +3,6 @@
 #include "simulator/KvaSim.h"
 
 #include <QtTest>
-#include <QtWidgets>
 
 #include <chrono>
 

@@ -9,10 +9,7 @@
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestBench.h"
 
-#include <QLineEdit>
-#include <QTimer>
-
-#include <memory>
+#include <QtWidgets>
 
 /** The words of a text with one blank between them. */
 inline QStringList words(const char* text) {

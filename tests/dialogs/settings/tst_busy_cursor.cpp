@@ -1,8 +1,5 @@
-#include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
-
-#include <QApplication>
 
 #include <dlfcn.h>
 

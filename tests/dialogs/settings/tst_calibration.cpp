@@ -1,4 +1,3 @@
-#include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
@@ -50,12 +49,6 @@ struct FailingCall {
     QString line;
     bool isStaged;
     bool isCommitted;
-};
-
-struct ChangedFile {
-    const char* name;
-    QByteArray (*content)(const CalibrationTab& tab); ///< null: the file is gone
-    QStringList lines;
 };
 
 } // namespace
@@ -226,30 +219,6 @@ private Q_SLOTS:
         QCOMPARE(calibration("staged"), row.isStaged ? registered : QJsonObject());
     }
 
-    void readsTheFileAgain_data() {
-        using Tab = const CalibrationTab&;
-        const QStringList unreadable("file.GetCalRefDataFromFile() failed.");
-        addRows(QVector<ChangedFile>{
-            {"gone", nullptr, unreadable},
-            {"damaged", [](Tab t) { return valueFile(t.serialLine, 3); }, unreadable},
-            {"invalid number", [](Tab t) { return t.tooLowFile(); }, {}},
-        });
-    }
-
-    void readsTheFileAgain() {
-        const auto row = rowOf<ChangedFile>();
-        QVERIFY(chooseGoodFile());
-        const QJsonObject before = TestBench::state();
-        QVERIFY(QFile::remove(f->folder.path(goodFile)));
-        if (row.content)
-            f->folder.write(goodFile, row.content(*tab));
-        f->click(tab->writeButton);
-
-        QCOMPARE(f->records(), (QStringList{tab->failureBox, getCall} + row.lines));
-        QCOMPARE(TestBench::state(), before);
-        QCOMPARE(f->busyAtBox(), buttons());
-    }
-
     // The path of a refused file is kept. The button is disabled then, but its slot would try.
     void triesARefusedFileAgain() {
         f->choose(tab->chooseButton, f->folder.write(goodFile, tab->tooLowFile()));
@@ -265,22 +234,6 @@ private Q_SLOTS:
         f->click(tab->writeButton);
         QCOMPARE(f->boxes(), QStringList(success));
         QCOMPARE(calibration("committed")[tab->ownPart].toObject(), registeredPart(*tab));
-    }
-
-    // One after the other, from both tabs: neither disturbs what the other has written.
-    void registersTwice() {
-        QVERIFY(chooseGoodFile());
-        QJsonObject expected = calibration("committed");
-        f->click(tab->writeButton);
-        f->openPage(other->page);
-        f->choose(other->chooseButton, f->folder.write("second.csv", other->file()));
-        f->click(other->writeButton);
-
-        expected[tab->ownPart] = registeredPart(*tab);
-        expected[other->ownPart] = registeredPart(*other);
-        QCOMPARE(calibration("committed"), expected);
-        TestBench::powerCycle();
-        QCOMPARE(calibration("committed"), expected);
     }
 
 private:

@@ -1,9 +1,6 @@
 #include "tests/dialogs/settings/SettingsFixture.h"
 #include "tests/support/TestMain.h"
 
-#include <QListWidget>
-#include <QPushButton>
-
 namespace {
 
 const QString connectButton = "ConnectPushBtn";
@@ -112,20 +109,18 @@ class TestConnectButton : public QObject {
 private Q_SLOTS:
     void withoutChoice_data() {
         const QString none = "information: The measuring instruments is not connected.";
+        const QString two = "port count[2] \n";
+        const QStringList notConnected = {"error: Failed to connect device.",
+                                          listCall,
+                                          listCall,
+                                          "KVA_Connect",
+                                          "port count[1] \n",
+                                          "conect error \n"};
         addRows(QVector<NoChoice>{
             {"none attached", 0, "", 0, {none, listCall, listCall, "port count[0] \n"}},
             {"they cannot be counted", 1, listCall, 1, {none, listCall, "port count[1] \n"}},
-            {"they cannot be listed",
-             2,
-             listCall,
-             2,
-             {none, listCall, listCall, "port count[2] \n"}},
-            {"it cannot be connected",
-             1,
-             "KVA_Connect",
-             1,
-             {"error: Failed to connect device.", listCall, listCall, "KVA_Connect",
-              "port count[1] \n", "conect error \n"}},
+            {"they cannot be listed", 2, listCall, 2, {none, listCall, listCall, two}},
+            {"it cannot be connected", 1, "KVA_Connect", 1, notConnected},
             {"one instrument", 1, "", 0, listedAndConnected() + SettingsFixture::connectLines()},
         });
     }
@@ -186,6 +181,7 @@ private Q_SLOTS:
             lines.insert(2, chosenLine(row.row));
         QCOMPARE(f.lines(), lines);
         QCOMPARE(f.calls(), listedAndConnected());
+        QCOMPARE(TestBench::argumentsOf("KVA_Connect")["wait"].toInt(), 10);
         QCOMPARE(f.identity().constFirst(), row.serialNo);
         QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
         QVERIFY(!f.selection.isVisible());

@@ -191,17 +191,6 @@ private Q_SLOTS:
         QVERIFY(!f.dialog.isFinished);
     }
 
-    void connectsToTheChosenEntry() {
-        SettingsFixture f({TestBench::instrument(), TestBench::instrument(42)});
-        f.controller->GetDevicePortList();
-        f.dialog.connectDevice(1, true);
-
-        const QJsonObject arguments = TestBench::argumentsOf(connectCall);
-        QCOMPARE(arguments["serialNumber"].toInt(), 42);
-        QCOMPARE(arguments["wait"].toInt(), 10);
-        QCOMPARE(f.identity().constFirst(), "00000042");
-    }
-
     void showsTheSettings_data() {
         const auto row = [](const char* name, double wireless, double dhcp) -> ShownSettings {
             return {name, networkPatch({{"APConnectUse", wireless}, {"DHCPUse", dhcp}}),
@@ -237,17 +226,6 @@ private Q_SLOTS:
         QCOMPARE(f.enabledAddressEdits(), row.checked.contains("dhcpOnRadioBtn") ? 0 : 16);
         QCOMPARE(f.networkTexts(), network);
         QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
-    }
-
-    void takesWarningsForSuccess() {
-        ListedFixture f;
-        TestBench::answer("*", KVA_WARNING_BATTERY_EMPTY);
-        f.dialog.connectDevice(0, false);
-
-        QCOMPARE(f.records(),
-                 SettingsFixture::connectCalls + SettingsFixture::connectLines().mid(1));
-        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
-        QCOMPARE(f.networkTexts(), network);
     }
 
     // The dialog keeps whatever state it had.
@@ -304,11 +282,11 @@ private:
         const QString timeLine = "KVA_GetShutdownTime() success[mode:2].\n";
         const QStringList identityRecords = {"error: Failed to read device data.", connectCall,
                                              deviceInfo, "Failed to read Firm data. \n"};
-        const QStringList networkLines = {moduleLine, "Failed to KVA_GetNetworkInfo(). \n",
-                                          timeLine};
         const QStringList plateBoxes = {"error: Failed to device WhiteCalibPlateSerialNo.",
                                         "error: Failed to device AmbientLightAdapterSerialNo."};
         const QStringList calls = SettingsFixture::connectCalls;
+        const QStringList networkRecords =
+            calls + QStringList{moduleLine, "Failed to KVA_GetNetworkInfo(). \n", timeLine};
         const QStringList timeRecords =
             QStringList("error: Failed to read automatic shutdown time.") + calls
             << moduleLine << "KVA_GetShutdownTime() failed[mode:0].\n";
@@ -327,14 +305,7 @@ private:
             {"wireless module", "{}", options, noModule + QStringList(timeLine), tab, thirty,
              noNetwork, full},
             {"no wireless module", flagPatch, "", flagRecords, tab, thirty, noNetwork, full},
-            {"network settings",
-             "{}",
-             networkInfo,
-             calls + networkLines,
-             {},
-             thirty,
-             noNetwork,
-             full},
+            {"network settings", "{}", networkInfo, networkRecords, {}, thirty, noNetwork, full},
             {"calibration", "{}", calibration, plateRecords, {}, all, noPlates, noPlates},
             {"power-off time", "{}", shutdownTime, timeRecords, {}, switches, full, full},
         });

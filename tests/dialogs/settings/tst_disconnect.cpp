@@ -1,9 +1,5 @@
-#include "tests/dialogs/settings/CalibrationTabs.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
-
-#include <QLabel>
-#include <QRadioButton>
 
 namespace {
 
@@ -137,17 +133,6 @@ private Q_SLOTS:
 
         QCOMPARE(f.records(), QStringList());
         QCOMPARE(f.everything(), before);
-    }
-
-    void connectsAgain() {
-        ConnectedFixture f;
-        const QStringList connected = f.everything();
-        f.click(disconnectButton);
-        f.clearRecords();
-        f.click("ConnectPushBtn");
-
-        QCOMPARE(f.everything(), connected);
-        QCOMPARE(f.lines(), SettingsFixture::connectLines());
     }
 
     void closesWithoutConnection_data() {

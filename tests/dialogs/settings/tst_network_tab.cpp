@@ -42,19 +42,6 @@ struct Read {
     double dhcp;
 };
 
-struct BadFile {
-    const char* name;
-    QByteArray content;
-    bool isLogged;
-};
-
-/** A settings file with one value replaced. */
-QByteArray fileWith(const QString& name, const QJsonValue& value) {
-    QJsonObject values = networkValues();
-    values[name] = value;
-    return settingsFile(values);
-}
-
 } // namespace
 
 /** The network tab: its checks and switches, the change of tabs, and what its buttons "Read From
@@ -238,34 +225,6 @@ private Q_SLOTS:
         TestBench::set(networkPatch(values));
         f.click("readBodyPushBtn");
         QCOMPARE(f.networkTexts(), networkTexts(values));
-    }
-
-    void badFileLeavesThePage_data() {
-        addRows(QVector<BadFile>{
-            {"empty", "", true},
-            {"another section", settingsFile().replace("[Network]", "[Other]"), true},
-            {"no SSID", fileWith("SSID", ""), true},
-            {"no key", fileWith("EncryptKey", ""), true},
-            {"SSID of 33 bytes", fileWith("SSID", QString(33, 's')), true},
-            {"key of 65 bytes", fileWith("EncryptKey", QString(65, 'k')), true},
-            {"wireless use of 2", fileWith("APConnectUse", 2), false},
-            {"DHCP use of 2", fileWith("DHCPUse", 2), false},
-            {"negative use", fileWith("APConnectUse", -1), false},
-        });
-    }
-
-    void badFileLeavesThePage() {
-        const auto row = rowOf<BadFile>();
-        ConnectedFixture f;
-        f.setOctets({"1x"});
-        const QStringList before = f.everything();
-        f.choose("readToFilePushBtn", f.folder.write("bad.ini", row.content));
-
-        QStringList expected("error: Failed to read Network Infomation file data.");
-        if (row.isLogged)
-            expected << "Failed to read networkInfo parameter data. \n";
-        QCOMPARE(f.records(), expected);
-        QCOMPARE(f.everything(), before);
     }
 };
 

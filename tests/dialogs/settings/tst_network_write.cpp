@@ -262,19 +262,6 @@ private Q_SLOTS:
                                   << "Failed to write network setting file. \n");
         QCOMPARE(f.everything(), before);
     }
-
-    void writtenFileIsReadAgain() {
-        ConnectedFixture f;
-        const QStringList before = f.everything();
-        write(f, "saved.ini");
-        f.click("disableRadioBtn");
-        f.click("dhcpOffRadioBtn");
-        f.setNameAndKey("", "");
-        f.choose("readToFilePushBtn", f.folder.path("saved.ini"));
-
-        QCOMPARE(f.boxes(), (QStringList{fileSuccess, "information: Successful read file data."}));
-        QCOMPARE(f.everything(), before);
-    }
 };
 
 TEST_CLASS(TestNetworkWrite)

@@ -2,7 +2,7 @@
 // dialog. VQTL4_STORM_SECONDS sets how long, VQTL4_STORM_SEED repeats the choices of a run.
 
 #include "simulator/KvaSim.h"
-#include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
 

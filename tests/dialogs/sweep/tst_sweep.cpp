@@ -2,7 +2,7 @@
 // step the dialog shows what it has to show, and the instrument ends up with what was committed.
 
 #include "simulator/KvaSim.h"
-#include "tests/dialogs/settings/CalibrationTabs.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/dialogs/sweep/DialogModel.h"
 #include "tests/dialogs/sweep/FaultKinds.h"
 #include "tests/support/TestFolder.h"

@@ -1,4 +1,4 @@
-#include "tests/unit/files/CalRefFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <limits>
 

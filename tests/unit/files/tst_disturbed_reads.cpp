@@ -1,12 +1,10 @@
 #include "files/BoundedLineReader.h"
-#include "tests/unit/files/CalRefFixture.h"
-#include "tests/unit/files/NetworkFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <algorithm>
 #include <cerrno>
 #include <dlfcn.h>
 #include <fcntl.h>
-#include <functional>
 #include <sys/stat.h>
 #include <utility>
 
@@ -225,17 +223,6 @@ private Q_SLOTS:
         QCOMPARE(row.read(), row.expected);
         QVERIFY(hasHappened || !row.change);
     }
-
-#ifdef Q_OS_LINUX
-    /** Counts as a regular file, and its first byte cannot be read: nothing is mapped there. */
-    void failsAtTheFirstByte() {
-        for (const bool adapter : {false, true})
-            QCOMPARE(readCalRef(adapter, "/proc/self/mem"), refusedCalRef(adapter));
-        char out[512] = "left";
-        QCOMPARE(CFileIO::ReadProfileString("S", "K", "default", out, 0, "/proc/self/mem"), 7);
-        QCOMPARE(QByteArray(out), QByteArray("left"));
-    }
-#endif
 };
 
 TEST_CLASS(TestDisturbedReads)

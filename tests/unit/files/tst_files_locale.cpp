@@ -1,8 +1,7 @@
 #include "files/CHexToBin.h"
 #include "files/NumberText.h"
 #include "tests/support/MadeLocale.h"
-#include "tests/unit/files/CalRefFixture.h"
-#include "tests/unit/files/NetworkFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <clocale>
 #include <cstdlib>

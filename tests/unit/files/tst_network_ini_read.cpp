@@ -1,4 +1,4 @@
-#include "tests/unit/files/NetworkFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "tests/unit/files/NetworkFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <fcntl.h>
 #include <optional>
@@ -12,6 +12,12 @@ struct ContentRow {
     QByteArray key;
     QByteArray bytes;
     QByteArray value;
+};
+
+struct FullRow {
+    const char* name;
+    int room;
+    QByteArray there = {}; ///< already; null: nothing
 };
 
 /** Whether it was written, and the record left alone. */
@@ -115,6 +121,7 @@ private Q_SLOTS:
             {"behind a file", "older.ini/net.ini"},
             {"link to itself", "loop"},
             {"link to a device", "null"},
+            {"link to a folder", "here"},
             {"pipe that nobody reads", "pipe"},
             {"empty path", ""},
             {"name too long", QByteArray(300, 'n')},
@@ -125,13 +132,13 @@ private Q_SLOTS:
         const TestFolder folder;
         QVERIFY(::mkdir("folder", 0700) == 0);
         QVERIFY(::symlink("loop", "loop") == 0);
-        QVERIFY(::symlink("/dev/null", "null") == 0);
+        QVERIFY(::symlink("/dev/null", "null") == 0 && ::symlink(".", "here") == 0);
         QVERIFY(::mkfifo("pipe", 0600) == 0);
         folder.write("older.ini", "older");
         QVERIFY(!write(row.given));
         QCOMPARE(folder.read("older.ini"), QByteArray("older"));
         QCOMPARE(QDir().entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot).size(),
-                 5);
+                 6);
     }
 
     /** It can be opened, and is let go without a byte. */
@@ -146,15 +153,22 @@ private Q_SLOTS:
         ::close(reader);
     }
 
+    void writeProtected_data() {
+        addNames({"file", "folder"});
+    }
     void writeProtected() {
         const TestFolder folder;
-        folder.write("net.ini", "older");
-        QVERIFY(::chmod("net.ini", 0400) == 0 && ::chmod(".", 0755) == 0);
+        const bool isFile = QByteArray(QTest::currentDataTag()) == "file";
+        if (isFile)
+            folder.write("net.ini", "older");
+        QVERIFY(!isFile || ::chmod("net.ini", 0400) == 0);
+        QVERIFY(::chmod(".", isFile ? 0755 : 0555) == 0);
         std::optional<WithoutPrivileges> guard(std::in_place);
         const bool result = write("net.ini");
         guard.reset();
         QVERIFY(!result);
-        QCOMPARE(folder.read("net.ini"), QByteArray("older"));
+        QCOMPARE(folder.read("net.ini"), QByteArray(isFile ? "older" : ""));
+        QCOMPARE(QFile::exists("net.ini"), isFile);
     }
 
     void followsALink() {
@@ -164,15 +178,29 @@ private Q_SLOTS:
         QCOMPARE(folder.read("net.ini"), sampleNetworkIni());
     }
 
-    /** The result is settled when the file is open. */
-    void failsToWriteLater() {
+    void full_data() {
+        addRows(QVector<FullRow>{
+            {"no room", 0},
+            {"room for half a line", 5},
+            {"room for some lines", 100},
+            {"room for all but the last byte", sampleNetworkIni().size() - 1},
+            {"just enough", sampleNetworkIni().size()},
+            {"no room for another", 0, "old settings"},
+            {"some room for another", 100, QByteArray(1000, 'o')},
+        });
+    }
+    /** The file opens, which decides: what does not fit is missing, and nobody is told. */
+    void full() {
+        const auto row = rowOf<FullRow>();
         const TestFolder folder;
-        std::optional<FileSizeLimit> noSpace(std::in_place, 0U);
+        if (!row.there.isNull())
+            folder.write("net.ini", row.there);
+        std::optional<FileSizeLimit> limit(std::in_place, static_cast<rlim_t>(row.room));
         const bool result = write("net.ini");
-        noSpace.reset();
+        limit.reset();
         QVERIFY(result);
         QVERIFY(QFile::exists("net.ini"));
-        QCOMPARE(folder.read("net.ini"), QByteArray());
+        QCOMPARE(folder.read("net.ini"), sampleNetworkIni().left(row.room));
     }
 
     void nullArguments() {

@@ -1,6 +1,5 @@
 #include "files/BoundedLineReader.h"
-#include "tests/unit/files/CalRefFixture.h"
-#include "tests/unit/files/NetworkFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 #include <optional>
 #include <sys/socket.h>

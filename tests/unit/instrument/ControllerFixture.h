@@ -3,7 +3,7 @@
 
 #include "instrument/CKvaSdk_Ctrl.h"
 #include "simulator/KvaSim.h"
-#include "tests/unit/files/CalRefFixture.h"
+#include "tests/unit/files/FileFixture.h"
 
 /** A controller, and what its operations leave behind. */
 class LoggedController : public CKvaSdk_Ctrl {
@@ -111,15 +111,13 @@ struct Accessory {
 };
 
 using C = CKvaSdk_Ctrl;
-constexpr Accessory whitePlate = {
-    "white plate", false, 38, "23456789", &C::ReadWCPFile, &C::WriteWCPData, &C::m_fileWCPSerialNo};
-constexpr Accessory adapter = {"adapter",
-                               true,
-                               75,
-                               "00054321",
-                               &C::ReadAmbAdpFile,
-                               &C::WriteAmbAdpData,
-                               &C::m_fileAmbAdpSerialNo};
-constexpr Accessory accessories[] = {whitePlate, adapter};
+constexpr Accessory accessories[] = {
+    {"white plate", false, 38, "23456789", &C::ReadWCPFile, &C::WriteWCPData,
+     &C::m_fileWCPSerialNo},
+    {"adapter", true, 75, "00054321", &C::ReadAmbAdpFile, &C::WriteAmbAdpData,
+     &C::m_fileAmbAdpSerialNo},
+};
+constexpr Accessory whitePlate = accessories[0];
+constexpr Accessory adapter = accessories[1];
 
 #endif

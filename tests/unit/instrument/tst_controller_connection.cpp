@@ -4,6 +4,63 @@
 
 namespace {
 
+QString eventLine(int code, int rawDataCount = 0, int error = 0) {
+    return QString("outEventCode[%1],outRAWDataCount[%2],outError[%3] \n")
+        .arg(code)
+        .arg(rawDataCount)
+        .arg(error);
+}
+
+const QString standby = "eEventCode_Standby \n";
+const QString disConnect = "eEventCode_DisConnect \n";
+
+const bool isSetAtTheStart = g_deviceDisconnected;
+
+struct EventRow {
+    QByteArray name;
+    quint32 code;
+    quint32 rawDataCount;
+    int error;
+    bool before; ///< the flag
+    bool after;
+    QStringList lines;
+};
+
+QVector<EventRow> events() {
+    QVector<EventRow> rows;
+    const auto arguments = [&](const char* name, quint32 rawDataCount, int error,
+                               const QString& line) {
+        rows.append({name, 3, rawDataCount, error, false, false, QStringList(line)});
+    };
+    arguments("zero", 0, 0, eventLine(3));
+    arguments("highest count", 2147483647U, 0, eventLine(3, 2147483647, 0));
+    arguments("count above the signed range", 4294967295U, 0, eventLine(3, -1, 0));
+    arguments("result code", 1, -9999, eventLine(3, 1, -9999));
+    arguments("lowest error", 1, INT_MIN, eventLine(3, 1, INT_MIN));
+    arguments("highest error", 1, INT_MAX, eventLine(3, 1, INT_MAX));
+    for (const bool before : {false, true}) {
+        const auto code = [&](quint32 value, bool after, const QStringList& furtherLines) {
+            const QString name = QString("%1, flag %2 before").arg(value).arg(before ? 1 : 0);
+            const QStringList lines{eventLine(static_cast<int>(value), 3, -4)};
+            rows.append({name.toLatin1(), value, 3, -4, before, after, lines + furtherLines});
+        };
+        code(0, false, {standby});
+        code(6, true, {disConnect});
+        for (const quint32 value : {1U, 2U, 3U, 4U, 5U, 7U, 8U, 9U})
+            code(value, before, {});
+        for (const quint32 value : {10U, 11U, 12U, 2147483647U})
+            code(value, before, {QString("eEventCode Unknown[%1] \n").arg(value)});
+        code(4294967295U, before, {"eEventCode Unknown[-1] \n"});
+    }
+    return rows;
+}
+
+Qt::HANDLE loggingThread = nullptr;
+
+void noteThread(QtMsgType, const QMessageLogContext&, const QString&) {
+    loggingThread = QThread::currentThreadId();
+}
+
 const QString conectError = "conect error \n";
 const QString diconectError = "diconect error \n";
 const QString diconectAlready = "diconect already \n";
@@ -47,45 +104,36 @@ const ConnectRow connections[] = {
 /** What the instrument says of itself, and the texts that become of it. */
 struct IdentityRow {
     const char* name;
-    QByteArray device;
-    QStringList texts; ///< serial number, firmware, MAC address
+    const char* serialNumber;
+    const char* firmware;
+    const char* macAddress;
+    QString texts; ///< serial number, firmware, MAC address
 };
 
 const IdentityRow identities[] = {
-    {"padded",
-     R"({"serialNumber":1234567,"firmware":[1,2,3],"macAddress":"02:0a:bc:0d:ef:09"})",
-     {"01234567", "1.02.0003", "02:0A:BC:0D:EF:09"}},
-    {"zero",
-     R"({"serialNumber":0,"firmware":[0,0,0],"macAddress":"00:00:00:00:00:00"})",
-     {"00000000", "0.00.0000", "00:00:00:00:00:00"}},
-    {"full width",
-     R"({"serialNumber":12345678,"firmware":[12,34,5678],"macAddress":"ff:fe:fd:fc:fb:fa"})",
-     {"12345678", "12.34.5678", "FF:FE:FD:FC:FB:FA"}},
-    {"never cut",
-     R"({"serialNumber":123456789,"firmware":[123,456,78901],"macAddress":"01:23:45:67:89:ab"})",
-     {"123456789", "123.456.78901", "01:23:45:67:89:AB"}},
-    {"signs",
-     R"({"serialNumber":2147483647,"firmware":[4294967295,-1,-2],
-         "macAddress":"10:20:30:40:50:60"})",
-     {"2147483647", "4294967295.-1.-002", "10:20:30:40:50:60"}},
+    {"padded", "1234567", "1,2,3", "02:0a:bc:0d:ef:09", "01234567|1.02.0003|02:0A:BC:0D:EF:09"},
+    {"zero", "0", "0,0,0", "00:00:00:00:00:00", "00000000|0.00.0000|00:00:00:00:00:00"},
+    {"full width", "12345678", "12,34,5678", "ff:fe:fd:fc:fb:fa",
+     "12345678|12.34.5678|FF:FE:FD:FC:FB:FA"},
+    {"never cut", "123456789", "123,456,78901", "01:23:45:67:89:ab",
+     "123456789|123.456.78901|01:23:45:67:89:AB"},
+    {"signs", "2147483647", "4294967295,-1,-2", "10:20:30:40:50:60",
+     "2147483647|4294967295.-1.-002|10:20:30:40:50:60"},
     // The field is unsigned, the format is that of a signed number.
-    {"serial number above the signed range",
-     R"({"serialNumber":4294967295,"firmware":[1,0,0],"macAddress":"00:00:00:00:00:01"})",
-     {"-0000001", "1.00.0000", "00:00:00:00:00:01"}},
+    {"serial number above the signed range", "4294967295", "1,0,0", "00:00:00:00:00:01",
+     "-0000001|1.00.0000|00:00:00:00:00:01"},
 };
 
 QStringList identity(const CKvaSdk_Ctrl& controller) {
     return {controller.m_serialNo, controller.m_firmVersion, controller.m_macAddress};
 }
 
-const NumberRow failures[] = {
-    {"error", -9999}, {"information", -9993}, {"not equal", -9794}, {"-1", -1}};
-
 } // namespace
 
 class TestControllerConnection : public QObject {
     Q_OBJECT
 private Q_SLOTS:
+    void initTestCase() { QVERIFY(!isSetAtTheStart); }
     void init() { TestBench::load(); }
     void connects_data() { addRows(connections); }
 
@@ -129,13 +177,6 @@ private Q_SLOTS:
         QCOMPARE(controller.m_serialNo, "00000002");
     }
 
-    void disconnects() {
-        ConnectedController controller;
-        QVERIFY(controller.Disconnect());
-        QVERIFY(!controller.m_connected);
-        QCOMPARE(controller.left(), QStringList({"0", "KVA_Disconnect {} 0"}));
-    }
-
     void disconnectWithoutConnection() {
         LoggedController controller;
         QVERIFY(controller.GetDevicePortList());
@@ -177,10 +218,12 @@ private Q_SLOTS:
     void formatsIdentity_data() { addRows(identities); }
     void formatsIdentity() {
         const auto row = rowOf<IdentityRow>();
-        TestBench::set(R"({"device":)" + row.device + '}');
+        const QString patch =
+            R"({"device": {"serialNumber": %1, "firmware": [%2], "macAddress": "%3"}})";
+        TestBench::set(patch.arg(row.serialNumber, row.firmware, row.macAddress).toUtf8());
         ConnectedController controller;
         QVERIFY(controller.GetDeviceInfo());
-        QCOMPARE(identity(controller), row.texts);
+        QCOMPARE(identity(controller).join('|'), row.texts);
         QCOMPARE(controller.left(), QStringList({"0", "KVA_GetDeviceInfo {} 0"}));
     }
 
@@ -193,25 +236,87 @@ private Q_SLOTS:
                  "04030201010000000200000003000000" + QByteArray("11").repeated(8) +
                      "a1a2a3a4a5a6" + QByteArray("22").repeated(10));
     }
-
-    void failureEmptiesIdentity_data() { addRows(failures); }
     void failureEmptiesIdentity() {
-        const auto row = rowOf<NumberRow>();
-        const int result = static_cast<int>(row.value);
         ConnectedController controller;
         QVERIFY(controller.GetDeviceInfo());
         QVERIFY(!identity(controller).contains(""));
-        TestBench::answer("KVA_GetDeviceInfo", result);
+        TestBench::answer("KVA_GetDeviceInfo");
         QVERIFY(!controller.GetDeviceInfo());
         QCOMPARE(identity(controller), QStringList({"", "", ""}));
-        QCOMPARE(controller.m_lastResult, result);
-        QCOMPARE(controller.log.lines(), QStringList("Failed to read Firm data. \n"));
     }
 
-    void readsNoIdentityWithoutConnection() {
+    void handlesEvent_data() { addRows(events()); }
+    void handlesEvent() {
+        const auto row = rowOf<EventRow>();
+        g_deviceDisconnected = row.before;
+        const DebugLog log;
+        DeviceEventHandler(row.code, row.rawDataCount, row.error);
+        QCOMPARE(g_deviceDisconnected.load(), row.after);
+        QCOMPARE(log.lines(), row.lines);
+    }
+
+    void registersForItsLifetime() {
+        const QString with = R"(KVA_RegisterDeviceEventHandler {"handler":true} 0)";
+        const QString without = R"(KVA_RegisterDeviceEventHandler {"handler":false} 0)";
+        const DebugLog log;
+        {
+            const CKvaSdk_Ctrl controller;
+            QCOMPARE(controller.m_lastResult, 0);
+            QCOMPARE(TestBench::detailedCalls(), QStringList(with));
+        }
+        QCOMPARE(TestBench::detailedCalls(), QStringList({with, without}));
+        QCOMPARE(log.lines(), QStringList());
+    }
+
+    void failedRegistrationIsKept() {
+        TestBench::answer("KVA_RegisterDeviceEventHandler", -9986);
         CKvaSdk_Ctrl controller;
-        QVERIFY(!controller.GetDeviceInfo());
-        QCOMPARE(controller.m_lastResult, -9998);
+        QCOMPARE(controller.m_lastResult, -9986);
+        QVERIFY(controller.GetDevicePortList());
+        QVERIFY(controller.Connect(0, 10));
+    }
+
+    void handlesNothingAfterItsLifetime() {
+        const DebugLog log;
+        {
+            const CKvaSdk_Ctrl controller;
+            TestBench::emitEvent(6);
+            QVERIFY(g_deviceDisconnected);
+        }
+        g_deviceDisconnected = false;
+        TestBench::emitEvent(6);
+        QVERIFY(!g_deviceDisconnected);
+        QCOMPARE(log.lines(), QStringList({eventLine(6), disConnect}));
+    }
+
+    void doesNotDisconnectAtItsEnd() {
+        { const ConnectedController controller; }
+        QCOMPARE(TestBench::calls(), QStringList("KVA_RegisterDeviceEventHandler"));
+        KVA_DEVICEINFO info = {};
+        QCOMPARE(KVA_GetDeviceInfo(&info), 0);
+    }
+
+    void comesFromTheLibrarysThread() {
+        const CKvaSdk_Ctrl controller;
+        loggingThread = nullptr;
+        const QtMessageHandler previous = qInstallMessageHandler(noteThread);
+        TestBench::emitEvent(6);
+        qInstallMessageHandler(previous);
+        QVERIFY(loggingThread != nullptr);
+        QVERIFY(loggingThread != QThread::currentThreadId());
+        QVERIFY(g_deviceDisconnected);
+    }
+
+    void unplugSetsTheFlag() {
+        ConnectedController controller;
+        TestBench::unplug();
+        QVERIFY(g_deviceDisconnected);
+        QVERIFY(controller.m_connected);
+        QCOMPARE(controller.log.lines(), QStringList({eventLine(6), disConnect}));
+        TestBench::plug();
+        QVERIFY(!g_deviceDisconnected);
+        QCOMPARE(controller.log.lines(),
+                 QStringList({eventLine(6), disConnect, eventLine(0), standby}));
     }
 };
 

@@ -5,7 +5,6 @@
 
 #include <climits>
 #include <dlfcn.h>
-#include <functional>
 
 namespace {
 

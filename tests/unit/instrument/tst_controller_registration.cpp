@@ -195,16 +195,6 @@ private Q_SLOTS:
         QCOMPARE(TestBench::calls(), QStringList({getCall, getCall}));
     }
 
-    void failsWithoutConnection_data() { addRows(accessories); }
-    void failsWithoutConnection() {
-        const auto row = rowOf<Accessory>();
-        CKvaSdk_Ctrl controller;
-        const DebugLog log;
-        QVERIFY(!write(controller, row, row.file()));
-        QCOMPARE(controller.m_lastResult, -9998);
-        QCOMPARE(log.lines(), QStringList(getFailed));
-    }
-
 private:
     bool write(CKvaSdk_Ctrl& controller, const Accessory& accessory,
                const QByteArray& content) const {

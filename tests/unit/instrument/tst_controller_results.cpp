@@ -63,14 +63,17 @@ const Operation operations[] = {
      "KVA_SetShutdownTime() failed[mode:3].\n"},
 };
 
+/** Where a result comes from. */
+enum Cause { Answered, Lost, NotConnected };
+
 struct ResultRow {
     QByteArray name;
     Operation operation;
-    int result;          ///< of the library
-    bool isLost = false; ///< the result is that of a lost connection
+    int result; ///< of the library
+    Cause cause = Answered;
 };
 
-/** Each operation with warnings, with negative results, and on a lost connection. */
+/** Each operation with warnings, with negative results, on a lost connection and without one. */
 QVector<ResultRow> results() {
     QVector<ResultRow> rows;
     for (const Operation& operation : operations) {
@@ -79,15 +82,20 @@ QVector<ResultRow> results() {
             rows.append({operation.name + QByteArray(", ") + QByteArray::number(result), operation,
                          result});
         if (operation.run != operations[0].run) // the enumeration needs no connection
-            rows.append({operation.name, operation, -9994, true});
+            rows.append({operation.name, operation, -9994, Lost});
+        // Without a connection Connect makes one and Disconnect does not ask the library.
+        if (operation.isConnected && rows.last().cause == Lost && rows.last().name != "Disconnect")
+            rows.append(
+                {operation.name + QByteArray(", not connected"), operation, -9998, NotConnected});
     }
     return rows;
 }
 
 /** Enumerates, and connects where the operation needs it. */
-bool prepare(CKvaSdk_Ctrl& controller, const Operation& operation) {
+bool prepare(CKvaSdk_Ctrl& controller, const ResultRow& row) {
+    const bool isConnected = row.operation.isConnected && row.cause != NotConnected;
     controller.m_lastResult = 77;
-    return controller.GetDevicePortList() && (!operation.isConnected || connects(controller));
+    return controller.GetDevicePortList() && (!isConnected || connects(controller));
 }
 
 struct NameRow {
@@ -130,10 +138,10 @@ private Q_SLOTS:
         const auto row = rowOf<ResultRow>();
         const bool isSuccess = row.result >= 0;
         CKvaSdk_Ctrl controller;
-        QVERIFY(prepare(controller, row.operation));
-        if (row.isLost)
+        QVERIFY(prepare(controller, row));
+        if (row.cause == Lost)
             TestBench::unplug();
-        else
+        if (row.cause == Answered)
             TestBench::answer("*", row.result);
         TestBench::clearCalls();
         const DebugLog log;

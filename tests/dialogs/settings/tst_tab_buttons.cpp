@@ -3,6 +3,28 @@
 
 namespace {
 
+struct FileButton {
+    QByteArray name;
+    SettingsFixture::Page page;
+    QString button;
+    QString nameFilter;
+    QByteArray content = {}; ///< of a good file; null: the button saves one
+    QFileDialog::Options options = {};
+    bool isCancelled = false;
+};
+
+QVector<FileButton> allButtons() {
+    const CalibrationTab& plate = calibrationTab(false);
+    const CalibrationTab& adapter = calibrationTab(true);
+    const QFileDialog::Options options = QFileDialog::DontUseCustomDirectoryIcons;
+    return {
+        {"network, write", SettingsFixture::Network, "writeFilePushBtn", "ini(*.ini)"},
+        {"network, read", SettingsFixture::Network, "readToFilePushBtn", "*(*.*)", settingsFile()},
+        {"white plate", plate.page, plate.chooseButton, "csv(*.csv)", plate.file(), options},
+        {"adapter", adapter.page, adapter.chooseButton, "csv(*.csv)", adapter.file(), options},
+    };
+}
+
 struct BodyButton {
     const char* name;
     SettingsFixture::Page page;
@@ -35,12 +57,81 @@ QStringList choiceIn(SettingsFixture& f) {
 
 } // namespace
 
-/** The tab of the automatic power-off, and what its buttons have in common with the network tab's
-    that call the instrument. */
-class TestBodyButtons : public QObject {
+/** What the tabs' buttons have in common, and the tab of the automatic power-off. */
+class TestTabButtons : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    // ---- Those that open a file dialog, up to the file that it answers
+
+    void asksForAFile_data() { addRows(allButtons()); }
+    void asksForAFile() {
+        const auto row = rowOf<FileButton>();
+        ConnectedFixture f(row.page);
+        f.setOctets({}); // invalid, but nothing is checked
+        const QStringList before = f.everything();
+        QString name = "not looked at";
+        f.answers.onFileDialog = [&](QFileDialog& dialog) {
+            name = dialog.findChild<QLineEdit*>("fileNameEdit")->text();
+        };
+        f.click(row.button);
+
+        const bool saves = row.content.isNull();
+        QCOMPARE(name, QString());
+        QCOMPARE(f.answers.fileDialogs.size(), 1);
+        const ModalAnswerer::FileDialog& shown = f.answers.fileDialogs[0];
+        QCOMPARE(shown.caption, saves ? "Save" : "Open");
+        QCOMPARE(shown.directory, QDir::currentPath());
+        QCOMPARE(shown.nameFilters, QStringList(row.nameFilter));
+        QCOMPARE(shown.selectedNameFilter, row.nameFilter);
+        QCOMPARE(shown.acceptMode, saves ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+        QCOMPARE(shown.options, row.options);
+        QCOMPARE(shown.parent, &f.dialog);
+        // Cancelled, it was as if nothing had been.
+        QCOMPARE(f.records(), QStringList());
+        QCOMPARE(f.everything(), before);
+        QCOMPARE(f.files(), QStringList());
+    }
+
+    void afterALoss_data() {
+        QVector<FileButton> buttons = allButtons();
+        for (FileButton button : allButtons()) {
+            button.name += ", cancelled";
+            button.isCancelled = true;
+            buttons.append(button);
+        }
+        addRows(buttons);
+    }
+
+    void afterALoss() {
+        const auto row = rowOf<FileButton>();
+        ConnectedFixture f(row.page);
+        QString report;
+        f.answers.onFileDialog = [&](QFileDialog& dialog) { report = f.loseBehind(dialog); };
+        const QString path = f.folder.path("chosen");
+        if (!row.content.isNull())
+            f.folder.write("chosen", row.content);
+        const QStringList files = f.files();
+        f.choose(row.button, row.isCancelled ? QString() : path);
+
+        QCOMPARE(report, SettingsFixture::lostBox);
+        QCOMPARE(f.answers.fileDialogs.size(), 1);
+        QCOMPARE(f.boxes(), QStringList());
+        QCOMPARE(f.lines().filter("length:"), QStringList()); // nor are the edits checked
+        QCOMPARE(f.files(), files);
+        QCOMPARE(f.everything(), SettingsFixture::nothing());
+        QVERIFY(f.controller->m_fileWCPSerialNo.isEmpty());
+        QVERIFY(f.controller->m_fileAmbAdpSerialNo.isEmpty());
+
+        // Nor is its path kept for a later registration.
+        f.invoke(calibrationTab(false).writeSlot);
+        f.invoke(calibrationTab(true).writeSlot);
+        QCOMPARE(f.boxes(),
+                 (QStringList{calibrationTab(false).noFileBox, calibrationTab(true).noFileBox}));
+    }
+
+    // ---- Those that call the instrument
+
     // What the page shows by then differs from what the instrument holds.
     void failingCall_data() { addButtons(); }
     void failingCall() {
@@ -141,15 +232,6 @@ private Q_SLOTS:
         QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     }
 
-    void buttonsAreExclusive() {
-        ConnectedFixture f(SettingsFixture::PowerOff);
-        for (const QString& name : choices) {
-            f.click(name);
-            QCOMPARE(choiceIn(f), QStringList(name));
-        }
-        QCOMPARE(f.calls(), QStringList());
-    }
-
 private:
     static void press(ConnectedFixture& f, const Mode& row, const char* button, const char* box,
                       const QString& call) {
@@ -192,5 +274,5 @@ private:
     }
 };
 
-TEST_CLASS(TestBodyButtons)
-#include "tst_body_buttons.moc"
+TEST_CLASS(TestTabButtons)
+#include "tst_tab_buttons.moc"

@@ -11,8 +11,8 @@ void setNetwork(const QByteArray& fields) {
 
 const NumberRow flags[] = {{"0", 0}, {"1", 1}, {"2", 2}, {"256", 256}, {"highest", UINT_MAX}};
 const NumberRow bytes[] = {{"0", 0}, {"1", 1}, {"2", 2}, {"128", 128}, {"255", 255}};
-const NumberRow failures[] = {
-    {"error", -9999}, {"no data", -9985}, {"not equal", -9794}, {"-1", -1}};
+const NumberRow modes[] = {{"0", 0}, {"1", 1},     {"2", 2},     {"3", 3},
+                           {"4", 4}, {"127", 127}, {"128", 128}, {"255", 255}};
 
 struct TextsRow {
     const char* name;
@@ -84,7 +84,8 @@ QVector<SetTextRow> setTexts() {
 
 } // namespace
 
-class TestControllerNetwork : public QObject {
+/** The network settings, the wireless module and the automatic power-off of an instrument. */
+class TestControllerSettings : public QObject {
     Q_OBJECT
 private Q_SLOTS:
     void init() { TestBench::load(); }
@@ -158,18 +159,13 @@ private Q_SLOTS:
         QCOMPARE(controller.m_ssid, row.ssid);
         QCOMPARE(controller.m_encryptKey, row.key);
     }
-
-    void failedReadEmptiesTexts_data() { addRows(failures); }
     void failedReadEmptiesTexts() {
-        const auto row = rowOf<NumberRow>();
         ConnectedController controller;
         QVERIFY(controller.GetNetworkInfo());
-        TestBench::answer("KVA_GetNetworkInfo", static_cast<int>(row.value));
+        TestBench::answer("KVA_GetNetworkInfo");
         QVERIFY(!controller.GetNetworkInfo());
         QVERIFY(hasNoNetworkTexts(controller));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
-        QCOMPARE(qint64{controller.m_lastResult}, row.value);
-        QCOMPARE(controller.log.lines(), QStringList("Failed to KVA_GetNetworkInfo(). \n"));
     }
 
     void sendsTheRecord() {
@@ -268,14 +264,30 @@ private Q_SLOTS:
                               "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} 0"}));
     }
 
-    void failedWifiQueryReadsAsNone() {
+    void readsMode_data() { addRows(modes); }
+    void readsMode() {
+        const auto row = rowOf<NumberRow>();
         ConnectedController controller;
-        TestBench::answer("KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA", -9797);
-        QVERIFY(!controller.IsWifiModuleEnabled());
+        TestBench::set(R"({"powerOffMode": )" + QByteArray(row.name) + '}');
+        uint8_t mode = 77;
+        QVERIFY(controller.GetShutdownTime(mode));
+        QCOMPARE(qint64{mode}, row.value);
+        const QString line = "KVA_GetShutdownTime() success[mode:%1].\n";
         QCOMPARE(controller.left(),
-                 QStringList({"4", "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA {} -9797"}));
+                 QStringList({"0", line.arg(row.value), "KVA_GetShutdownTime {} 0"}));
+    }
+
+    void writesMode_data() { addRows(modes); }
+    void writesMode() {
+        const auto row = rowOf<NumberRow>();
+        ConnectedController controller;
+        QVERIFY(controller.SetShutdownTime(static_cast<uint8_t>(row.value)));
+        const QString line = "KVA_SetShutdownTime() success[mode:%1].\n";
+        const QString call = R"(KVA_SetShutdownTime {"mode":%1} 0)";
+        QCOMPARE(controller.left(), QStringList({"0", line.arg(row.value), call.arg(row.value)}));
+        QCOMPARE(qint64{TestBench::held(KVA_GetShutdownTime)}, row.value);
     }
 };
 
-TEST_CLASS(TestControllerNetwork)
-#include "tst_controller_network.moc"
+TEST_CLASS(TestControllerSettings)
+#include "tst_controller_settings.moc"

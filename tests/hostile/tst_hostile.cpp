@@ -1,9 +1,5 @@
-#include "tests/dialogs/settings/CalibrationTabs.h"
-#include "tests/hostile/HostileCases.h"
-
-#include <QFileInfo>
-
-#include <cstdio>
+#include "tests/dialogs/settings/ConnectedFixture.h"
+#include "tests/hostile/HostileFile.h"
 
 namespace {
 
@@ -66,50 +62,28 @@ QStringList shownBy(SettingsFixture& f) {
 
 const char* success = "information: Successful read file data.";
 
+/** The addresses of the fixture's instrument. */
+const QString addresses = "192.168.0.10.255.255.255.0.192.168.0.1.8.8.4.0";
+
+QStringList filesIn(const QString& folder) {
+    return QDir(folder).entryList(QDir::Files | QDir::Hidden);
+}
+
+struct FolderRow {
+    const char* name;
+    SettingsFixture::Page page;
+    QString button;
+    QString folder = "folder.csv";
+};
+
 } // namespace
 
-/** Hostile files: what the readers make of them, the tabs, and the instrument. */
-class TestHostileRead : public QObject {
+/** Hostile files: what the tabs and the instrument make of them; odd places to save at; folders
+    chosen in place of a file. */
+class TestHostile : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void everyKindHasARow() {
-        QStringList settings;
-        for (const SettingsCase& c : settingsCases())
-            settings.append(c.name);
-        QStringList calibration[2];
-        for (const CalibrationCase& c : calibrationCases())
-            calibration[c.adapter ? 1 : 0].append(QString(c.name).section(", ", 0, -2));
-        QCOMPARE(strayKinds(settings), QStringList());
-        QCOMPARE(strayKinds(calibration[0]), QStringList());
-        QCOMPARE(strayKinds(calibration[1]), QStringList());
-    }
-
-    void settingsReader_data() { addRows(settingsCases()); }
-    void settingsReader() {
-        const auto row = rowOf<SettingsCase>();
-        HostileFile file(row);
-        file.place();
-        file.strike();
-        const QByteArray read = readNetwork(file.path());
-        file.release();
-        QCOMPARE(read, outcome(row.isLoaded, row.record.bytes()));
-        QVERIFY(file.wasBearable());
-    }
-
-    void calibrationReader_data() { addRows(calibrationCases()); }
-    void calibrationReader() {
-        const auto row = rowOf<CalibrationCase>();
-        HostileFile file(row);
-        file.place();
-        file.strike();
-        const QByteArray read = readCalRef(row.adapter, file.path());
-        file.release();
-        QCOMPARE(read, outcome(row.isRead, calRefRecord(row.adapter, row.serialNo, row.values),
-                               row.printed));
-        QVERIFY(file.wasBearable());
-    }
-
     void networkTab_data() { addRows(settingsCases()); }
     void networkTab() {
         const auto row = rowOf<SettingsCase>();
@@ -208,8 +182,71 @@ private Q_SLOTS:
         QCOMPARE(heldRecord(), isRegistered ? written().toHex() : record);
         QVERIFY(file.wasBearable());
     }
+
+    void opens_data() {
+        QVector<HostileCase> cases = oddPlaces(".ini");
+        cases += {
+            {"no extension", {}, HostileCase::None, "files", "saved"},
+            {"hidden", {}, HostileCase::None, "files", ".ini"},
+            {"name of 255 bytes", {}, HostileCase::None, "files", QString(255, 'n')},
+        };
+        addRows(cases);
+    }
+    /** Network settings are written there, and read again from there. */
+    void opens() {
+        const auto row = rowOf<HostileCase>();
+        const HostileFolder folder(row.folder);
+        SettingsFixture f;
+        QVERIFY(f.connectFirst());
+        const QStringList before = f.everything();
+        const QJsonObject state = TestBench::state();
+        f.choose("writeFilePushBtn", row.file);
+        QCOMPARE(f.boxes(), QStringList("information: Successful file writing."));
+        QCOMPARE(f.lines(), SettingsFixture::digitLines(addresses.split('.')));
+        QCOMPARE(TestBench::calls(), QStringList());
+        QCOMPARE(f.everything(), before);
+        QCOMPARE(TestBench::state(), state);
+        QCOMPARE(filesIn("."), QStringList(row.file));
+        QFile file(row.file);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        QCOMPARE(file.readAll(), benchNetworkIni());
+
+        f.clearRecords();
+        f.setOctets({});
+        f.choose("readToFilePushBtn", row.file);
+        QCOMPARE(f.boxes(), QStringList(success));
+        QCOMPARE(f.everything(), before);
+    }
+
+    void folderTypedIntoTheDialog_data() {
+        addRows(QVector<FolderRow>{
+            {"read settings", SettingsFixture::Network, "readToFilePushBtn", "folder.ini"},
+            {"save settings", SettingsFixture::Network, "writeFilePushBtn", "folder.ini"},
+            {"white plate", SettingsFixture::WhitePlate, "selWCPFilePushBtn"},
+            {"adapter", SettingsFixture::AmbientAdapter, "selAmbLightAdpFilePushBtn"},
+        });
+    }
+    /** It is opened in the file dialog, which stays until it is cancelled. */
+    void folderTypedIntoTheDialog() {
+        const auto row = rowOf<FolderRow>();
+        const HostileFolder folder;
+        QVERIFY(QDir().mkdir(row.folder));
+        SettingsFixture f;
+        QVERIFY(f.connectFirst(row.page));
+        const QStringList before = f.everything();
+        const QJsonObject state = TestBench::state();
+        f.answers.willChoose(row.folder);
+        f.click(row.button);
+
+        QCOMPARE(f.answers.fileDialogs.size(), 2); // the same one, looked at again
+        QCOMPARE(f.answers.fileDialogs[1].directory, QDir::current().filePath(row.folder));
+        QCOMPARE(f.boxes() + f.lines(), QStringList());
+        QCOMPARE(f.everything(), before);
+        QCOMPARE(TestBench::state(), state);
+        QCOMPARE(filesIn(".") + filesIn(row.folder), QStringList());
+    }
 };
 
-TEST_CLASS(TestHostileRead)
+TEST_CLASS(TestHostile)
 
-#include "tst_hostile_read.moc"
+#include "tst_hostile.moc"
