@@ -6,9 +6,6 @@
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
 
-#include <QDateTime>
-#include <QProcess>
-
 #include <cstring>
 #include <mutex>
 #include <thread>

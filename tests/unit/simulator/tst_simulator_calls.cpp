@@ -123,14 +123,6 @@ private Q_SLOTS:
         QCOMPARE(KVA_Connect(&port, 10), KVA_SUCCESS);
     }
 
-    void connectToUnplugged() {
-        const KVA_PORTINFO port = portOf(usbSerial);
-        QVERIFY(KvaSim_Unplug(usbSerial));
-        QCOMPARE(KVA_Connect(&port, 10), KVA_ERROR_INSTRUMENT_UNAVAILABLE);
-        QVERIFY(KvaSim_Plug(usbSerial));
-        QCOMPARE(KVA_Connect(&port, 10), KVA_SUCCESS);
-    }
-
     void builtInBench() {
         KvaSim_Reset();
         const auto list = ports();

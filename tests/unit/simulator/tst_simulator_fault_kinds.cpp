@@ -2,8 +2,6 @@
 
 #include "SimulatorTest.h"
 
-#include <QElapsedTimer>
-
 #include <cstddef>
 
 using namespace simtest;

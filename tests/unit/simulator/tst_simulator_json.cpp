@@ -3,8 +3,6 @@
 #include "SimulatorTest.h"
 #include "tests/support/MadeLocale.h"
 
-#include <QRandomGenerator>
-
 #include <clocale>
 
 using namespace simtest;

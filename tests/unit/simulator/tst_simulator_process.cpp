@@ -4,8 +4,6 @@
 #include "SimulatorTest.h"
 #include "tests/support/LibrarySymbols.h"
 
-#include <QFileInfo>
-
 using namespace simtest;
 
 namespace {
