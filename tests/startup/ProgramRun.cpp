@@ -1,7 +1,5 @@
 #include "tests/startup/ProgramRun.h"
 
-#include <QJsonDocument>
-
 namespace {
 
 constexpr int patience = 100'000; // ms; the user inside gives up earlier
@@ -115,6 +113,15 @@ QStringList ProgramRun::calledFunctions() const {
     for (const QJsonObject& call : calls())
         functions.append(call["function"].toString());
     return functions;
+}
+
+QVector<bool> ProgramRun::registrations() const {
+    QVector<bool> handlers;
+    for (const QJsonObject& call : calls()) {
+        if (call["function"] == registration)
+            handlers.append(call["arguments"]["handler"].toBool());
+    }
+    return handlers;
 }
 
 QVector<QJsonObject> ProgramRun::states(const QString& className) const {

@@ -2,12 +2,7 @@
 #define TESTS_STARTUP_PROGRAMRUN_H
 
 #include "tests/support/TestFolder.h"
-
-#include <QJsonArray>
-#include <QJsonObject>
-#include <QProcess>
-#include <QStringList>
-#include <QVector>
+#include "tests/support/TestMain.h"
 
 inline const QString unitedStates = "en_US.UTF-8";
 inline const QString japan = "ja_JP.UTF-8";
@@ -68,6 +63,8 @@ public:
     /** The calls of libKVASDK to the very end, as its trace has them. */
     QVector<QJsonObject> calls() const;
     QStringList calledFunctions() const;
+    /** Whether each registration of an event handler named one, in order. */
+    QVector<bool> registrations() const;
 
     /** What the windows of a class showed before each step that was taken in them. */
     QVector<QJsonObject> states(const QString& className) const;
@@ -93,5 +90,91 @@ private:
     QByteArray m_standardError;
     QByteArray m_problem;
 };
+
+inline const QString english = "en.qm";
+inline const QString japanese = "jp.qm";
+
+/** A copy of the program with its library and its resources, to be changed before a run. Gives up
+    when a file cannot be copied, written or removed. */
+class ProgramTree {
+public:
+    ProgramTree() {
+        copy(VQTL4_PROGRAM, program());
+        replaceLibrary(VQTL4_LIBRARY);
+        for (const QString& name : {english, japanese, QString("VQ_TL4.ico")})
+            copy(VQTL4_RESOURCES "/" + name, resource(name));
+    }
+
+    QString program() const { return m_folder.path("bin/" + QFileInfo(VQTL4_PROGRAM).fileName()); }
+    /** The path of a file in the folder of the resources. */
+    QString resource(const QString& name) const { return m_folder.path("Resources/" + name); }
+
+    void removeResource(const QString& name) const {
+        if (!QFile::remove(resource(name)))
+            giveUp(resource(name) + " cannot be removed");
+    }
+    /** Writes a resource that holds just these bytes. */
+    void writeResource(const QString& name, const QByteArray& content) const {
+        m_folder.write("Resources/" + name, content);
+    }
+    /** Puts a copy of another library in the place of libKVASDK. */
+    void replaceLibrary(const QString& source) const {
+        copy(source, m_folder.path("lib/" + QFileInfo(VQTL4_LIBRARY).fileName()));
+    }
+
+private:
+    static void copy(const QString& source, const QString& path) {
+        QFile::remove(path);
+        if (!QDir().mkpath(QFileInfo(path).path()) || !QFile::copy(source, path))
+            giveUp(source + " cannot be copied to " + path);
+    }
+
+    TestFolder m_folder;
+};
+
+/** A text as a file of translations has it; the text itself where it has none.
+    @param fileName  "en.qm" or "jp.qm", of the built program */
+inline QString translated(const QString& fileName, const char* context, const char* text) {
+    QTranslator translator;
+    if (!translator.load(VQTL4_RESOURCES "/" + fileName))
+        giveUp(fileName + " cannot be read");
+    const QString found = translator.translate(context, text);
+    return found.isNull() ? text : found;
+}
+
+/** The steps of a user, as probe/Driver.h takes them. */
+namespace Steps {
+
+inline const QString languageDialog = "LangSelectDialog";
+inline const QString instrumentDialog = "ConnectSelectDialog";
+inline const QString settingsDialog = "InitSettingDialog";
+inline const QString messageBox = "QMessageBox";
+
+inline QJsonObject step(const QString& window, const QString& action,
+                        const QJsonValue& value = true) {
+    return {{"window", window}, {"action", action}, {"value", value}};
+}
+
+inline QJsonObject click(const QString& window, const QString& button) {
+    return step(window, "click", button);
+}
+
+inline QJsonObject closeWindow(const QString& window) {
+    return step(window, "close");
+}
+
+inline QJsonObject selectRow(int row) {
+    return step(instrumentDialog, "select", row);
+}
+
+inline const QJsonObject chooseEnglish = click(languageDialog, "engRadioBtn");
+inline const QJsonObject chooseJapanese = click(languageDialog, "jpnRadioBtn");
+inline const QJsonObject confirmLanguage = click(languageDialog, "pushButton");
+inline const QJsonObject confirmInstrument = click(instrumentDialog, "pushButton");
+inline const QJsonObject disconnectInstrument = click(settingsDialog, "disConnectPushBtn");
+inline const QJsonObject pressClose = click(settingsDialog, "ClosePushBtn");
+inline const QJsonObject dismissBox = step(messageBox, "press");
+
+} // namespace Steps
 
 #endif

@@ -1,8 +1,5 @@
 #include "tests/startup/ProgramRun.h"
-#include "tests/startup/ProgramTree.h"
-#include "tests/startup/Steps.h"
 #include "tests/support/MadeLocale.h"
-#include "tests/support/TestMain.h"
 
 #include <filesystem>
 #include <fstream>

@@ -1,10 +1,6 @@
 #include "tests/startup/ProgramRun.h"
-#include "tests/startup/ProgramTree.h"
-#include "tests/startup/Steps.h"
-#include "tests/support/TestMain.h"
 
 #include <QMessageBox>
-#include <algorithm>
 
 using namespace Steps;
 
@@ -38,29 +34,8 @@ struct TranslationRow {
     Mark after;           ///< of the settings dialog
     QString written = {}; ///< a file that is written in addition
     QByteArray content = {};
-    QString lost = {}; ///< a file that is removed while the language dialog is open
-};
-
-const TranslationRow starts[] = {
-    // The chosen translation takes the place of the default one.
-    {"English to English", unitedStates, complete, chooseEnglish, "", en, "", en},
-    {"English to Japanese", unitedStates, complete, chooseJapanese, "", en, "", jp},
-    {"Japanese to Japanese", japan, complete, chooseJapanese, "", jp, "", jp},
-    {"Japanese to English", japan, complete, chooseEnglish, "", jp, "", en},
-    {"ja, no jp, jp", japan, noJp, chooseJapanese, defaultFailed, none, japaneseFailed, none},
-    {"ja, no jp, en", japan, noJp, chooseEnglish, defaultFailed, none, "", en},
-    {"ja, no en, jp", japan, noEn, chooseJapanese, "", jp, "", jp},
-    {"ja, no en, en", japan, noEn, chooseEnglish, "", jp, jp + englishFailed, jp},
-    {"en, no en, en", unitedStates, noEn, chooseEnglish, defaultFailed, none, englishFailed, none},
-    {"en, no en, jp", unitedStates, noEn, chooseJapanese, defaultFailed, none, "", jp},
-    {"en, no jp, en", unitedStates, noJp, chooseEnglish, "", en, "", en},
-    {"en, no jp, jp", unitedStates, noJp, chooseJapanese, "", en, en + japaneseFailed, en},
-    {"ja, none, jp", japan, neither, chooseJapanese, defaultFailed, none, japaneseFailed, none},
-    {"ja, none, en", japan, neither, chooseEnglish, defaultFailed, none, englishFailed, none},
-    {"en, none, jp", unitedStates, neither, chooseJapanese, defaultFailed, none, japaneseFailed,
-     none},
-    {"en, none, en", unitedStates, neither, chooseEnglish, defaultFailed, none, englishFailed,
-     none},
+    QString lost = {};    ///< a file that is removed while the language dialog is open
+    bool isListed = true; ///< the instruments; else a box tells that there is none
 };
 
 QByteArray contentOf(const char* path) {
@@ -73,9 +48,30 @@ QByteArray contentOf(const char* path) {
 const QByteArray markedEnglish = contentOf(MARKED_TRANSLATIONS "/marked_en.qm");
 const QByteArray markedJapanese = contentOf(MARKED_TRANSLATIONS "/marked_jp.qm");
 
-/** Rows for files that are damaged, have a similar name, or go while the program runs. */
-QVector<TranslationRow> furtherRows() {
-    QVector<TranslationRow> rows;
+QVector<TranslationRow> starts() {
+    QVector<TranslationRow> rows = {
+        // The chosen translation takes the place of the default one.
+        {"English to English", unitedStates, complete, chooseEnglish, "", en, "", en},
+        {"English to Japanese", unitedStates, complete, chooseJapanese, "", en, "", jp},
+        {"Japanese to Japanese", japan, complete, chooseJapanese, "", jp, "", jp},
+        {"Japanese to English", japan, complete, chooseEnglish, "", jp, "", en},
+        {"ja, no jp, jp", japan, noJp, chooseJapanese, defaultFailed, none, japaneseFailed, none},
+        {"ja, no jp, en", japan, noJp, chooseEnglish, defaultFailed, none, "", en},
+        {"ja, no en, jp", japan, noEn, chooseJapanese, "", jp, "", jp},
+        {"ja, no en, en", japan, noEn, chooseEnglish, "", jp, jp + englishFailed, jp},
+        {"en, no en, en", unitedStates, noEn, chooseEnglish, defaultFailed, none, englishFailed,
+         none},
+        {"en, no en, jp", unitedStates, noEn, chooseJapanese, defaultFailed, none, "", jp},
+        {"en, no jp, en", unitedStates, noJp, chooseEnglish, "", en, "", en},
+        {"en, no jp, jp", unitedStates, noJp, chooseJapanese, "", en, en + japaneseFailed, en},
+        {"ja, none, jp", japan, neither, chooseJapanese, defaultFailed, none, japaneseFailed, none},
+        {"ja, none, en", japan, neither, chooseEnglish, defaultFailed, none, englishFailed, none},
+        {"en, none, jp", unitedStates, neither, chooseJapanese, defaultFailed, none, japaneseFailed,
+         none},
+        {"en, none, en", unitedStates, neither, chooseEnglish, defaultFailed, none, englishFailed,
+         none},
+    };
+    // Files that are damaged, have a similar name, or go while the program runs.
     const auto withoutJapanese = [&](const char* name, const QString& file,
                                      const QByteArray& content) {
         rows.append({name, japan, noJp, chooseJapanese, defaultFailed, none, japaneseFailed, none,
@@ -92,6 +88,17 @@ QVector<TranslationRow> furtherRows() {
                  en + englishFailed, en, "", "", english});
     rows.append({"Japanese, lost meanwhile", japan, complete, chooseJapanese, "", jp,
                  jp + japaneseFailed, jp, "", "", japanese});
+    // Instruments that cannot be listed.
+    const auto unlisted = [&](const char* name, const QString& locale, const QStringList& missing,
+                              const QJsonObject& choice, const QString& boxBefore,
+                              const Mark& before, const QString& boxAfter, const Mark& after) {
+        rows.append(
+            {name, locale, missing, choice, boxBefore, before, boxAfter, after, "", "", "", false});
+    };
+    unlisted("no enumeration, in English", japan, complete, chooseEnglish, "", jp, "", en);
+    unlisted("no enumeration, in Japanese", unitedStates, complete, chooseJapanese, "", en, "", jp);
+    unlisted("no enumeration, untranslated", unitedStates, neither, chooseEnglish, defaultFailed,
+             none, englishFailed, none);
     return rows;
 }
 
@@ -103,46 +110,6 @@ struct MarkedTree : ProgramTree {
     }
 };
 
-/** One of the four messages of the start-up, in a language that it can come in. */
-struct MessageRow {
-    const char* name;
-    QString text;
-    QString locale;
-    QStringList missing; ///< files of translations
-    QJsonArray steps;
-    int box;      ///< which one it is
-    QString file; ///< that it is translated by; empty: by none
-};
-
-QVector<MessageRow> messages() {
-    const QJsonObject eng = chooseEnglish;
-    const QJsonObject jpn = chooseJapanese;
-    const QJsonObject ok = confirmLanguage;
-    const QJsonObject box = dismissBox;
-    QVector<MessageRow> rows;
-    const auto add = [&](const char* name, const QString& text, const QString& locale,
-                         const QStringList& missing, const QJsonArray& steps, int index,
-                         const QString& file) {
-        rows.append({name, text, locale, missing, steps, index, file});
-    };
-    add("default, United States", defaultFailed, unitedStates, noEn, {box, jpn, ok}, 0, "");
-    add("default, Japan", defaultFailed, japan, noJp, {box, eng, ok}, 0, "");
-    add("English, in Japanese", englishFailed, japan, noEn, {eng, ok, box}, 0, japanese);
-    add("English, untranslated", englishFailed, unitedStates, noEn, {box, eng, ok, box}, 1, "");
-    add("Japanese, in English", japaneseFailed, unitedStates, noJp, {jpn, ok, box}, 0, english);
-    add("Japanese, untranslated", japaneseFailed, japan, noJp, {box, jpn, ok, box}, 1, "");
-    add("no enumeration, in English", notConnected, japan, {}, {eng, ok, box}, 0, english);
-    add("no enumeration, in Japanese", notConnected, unitedStates, {}, {jpn, ok, box}, 0, japanese);
-    add("no enumeration, untranslated", notConnected, unitedStates, neither,
-        {box, eng, ok, box, box}, 2, "");
-    return rows;
-}
-
-/** A text of the entry point by a file of translations; none: the source text. */
-QString inLanguage(const QString& file, const QString& text) {
-    return file.isEmpty() ? text : translated(file, "QObject", qUtf8Printable(text));
-}
-
 } // namespace
 
 /** The start with files of translations that are missing, damaged or lost, and the entry point's
@@ -151,11 +118,7 @@ class TestStartupTranslations : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void start_data() {
-        QVector<TranslationRow> rows = furtherRows();
-        std::copy(std::begin(starts), std::end(starts), std::back_inserter(rows));
-        addRows(rows);
-    }
+    void start_data() { addRows(starts()); }
     void start() {
         const auto row = rowOf<TranslationRow>();
         const MarkedTree tree;
@@ -163,23 +126,31 @@ private Q_SLOTS:
             tree.removeResource(name);
         if (!row.written.isEmpty())
             tree.writeResource(row.written, row.content);
-        ProgramRun run({}, benchOf(1));
+        const QJsonArray faults = {fault(enumeration, 0)};
+        ProgramRun run({}, benchOf(1, row.isListed ? QJsonArray() : faults));
         run.program = tree.program();
         run.locale = row.locale;
-        QStringList windows = {languageDialog, settingsDialog};
-        if (!row.boxAfter.isEmpty())
-            windows.insert(1, boxNamed(row.boxAfter));
-        if (!row.boxBefore.isEmpty()) {
-            windows.prepend(boxNamed(row.boxBefore));
+        QStringList windows;
+        QStringList titles; // of the message boxes
+        const auto expectBox = [&](const Mark& mark, const QString& text) {
+            windows.append(boxNamed(text));
+            titles.append(mark + "Spectrophotometer Configuration Tool VQ-TL4");
             run.steps.append(dismissBox);
-        }
+        };
+        if (!row.boxBefore.isEmpty())
+            expectBox(none, row.boxBefore);
+        windows.append(languageDialog);
         if (!row.lost.isEmpty())
             run.steps.append(step(languageDialog, "removeFile", tree.resource(row.lost)));
         run.steps.append(row.choice);
         run.steps.append(confirmLanguage);
         if (!row.boxAfter.isEmpty())
-            run.steps.append(dismissBox);
-        run.steps.append(disconnectInstrument);
+            expectBox(row.before, row.boxAfter);
+        if (row.isListed)
+            run.steps.append(disconnectInstrument);
+        else
+            expectBox(row.after, row.after + notConnected);
+        windows.append(settingsDialog);
         run.steps.append(pressClose);
 
         QVERIFY2(run.run(), run.problem());
@@ -194,6 +165,17 @@ private Q_SLOTS:
         QCOMPARE(textIn(settings, "ClosePushBtn"), (row.after == en ? en : none) + "Close");
         QCOMPARE(textIn(settings, "disConnectPushBtn"),
                  (row.after == jp ? jp : none) + "Disconnect");
+        QCOMPARE(run.states(messageBox).size(), titles.size());
+        for (const QJsonObject& box : run.states(messageBox)) {
+            QCOMPARE(box["title"].toString(), titles.takeFirst());
+            QCOMPARE(box["icon"].toInt(), int{QMessageBox::Information});
+            QCOMPARE(box["buttons"].toInt(), int{QMessageBox::Ok});
+            QCOMPARE(box["flags"].toInt(), titledFlags | Qt::WindowCloseButtonHint);
+            QCOMPARE(box["isModal"], QJsonValue(true));
+            QCOMPARE(box["hasParent"], QJsonValue(false));
+            QCOMPARE(box["ownIcon"], QJsonValue(true));
+            QCOMPARE(box["iconWidths"].toArray(), QJsonArray({16, 32, 48, 64, 128, 256}));
+        }
     }
 
     void missingIcon() {
@@ -207,35 +189,6 @@ private Q_SLOTS:
         QCOMPARE(run.shownWindows(), QStringList({languageDialog, settingsDialog}));
         for (const QString& window : {languageDialog, settingsDialog})
             QCOMPARE(run.state(window)["iconWidths"].toArray(), QJsonArray());
-    }
-
-    void message_data() { addRows(messages()); }
-    void message() {
-        const auto row = rowOf<MessageRow>();
-        const ProgramTree tree;
-        for (const QString& name : row.missing)
-            tree.removeResource(name);
-        const bool isListed = row.text != notConnected;
-        ProgramRun run(row.steps,
-                       benchOf(1, isListed ? QJsonArray() : QJsonArray{fault(enumeration, 0)}));
-        run.program = tree.program();
-        run.locale = row.locale;
-        run.steps.append(closeWindow(settingsDialog));
-
-        QVERIFY2(run.run(), run.problem());
-
-        QCOMPARE(run.states(messageBox).size(), row.box + 1);
-        const QJsonObject box = run.states(messageBox).at(row.box);
-        QCOMPARE(box["title"].toString(),
-                 inLanguage(row.file, "Spectrophotometer Configuration Tool VQ-TL4"));
-        QCOMPARE(box["text"].toString(), inLanguage(row.file, row.text));
-        QCOMPARE(box["icon"].toInt(), int{QMessageBox::Information});
-        QCOMPARE(box["buttons"].toInt(), int{QMessageBox::Ok});
-        QCOMPARE(box["flags"].toInt(), titledFlags | Qt::WindowCloseButtonHint);
-        QCOMPARE(box["isModal"], QJsonValue(true));
-        QCOMPARE(box["hasParent"], QJsonValue(false));
-        QCOMPARE(box["ownIcon"], QJsonValue(true));
-        QCOMPARE(box["iconWidths"].toArray(), QJsonArray({16, 32, 48, 64, 128, 256}));
     }
 
     /** As good as Ok. */
