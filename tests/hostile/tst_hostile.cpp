@@ -84,6 +84,19 @@ class TestHostile : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void calibrationReader_data() { addRows(calibrationCases()); }
+    void calibrationReader() {
+        const auto row = rowOf<CalibrationCase>();
+        HostileFile file(row);
+        file.place();
+        file.strike();
+        const QByteArray read = readCalRef(row.adapter, file.path());
+        file.release();
+        QCOMPARE(read, outcome(row.isRead, calRefRecord(row.adapter, row.serialNo, row.values),
+                               row.printed));
+        QVERIFY(file.wasBearable());
+    }
+
     void networkTab_data() { addRows(settingsCases()); }
     void networkTab() {
         const auto row = rowOf<SettingsCase>();
