@@ -2,8 +2,6 @@
 
 #include "KvasimTest.h"
 
-#include <QDeadlineTimer>
-
 #include <random>
 
 using namespace simtest;
