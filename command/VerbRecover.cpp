@@ -47,8 +47,9 @@ bool isHeld(const InstrumentState& held, const std::optional<Snapshot>& snapshot
 Order orderFor(std::int32_t serialNumber, const Ends& ends, const InstrumentState& held) {
     const QStringList serial = {serialText(serialNumber)};
     Order order;
-    order.takesBack = !isHeld(held, ends.wanted);
-    const bool isOld = order.takesBack && isHeld(held, ends.old);
+    // An earlier recovery that did not end wanted the old state.
+    const bool isOld = isHeld(held, ends.old);
+    order.takesBack = isOld || !isHeld(held, ends.wanted);
     sayToUser(
         !order.takesBack
             ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl",

@@ -118,6 +118,7 @@ private Q_SLOTS:
     void saysWhatIsHeld_data();
     void saysWhatIsHeld();
     void endsAnUnfinishedRestore();
+    void endsAnUnfinishedRecovery();
     void honoursAMarkFile();
     void asks();
     void verifies_data();
@@ -242,6 +243,26 @@ void TestCommandRecover::endsAnUnfinishedRestore() {
     const QString kill = killAt("before", "KVA_JIG_SetFactoryCalib_CALREFDATA");
     QCOMPARE(run.run(restore, {preload, kill}).exitStatus, -1);
     QCOMPARE(run.run({"recover", "--yes", "--json"}).outcome(), QString("rolled-back"));
+    QCOMPARE(fromInitial(run), QString());
+    QVERIFY(!run.isMarked());
+}
+
+/** What it wanted, and wrote, is the old state: that is not the row that somebody wanted. */
+void TestCommandRecover::endsAnUnfinishedRecovery() {
+    const QString kill = killAt("after", "KVA_SetShutdownTime");
+    const QStringList recover = {"recover", "--yes", "--json"};
+    const CommandRun whole;
+    whole.run(whole.applyAll(), {preload, kill});
+    whole.clearTrace();
+    whole.run(recover);
+    const int lastWrite = whole.calls().lastIndexOf("KVA_SetNetworkInfo") + 1;
+    const CommandRun run;
+    run.run(run.applyAll(), {preload, kill});
+    const QString late = QString("SHIM_KILL=after:%1").arg(lastWrite);
+    QCOMPARE(run.run(recover, {preload, late}).exitStatus, -1);
+    QCOMPARE(fromInitial(run), QString());
+    const CommandResult got = run.run(recover);
+    QVERIFY2(got.outcome() == "rolled-back", got.text());
     QCOMPARE(fromInitial(run), QString());
     QVERIFY(!run.isMarked());
 }
