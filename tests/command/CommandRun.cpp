@@ -17,14 +17,6 @@ QJsonObject accessory(const QString& serial, int count, double first, double ste
     return {{"serialNumber", serial}, {"values", values}};
 }
 
-QByteArray valueFile(const QJsonObject& accessory) {
-    QStringList values;
-    for (const QJsonValue value : accessory["values"].toArray())
-        values.append(QString::number(value.toDouble(), 'f', 4));
-    return "Values\nSerial number, values\n" + accessory["serialNumber"].toString().toLatin1() +
-           '\n' + values.join(',').toLatin1() + '\n';
-}
-
 QJsonObject settings(const QString& address, const QString& ssid, const QString& key) {
     return {{"APConnectUse", 1},    {"DHCPUse", 0},
             {"IPAddress", address}, {"SubnetMask", "255.255.255.0"},
@@ -128,17 +120,13 @@ QByteArray CommandRun::read(const QString& name) const {
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
 }
 
-void CommandRun::setBench(const QJsonObject& instrument, const QJsonArray& faults) const {
-    const QJsonObject bench = {
-        {"version", 1}, {"instruments", QJsonArray{instrument}}, {"faults", faults}};
+void CommandRun::setBench(const QJsonArray& instruments, const QJsonArray& faults) const {
+    const QJsonObject bench = {{"version", 1}, {"instruments", instruments}, {"faults", faults}};
     write("bench.json", QJsonDocument(bench).toJson());
 }
 
-QJsonObject CommandRun::instrument() const {
-    return QJsonDocument::fromJson(read("bench.json"))
-        .object()["instruments"]
-        .toArray()[0]
-        .toObject();
+QJsonArray CommandRun::instruments() const {
+    return QJsonDocument::fromJson(read("bench.json")).object()["instruments"].toArray();
 }
 
 void CommandRun::setFaults(const QJsonArray& faults) const {
@@ -263,6 +251,14 @@ QJsonObject rule(const QString& function, const QString& call, const QJsonObject
     result["function"] = function;
     result["call"] = call;
     return result;
+}
+
+QByteArray valueFile(const QJsonObject& accessory) {
+    QStringList values;
+    for (const QJsonValue value : accessory["values"].toArray())
+        values.append(QString::number(value.toDouble(), 'f', 4));
+    return "Values\nSerial number, values\n" + accessory["serialNumber"].toString().toLatin1() +
+           '\n' + values.join(',').toLatin1() + '\n';
 }
 
 QString differenceBetween(const QJsonObject& instrument, const QJsonObject& expected) {

@@ -41,12 +41,16 @@ public:
     static QJsonObject initialInstrument();
     static QJsonObject wantedInstrument();
 
-    /** Replaces the bench: this instrument, these rules for faults. */
-    void setBench(const QJsonObject& instrument, const QJsonArray& faults = {}) const;
+    /** Replaces the bench: this instrument, or these, and these rules for faults. */
+    void setBench(const QJsonObject& instrument, const QJsonArray& faults = {}) const {
+        setBench(QJsonArray{instrument}, faults);
+    }
+    void setBench(const QJsonArray& instruments, const QJsonArray& faults = {}) const;
     /** The instrument, with other rules. */
     void setFaults(const QJsonArray& faults) const;
-    /** The instrument as the bench has it now. */
-    QJsonObject instrument() const;
+    /** The instrument as the bench has it now; the first of several. */
+    QJsonObject instrument() const { return instruments()[0].toObject(); }
+    QJsonArray instruments() const;
 
     QString path(const QString& name) const { return m_folder.filePath(name); }
     QString write(const QString& name, const QByteArray& content) const;
@@ -81,6 +85,9 @@ private:
 
 /** A rule for faults: the calls of a function, as the bench file names them, and what happens. */
 QJsonObject rule(const QString& function, const QString& call, const QJsonObject& what);
+
+/** A file of calibration values as the bench has them. */
+QByteArray valueFile(const QJsonObject& accessory);
 
 /** What of two instruments is not the same: settings in force after a power cycle, power-off mode,
     calibration record in memory; empty where all is. A record that is only staged is told of. */

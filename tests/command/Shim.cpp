@@ -3,6 +3,7 @@
  * environment:
  *
  *     SHIM_KILL=before:7      SIGKILL before, or after, the seventh call of any function
+ *     SHIM_STOP=before:7      SIGSTOP there: it waits for SIGCONT
  *     SHIM_SILENT=3:2         the third reading of the calibration record fills nothing, answers 2
  *     SHIM_UNWRITTEN=1        no reading of the calibration record fills its byte 2000
  *     SHIM_BEGUN=FILE         each call, by name, as it begins, to this file

@@ -20,8 +20,11 @@ Function next(Function /*own*/, const char* symbol) {
 #define NEXT(function) next(&function, #function)
 
 inline void killIfDue(const char* moment, int call) {
-    if (moment + (":" + std::to_string(call)) == setting("SHIM_KILL"))
+    const std::string due = moment + (":" + std::to_string(call));
+    if (due == setting("SHIM_KILL"))
         std::raise(SIGKILL);
+    if (due == setting("SHIM_STOP"))
+        std::raise(SIGSTOP);
 }
 
 #endif

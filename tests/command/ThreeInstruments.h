@@ -22,17 +22,13 @@ inline QJsonObject instrumentNumber(int number) {
 
 inline void setBench(const CommandRun& run, const QJsonArray& faults = {}) {
     const QJsonArray instruments = {instrumentNumber(0), instrumentNumber(1), instrumentNumber(2)};
-    const QJsonObject bench = {{"version", 1}, {"instruments", instruments}, {"faults", faults}};
-    run.write("bench.json", QJsonDocument(bench).toJson());
+    run.setBench(instruments, faults);
     run.clearTrace();
 }
 
 /** What instrument holds: address in force after a power cycle, power-off mode, plate. */
 inline QString held(const CommandRun& run, int number) {
-    const QJsonObject instrument = QJsonDocument::fromJson(run.read("bench.json"))
-                                       .object()["instruments"]
-                                       .toArray()[number]
-                                       .toObject();
+    const QJsonObject instrument = run.instruments()[number].toObject();
     const QJsonObject network = instrument["network"].toObject();
     const QJsonObject used =
         (network["pending"].isObject() ? network["pending"] : network["active"]).toObject();

@@ -1,16 +1,8 @@
-/**
- * Runs of vq-tl4ctl that do not end: killed at each call and at each write to its files, and the
- * disk full from each write on; and what `recover` makes of each. What is true is read from the
- * bench. Of the writes, some hundreds, each seventh is taken.
- *
- *     VQTL4_SWEEP=full  takes every one
- */
+// `recover` and `verify`: what they say of what a run left behind, and what they end.
 #include "CommandRun.h"
-#include "Tries.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFileInfo>
 #include <QJsonDocument>
 
@@ -34,76 +26,11 @@ QStringList kept(const CommandRun& run, const QString& query) {
     return result;
 }
 
-/** Every call that writes is in the journal, in its order. The last one may be there and not have
-    been made; and on a full disk the way back is gone to its end without the journal. */
-QString unkeptWrites(const CommandRun& run, bool isFull) {
-    const QStringList has = kept(run, "SELECT function FROM call WHERE writes = 1 ORDER BY id");
-    const QStringList made = run.writingCalls();
-    const bool isWhole = has == made || has.mid(0, has.size() - 1) == made;
-    if (isWhole || (isFull && made.mid(0, has.size()) == has && fromInitial(run).isEmpty()))
-        return {};
-    return "made " + made.join(' ') + ", kept " + has.join(' ');
-}
-
-/** `recover`, and then the same `apply`, of what an `apply` left behind. */
-QString contradictionAfterwards(const CommandRun& run, bool wasFull = false) {
-    const QString unkept = unkeptWrites(run, wasFull);
-    if (!unkept.isEmpty())
-        return unkept;
-    const bool wasMarked = run.isMarked();
-    const bool wasWritten = !run.writingCalls().isEmpty();
-    const CommandResult recovered = run.run({"recover", "--yes", "--json"});
-    const QString outcome = recovered.outcome();
-    const bool isNothing = recovered.standardOutput.isEmpty() && recovered.exitStatus == 0;
-    const bool isVerdict =
-        outcome == "verified" || outcome == "unchanged" || outcome == "rolled-back";
-    if (wasMarked ? outcome != "verified" && outcome != "rolled-back" : !isNothing && !isVerdict)
-        return "recover: " + recovered.text();
-    const QString old = fromInitial(run);
-    const QString wanted = fromWanted(run);
-    if (outcome == "verified" && !wanted.isEmpty())
-        return "recovered as verified, but not: " + wanted;
-    if (outcome == "rolled-back" && !old.isEmpty())
-        return "rolled back, but not: " + old;
-    if (outcome == "unchanged" && wasWritten)
-        return "unchanged, and written";
-    if (!old.isEmpty() && !wanted.isEmpty())
-        return "neither: " + old + "; " + wanted;
-    if (!run.ask("SELECT 1 FROM run WHERE id NOT IN (SELECT run FROM run_end)").empty() ||
-        run.isMarked())
-        return "a run has no end";
-    const CommandResult applied = run.run(run.applyAll());
-    if (applied.outcome() != (wanted.isEmpty() ? "unchanged" : "verified"))
-        return "apply afterwards: " + applied.text();
-    return fromWanted(run);
-}
-
-/** The writes of an `apply` that are tried, with what the shim is told. */
-QStringList writes(const char* setting) {
-    const int stride = isFullSweep() ? 1 : 7 * static_cast<int>(sweepStride());
-    int count = 0;
-    for (int exitStatus = -1; exitStatus != 0; count += 20) {
-        CommandRun run;
-        const QString kill = QString("SHIM_KILL=file:%1").arg(count + 20);
-        exitStatus = run.run(run.applyAll(), {preload, kill}).exitStatus;
-    }
-    QStringList result;
-    for (int number = 1; number <= count; number += stride)
-        result.append(QString::fromLatin1(setting).arg(number));
-    return result;
-}
-
 /** What kills an `apply` before or after the first call of @p function. */
 QString killAt(const QString& moment, const QString& function) {
     const CommandRun whole;
     whole.run(whole.applyAll());
     return QString("SHIM_KILL=%1:%2").arg(moment).arg(whole.calls().indexOf(function) + 1);
-}
-
-void tell(const QStringList& problems) {
-    for (const QString& problem : problems)
-        qInfo().noquote() << problem.left(1000);
-    QCOMPARE(problems.size(), 0);
 }
 
 } // namespace
@@ -112,9 +39,6 @@ class TestCommandRecover : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void endsWhatWasKilledAtACall();
-    void endsWhatWasKilledAtAWrite();
-    void survivesAFullDisk();
     void saysWhatIsHeld_data();
     void saysWhatIsHeld();
     void endsAnUnfinishedRestore();
@@ -125,70 +49,6 @@ private Q_SLOTS:
     void verifies();
     void seesTheMarkOfTheUsualJournal();
 };
-
-void TestCommandRecover::endsWhatWasKilledAtACall() {
-    CommandRun whole;
-    QVERIFY(whole.run(whole.applyAll()).exitStatus == 0);
-    const auto count = static_cast<std::size_t>(whole.calls().size());
-    tell(problemsOf(2 * count, [&](std::size_t index) {
-        CommandRun run;
-        const QString moment =
-            QString(index % 2 == 0 ? "before:%1" : "after:%1").arg(index / 2 + 1);
-        const CommandResult got = run.run(run.applyAll(), {preload, "SHIM_KILL=" + moment});
-        if (got.exitStatus != -1)
-            return moment + ": it was not killed";
-        const QString problem = contradictionAfterwards(run);
-        return problem.isEmpty() ? QString() : "killed " + moment + ": " + problem;
-    }));
-}
-
-void TestCommandRecover::endsWhatWasKilledAtAWrite() {
-    const QStringList moments = writes("SHIM_KILL=file:%1");
-    QElapsedTimer timer;
-    timer.start();
-    std::atomic<int> killed{0};
-    const QStringList problems =
-        problemsOf(static_cast<std::size_t>(moments.size()), [&](std::size_t index) {
-            CommandRun run;
-            const QString& moment = moments[static_cast<int>(index)];
-            const CommandResult got = run.run(run.applyAll(), {preload, moment});
-            killed += got.exitStatus == -1 ? 1 : 0;
-            const QString problem = contradictionAfterwards(run);
-            return problem.isEmpty() ? QString() : moment + ": " + problem;
-        });
-    qInfo() << killed.load() << "kills in" << timer.elapsed() << "ms";
-    tell(problems);
-    QVERIFY(killed > 30 / static_cast<int>(sweepStride()));
-}
-
-/** The verdict of such a run is right as well, and the next one, with space again, finds the way.
- */
-void TestCommandRecover::survivesAFullDisk() {
-    const QStringList moments = writes("SHIM_FULL=%1");
-    std::atomic<int> refused{0};
-    std::atomic<int> unknown{0};
-    const QStringList problems =
-        problemsOf(static_cast<std::size_t>(moments.size()), [&](std::size_t index) -> QString {
-            CommandRun run;
-            const QString& full = moments[static_cast<int>(index)];
-            const CommandResult got = run.run(run.applyAll(), {preload, full});
-            const QString outcome = got.outcome();
-            refused += outcome == "refused" ? 1 : 0;
-            unknown += outcome == "unknown" ? 1 : 0;
-            const bool isWritten = !run.writingCalls().isEmpty();
-            if (outcome == "refused" ? isWritten || got.exitStatus != 3
-                                     : outcome != "verified" && outcome != "unknown")
-                return full + ": " + got.text();
-            if (outcome == "verified" && (run.isMarked() || !fromWanted(run).isEmpty()))
-                return full + ": verified, and not kept";
-            const QString problem = contradictionAfterwards(run, true);
-            return problem.isEmpty() ? QString() : full + ": " + problem;
-        });
-    qInfo() << "refused" << refused.load() << "unknown" << unknown.load() << "of" << moments.size();
-    tell(problems);
-    QVERIFY(refused > 5 / static_cast<int>(sweepStride()));
-    QVERIFY(unknown > 5 / static_cast<int>(sweepStride()));
-}
 
 void TestCommandRecover::saysWhatIsHeld_data() {
     QTest::addColumn<QString>("function"); ///< whose first call is the last one that is made
