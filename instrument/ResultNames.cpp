@@ -13,6 +13,7 @@ struct NamedCode {
 #define NAMED(code)                                                                                \
     { code, #code }
 
+/** The warning bits come last. */
 constexpr NamedCode resultNames[] = {
     NAMED(KVA_SUCCESS),
     NAMED(KVA_ERROR),
@@ -36,9 +37,6 @@ constexpr NamedCode resultNames[] = {
     NAMED(KVA_ERROR_CNF),
     NAMED(KVA_ERROR_NDT),
     NAMED(KVA_ERROR_NEQ),
-};
-
-constexpr NamedCode warningBits[] = {
     NAMED(KVA_WARNING_WCALIB_TEMP),
     NAMED(KVA_WARNING_BATTERY_EMPTY),
     NAMED(KVA_WARNING_INITIALDATE_SETTING),
@@ -50,9 +48,9 @@ constexpr NamedCode warningBits[] = {
 
 std::vector<const char*> warningNames(KVA_RESULT code) {
     std::vector<const char*> names;
-    for (const NamedCode& warning : warningBits) {
-        if (code > 0 && (code & warning.code) != 0)
-            names.push_back(warning.name);
+    for (const NamedCode& named : resultNames) {
+        if (code > 0 && named.code > 0 && (code & named.code) != 0)
+            names.push_back(named.name);
     }
     return names;
 }
@@ -70,4 +68,10 @@ std::string resultName(KVA_RESULT code) {
         text += name;
     }
     return text;
+}
+
+std::optional<KVA_RESULT> resultOfName(std::string_view name) {
+    const auto* found = std::find_if(std::begin(resultNames), std::end(resultNames),
+                                     [name](const NamedCode& n) { return n.name == name; });
+    return found == std::end(resultNames) ? std::nullopt : std::optional(found->code);
 }

@@ -1,5 +1,6 @@
 #include "simulator/FaultRules.h"
 
+#include "instrument/ResultNames.h"
 #include "simulator/BenchStore.h"
 #include "simulator/Records.h"
 
@@ -43,6 +44,18 @@ Json readProbability(const Json& value, const std::string& path, const FaultRule
     const double probability = value.is_number() ? value.get<double>() : 0;
     require(probability > 0 && probability <= 1, path, "must be a number above 0, to 1");
     return value;
+}
+
+/** The result of a name, or of the names of several warnings joined by a slash. */
+std::optional<KVA_RESULT> resultFromName(const std::string& name) {
+    const auto slash = name.find('/');
+    const auto first = resultOfName(name.substr(0, slash));
+    if (!first || slash == std::string::npos)
+        return first;
+    const auto others = resultFromName(name.substr(slash + 1));
+    if (!others || *first <= 0 || *others <= 0)
+        return std::nullopt; // only warnings can be joined
+    return *first | *others;
 }
 
 Json readResult(const Json& value, const std::string& path, const FaultRule& /*rule*/) {
@@ -109,9 +122,8 @@ struct FaultField {
     const char* needs; /**< another field, without which it is refused; null: none */
     Json (*read)(const Json& value, const std::string& path, const FaultRule& rule);
 
-    // Of a kind of fault, of which a rule has one; of nothing else.
+    /** Of a kind of fault, of which a rule has one; null: of nothing else. */
     bool (*isFor)(std::string_view function) = nullptr;
-    void (*apply)(const Json& rule, CallEffects& effects) = nullptr;
 };
 
 constexpr FaultField fields[] = {
@@ -121,38 +133,13 @@ constexpr FaultField fields[] = {
     {"seed", "probability", readNumber<std::uint32_t>},
     {"instrument", "unplug", readNumber<std::int32_t>},
     {"id", nullptr, readNumber<std::uint32_t>},
-    {"result", nullptr, readResult, isAny,
-     [](const Json& rule, CallEffects& effects) {
-         const Json& result = rule["result"];
-         if (!effects.result)
-             effects.result = result.is_string() ? resultFromName(result.get<std::string>())
-                                                 : result.get<KVA_RESULT>();
-     }},
-    {"delayMs", nullptr, readNumber<std::uint32_t, 0, 600000>, isAny,
-     [](const Json& rule, CallEffects& effects) {
-         effects.delay += std::chrono::milliseconds(rule["delayMs"].get<std::uint32_t>());
-     }},
-    {"dropped", nullptr, readTrue, isWriting,
-     [](const Json&, CallEffects& effects) { effects.dropped = true; }},
-    {"stale", nullptr, readTrue, isRereading,
-     [](const Json&, CallEffects& effects) { effects.stale = true; }},
-    {"corrupted", nullptr, readCorrupted, isAny,
-     [](const Json& rule, CallEffects& effects) {
-         effects.corruptions.push_back(rule["corrupted"]);
-     }},
-    {"shortList", nullptr, readNumber<std::uint32_t>, isListing,
-     [](const Json& rule, CallEffects& effects) {
-         effects.longestList =
-             std::min(effects.longestList, rule["shortList"].get<std::uint32_t>());
-     }},
-    {"unplug", nullptr, readMoment, isAny,
-     [](const Json& rule, CallEffects& effects) {
-         if (!effects.unplug.empty())
-             return;
-         effects.unplug = rule["unplug"];
-         if (rule.contains("instrument"))
-             effects.unplugged = rule["instrument"].get<std::int32_t>();
-     }},
+    {"result", nullptr, readResult, isAny},
+    {"delayMs", nullptr, readNumber<std::uint32_t, 0, 600000>, isAny},
+    {"dropped", nullptr, readTrue, isWriting},
+    {"stale", nullptr, readTrue, isRereading},
+    {"corrupted", nullptr, readCorrupted, isAny},
+    {"shortList", nullptr, readNumber<std::uint32_t>, isListing},
+    {"unplug", nullptr, readMoment, isAny},
 };
 
 /** A call number in decimal; 0 for any other text. */
@@ -208,12 +195,12 @@ FaultRule makeFaultRule(const Json& json, const std::string& path) {
         if (!json.contains(field.key))
             continue;
         const std::string place = joined(path, field.key);
-        if (field.apply != nullptr && kind != nullptr)
+        if (field.isFor != nullptr && kind != nullptr)
             refuse(place, std::string("cannot be given together with ") + kind);
         if (field.needs != nullptr && !json.contains(field.needs))
             refuse(place, std::string("needs the field ") + field.needs);
         rule.json[field.key] = field.read(json[field.key], place, rule);
-        if (field.apply == nullptr)
+        if (field.isFor == nullptr)
             continue;
         kind = field.key;
         require(name == "*" || field.isFor(name), place, "is not for " + name);
@@ -224,9 +211,21 @@ FaultRule makeFaultRule(const Json& json, const std::string& path) {
 }
 
 void apply(const FaultRule& rule, CallEffects& effects) {
-    for (const FaultField& field : fields) {
-        if (field.apply != nullptr && rule.has(field.key))
-            field.apply(rule.json, effects);
+    const Json& json = rule.json;
+    if (rule.has("result") && !effects.result)
+        effects.result = json["result"].is_string()
+                             ? resultFromName(json["result"].get<std::string>())
+                             : json["result"].get<KVA_RESULT>();
+    effects.delay += std::chrono::milliseconds(json.value("delayMs", 0));
+    effects.dropped = effects.dropped || rule.has("dropped");
+    effects.stale = effects.stale || rule.has("stale");
+    if (rule.has("corrupted"))
+        effects.corruptions.push_back(json["corrupted"]);
+    effects.longestList = std::min(effects.longestList, json.value("shortList", UINT32_MAX));
+    if (rule.has("unplug") && effects.unplug.empty()) {
+        effects.unplug = json["unplug"];
+        if (rule.has("instrument"))
+            effects.unplugged = json["instrument"].get<std::int32_t>();
     }
 }
 

@@ -166,15 +166,6 @@ Json addressToJson(const std::uint8_t* octets, std::size_t) {
     return ::inet_ntop(AF_INET, octets, text, sizeof text);
 }
 
-void readMac(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size) {
-    require(fromHex(readString(value, path), ":", bytes, size), path,
-            "must be an address such as \"02:00:00:0f:42:41\"");
-}
-
-Json macToJson(const std::uint8_t* bytes, std::size_t size) {
-    return toHex(bytes, size, ":");
-}
-
 bool isDecimal(const std::string& text) {
     return text.find_first_not_of("0123456789") == std::string::npos;
 }
@@ -192,51 +183,48 @@ Json digitsToJson(const std::uint8_t* bytes, std::size_t size) {
     return isDecimal(text) ? Json(std::move(text)) : Json{{"hex", std::move(text)}};
 }
 
-void readFlag(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
-    *bytes = static_cast<std::uint8_t>(readBool(value, path));
-}
-
-Json flagToJson(const std::uint8_t* bytes, std::size_t) {
-    return *bytes != 0;
-}
-
-void readModule(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
-    require(value.is_boolean() || value.is_number(), path,
-            "must be true, false or a whole number from 0 to 255");
-    *bytes = value.is_boolean() ? std::uint8_t{value.get<bool>()}
-                                : readNumber<std::uint8_t>(value, path);
-}
-
-Json moduleToJson(const std::uint8_t* bytes, std::size_t) {
-    return *bytes > 1 ? Json(*bytes) : Json(*bytes == 1);
-}
-
-template <typename Number>
-using Limits = std::numeric_limits<Number>;
-
-template <typename Number, std::int64_t lowest = Limits<Number>::min(),
-          std::int64_t highest = Limits<Number>::max()>
+template <typename Number, std::int64_t lowest = std::numeric_limits<Number>::min(),
+          std::int64_t highest = std::numeric_limits<Number>::max()>
 constexpr FieldType numberType = {
     [](const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
         const auto number = static_cast<Number>(readInteger(value, path, lowest, highest));
         std::memcpy(bytes, &number, sizeof number);
     },
-    [](const std::uint8_t* bytes, std::size_t) -> Json { return load<Number>(bytes); }, 0, false};
+    [](const std::uint8_t* bytes, std::size_t) -> Json { return load<Number>(bytes); }};
 
 } // namespace
 
-const FieldType flagType = {readFlag, flagToJson, 0, false};
-const FieldType moduleType = {readModule, moduleToJson, 0, false};
+const FieldType flagType = {
+    [](const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
+        *bytes = static_cast<std::uint8_t>(readBool(value, path));
+    },
+    [](const std::uint8_t* bytes, std::size_t) -> Json { return *bytes != 0; }};
+const FieldType moduleType = {
+    [](const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t) {
+        require(value.is_boolean() || value.is_number(), path,
+                "must be true, false or a whole number from 0 to 255");
+        *bytes = value.is_boolean() ? std::uint8_t{value.get<bool>()}
+                                    : readNumber<std::uint8_t>(value, path);
+    },
+    [](const std::uint8_t* bytes, std::size_t) {
+        return *bytes > 1 ? Json(*bytes) : Json(*bytes == 1);
+    }};
 const FieldType byteType = numberType<std::uint8_t>;
 const FieldType int32Type = numberType<std::int32_t>;
 const FieldType uint32Type = numberType<std::uint32_t>;
 const FieldType durationType = numberType<std::uint32_t, 0, maxDurationMs>;
 const FieldType timeType = numberType<std::int64_t, 0, maxTime>;
-const FieldType bytesType = {readBytes, bytesToJson, 1, false};
+const FieldType bytesType = {readBytes, bytesToJson, 1};
 const FieldType textType = {readText, textToJson, 1, true};
 const FieldType addressType = {readAddress, addressToJson, 1, true};
-const FieldType macType = {readMac, macToJson, 1, true};
+const FieldType macType = {
+    [](const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size) {
+        require(fromHex(readString(value, path), ":", bytes, size), path,
+                "must be an address such as \"02:00:00:0f:42:41\"");
+    },
+    [](const std::uint8_t* bytes, std::size_t size) -> Json { return toHex(bytes, size, ":"); }, 1,
+    true};
 const FieldType digitsType = {readDigits, digitsToJson, 1, true};
-const FieldType floatsType = {readFloats, floatsToJson, sizeof(float), false};
+const FieldType floatsType = {readFloats, floatsToJson, sizeof(float)};
 
 } // namespace kvasim

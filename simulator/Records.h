@@ -1,5 +1,5 @@
 /**
- * The one description of the library's functions, results and records: for each field its name in
+ * The one description of the library's functions and records: for each field its name in
  * the record, its bytes, its place in the JSON of a bench file, and how it is written there. What
  * is written and read again has the same bytes.
  */
@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -22,18 +23,13 @@ namespace kvasim {
 /** The names of the library's functions. */
 extern const std::array<std::string_view, 13> functionNames;
 
-/** The name of a result, the names of several warning bits joined by a slash; empty for a value
-    without a name. And the result of such a name, if there is one. */
-std::string resultName(KVA_RESULT result);
-std::optional<KVA_RESULT> resultFromName(std::string_view name);
-
 /** How the bytes of a field are written in JSON. */
 struct FieldType {
     /** @throws InputError with @p path and the reason */
     void (*read)(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size);
     Json (*write)(const std::uint8_t* bytes, std::size_t size);
-    std::size_t elementSize; /**< in bytes; 0: it is no array */
-    bool isString;           /**< so that `kvasim set` takes a text as it is */
+    std::size_t elementSize = 0; /**< in bytes; 0: it is no array */
+    bool isString = false;       /**< so that `kvasim set` takes a text as it is */
 };
 
 extern const FieldType flagType;     /**< true or false */
@@ -58,19 +54,15 @@ struct ByteRange {
 
 struct Field {
     const char* place; /**< in the JSON, "port.type", "firmware[1]"; null: not there */
-    const char* name;  /**< in the record, "portType"; null: none */
+    const char* name;  /**< in the record, "portType"; empty: none */
     const FieldType* type;
     ByteRange bytes; /**< in the record */
 };
 
 struct Record {
     const char* source; /**< the function that answers with it, or with a list of it */
-    const Field* first;
-    const Field* last; /**< behind the last one */
-    std::size_t size;  /**< of the whole record, in bytes */
-
-    const Field* begin() const { return first; }
-    const Field* end() const { return last; }
+    std::size_t size;   /**< of the whole record, in bytes */
+    std::initializer_list<Field> fields;
 };
 
 extern const Record portRecord;        /**< KVA_PORTINFO */
@@ -96,7 +88,7 @@ Json::json_pointer pointerTo(const std::string& place);
 template <typename Bytes>
 Bytes fromJson(const Record& record, const Json& json) {
     Bytes bytes{};
-    for (const auto& [place, name, type, range] : record) {
+    for (const auto& [place, name, type, range] : record.fields) {
         if (place != nullptr)
             type->read(json.at(pointerTo(place)), place,
                        reinterpret_cast<std::uint8_t*>(&bytes) + range.offset, range.size);

@@ -1,9 +1,9 @@
 #include "simulator/Simulator.h"
 
+#include "instrument/ResultNames.h"
 #include "simulator/Records.h"
 
 #include <algorithm>
-#include <cstring>
 #include <exception>
 #include <thread>
 #include <utility>
@@ -17,10 +17,8 @@ Simulator* g_simulator = nullptr;
 /** Ends the event thread before the library's code is gone. A destructor of the library and not of
     an object: it runs after all objects of the program are gone, which may still call in. */
 __attribute__((destructor)) void unload() {
-    if (g_simulator == nullptr || g_simulator->events().isCurrent())
-        return;
-    delete g_simulator;
-    g_simulator = nullptr;
+    if (g_simulator != nullptr && !g_simulator->events().isCurrent())
+        delete g_simulator;
 }
 
 bool isForNoInstrument(std::string_view function) {
@@ -106,12 +104,11 @@ void Simulator::unplug(const CallEffects& effects, const Call& call) {
     try {
         change([&](Bench& next) {
             const auto list = portsOf(next);
-            if (effects.unplugged)
-                setPlugged(instrumentOf(next, *effects.unplugged), false);
-            else if (call.serialNumber)
-                setPlugged(instrumentOf(next, *call.serialNumber), false);
-            else if (!list.empty())
-                setPlugged(instrumentOf(next, list.front().serialNumber), false);
+            auto named = effects.unplugged ? effects.unplugged : call.serialNumber;
+            if (!named && !list.empty())
+                named = list.front().serialNumber;
+            if (named)
+                setPlugged(instrumentOf(next, *named), false);
         });
     } catch (const InputError& error) {
         complain(std::string("a rule cannot unplug: ") + error.what());
