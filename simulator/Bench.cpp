@@ -2,7 +2,6 @@
 #include "simulator/Records.h"
 
 #include <algorithm>
-#include <array>
 #include <chrono>
 #include <cstring>
 #include <utility>
@@ -18,8 +17,8 @@ struct Optional {
     const char* place;
     const char* otherwise;
 };
-constexpr std::array<Optional, 2> optionals = {
-    {{"network.pending", "network.active"}, {"calibration.staged", "calibration.committed"}}};
+constexpr Optional optionals[] = {{"network.pending", "network.active"},
+                                  {"calibration.staged", "calibration.committed"}};
 
 std::int64_t millisecondsSince1970() {
     const auto now = std::chrono::system_clock::now().time_since_epoch();
@@ -77,17 +76,13 @@ Json defaultsFor(std::int32_t serialNumber) {
     return json;
 }
 
-/** Whether the place is that of a field that is written as a string. */
-bool isString(const std::string& path) {
-    const auto places = instrumentPlaces();
-    return std::any_of(places.begin(), places.end(), [&](const Place& place) {
-        return place.path == path && place.field->type->isString;
-    });
-}
-
 Json valueOf(const std::string& text, const std::string& place) {
+    const auto places = instrumentPlaces();
+    const bool isString = std::any_of(places.begin(), places.end(), [&](const Place& known) {
+        return known.path == place && known.field->type->isString;
+    });
     const bool isStructured = !text.empty() && (text.front() == '{' || text.front() == '"');
-    if (isString(place) && !isStructured && text != "null")
+    if (isString && !isStructured && text != "null")
         return text;
     try {
         return parseJson(text);
@@ -96,8 +91,7 @@ Json valueOf(const std::string& text, const std::string& place) {
     }
 }
 
-} // namespace
-
+/** Adds the fields that are left out, and checks all. */
 Json makeInstrument(const Json& json, const std::string& path) {
     const Json& serialNumber = fieldOf(json, path, "serialNumber");
     Json instrument =
@@ -114,6 +108,8 @@ Json makeInstrument(const Json& json, const std::string& path) {
     settle(instrument, path);
     return instrument;
 }
+
+} // namespace
 
 std::int32_t serialNumberOf(const Json& instrument) {
     return instrument["serialNumber"].get<std::int32_t>();
@@ -135,14 +131,6 @@ const Json& networkOf(const Json& instrument) {
 const Json& calibrationOf(const Json& instrument) {
     const Json& calibration = instrument["calibration"];
     return calibration["staged"].is_null() ? calibration["committed"] : calibration["staged"];
-}
-
-KVA_RESULT commitCalibration(Json& instrument) {
-    Json& calibration = instrument["calibration"];
-    if (calibration["staged"].is_null())
-        return KVA_ERROR_NO_DATA;
-    calibration["committed"] = std::exchange(calibration["staged"], nullptr);
-    return KVA_SUCCESS;
 }
 
 bool isPlugged(const Json& instrument) {

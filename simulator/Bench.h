@@ -23,23 +23,13 @@ extern const char* const builtInBenchText;      /**< benches/usb-and-network.jso
 extern const char* const startingBenchText;     /**< kvasim/starting-bench.json */
 extern const char* const defaultInstrumentText; /**< default-instrument.json */
 
-/** Checks @p json and adds the fields that it leaves out.
-    @param path the place of @p json in its document
-    @throws InputError with the path of the field and the reason */
-Json makeInstrument(const Json& json, const std::string& path);
-
 std::int32_t serialNumberOf(const Json& instrument);
-
-/** Its entry in the list. */
 KVA_PORTINFO portOf(const Json& instrument);
 bool isSamePort(const KVA_PORTINFO& left, const KVA_PORTINFO& right);
 
 /** What was stored last. */
 const Json& networkOf(const Json& instrument);
 const Json& calibrationOf(const Json& instrument);
-
-/** Commits the staged calibration data. @return KVA_ERROR_NO_DATA where there is none */
-KVA_RESULT commitCalibration(Json& instrument);
 
 /** An instrument that is attached has started. */
 bool isPlugged(const Json& instrument);
@@ -52,16 +42,13 @@ void powerCycle(Json& instrument);
 std::int64_t startUpLeft(const Json& instrument);
 bool isReady(const Json& instrument);
 
-/** Merges @p patch into the instrument as a JSON merge patch does; null gives a field its default.
-    Bytes ({"hex"}, {"fill"}, {"seed"}) are replaced as a whole.
-    @throws InputError as `makeInstrument` does; nothing has changed then. */
+/** Merges @p patch into the instrument, as `KvaSim_Set` does.
+    @throws InputError with the path of the field and the reason; nothing has changed then. */
 void patch(Json& instrument, const Json& patch);
 
-/** Sets one field.
-    @param assignment a dotted path into the instrument's JSON ("network.active.SSID",
-        "calibration.committed.white.values.3", "device.firmware[1]"), "=" and the value: JSON, or,
-        where the field holds a text, the text as it is. null gives the field its default.
-    @throws InputError when it is no assignment, or as `makeInstrument` does */
+/** Sets one field by FIELD=VALUE ("calibration.committed.white.values.3=85.5",
+    "device.firmware[1]=2"), as `kvasim set` does.
+    @throws InputError when it is no assignment, or as `patch` does */
 void assign(Json& instrument, const std::string& assignment);
 
 /** Puts {"length": bytes} in place of the security key of settings, for showing only. */

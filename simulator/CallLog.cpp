@@ -26,7 +26,7 @@ std::string callLogPath(const std::string& bench) {
 void CallLog::setBench(const std::string& bench) {
     const std::lock_guard<std::mutex> lock(m_mutex);
     m_bench = bench;
-    m_isAsked = false;
+    m_path.reset();
 }
 
 void CallLog::add(const Json& call) {
@@ -55,23 +55,24 @@ void CallLog::clear(bool restart) {
 }
 
 void CallLog::append(const std::string& line) {
-    if (!std::exchange(m_isAsked, true))
+    if (!m_path)
         m_path = callLogPath(m_bench);
-    if (m_path.empty())
+    const std::string path = *m_path;
+    if (path.empty())
         return;
-    if (m_path == m_bench + ".log" && stampOf(m_path).size >= maxFileSize)
-        static_cast<void>(std::rename(m_path.c_str(), (m_path + ".old").c_str()));
+    if (path == m_bench + ".log" && stampOf(path).size >= maxFileSize)
+        static_cast<void>(std::rename(path.c_str(), (path + ".old").c_str()));
     const int file =
-        ::open(m_path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+        ::open(path.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
     const bool isWritten = file >= 0 && writeAtOnce(file, line);
     const int error = errno;
     if (file >= 0)
         ::close(file);
     if (isWritten)
         return;
-    complain(m_path + ": the calls cannot be written, they end here: " +
+    complain(path + ": the calls cannot be written, they end here: " +
              std::generic_category().message(error));
-    m_path.clear();
+    m_path = "";
 }
 
 } // namespace kvasim

@@ -1,8 +1,6 @@
 /**
- * The log of calls: one JSON object a call, kept in memory and appended to a file as one line.
- *
- *     {"seq":7,"function":"KVA_SetShutdownTime","arguments":{"serialNumber":1000001,"mode":2},
- *      "result":0,"resultName":"KVA_SUCCESS","durationUs":12}
+ * The log of calls: one JSON object a call, with the fields that `KvaSim_CallLog` names, kept in
+ * memory and appended to a file as one line.
  */
 #ifndef SIMULATOR_CALLLOG_H
 #define SIMULATOR_CALLLOG_H
@@ -12,6 +10,7 @@
 #include <cstdint>
 #include <deque>
 #include <mutex>
+#include <optional>
 #include <string>
 
 namespace kvasim {
@@ -46,8 +45,7 @@ private:
     std::deque<std::string> m_lines;
     std::uint64_t m_lastNumber = 0;
     std::string m_bench;
-    std::string m_path;     /**< empty: no file */
-    bool m_isAsked = false; /**< for the path */
+    std::optional<std::string> m_path; /**< empty: no file; nothing: not asked yet */
 };
 
 } // namespace kvasim

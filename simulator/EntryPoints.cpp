@@ -26,19 +26,16 @@ std::string crc32(const void* data, std::size_t size) {
     return kvasim::toHex(~crc);
 }
 
-const Json& whole(const Json& instrument) {
-    return instrument;
-}
-
 /** Performs a call that fills @p target from the connected instrument.
-    @param part the part of its JSON that has the fields of @p record */
+    @param part finds what has the fields of @p record in its JSON; null: all of it */
 template <typename Bytes>
 KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
-                    const Json& (*part)(const Json&) = whole) {
+                    const Json& (*part)(const Json&) = nullptr) {
     return simulator().perform({record.source, target != nullptr}, [&](const CallEffects& effects) {
         Bytes answer{};
         const KVA_RESULT result = simulator().read(effects, [&](const Json& instrument) {
-            answer = kvasim::fromJson<Bytes>(record, part(instrument));
+            answer =
+                kvasim::fromJson<Bytes>(record, part != nullptr ? part(instrument) : instrument);
         });
         kvasim::corrupt(effects, record.source, &answer);
         if (result == KVA_SUCCESS && !effects.answerIsLost())
@@ -80,6 +77,14 @@ Json describeCalibration(const KVA_JIG_CALREFDATA& given) {
             {"crc32", crc32(&given, sizeof given)}};
 }
 
+KVA_RESULT commitCalibration(Json& instrument) {
+    Json& calibration = instrument["calibration"];
+    if (calibration["staged"].is_null())
+        return KVA_ERROR_NO_DATA;
+    calibration["committed"] = std::exchange(calibration["staged"], nullptr);
+    return KVA_SUCCESS;
+}
+
 } // namespace
 
 extern "C" {
@@ -87,10 +92,11 @@ extern "C" {
 KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
     // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
     if (handler == nullptr)
-        simulator().registerHandler(nullptr);
+        simulator().events().setHandler(nullptr);
     Json arguments = {{"handler", handler != nullptr}};
     return simulator().perform({__func__, true, std::move(arguments)}, [&](const CallEffects&) {
-        return handler == nullptr ? KVA_RESULT{KVA_SUCCESS} : simulator().registerHandler(handler);
+        const bool isDone = handler == nullptr || simulator().events().setHandler(handler);
+        return KVA_RESULT{isDone ? KVA_SUCCESS : KVA_ERROR};
     });
 }
 
@@ -153,7 +159,7 @@ KVA_RESULT KVA_JIG_SetFactoryCalib_CALREFDATA(const KVA_JIG_CALREFDATA* data) {
 
 KVA_RESULT KVA_JIG_SetFactoryCalib_WriteSector() {
     return simulator().perform({__func__}, [&](const CallEffects& effects) {
-        return simulator().write(effects, kvasim::commitCalibration);
+        return simulator().write(effects, commitCalibration);
     });
 }
 

@@ -33,8 +33,6 @@ public:
         deliveries; throws nothing */
     explicit EventThread(std::function<void()> look) : m_look(std::move(look)) {}
     ~EventThread();
-    EventThread(const EventThread&) = delete;
-    EventThread& operator=(const EventThread&) = delete;
 
     /** Installs @p handler; null removes it and drops the events that wait. When it returns, no
         earlier handler is running or will be called again. From within a handler it returns at

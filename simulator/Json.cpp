@@ -20,18 +20,10 @@ std::string reasonOf(std::string reason) {
     if (start != std::string::npos)
         reason.erase(0, start + lead.size());
     const auto quoted = reason.find("; last read: ");
-    if (quoted != std::string::npos) {
-        // The quoted input may itself hold this text: the last one is the parser's.
-        const auto expected = reason.rfind("; expected ");
-        const bool hasExpected = expected != std::string::npos && expected > quoted;
-        reason.erase(quoted, hasExpected ? expected - quoted : std::string::npos);
-    }
+    // The quoted input may itself hold "expected": the last one is the parser's.
+    if (quoted != std::string::npos)
+        reason.erase(quoted, reason.rfind("; expected ") - quoted);
     return reason;
-}
-
-bool isPlainArray(const Json& value) {
-    return std::none_of(value.begin(), value.end(),
-                        [](const Json& element) { return element.is_structured(); });
 }
 
 void append(std::string& text, const Json& value, std::size_t indent) {
@@ -40,7 +32,8 @@ void append(std::string& text, const Json& value, std::size_t indent) {
         return;
     }
     const bool isObject = value.is_object();
-    const bool onOneLine = !isObject && isPlainArray(value);
+    const auto isStructured = [](const Json& element) { return element.is_structured(); };
+    const bool onOneLine = !isObject && std::none_of(value.begin(), value.end(), isStructured);
     const std::string lead = onOneLine ? "" : "\n" + std::string(indent + 2, ' ');
     const char* separator = "";
     text += isObject ? '{' : '[';

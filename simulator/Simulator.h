@@ -44,18 +44,11 @@ public:
     static Simulator& instance();
 
     Simulator() : m_events([this] { look(); }) {}
-    Simulator(const Simulator&) = delete;
-    Simulator& operator=(const Simulator&) = delete;
 
     // The thirteen functions. Nothing is thrown.
 
     /** Performs a call: asks the rules, does @p work unless they answer for it, and logs it. */
     KVA_RESULT perform(Call call, const Work& work);
-
-    /** @return KVA_ERROR when the event thread cannot be started. */
-    KVA_RESULT registerHandler(KVA_DeviceEventHandler handler) {
-        return m_events.setHandler(handler) ? KVA_SUCCESS : KVA_ERROR;
-    }
 
     /** Fills up to @p capacity entries of @p list; a null @p list counts only.
         @param count set to the number of entries filled, or of attached instruments */
@@ -64,8 +57,6 @@ public:
 
     KVA_RESULT connect(const CallEffects& effects, const KVA_PORTINFO& port);
     KVA_RESULT disconnect(const CallEffects& effects);
-
-    /** Reads from the connected instrument. */
     KVA_RESULT read(const CallEffects& effects, const std::function<void(const Json&)>& reader);
 
     /** Changes the connected instrument; a negative answer of @p writer changes nothing. */
@@ -80,9 +71,7 @@ public:
     /** Changes the bench, which @p make gets a copy of. */
     void change(const std::function<void(Bench&)>& make);
 
-    /** The whole bench. */
     Json state();
-
     CallLog& log() { return m_log; }
     EventThread& events() { return m_events; }
 
@@ -99,7 +88,6 @@ private:
     void keepFormerAnswers(const Json& before, const Json& after);
 
     bool loaded();
-    void requireBench();
     void take(std::unique_ptr<BenchStore> store);
     void look();
     void refresh() {

@@ -30,13 +30,15 @@ void Simulator::load(std::unique_ptr<BenchStore> store) {
 
 void Simulator::change(const std::function<void(Bench&)>& make) {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
+    if (!loaded())
+        throw InputError(m_refusal);
     changeLocked(make);
 }
 
 Json Simulator::state() {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    requireBench();
+    if (!loaded())
+        throw InputError(m_refusal);
     refresh();
     return benchToJson(m_store->bench());
 }
@@ -52,11 +54,6 @@ bool Simulator::loaded() {
         complain(m_refusal);
     }
     return m_store != nullptr;
-}
-
-void Simulator::requireBench() {
-    if (!loaded())
-        throw InputError(m_refusal);
 }
 
 void Simulator::take(std::unique_ptr<BenchStore> store) {

@@ -18,7 +18,6 @@ namespace {
 
 using kvasim::Bench;
 using kvasim::BenchStore;
-using kvasim::InputError;
 using kvasim::Json;
 
 enum ExitStatus { Done = 0, Refused = 1, Usage = 2 };
@@ -44,7 +43,7 @@ std::unique_ptr<BenchStore> open(const Options& options) {
     auto store =
         options.bench.empty() ? BenchStore::openOfEnvironment() : BenchStore::open(options.bench);
     if (store->path().empty())
-        throw InputError("there is no bench file, name one with --bench");
+        throw kvasim::InputError("there is no bench file, name one with --bench");
     return store;
 }
 
