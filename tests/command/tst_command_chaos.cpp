@@ -269,8 +269,14 @@ void Chaos::applyPlan() {
     }
     // Without faults at last: what is left is ended, and what is missing is made.
     const CommandResult recovered = runOnce(recover, false);
-    if (recovered.exitStatus != 0 && recovered.exitStatus != 4)
-        m_problems.append("recover: " + recovered.text());
+    const QJsonArray now = m_run.instruments();
+    QString between;
+    for (int number = 0; number < m_instruments; ++number) {
+        if (!m_bench.fromOld(now, number).isEmpty() && !m_bench.fromWanted(now, number).isEmpty())
+            between += QString(" instrument %1 is between").arg(number);
+    }
+    if ((recovered.exitStatus != 0 && recovered.exitStatus != 4) || !between.isEmpty())
+        m_problems.append("recover:" + between + '\n' + recovered.text());
     const CommandResult applied = runOnce(m_bench.arguments, false);
     if (applied.exitStatus != 0 || !isDone() || m_run.isMarked())
         m_problems.append("apply: " + applied.text());
@@ -326,7 +332,7 @@ void TestCommandChaos::endsWhatWasBegun() {
     const Counts& counts = chaos.counts();
     const auto isEnough = [&] {
         return seconds > 0 ? timer.elapsed() >= 1000 * qint64{seconds}
-                           : counts.plans >= 2 && counts.kills > 0;
+                           : counts.plans >= 4 && counts.kills > 0;
     };
     while (chaos.problems().isEmpty() && !isEnough())
         chaos.applyPlan();
