@@ -13,39 +13,39 @@ using namespace Steps;
 
 namespace {
 
-/** Stops as soon as it has the right to write and holds the first instrument, and half of what it
-    has to write is written. */
-const QStringList stopped = {QStringLiteral("LD_PRELOAD=%1").arg(COMMAND_SHIM)};
+const QString preload = QStringLiteral("LD_PRELOAD=%1").arg(COMMAND_SHIM);
 
 bool isStopped(const QProcess& process) {
     QFile state(QString("/proc/%1/stat").arg(process.processId()));
     return state.open(QIODevice::ReadOnly) && state.readAll().contains(") T ");
 }
 
-/** An `apply` of all four things to the first instrument, which waits before its third call that
-    writes, while it lives. */
+/** An `apply` of all four things to the first instrument. It stands still before it writes the
+    power-off mode, and goes on when the object is gone or `end` is called. */
 class Halfway {
 public:
     explicit Halfway(const CommandRun& run) {
         const CommandRun whole;
         whole.run(whole.applyAll());
         const int call = whole.calls().indexOf("KVA_SetShutdownTime") + 1;
-        m_process = run.start(run.applyAll(),
-                              stopped + QStringList{QString("SHIM_STOP=before:%1").arg(call)});
+        m_process = run.start(run.applyAll(), {preload, QString("SHIM_STOP=before:%1").arg(call)});
         m_process->closeWriteChannel();
     }
-    ~Halfway() { ::kill(pid(), SIGCONT); }
+    ~Halfway() { goOn(); }
     Halfway(const Halfway&) = delete;
     Halfway& operator=(const Halfway&) = delete;
 
     QProcess& process() { return *m_process; }
     CommandResult end() {
-        ::kill(pid(), SIGCONT);
+        goOn();
         return CommandRun::finish(*m_process);
     }
 
 private:
-    pid_t pid() const { return static_cast<pid_t>(m_process->processId()); }
+    void goOn() {
+        if (m_process->processId() != 0) // 0, to kill, is everybody
+            ::kill(static_cast<pid_t>(m_process->processId()), SIGCONT);
+    }
 
     std::unique_ptr<QProcess> m_process;
 };
