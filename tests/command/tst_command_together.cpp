@@ -3,7 +3,6 @@
 #include "ThreeInstruments.h"
 #include "WantedBench.h"
 #include "tests/startup/ProgramRun.h"
-#include "tests/startup/Steps.h"
 #include "tests/support/TestMain.h"
 
 #include <csignal>
