@@ -345,8 +345,8 @@ void CommandLine::addVerify() {
                 [this] { return verify(m_verify); });
     addTexts(verb, "SERIAL", m_verify.serials, serialHelp, false);
     verb->add_flag("--all", m_verify.all,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments; so it is "
-                                                             "without a serial number")))
+                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments, and all "
+                                                             "that were written to")))
         ->excludes(verb->get_option("SERIAL"));
     verb->add_flag("--json", m_verify.asJson, translated(jsonHelp));
 }

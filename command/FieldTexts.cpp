@@ -123,3 +123,8 @@ QString FieldTexts::hex(const void* bytes, std::size_t size) {
     return QString::fromLatin1(
         QByteArray(static_cast<const char*>(bytes), static_cast<int>(size)).toHex());
 }
+
+QString FieldTexts::time(const QDateTime& time) {
+    const QDateTime here = time.toOffsetFromUtc(time.toLocalTime().offsetFromUtc());
+    return here.toString(Qt::ISODate).replace(QLatin1Char('T'), QLatin1Char(' '));
+}

@@ -3,6 +3,7 @@
 
 #include "instrument/KvaSdk.h"
 
+#include <QDateTime>
 #include <QJsonValue>
 #include <QString>
 #include <QStringList>
@@ -41,6 +42,9 @@ QString text(const char* field, std::size_t size);
 QString firmware(const KVA_DEVICEINFO& device);
 QString macAddress(const KVA_DEVICEINFO& device);
 QString hex(const void* bytes, std::size_t size);
+
+/** The local time with its distance from UTC: "2026-11-20 18:30:00+09:00". */
+QString time(const QDateTime& time);
 
 } // namespace FieldTexts
 

@@ -149,9 +149,9 @@ private:
                     ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "fitted and enabled"))
                     : translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "none, or disabled")));
         }
-        add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began"), HtmlTexts::time(m_part.began));
+        add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began"), FieldTexts::time(m_part.began));
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended"),
-            m_part.outcome ? HtmlTexts::time(m_part.outcome->ended) : QString());
+            m_part.outcome ? FieldTexts::time(m_part.outcome->ended) : QString());
         const auto writes = std::count_if(m_part.calls.begin(), m_part.calls.end(),
                                           [](const JournalCall& call) { return call.writes; });
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Calls of the library"),
@@ -195,7 +195,7 @@ private:
             if (!isShownBelow(change.field))
                 table.rows.push_back(
                     {{nameOf(change.field, fieldNames), HtmlTexts::orNone(change.oldText),
-                      HtmlTexts::orNone(change.newText)},
+                      HtmlTexts::orNone(change.newText) + changeNote(change)},
                      {}});
         }
         if (table.rows.empty())
@@ -242,7 +242,7 @@ private:
             {},
             "changes"};
         for (const JournalVerification& verification : m_part.verifications)
-            table.rows.push_back({{HtmlTexts::time(verification.at), verification.word}, {}});
+            table.rows.push_back({{FieldTexts::time(verification.at), verification.word}, {}});
         m_html.table(table);
     }
 
@@ -260,11 +260,6 @@ QString HtmlInstrument::outcome() const {
 
 void HtmlInstrument::write(HtmlWriter& html) const {
     Section(*this, html).write();
-}
-
-QString HtmlTexts::time(const QDateTime& time) {
-    const QDateTime here = time.toOffsetFromUtc(time.toLocalTime().offsetFromUtc());
-    return here.toString(Qt::ISODate).replace(QLatin1Char('T'), QLatin1Char(' '));
 }
 
 QString HtmlTexts::orNone(const QString& text) {

@@ -25,8 +25,6 @@ struct HtmlInstrument {
 
 namespace HtmlTexts {
 
-/** Local time, with its distance from UTC. */
-QString time(const QDateTime& time);
 /** In place of an empty text. */
 QString orNone(const QString& text);
 /** The table of input files. @param isOfRun  all of a run's, not those of one instrument */

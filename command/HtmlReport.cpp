@@ -1,5 +1,6 @@
 #include "command/HtmlReport.h"
 
+#include "command/FieldTexts.h"
 #include "command/HtmlInstrument.h"
 #include "command/HtmlReportStyle.h"
 #include "command/InstrumentState.h"
@@ -48,9 +49,9 @@ HtmlWriter::Table runTable(const JournalRun& run, const QString& journal,
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Outcomes"), outcomeCounts(instruments));
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Command"),
         QStringLiteral("vq-tl4ctl ") + run.arguments.join(QLatin1Char(' ')));
-    add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began"), HtmlTexts::time(run.started));
+    add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began"), FieldTexts::time(run.started));
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended"),
-        run.ended ? HtmlTexts::time(*run.ended) : QString());
+        run.ended ? FieldTexts::time(*run.ended) : QString());
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Exit status"),
         run.exitStatus ? QString::number(*run.exitStatus) : QString());
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "User"), run.user);
@@ -61,7 +62,7 @@ HtmlWriter::Table runTable(const JournalRun& run, const QString& journal,
         QString::fromLatin1(run.librarySha256));
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Journal"), journal);
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Report made"),
-        HtmlTexts::time(QDateTime::currentDateTimeUtc()));
+        FieldTexts::time(QDateTime::currentDateTimeUtc()));
     return table;
 }
 
@@ -80,7 +81,7 @@ HtmlWriter::Table instrumentTable(const std::vector<HtmlInstrument>& instruments
             verifications.empty()
                 ? QString()
                 : QStringLiteral("%1, %2").arg(verifications.back().word,
-                                               HtmlTexts::time(verifications.back().at));
+                                               FieldTexts::time(verifications.back().at));
         table.rows.push_back(
             {{serialText(instrument.part.serialNumber), instrument.outcome(),
               QString::number(instrument.part.changes.size()), HtmlTexts::orNone(last)},

@@ -1,5 +1,6 @@
 #include "command/JournalText.h"
 
+#include "command/FieldTexts.h"
 #include "command/InstrumentState.h"
 #include "command/Report.h"
 #include "instrument/ResultNames.h"
@@ -7,10 +8,6 @@
 #include <QJsonArray>
 
 namespace {
-
-QString timeText(const QDateTime& time) {
-    return time.toLocalTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss"));
-}
 
 QJsonValue timeJson(const std::optional<QDateTime>& time) {
     return time ? QJsonValue(time->toString(Qt::ISODateWithMs)) : QJsonValue(QJsonValue::Null);
@@ -107,11 +104,11 @@ void printInstrument(const JournalInstrument& part) {
                         : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "(no answer)")).translated();
         print(QStringLiteral("  %1 %2  %3: %4")
                   .arg(call.writes ? QStringLiteral("*") : QStringLiteral(" "),
-                       timeText(call.began), call.function, result));
+                       FieldTexts::time(call.began), call.function, result));
     }
     for (const JournalVerification& verification : part.verifications)
         print(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "  %1  looked at again: %2"),
-                   {timeText(verification.at), verification.word})
+                   {FieldTexts::time(verification.at), verification.word})
                   .translated());
 }
 
@@ -123,7 +120,7 @@ QString JournalText::line(const JournalRun& run) {
         outcomes.append(serialText(part.serialNumber) + QLatin1Char(' ') + outcomeOf(part));
     return QStringLiteral("%1  %2  %3  %4  %5")
         .arg(run.id, 5)
-        .arg(timeText(run.started), run.user, run.arguments.join(QLatin1Char(' ')),
+        .arg(FieldTexts::time(run.started), run.user, run.arguments.join(QLatin1Char(' ')),
              outcomes.join(QStringLiteral(", ")));
 }
 
@@ -153,9 +150,9 @@ void JournalText::printWhole(const JournalRun& run) {
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run:           %1"), QString::number(run.id));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Command:       %1"),
           run.arguments.join(QLatin1Char(' ')));
-    field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began:         %1"), timeText(run.started));
+    field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began:         %1"), FieldTexts::time(run.started));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended:         %1"),
-          run.ended ? timeText(*run.ended) : QStringLiteral("-"));
+          run.ended ? FieldTexts::time(*run.ended) : QStringLiteral("-"));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Exit status:   %1"),
           run.exitStatus ? QString::number(*run.exitStatus) : QStringLiteral("-"));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "User, host:    %1"),

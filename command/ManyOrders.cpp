@@ -14,7 +14,7 @@ ManyOrders::ManyOrders(std::vector<Order>& orders, const ApplyOptions& options,
 ExitStatus ManyOrders::carryOut() {
     const bool asks = !m_options.isDryRun && !m_options.isSure && m_run.problem().isEmpty();
     if (!asks || isConfirmed())
-        carryOutEach();
+        carryOutEach(asks);
     while (m_ended.size() < m_orders.size())
         reportNotReached(m_orders[m_ended.size()].serialNumber);
     RunScreen::recap(m_ended);
@@ -24,8 +24,8 @@ ExitStatus ManyOrders::carryOut() {
     return m_run.end(hasReachedAll ? Done : RefusedStatus);
 }
 
-void ManyOrders::carryOutEach() {
-    m_screen.passBegins(m_orders.size());
+void ManyOrders::carryOutEach(bool wasShown) {
+    m_screen.passBegins(m_orders.size(), wasShown);
     bool hasStopped = false;
     while (m_ended.size() < m_orders.size() && !hasStopped && !Interrupt::isRequested()) {
         const Order& order = m_orders[m_ended.size()];
@@ -43,7 +43,7 @@ void ManyOrders::carryOutEach() {
 }
 
 bool ManyOrders::isConfirmed() {
-    m_screen.passBegins(m_orders.size());
+    m_screen.passBegins(m_orders.size(), false);
     std::vector<Verdict> found;
     for (Order& order : m_orders) {
         m_screen.instrumentBegins(order.serialNumber);

@@ -26,7 +26,8 @@ public:
     ExitStatus carryOut();
 
 private:
-    void carryOutEach();
+    /** @param wasShown  what changes was shown and confirmed */
+    void carryOutEach(bool wasShown);
     /** Whether the orders may be carried out. Otherwise all verdicts are there. */
     bool isConfirmed();
     void keepAll(std::vector<Verdict>& found);

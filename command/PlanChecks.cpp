@@ -136,7 +136,10 @@ void PlanReader::checkAttached() {
             std::any_of(m_plan.rows.begin(), m_plan.rows.end(),
                         [&](const PlanRow& row) { return row.serialNumber == serial; });
         if (!isPlanned)
-            add({1, column}, Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 has no row"),
-                                  {serialText(serial)}));
+            m_found.push_back({{},
+                               {QStringLiteral("--only"), 0, 0,
+                                Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not in the "
+                                                                    "plan"),
+                                     {serialText(serial)})}});
     }
 }

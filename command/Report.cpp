@@ -66,22 +66,47 @@ void print(const QJsonObject& object) {
 }
 
 QString changeLine(const FieldChange& change) {
-    return QStringLiteral("  ~ %1: \"%2\" -> \"%3\"")
-        .arg(change.field, change.oldText, change.newText);
+    return QStringLiteral("  ~ %1: \"%2\" -> \"%3\"%4")
+        .arg(change.field, change.oldText, change.newText, changeNote(change));
+}
+
+QString changeNote(const FieldChange& change) {
+    const bool isMasked =
+        change.field == QLatin1String("network.key") && change.oldText == change.newText;
+    return isMasked ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", " (another key)")).translated()
+                    : QString();
 }
 
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value) {
     const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
     const char* source =
-        isPlate
-            ? QT_TRANSLATE_NOOP("vq-tl4ctl", "White plate, value %1: %2 (%3; expected: %4)")
-            : QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient adapter, value %1: %2 (%3; expected: %4)");
-    return Text(source, {QString::number(value.index), QString::number(double(value.value)),
-                         value.why.translated(), value.expected.translated()});
+        isPlate ? QT_TRANSLATE_NOOP(
+                      "vq-tl4ctl", "White plate, value %1 of %2, values[%3]: %4 (expected: %5). %6")
+                : QT_TRANSLATE_NOOP(
+                      "vq-tl4ctl",
+                      "Ambient adapter, value %1 of %2, values[%3]: %4 (expected: %5). %6");
+    return Text(source, {QString::number(value.index + 1), QString::number(accessory.valueCount),
+                         QString::number(value.index), QString::number(double(value.value)),
+                         value.expected.translated(), value.why.translated()});
 }
 
+namespace {
+
+const char* headingOf(std::size_t changeCount) {
+    switch (changeCount) {
+    case 0:
+        return QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, no changes.");
+    case 1:
+        return QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, 1 change:");
+    default:
+        return QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, %2 changes:");
+    }
+}
+
+} // namespace
+
 void sayDifference(std::int32_t serialNumber, const FieldChanges& changes) {
-    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1, %2 changes:"),
+    sayToUser(Text(headingOf(changes.size()),
                    {serialText(serialNumber), QString::number(changes.size())}));
     for (const FieldChange& change : changes)
         sayToUser(changeLine(change));

@@ -21,7 +21,9 @@ void print(const QJsonObject& object);
 
 /** A field with its old and its new text: `~ network.ssid: "a" -> "b"`. */
 QString changeLine(const FieldChange& change);
-/** An implausible value as a sentence. */
+/** What a change's texts do not tell: " (another key)" where both are masked; mostly empty. */
+QString changeNote(const FieldChange& change);
+/** An implausible value as a sentence, with its place from 1 and its index from 0. */
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value);
 
 /** The difference of an instrument, on standard error. */

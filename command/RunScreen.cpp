@@ -50,7 +50,8 @@ RunScreen::~RunScreen() {
     Terminal::setStatus({});
 }
 
-void RunScreen::passBegins(std::size_t count) {
+void RunScreen::passBegins(std::size_t count, bool isRepeated) {
+    m_isRepeated = isRepeated;
     m_count = count;
     m_done = 0;
     m_begin = std::chrono::steady_clock::now();
@@ -107,11 +108,12 @@ void RunScreen::show() const {
 }
 
 void RunScreen::foundImplausible(const CalibrationAccessory& accessory, const Implausible& value) {
-    sayToUser(implausibleText(accessory, value));
+    if (!m_isRepeated)
+        sayToUser(implausibleText(accessory, value));
 }
 
 void RunScreen::foundDifference(const FieldChanges& changes) {
-    if (m_showsDifferences)
+    if (m_showsDifferences && !m_isRepeated)
         sayDifference(m_serialNumber, changes);
 }
 

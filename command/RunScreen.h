@@ -25,8 +25,9 @@ public:
     RunScreen(const RunScreen&) = delete;
     RunScreen& operator=(const RunScreen&) = delete;
 
-    /** Begins to go through all instruments, from the first. */
-    void passBegins(std::size_t count);
+    /** Begins to go through all instruments, from the first.
+        @param isRepeated  an earlier pass has shown what this one finds again */
+    void passBegins(std::size_t count, bool isRepeated);
     void instrumentBegins(std::int32_t serialNumber);
     void instrumentEnds();
 
@@ -48,6 +49,7 @@ private:
     QString timeLeft() const;
 
     bool m_showsDifferences;
+    bool m_isRepeated = false;
     std::size_t m_count = 0;
     std::size_t m_done = 0;
     std::int32_t m_serialNumber = 0;

@@ -38,9 +38,9 @@ Verdict Transaction::run() {
                    Until::Interrupted);
     if (problem.isEmpty()) {
         m_target = &m_wanted;
-        problem = make({{"write-calibration", &Transaction::writeCalibration},
-                        {"write-power-off", &Transaction::writePowerOff},
-                        {"write-network", &Transaction::writeNetwork}},
+        problem = make({{"write-calibration", &Transaction::writeCalibration, &Parts::calibration},
+                        {"write-power-off", &Transaction::writePowerOff, &Parts::powerOff},
+                        {"write-network", &Transaction::writeNetwork, &Parts::network}},
                        Until::Interrupted);
     }
     if (!problem.isEmpty() && !m_mayBeWritten.any())
@@ -125,7 +125,8 @@ Text Transaction::make(std::initializer_list<Step> steps, Until until) {
             return Text(
                 QT_TRANSLATE_NOOP("vq-tl4ctl", "The connection to the instrument was lost."));
         m_log.stepBegins(step.name);
-        m_observer.stepBegins(step.name);
+        if (step.part == nullptr || m_parts.*step.part)
+            m_observer.stepBegins(step.name);
         Text problem = (this->*step.make)();
         if (!problem.isEmpty())
             return problem;
@@ -138,10 +139,7 @@ Text Transaction::refuseUnfinished() {
         return m_mark.problem();
     if (!m_wasUnfinished || m_order.restoresAll)
         return {};
-    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                  "An earlier write to this instrument did not end: what it "
-                                  "answers may not be in its memory. To end it, run: %1"),
-                {m_mark.restoreCommand()});
+    return m_mark.told();
 }
 
 Text Transaction::connect() {

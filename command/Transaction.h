@@ -63,6 +63,7 @@ private:
     struct Step {
         const char* name;
         Text (Transaction::*make)();
+        bool Parts::*part = nullptr; ///< that it writes; without it nothing is done
     };
     enum class Until { Interrupted, Done };
     Text make(std::initializer_list<Step> steps, Until until);

@@ -66,11 +66,22 @@ Text UnfinishedMark::removeFile() const {
     return DurableFile::remove(DataFolder::unfinishedMark(m_serialNumber));
 }
 
+QString UnfinishedMark::withJournal(const QString& command) const {
+    return m_journal.isEmpty()
+               ? command
+               : command + QStringLiteral(" --journal ") + quotedForShell(m_journal);
+}
+
+Text UnfinishedMark::told() const {
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                  "An earlier write to this instrument did not end: what it "
+                                  "answers may not be in its memory. To end it, run %1. To put the "
+                                  "state before back in any case, run: %2"),
+                {withJournal(QStringLiteral("vq-tl4ctl recover")), restoreCommand()});
+}
+
 QString UnfinishedMark::restoreCommand(const QString& snapshot) const {
     const QString path = m_snapshot.isEmpty() ? snapshot : m_snapshot;
-    QString command = QStringLiteral("vq-tl4ctl restore %1 ").arg(serialText(m_serialNumber)) +
-                      (path.isEmpty() ? QStringLiteral("SNAPSHOT") : quotedForShell(path));
-    if (!m_journal.isEmpty())
-        command += QStringLiteral(" --journal ") + quotedForShell(m_journal);
-    return command;
+    return withJournal(QStringLiteral("vq-tl4ctl restore %1 ").arg(serialText(m_serialNumber)) +
+                       (path.isEmpty() ? QStringLiteral("SNAPSHOT") : quotedForShell(path)));
 }

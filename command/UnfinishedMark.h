@@ -29,11 +29,14 @@ public:
     /** Removes a mark file, durably. Empty, or why it could not be removed. */
     Text removeFile() const;
 
-    /** The command that ends an unfinished write, to be copied to a shell.
+    /** What a mark means, with the commands that end it. */
+    Text told() const;
+    /** The command that ends an unfinished write with the state before, to be copied to a shell.
         @param snapshot  to be named where the mark names none */
     QString restoreCommand(const QString& snapshot = {}) const;
 
 private:
+    QString withJournal(const QString& command) const;
     void lookInto(const QString& journal, JournalDatabase* database);
     void lookIntoFile();
 

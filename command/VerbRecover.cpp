@@ -116,8 +116,8 @@ Verdict recoverOne(Run& run, std::int32_t serialNumber, const RecoverOptions& op
 }
 
 /** The instruments of runs that did not end, and those with a mark file. */
-Text findInstruments(Journal& journal, std::vector<std::int32_t>& serials) {
-    Text problem = JournalReader(journal.database()).withoutVerdict(serials);
+Text findInstruments(JournalReader& reader, std::vector<std::int32_t>& serials) {
+    Text problem = reader.withoutVerdict(serials);
     const QDir folder(DataFolder::unfinishedMarks());
     for (const QString& name : folder.entryList({QStringLiteral("*.json")}, QDir::Files)) {
         const auto serial = parseSerial(name.chopped(5));
@@ -127,19 +127,47 @@ Text findInstruments(Journal& journal, std::vector<std::int32_t>& serials) {
     return problem;
 }
 
+Text nothingToRecover() {
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Every run has ended: there is nothing to "
+                                               "recover."));
+}
+
+/** Nobody can be asked: that is no fault where there is nothing to ask. */
+ExitStatus endUnasked() {
+    Text problem;
+    const auto journal = Journal::open(DataFolder::journal(), problem);
+    std::vector<std::int32_t> serials;
+    if (journal) {
+        JournalReader reader(journal->database());
+        problem = findInstruments(reader, serials);
+    }
+    if (!problem.isEmpty()) {
+        sayToUser(problem);
+        return RefusedStatus;
+    }
+    if (serials.empty()) {
+        sayToUser(nothingToRecover());
+        return Done;
+    }
+    sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Without a terminal nobody can be asked: confirm "
+                                                  "the recovery with --yes.")));
+    return Usage;
+}
+
 } // namespace
 
 ExitStatus recover(const RecoverOptions& options) {
-    if (!canBeConfirmed(options))
-        return Usage;
+    if (!options.isSure && !Console::hasTerminal())
+        return endUnasked();
     Run run(false, {});
     Text problem = run.problem();
     std::vector<std::int32_t> serials;
-    if (problem.isEmpty())
-        problem = findInstruments(*run.journal(), serials);
+    if (problem.isEmpty()) {
+        JournalReader reader(run.journal()->database());
+        problem = findInstruments(reader, serials);
+    }
     if (problem.isEmpty() && serials.empty())
-        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Every run has ended: there is nothing to "
-                                                      "recover.")));
+        sayToUser(nothingToRecover());
     ExitStatus status = problem.isEmpty() ? Done : RefusedStatus;
     for (const std::int32_t serial : serials) {
         const Verdict verdict = recoverOne(run, serial, options);

@@ -74,10 +74,7 @@ ExitStatus show(const ShowOptions& options) {
     }
     const UnfinishedMark mark(*serial);
     if (mark.exists())
-        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                         "An earlier write to this instrument did not end: what it "
-                                         "answers may not be in its memory. To end it, run: %1"),
-                       {mark.restoreCommand()}));
+        sayToUser(mark.told());
     if (options.asJson)
         print(readableState(state, options.revealsKey));
     else

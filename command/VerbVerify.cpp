@@ -126,20 +126,31 @@ void report(const Finding& finding, bool asJson) {
                           {QStringLiteral("changes"), changes}});
 }
 
-/** The attached instruments; those that the journal knows and that are not attached are named. */
-Text addAttached(JournalReader& reader, std::vector<std::int32_t>& serials) {
+/** The attached instruments, and what of those that were written to is not attached: where all are
+    wanted, so that it is refused; elsewhere it is only told, unless there is nothing else.
+    @param status  refused in that case */
+Text addInstruments(JournalReader& reader, bool wantsAll, std::vector<std::int32_t>& serials,
+                    ExitStatus& status) {
     Text problem = attachedInstruments(serials);
     if (!problem.isEmpty())
         return problem;
     std::vector<std::int32_t> written;
     problem = reader.written(written);
-    for (const std::int32_t serial : written) {
-        if (std::find(serials.begin(), serials.end(), serial) == serials.end())
-            sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                             "%1 was written to and is not attached: it is not "
-                                             "looked at."),
-                           {serialText(serial)}));
+    const auto missing =
+        std::stable_partition(written.begin(), written.end(), [&](std::int32_t serial) {
+            return std::find(serials.begin(), serials.end(), serial) != serials.end();
+        });
+    if (missing == written.begin() && missing != written.end())
+        status = RefusedStatus;
+    if (wantsAll) {
+        serials.insert(serials.end(), missing, written.end());
+        return problem;
     }
+    std::for_each(missing, written.end(), [](std::int32_t serial) {
+        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 was written to and is not attached: it "
+                                                      "is not looked at."),
+                       {serialText(serial)}));
+    });
     return problem;
 }
 
@@ -160,10 +171,13 @@ ExitStatus verify(const VerifyOptions& options) {
         return RefusedStatus;
     }
     JournalReader reader(journal->database());
+    ExitStatus status = Done;
     if (serials.empty())
-        problem = addAttached(reader, serials);
-    ExitStatus status = problem.isEmpty() ? Done : RefusedStatus;
-    sayToUser(problem);
+        problem = addInstruments(reader, options.all, serials, status);
+    if (!problem.isEmpty()) {
+        sayToUser(problem);
+        status = RefusedStatus;
+    }
     for (const std::int32_t serial : serials) {
         const Finding finding = verifyOne(reader, serial);
         report(finding, options.asJson);

@@ -93,7 +93,7 @@
     </message>
     <message>
         <source>writing the power-off time</source>
-        <translation>自動電源オフ時間を書き込み中</translation>
+        <translation>オートパワーオフ時間を書き込み中</translation>
     </message>
     <message>
         <source>writing network settings</source>
@@ -121,15 +121,15 @@
     </message>
     <message>
         <source>A plate or an adapter belongs to one instrument: its values are not registered in several.</source>
-        <translation>校正板やアダプターは1台の測定器に属するため、その値を複数の測定器には登録しません。</translation>
+        <translation>白色校正板や環境光アダプターは1台の測定器に属するため、その値を複数の測定器には登録しません。</translation>
     </message>
     <message>
         <source>The settings have a fixed address, which only one instrument can have: use DHCP, or a plan.</source>
-        <translation>設定に固定アドレスがあり、1台の測定器にしか使えません。DHCPまたは計画を使用してください。</translation>
+        <translation>設定に固定アドレスがあり、1台の測定器にしか使えません。DHCPまたは計画表を使用してください。</translation>
     </message>
     <message>
         <source>these instruments of the plan alone, with commas between</source>
-        <translation>計画のうち、コンマで区切ったこれらの測定器のみ</translation>
+        <translation>計画表のうち、コンマで区切ったこれらの測定器のみ</translation>
     </message>
     <message>
         <source>go on with the other instruments when one fails</source>
@@ -137,11 +137,11 @@
     </message>
     <message>
         <source>make or check a spreadsheet for many instruments</source>
-        <translation>多数の測定器のための表を作成または検査する</translation>
+        <translation>多数の測定器のための計画表を作成または検査する</translation>
     </message>
     <message>
         <source>make a plan to fill in, with a row for each attached instrument</source>
-        <translation>接続されている測定器ごとに1行の、記入用の計画を作成する</translation>
+        <translation>接続されている測定器ごとに1行の、記入用の計画表を作成する</translation>
     </message>
     <message>
         <source>fill in all that the instruments hold, but for the key</source>
@@ -225,7 +225,7 @@
     </message>
     <message>
         <source>A plan has no column &quot;%1&quot;. A column of your own begins with &quot;#&quot;.</source>
-        <translation>計画に列「%1」はありません。独自の列の名前は「#」で始めてください。</translation>
+        <translation>計画表に列「%1」はありません。独自の列の名前は「#」で始めてください。</translation>
     </message>
     <message>
         <source>The header has no column &quot;serial&quot;</source>
@@ -233,7 +233,7 @@
     </message>
     <message>
         <source>The text is not UTF-8: save the plan as &quot;CSV UTF-8&quot;</source>
-        <translation>文字コードがUTF-8ではありません。計画を「CSV UTF-8」で保存してください</translation>
+        <translation>文字コードがUTF-8ではありません。計画表を「CSV UTF-8」で保存してください</translation>
     </message>
     <message>
         <source>&quot;%1&quot; stands in a column without a name</source>
@@ -244,12 +244,12 @@
         <translation>行にシリアル番号がありません</translation>
     </message>
     <message>
-        <source>Instrument %1 has no row</source>
-        <translation>測定器 %1 の行がありません</translation>
+        <source>Instrument %1 is not in the plan</source>
+        <translation>測定器 %1 は計画表にありません</translation>
     </message>
     <message>
         <source>The plan has no row</source>
-        <translation>計画に行がありません</translation>
+        <translation>計画表に行がありません</translation>
     </message>
     <message>
         <source>Instrument %1 is in row %2 as well</source>
@@ -269,15 +269,15 @@
     </message>
     <message>
         <source>%1: a plan, no fault (instruments: %2)</source>
-        <translation>%1: 計画、問題なし(測定器: %2台)</translation>
+        <translation>%1: 計画表、問題なし(測定器: %2台)</translation>
     </message>
     <message>
         <source>the plan: a spreadsheet (.csv), a row for each instrument</source>
-        <translation>計画: 測定器ごとに1行の表(.csv)</translation>
+        <translation>計画表: 測定器ごとに1行の表(.csv)</translation>
     </message>
     <message>
         <source>find every mistake in a plan</source>
-        <translation>計画の誤りをすべて調べる</translation>
+        <translation>計画表の誤りをすべて調べる</translation>
     </message>
     <message>
         <source>without looking whether the instruments are attached</source>
@@ -346,6 +346,18 @@
     <message>
         <source>these parts alone, with commas between</source>
         <translation>戻す部分(コンマ区切り)</translation>
+    </message>
+    <message>
+        <source> (another key)</source>
+        <translation>(別のキー)</translation>
+    </message>
+    <message>
+        <source>Instrument %1, no changes.</source>
+        <translation>測定器 %1、変更なし</translation>
+    </message>
+    <message>
+        <source>Instrument %1, 1 change:</source>
+        <translation>測定器 %1、変更 1 件:</translation>
     </message>
     <message>
         <source>Instrument %1, %2 changes:</source>
@@ -500,12 +512,12 @@
         <translation>%1: would-change(変更あり)。何も書き込んでいません。</translation>
     </message>
     <message>
-        <source>White plate, value %1: %2 (%3; expected: %4)</source>
-        <translation>白色校正板、%1 番目の値: %2(%3。予想: %4)</translation>
+        <source>White plate, value %1 of %2, values[%3]: %4 (expected: %5). %6</source>
+        <translation>白色校正板、%2 個中 %1 番目の値(values[%3]): %4(予想: %5)。%6</translation>
     </message>
     <message>
-        <source>Ambient adapter, value %1: %2 (%3; expected: %4)</source>
-        <translation>環境光アダプター、%1 番目の値: %2(%3。予想: %4)</translation>
+        <source>Ambient adapter, value %1 of %2, values[%3]: %4 (expected: %5). %6</source>
+        <translation>環境光アダプター、%2 個中 %1 番目の値(values[%3]): %4(予想: %5)。%6</translation>
     </message>
     <message>
         <source>The library warned: %1</source>
@@ -592,8 +604,8 @@
         <translation>測定器との接続が失われました。</translation>
     </message>
     <message>
-        <source>An earlier write to this instrument did not end: what it answers may not be in its memory. To end it, run: %1</source>
-        <translation>この測定器への以前の書き込みが完了していません。応答した内容が測定器のメモリーに保存されていない可能性があります。完了させるには、次を実行してください: %1</translation>
+        <source>An earlier write to this instrument did not end: what it answers may not be in its memory. To end it, run %1. To put the state before back in any case, run: %2</source>
+        <translation>この測定器への以前の書き込みが完了していません。応答した内容が測定器のメモリーに保存されていない可能性があります。完了させるには、%1 を実行してください。必ず変更前の状態に戻すには、次を実行してください: %2</translation>
     </message>
     <message>
         <source>All bytes of the instrument&apos;s calibration record are 0x00 or 0xFF: that is no record.</source>
@@ -828,8 +840,8 @@
         <translation>最後に書き込んだ内容を測定器が保持しているかを調べる</translation>
     </message>
     <message>
-        <source>all attached instruments; so it is without a serial number</source>
-        <translation>接続されているすべての測定器(シリアル番号の省略時)</translation>
+        <source>all attached instruments, and all that were written to</source>
+        <translation>接続されているすべての測定器と、書き込んだすべての測定器</translation>
     </message>
     <message>
         <source>number of a run</source>
@@ -972,6 +984,10 @@
         <translation>すべての実行が完了しています。回復するものはありません。</translation>
     </message>
     <message>
+        <source>Without a terminal nobody can be asked: confirm the recovery with --yes.</source>
+        <translation>端末がないため確認できません。--yes で回復を確定してください。</translation>
+    </message>
+    <message>
         <source>%1: held. It answers what was written last, in every byte.</source>
         <translation>%1: held(保持)。最後に書き込んだ内容を全バイト応答しました。</translation>
     </message>
@@ -1085,7 +1101,7 @@
     </message>
     <message>
         <source>Automatic power-off, minutes</source>
-        <translation>オートパワーオフ(分)</translation>
+        <translation>オートパワーオフ時間(分)</translation>
     </message>
     <message>
         <source>Serial number of the white calibration plate</source>

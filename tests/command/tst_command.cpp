@@ -99,9 +99,12 @@ void TestCommand::refusesUnfinishedAndRestores() {
     run.clearTrace();
     const CommandResult refused = run.run(run.applyAll());
     const QString snapshot = run.snapshots().value(0);
-    QVERIFY2(refused.outcome() == "refused" && refused.object()["reason"].toString().contains(
-                                                   "vq-tl4ctl restore 01000001 " + snapshot),
-             refused.text());
+    QVERIFY2(refused.outcome() == "refused", refused.text());
+    const QString reason = refused.object()["reason"].toString();
+    QVERIFY2(reason.contains("To end it, run vq-tl4ctl recover. "), refused.text());
+    QVERIFY2(reason.endsWith("run: vq-tl4ctl restore 01000001 " + snapshot), refused.text());
+    QVERIFY(run.run({"show", "1000001"}).standardError.contains(reason.toUtf8()));
+    run.clearTrace();
     QCOMPARE(run.calls(), QStringList());
     QCOMPARE(run.run({"backup", "1000001", "--to", run.path("out")}).exitStatus, 3);
     const QStringList restore = {"restore", "1000001", snapshot, "--yes", "--json"};
@@ -226,6 +229,7 @@ void TestCommand::asks() {
     QTRY_VERIFY2_WITH_TIMEOUT((shown += process.readAll()).contains("[y/N]"), shown.constData(),
                               10000);
     QVERIFY(shown.contains("whitePlate.serialNumber: \"12345678\" -> \"12345679\""));
+    QVERIFY(shown.contains("network.key: \"********\" -> \"********\" (another key)\r\n"));
     process.write(answer);
     QVERIFY(process.waitForFinished());
     QTEST(process.exitCode(), "exitStatus");

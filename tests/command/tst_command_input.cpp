@@ -12,6 +12,8 @@ class TestCommandInput : public QObject {
 private Q_SLOTS:
     void refusesInput_data();
     void refusesInput();
+    void saysWhichValue_data();
+    void saysWhichValue();
     void refusesSnapshots_data();
     void refusesSnapshots();
     void restoresBitForBit();
@@ -51,6 +53,30 @@ void TestCommandInput::refusesInput() {
              got.text());
     QCOMPARE(run.calls(), QStringList());
     QCOMPARE(run.run({"check", file}).exitStatus, 2);
+}
+
+void TestCommandInput::saysWhichValue_data() {
+    QTest::addColumn<QString>("language");
+    QTest::addColumn<QString>("said");
+    QTest::newRow("English")
+        << "en"
+        << "White plate, value 2 of 38, values[1]: 8.58 (expected: about 85.8; "
+           "the instrument holds 85.7). It is 0.1 times";
+    QTest::newRow("Japanese") << "ja"
+                              << "白色校正板、38 個中 2 番目の値(values[1]): 8.58(予想: 約 "
+                                 "85.8。測定器の値は 85.7)。前後の値から";
+}
+
+void TestCommandInput::saysWhichValue() {
+    QFETCH(QString, language);
+    QFETCH(QString, said);
+    CommandRun run;
+    run.write("plate.csv", run.read("plate.csv").replace("85.8000", "8.5800"));
+    const CommandResult got = run.run({"apply", "1000001", "--white-plate", run.path("plate.csv"),
+                                       "--dry-run", "--json", "--lang", language});
+    QVERIFY2(got.exitStatus == 3, got.text());
+    QVERIFY2(QString::fromUtf8(got.standardError).contains(said), got.text());
+    QVERIFY2(got.object()["reason"].toString().contains("whitePlate.values[1]. "), got.text());
 }
 
 void TestCommandInput::refusesSnapshots_data() {

@@ -321,6 +321,10 @@ void TestCommandJournal::showsARun() {
     QVERIFY2(text.standardOutput.contains("01000001: verified"), text.text());
     for (const char* key : CommandRun::keys)
         QVERIFY(!text.text().contains(key));
+    for (const QStringList& verb : {QStringList{"journal"}, QStringList{"journal", "show", "1"}}) {
+        const CommandResult told = m_done.run(verb, {"TZ=JST-9"});
+        QVERIFY2(told.standardOutput.contains("+09:00  "), told.text());
+    }
     const CommandResult missing = m_done.run({"journal", "show", "2"});
     QCOMPARE(missing.exitStatus, 3);
     QVERIFY2(missing.standardError.contains("has no run 2"), missing.text());

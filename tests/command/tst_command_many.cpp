@@ -170,6 +170,7 @@ void TestCommandMany::appliesAPlan() {
     if (outcome.contains("unknown")) {
         const CommandResult marked = run.run(arguments + QStringList("--yes"));
         QCOMPARE(outcomes(marked), QString("unchanged refused not-reached"));
+        QVERIFY2(marked.standardOutput.contains("run vq-tl4ctl recover. "), marked.text());
         QVERIFY2(marked.standardOutput.contains("vq-tl4ctl restore 01000002"), marked.text());
         return;
     }
@@ -193,6 +194,8 @@ void TestCommandMany::refusesTheSameForSeveral_data() {
     row("a plate", {"1000001", "1000002", "--white-plate", "plate.csv"},
         "belongs to one instrument");
     row("named twice", {"1000001", "01000001", "--power-off", "60"}, "01000001 is named twice");
+    row("not in the plan", {"--plan", "plan.csv", "--only", "1000009"},
+        "--only: Instrument 01000009 is not in the plan");
     row("not attached", {"1000001", "1000009", "--power-off", "60"}, "01000009 is not attached");
 }
 
@@ -200,6 +203,7 @@ void TestCommandMany::refusesTheSameForSeveral() {
     QFETCH(QStringList, arguments);
     CommandRun run;
     setBench(run);
+    run.write("plan.csv", threeRows);
     for (QString& argument : arguments)
         argument = argument.contains('.') ? run.path(argument) : argument;
     const CommandResult result = run.run(QStringList("apply") + arguments + QStringList("--yes"));
@@ -288,6 +292,8 @@ void TestCommandMany::asksOnceForAll() {
     QTEST(process.exitCode(), "exitStatus");
     QTEST(heldByAll(run), "holds");
     QCOMPARE(shown.count("[y/N]"), answer.isEmpty() ? 0 : 1);
+    QCOMPARE(shown.count("Instrument 01000001, 1 change:"), 1);
+    QCOMPARE(shown.count("network.ipAddress: \"192.168.7.12\" -> \"192.168.7.22\""), 1);
     QVERIFY2(shown.contains("[#############-------]  3/3  01000003  reading"), shown);
 }
 
@@ -313,6 +319,9 @@ void TestCommandMany::showsProgress() {
     QTEST(shown.contains("\r\033[K[######--------------]  2/3  01000002  writing calibration "
                          "values  0:0"),
           "hasBar");
+    QTEST(shown.contains("01000001  writing network settings"), "hasBar");
+    QVERIFY2(!shown.contains("01000001  writing calibration"), shown);
+    QVERIFY2(!shown.contains("01000002  writing network"), shown);
     QTEST(shown.contains("\033[32m01000001: verified."), "hasColour");
     QVERIFY2(shown.contains("01000001: verified."), shown);
     // Nothing of the bar stays, and without one no character but those of the lines.

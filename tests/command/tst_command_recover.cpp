@@ -1,5 +1,6 @@
 // `recover` and `verify`: what they say of what a run left behind, and what they end.
 #include "CommandRun.h"
+#include "ThreeInstruments.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
@@ -47,6 +48,8 @@ private Q_SLOTS:
     void asks();
     void verifies_data();
     void verifies();
+    void verifiesWhatIsAttached_data();
+    void verifiesWhatIsAttached();
     void seesTheMarkOfTheUsualJournal();
 };
 
@@ -84,6 +87,9 @@ void TestCommandRecover::saysWhatIsHeld() {
     QVERIFY2(got.outcome() == outcome, got.text());
     QVERIFY2(got.standardError.contains(sentence.toUtf8()), got.text());
     QCOMPARE(got.exitStatus, outcome == "verified" ? 0 : 4);
+    QVERIFY2(got.standardError.contains("01000001, no changes.\n") ==
+                 (sentence != "answers neither"),
+             got.text());
     QCOMPARE(outcome == "verified" ? fromWanted(run) : fromInitial(run), QString());
     // Also what reads equal is written.
     for (const char* name :
@@ -141,10 +147,16 @@ void TestCommandRecover::honoursAMarkFile() {
 }
 
 void TestCommandRecover::asks() {
-    const CommandRun run;
+    CommandRun run;
+    const CommandResult nothing = run.run({"recover"});
+    QVERIFY2(nothing.exitStatus == 0, nothing.text());
+    QVERIFY2(nothing.standardError.contains("nothing to recover"), nothing.text());
+    run.run(run.applyAll(), {preload, killAt("after", "KVA_SetShutdownTime")});
     const CommandResult got = run.run({"recover"});
-    QCOMPARE(got.exitStatus, 2);
+    QVERIFY2(got.exitStatus == 2, got.text());
     QVERIFY2(got.standardError.contains("--yes"), got.text());
+    QVERIFY2(!got.standardError.contains("--dry-run"), got.text());
+    QVERIFY(run.isMarked());
 }
 
 void TestCommandRecover::verifies_data() {
@@ -185,9 +197,44 @@ void TestCommandRecover::verifies() {
         const CommandResult got = run.run(QStringList{"verify", "--json"} + chosen);
         QVERIFY2(got.object()["outcome"].toString() == word, got.text());
         QCOMPARE(got.exitStatus, exitStatus);
+        QVERIFY2(!got.standardError.startsWith('\n'), got.text());
     }
     QCOMPARE(kept(run, "SELECT word FROM verification"),
              word == "unfinished" ? QStringList() : QStringList({word, word, word}));
+}
+
+void TestCommandRecover::verifiesWhatIsAttached_data() {
+    QTest::addColumn<QStringList>("options");
+    QTest::addColumn<QList<int>>("attached"); ///< of three; the third was not written to
+    QTest::addColumn<QString>("words");
+    QTest::addColumn<int>("exitStatus");
+    const auto row = [](const char* name, const QStringList& options, const QList<int>& attached,
+                        const char* words, int exitStatus) {
+        QTest::newRow(name) << options << attached << QString(words) << exitStatus;
+    };
+    row("one is not", {}, {0, 2}, "held unwritten", 0);
+    row("one is not, of all", {"--all"}, {0, 2}, "held unwritten refused", 3);
+    row("one is not, and is named", {"1000002"}, {0, 2}, "refused", 3);
+    row("none of them is", {}, {2}, "unwritten", 3);
+    row("none of them is, of all", {"--all"}, {2}, "unwritten refused refused", 3);
+}
+
+void TestCommandRecover::verifiesWhatIsAttached() {
+    QFETCH(QList<int>, attached);
+    QFETCH(QStringList, options);
+    CommandRun run;
+    ThreeInstruments::setBench(run);
+    QCOMPARE(run.run({"apply", "1000001", "1000002", "--power-off", "60", "--yes"}).exitStatus, 0);
+    QJsonObject bench = QJsonDocument::fromJson(run.read("bench.json")).object();
+    QJsonArray instruments;
+    for (const int number : attached)
+        instruments.append(bench["instruments"].toArray()[number]);
+    bench["instruments"] = instruments;
+    run.write("bench.json", QJsonDocument(bench).toJson());
+    const CommandResult got = run.run(QStringList{"verify", "--json"} + options);
+    QVERIFY2(got.standardError.contains("01000002"), got.text());
+    QTEST(ThreeInstruments::outcomes(got), "words");
+    QTEST(got.exitStatus, "exitStatus");
 }
 
 void TestCommandRecover::seesTheMarkOfTheUsualJournal() {
