@@ -3,6 +3,7 @@
 #include "command/DataFolder.h"
 #include "command/FieldTexts.h"
 #include "command/Report.h"
+#include "command/UsageText.h"
 #include "command/Verbs.h"
 
 #include <CLI/CLI.hpp>
@@ -12,7 +13,6 @@
 #include <functional>
 #include <initializer_list>
 #include <iostream>
-#include <memory>
 #include <string>
 
 namespace {
@@ -89,13 +89,8 @@ CommandLine::CommandLine()
             "vq-tl4ctl") {
     // Before the verbs, which take them over.
     m_app.set_help_flag("-h,--help", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show this help")));
-    const auto formatter = std::make_shared<CLI::Formatter>();
-    formatter->label("Usage", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Usage")));
-    formatter->label("Positionals", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Arguments")));
-    formatter->label("Options", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Options")));
-    formatter->label("Subcommands", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Verbs")));
-    formatter->label("REQUIRED", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "(required)")));
-    m_app.formatter(formatter);
+    m_app.formatter(UsageText::formatter());
+    m_app.failure_message(UsageText::failure);
     m_app.require_subcommand(1);
     m_app.fallthrough();
     m_app.set_version_flag("--version", VQTL4_VERSION,

@@ -820,12 +820,64 @@
         <translation>オプション</translation>
     </message>
     <message>
-        <source>Verbs</source>
+        <source>Subcommands</source>
         <translation>コマンド</translation>
     </message>
     <message>
         <source>(required)</source>
         <translation>(必須)</translation>
+    </message>
+    <message>
+        <source>OPTIONS</source>
+        <translation>オプション</translation>
+    </message>
+    <message>
+        <source>SUBCOMMAND</source>
+        <translation>コマンド</translation>
+    </message>
+    <message>
+        <source>Needs</source>
+        <translation>同時に必要</translation>
+    </message>
+    <message>
+        <source>Excludes</source>
+        <translation>同時に指定不可</translation>
+    </message>
+    <message>
+        <source>A subcommand is required</source>
+        <translation>コマンドを指定してください</translation>
+    </message>
+    <message>
+        <source>%1 is required</source>
+        <translation>%1 を指定してください</translation>
+    </message>
+    <message>
+        <source>%1 excludes %2</source>
+        <translation>%1 と %2 は同時に指定できません</translation>
+    </message>
+    <message>
+        <source>%1 requires %2</source>
+        <translation>%1 には %2 の指定が必要です</translation>
+    </message>
+    <message>
+        <source>The following arguments were not expected: %1</source>
+        <translation>次の引数は指定できません: %1</translation>
+    </message>
+    <message>
+        <source>%1: a value is missing</source>
+        <translation>%1: 値を指定してください</translation>
+    </message>
+    <message>
+        <source>%1: it may be given only once</source>
+        <translation>%1: 指定できるのは1回だけです</translation>
+    </message>
+    <message>
+        <source>%1: %2 is none of %3</source>
+        <translation>%1: %2 は指定できません(次のいずれか: %3)</translation>
+    </message>
+    <message>
+        <source>Run with %1 for more information.</source>
+        <translation>詳しくは %1 を付けて実行してください。</translation>
     </message>
     <message>
         <source>the journal, in place of the usual one</source>

@@ -218,7 +218,25 @@ void TestCommandInput::tellsUsage_data() {
                         const char* said) {
         QTest::newRow(name) << arguments << status << QByteArray(said);
     };
-    row("no verb", {}, 2, "subcommand");
+    row("no verb", {}, 2, "A subcommand is required\nRun with --help for more information.\n");
+    const auto japanese = [&](const char* name, const QStringList& arguments, int status,
+                              const char* said) {
+        row(name, QStringList{"--lang", "ja"} + arguments, status, said);
+    };
+    japanese("no verb, in Japanese", {}, 2,
+             "コマンドを指定してください\n詳しくは --help を付けて実行してください。\n");
+    japanese("no run, in Japanese", {"journal", "show"}, 2, "RUN を指定してください\n");
+    japanese("a power-off time that is none, in Japanese", {"apply", "1", "--power-off", "45"}, 2,
+             "--power-off: 45 は指定できません(次のいずれか: off,15,30,60)\n");
+    japanese("one too many, in Japanese", {"list", "x"}, 2, "次の引数は指定できません: x\n");
+    japanese("no value, in Japanese", {"report", "1", "--to"}, 2, "--to: 値を指定してください\n");
+    japanese("both, in Japanese", {"verify", "1", "--all"}, 2, "は同時に指定できません\n");
+    japanese("without its plan, in Japanese", {"apply", "--all", "--only", "1"}, 2,
+             "--only には --plan の指定が必要です\n");
+    japanese("twice, in Japanese", {"report", "1", "--to", "a", "--to", "b"}, 2,
+             "--to: 指定できるのは1回だけです\n");
+    japanese("help, in Japanese", {"--help"}, 0, "[オプション] コマンド\n\nオプション:\n");
+    japanese("help on verbs, in Japanese", {"--help"}, 0, "\nコマンド:\n  list ");
     row("help", {"--help"}, 0, "apply");
     row("help of a verb", {"apply", "--help"}, 0, "--accept-implausible");
     row("the version", {"--version"}, 0, ".");

@@ -1,0 +1,86 @@
+#include "command/UsageText.h"
+
+#include "command/Text.h"
+
+#include <QRegularExpression>
+
+namespace {
+
+struct Wording {
+    const char* key; ///< of the parser: a label, or a pattern of a whole message
+    const char* text;
+};
+
+const Wording labels[] = {
+    {"Usage", QT_TRANSLATE_NOOP("vq-tl4ctl", "Usage")},
+    {"Positionals", QT_TRANSLATE_NOOP("vq-tl4ctl", "Arguments")},
+    {"Options", QT_TRANSLATE_NOOP("vq-tl4ctl", "Options")},
+    {"Subcommands", QT_TRANSLATE_NOOP("vq-tl4ctl", "Subcommands")},
+    {"OPTIONS", QT_TRANSLATE_NOOP("vq-tl4ctl", "OPTIONS")},
+    {"SUBCOMMAND", QT_TRANSLATE_NOOP("vq-tl4ctl", "SUBCOMMAND")},
+    {"REQUIRED", QT_TRANSLATE_NOOP("vq-tl4ctl", "(required)")},
+    {"Needs", QT_TRANSLATE_NOOP("vq-tl4ctl", "Needs")},
+    {"Excludes", QT_TRANSLATE_NOOP("vq-tl4ctl", "Excludes")},
+};
+
+const Wording messages[] = {
+    {"A subcommand is required", QT_TRANSLATE_NOOP("vq-tl4ctl", "A subcommand is required")},
+    {"(.+) is required", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is required")},
+    {"(.+) excludes (.+)", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 excludes %2")},
+    {"(.+) requires (.+)", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 requires %2")},
+    {"The following arguments? (?:was|were) not expected: (.+)",
+     QT_TRANSLATE_NOOP("vq-tl4ctl", "The following arguments were not expected: %1")},
+    {"(.+): \\d+ required .+ missing", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a value is missing")},
+    {"(.+): At Most 1 required but received \\d+",
+     QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: it may be given only once")},
+    {"(.+): (.+) not in \\{(.+)\\}", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: %2 is none of %3")},
+};
+
+/** The parser takes the names of its groups as they are, in place of their labels. */
+class GroupFormatter : public CLI::Formatter {
+public:
+    std::string make_group(std::string group, bool isPositional,
+                           std::vector<const CLI::Option*> options) const override {
+        return CLI::Formatter::make_group(get_label(group), isPositional, options);
+    }
+
+    std::string make_subcommands(const CLI::App* app, CLI::AppFormatMode mode) const override {
+        const std::string group = "Subcommands";
+        std::string text = CLI::Formatter::make_subcommands(app, mode);
+        const std::size_t place = text.find(group + ":\n");
+        return place == std::string::npos ? text
+                                          : text.replace(place, group.size(), get_label(group));
+    }
+};
+
+Text textOf(const QString& message) {
+    for (const Wording& wording : messages) {
+        const QRegularExpression pattern(
+            QRegularExpression::anchoredPattern(QString::fromLatin1(wording.key)));
+        const QRegularExpressionMatch match = pattern.match(message);
+        if (match.hasMatch())
+            return Text(wording.text, match.capturedTexts().mid(1));
+    }
+    return {};
+}
+
+} // namespace
+
+std::shared_ptr<CLI::Formatter> UsageText::formatter() {
+    auto formatter = std::make_shared<GroupFormatter>();
+    for (const Wording& wording : labels)
+        formatter->label(wording.key, Text(wording.text).translated().toStdString());
+    return formatter;
+}
+
+std::string UsageText::failure(const CLI::App* app, const CLI::Error& error) {
+    const QString message = QString::fromLocal8Bit(error.what());
+    const Text text = textOf(message);
+    const QString help = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run with %1 for more information."),
+                              {QString::fromStdString(app->get_help_ptr()->get_name())})
+                             .translated();
+    return ((text.isEmpty() ? message : text.translated()) + QLatin1Char('\n') + help +
+            QLatin1Char('\n'))
+        .toLocal8Bit()
+        .toStdString();
+}
