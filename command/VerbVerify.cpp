@@ -41,7 +41,7 @@ std::optional<Snapshot> leftBehind(const JournalInstrument& part) {
     // A recovery that took back had the old state as what it wanted.
     const bool isOld = wentBack && !part.isRecovery;
     Faults faults;
-    const auto snapshot =
+    auto snapshot =
         Snapshot::check({DataFolder::journal(), isOld ? part.before : part.wanted}, faults);
     sayToUser(faults);
     return snapshot;
