@@ -3,14 +3,17 @@
 #include "command/VerbSupport.h"
 
 ExitStatus planCheck(const PlanCheckOptions& options) {
-    PlanNeeds needs;
+    std::vector<std::int32_t> attached;
     if (!options.isOffline) {
-        const Text problem = attachedInstruments(needs.attached.emplace());
+        const Text problem = attachedInstruments(attached);
         if (!problem.isEmpty()) {
             sayToUser(problem);
             return RefusedStatus;
         }
     }
+    PlanNeeds needs;
+    if (!options.isOffline)
+        needs.attached = attached;
     Faults faults;
     const auto file = InputFile::read(options.file, faults);
     const auto plan = file ? Plan::check(*file, needs, faults) : std::nullopt;
