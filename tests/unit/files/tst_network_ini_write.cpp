@@ -52,6 +52,7 @@ private Q_SLOTS:
 #ifdef Q_OS_LINUX
     void flushesEachLine() {
         const TestFolder folder;
+        write("net.ini"); // a sanitizer, too, writes at its first look at a kind of object
         const int before = writesSoFar();
         QVERIFY(before >= 0);
         write("net.ini");
