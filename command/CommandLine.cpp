@@ -186,7 +186,8 @@ void CommandLine::addFileVerbs() {
         addVerb("check", QT_TRANSLATE_NOOP("vq-tl4ctl", "check files without an instrument"),
                 [this] { return check(m_check); });
     addTexts(verb, "FILE", m_check.files,
-             QT_TRANSLATE_NOOP("vq-tl4ctl", "settings (.ini), values (.csv) or snapshots (.json)"),
+             QT_TRANSLATE_NOOP("vq-tl4ctl",
+                               "settings (.ini), values or a plan (.csv), snapshots (.json)"),
              true);
 
     verb = addVerb(

@@ -26,6 +26,16 @@ std::optional<Plan> Plan::check(const InputFile& file, const PlanNeeds& needs, F
     return PlanReader(file, needs, faults).read();
 }
 
+bool Plan::isPlan(const InputFile& file) {
+    const std::string_view content = PlanReader::withoutByteOrderMark(file);
+    return PlanReader::hasSerials(content, PlanReader::delimiterOf(content));
+}
+
+Text Plan::noFault(const QString& path) const {
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a plan, no fault (instruments: %2)"),
+                {path, QString::number(rows.size())});
+}
+
 JournalInput Plan::journalInput(const InputFile& file) {
     JournalInput input = ::journalInput(QStringLiteral("plan"), file);
     const std::string_view content = PlanReader::withoutByteOrderMark(file);

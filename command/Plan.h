@@ -32,12 +32,18 @@ struct PlanNeeds {
  * LF or CR LF, UTF-8 with or without a byte-order mark. An empty cell leaves things as they are.
  */
 struct Plan {
-    std::vector<PlanRow> rows; ///< at least one, each of another instrument
+    std::vector<PlanRow> rows; ///< of the instruments that are needed, each of another one
     Faults notes;              ///< what is right and looks wrong
 
     /** Nothing, and a fault for everything that is wrong in @p faults, unless the plan and all
         files that it names are right, and the instruments that it needs are attached. */
     static std::optional<Plan> check(const InputFile& file, const PlanNeeds& needs, Faults& faults);
+
+    /** Whether the file's header has a plan's column of serial numbers. */
+    static bool isPlan(const InputFile& file);
+
+    /** A line that says that the plan has no fault. @param path  of its file */
+    Text noFault(const QString& path) const;
 
     /** What the journal keeps of the file: with the cells of the column "key" masked. */
     static JournalInput journalInput(const InputFile& file);

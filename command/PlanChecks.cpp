@@ -64,6 +64,10 @@ QString ipAddressText(const PlanRow& row) {
     return FieldTexts::address(octets);
 }
 
+bool contains(const std::vector<std::int32_t>& serials, std::int32_t serial) {
+    return std::find(serials.begin(), serials.end(), serial) != serials.end();
+}
+
 } // namespace
 
 void PlanReader::checkAddresses() {
@@ -118,15 +122,22 @@ void PlanReader::checkAllRows() {
     checkAttached();
 }
 
+bool PlanReader::isNeeded(std::int32_t serialNumber) const {
+    return m_needs.only.empty() || contains(m_needs.only, serialNumber);
+}
+
+void PlanReader::keepNeeded() {
+    auto& rows = m_plan.rows;
+    rows.erase(std::remove_if(rows.begin(), rows.end(),
+                              [this](const PlanRow& row) { return !isNeeded(row.serialNumber); }),
+               rows.end());
+}
+
 void PlanReader::checkAttached() {
-    const auto contains = [](const std::vector<std::int32_t>& serials, std::int32_t serial) {
-        return std::find(serials.begin(), serials.end(), serial) != serials.end();
-    };
     const std::size_t column = indexOf("serial");
     for (const PlanRow& row : m_plan.rows) {
-        const bool isNeeded = row.serialNumber >= 0 &&
-                              (m_needs.only.empty() || contains(m_needs.only, row.serialNumber));
-        if (isNeeded && m_needs.attached && !contains(*m_needs.attached, row.serialNumber))
+        if (row.serialNumber >= 0 && isNeeded(row.serialNumber) && m_needs.attached &&
+            !contains(*m_needs.attached, row.serialNumber))
             add({row.number, column},
                 Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."),
                      {serialText(row.serialNumber)}));

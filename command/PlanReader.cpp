@@ -83,15 +83,17 @@ std::string_view PlanReader::withoutByteOrderMark(const InputFile& file) {
     return content;
 }
 
-char PlanReader::delimiterOf(std::string_view content) {
-    CsvReader reader(content, ';');
+bool PlanReader::hasSerials(std::string_view content, char delimiter) {
+    CsvReader reader(content, delimiter);
     const bool hasRow = reader.next();
     const auto& cells = reader.cells();
-    const bool fits = std::any_of(cells.begin(), cells.end(), [](std::string_view cell) {
-        return PlanCells::trimmed(cell) == "serial";
-    });
-    // A comma would be in each cell of another file.
-    return hasRow && fits && cells.size() > 1 ? ';' : ',';
+    return hasRow && cells.size() > 1 &&
+           std::any_of(cells.begin(), cells.end(),
+                       [](std::string_view cell) { return PlanCells::trimmed(cell) == "serial"; });
+}
+
+char PlanReader::delimiterOf(std::string_view content) {
+    return hasSerials(content, ';') ? ';' : ',';
 }
 
 // ---- Faults
@@ -330,5 +332,6 @@ std::optional<Plan> PlanReader::read() {
     checkAllRows();
     if (!finish())
         return std::nullopt;
+    keepNeeded();
     return std::move(m_plan);
 }

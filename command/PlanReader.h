@@ -19,6 +19,8 @@ public:
     std::optional<Plan> read();
 
     static std::string_view withoutByteOrderMark(const InputFile& file);
+    /** Whether the header has a column "serial" among others. */
+    static bool hasSerials(std::string_view content, char delimiter);
     /** The one with which the header has a column "serial"; the comma where none does. */
     static char delimiterOf(std::string_view content);
 
@@ -63,6 +65,8 @@ private:
     void checkAddresses();
     void checkAllRows();
     void checkAttached();
+    bool isNeeded(std::int32_t serialNumber) const;
+    void keepNeeded();
     void checkUnique(const Unique& what);
     bool finish();
 

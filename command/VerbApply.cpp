@@ -1,7 +1,6 @@
 #include "command/FieldTexts.h"
 #include "command/Journal.h"
 #include "command/ManyOrders.h"
-#include "command/Plan.h"
 #include "command/Report.h"
 #include "command/SettingsFile.h"
 #include "command/VerbSupport.h"
@@ -81,27 +80,13 @@ ExitStatus applyPlan(const ApplyOptions& options) {
     const auto only = requireSerials(options.only);
     if (!only)
         return Usage;
-    PlanNeeds needs;
-    needs.only = *only;
-    const Text problem = attachedInstruments(needs.attached.emplace());
-    if (!problem.isEmpty()) {
-        sayToUser(problem);
-        return RefusedStatus;
-    }
-    Faults faults;
-    const auto file = InputFile::read(options.plan, faults);
-    auto plan = file ? Plan::check(*file, needs, faults) : std::nullopt;
-    if (!plan) {
-        sayToUser(faults);
-        return Usage;
-    }
-    sayToUser(plan->notes);
-    std::vector<JournalInput> inputs = {Plan::journalInput(*file)};
+    CheckedPlan checked;
+    const ExitStatus status = requirePlan(options.plan, false, *only, checked);
+    if (status != Done)
+        return status;
+    std::vector<JournalInput> inputs = {Plan::journalInput(checked.file)};
     std::vector<Order> orders;
-    for (PlanRow& row : plan->rows) {
-        if (!only->empty() &&
-            std::find(only->begin(), only->end(), row.serialNumber) == only->end())
-            continue;
+    for (PlanRow& row : checked.plan.rows) {
         inputs.insert(inputs.end(), row.inputs.begin(), row.inputs.end());
         orders.push_back(orderFor(row));
     }

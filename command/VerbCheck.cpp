@@ -20,6 +20,12 @@ Text checkFile(const QString& path, Faults& faults) {
         if (Snapshot::check(*file, faults))
             return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a snapshot, no fault"), name);
         break;
+    case FileKind::Plan:
+        if (const auto plan = Plan::check(*file, {}, faults)) {
+            sayToUser(plan->notes);
+            return plan->noFault(path);
+        }
+        break;
     case FileKind::Values:
         const CalibrationAccessory& accessory = ValueFile::likelyAccessory(*file);
         const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;

@@ -41,6 +41,7 @@ std::optional<Side> readSide(const QString& name, Faults& faults) {
         side.hasKey = snapshot->hasKey;
         return side;
     }
+    case FileKind::Plan:
     case FileKind::Values:
         break;
     }

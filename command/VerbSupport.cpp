@@ -6,9 +6,19 @@
 #include "command/Report.h"
 #include "command/Run.h"
 
+#include <QDir>
 #include <QFileInfo>
 
 #include <algorithm>
+#include <cerrno>
+
+namespace {
+
+Text alreadyThere(const QString& path) {
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is there already, and stays as it is."), {path});
+}
+
+} // namespace
 
 std::optional<std::int32_t> parseSerial(const QString& text) {
     const bool hasDigitsAlone = std::all_of(text.begin(), text.end(), [](QChar character) {
@@ -31,7 +41,9 @@ std::optional<std::int32_t> requireSerial(const QString& text) {
 FileKind kindOf(const InputFile& file) {
     if (file.path.endsWith(QLatin1String(".ini"), Qt::CaseInsensitive))
         return FileKind::Settings;
-    return file.content.trimmed().startsWith('{') ? FileKind::Snapshot : FileKind::Values;
+    if (file.content.trimmed().startsWith('{'))
+        return FileKind::Snapshot;
+    return Plan::isPlan(file) ? FileKind::Plan : FileKind::Values;
 }
 
 Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state) {
@@ -48,6 +60,29 @@ Text attachedInstruments(std::vector<std::int32_t>& serials) {
     for (const KVA_PORTINFO& port : ports)
         serials.push_back(port.serialNumber);
     return result.failed() ? callFailure(result) : Text();
+}
+
+ExitStatus requirePlan(const QString& path, bool isOffline, const std::vector<std::int32_t>& only,
+                       CheckedPlan& plan) {
+    PlanNeeds needs{std::nullopt, only};
+    std::vector<std::int32_t> attached;
+    const Text problem = isOffline ? Text() : attachedInstruments(attached);
+    if (!problem.isEmpty()) {
+        sayToUser(problem);
+        return RefusedStatus;
+    }
+    if (!isOffline)
+        needs.attached = attached;
+    Faults faults;
+    auto file = InputFile::read(path, faults);
+    auto checked = file ? Plan::check(*file, needs, faults) : std::nullopt;
+    if (!checked) {
+        sayToUser(faults);
+        return Usage;
+    }
+    sayToUser(checked->notes);
+    plan = {std::move(*file), std::move(*checked)};
+    return Done;
 }
 
 bool canBeConfirmed(const WriteOptions& options) {
@@ -99,11 +134,17 @@ Text findRun(const QString& number, std::optional<JournalRun>& run) {
     return problem;
 }
 
+Text creationProblem(const QString& path) {
+    const QFileInfo target(path);
+    if (target.exists())
+        return alreadyThere(path);
+    return target.absoluteDir().exists() ? Text() : DurableFile::writeFailure(path, ENOENT);
+}
+
 Text createFile(const QString& path, const QByteArray& content) {
     bool isTaken = false;
-    Text problem = DurableFile::create(QFileInfo(path).absoluteFilePath(), content, isTaken);
-    if (isTaken)
-        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is there already, and stays as it is."),
-                       {path});
-    return problem;
+    Text problem = creationProblem(path);
+    if (problem.isEmpty())
+        problem = DurableFile::create(QFileInfo(path).absoluteFilePath(), content, isTaken);
+    return isTaken ? alreadyThere(path) : problem;
 }

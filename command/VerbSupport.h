@@ -5,6 +5,7 @@
 #include "command/InputFile.h"
 #include "command/InstrumentState.h"
 #include "command/JournalReader.h"
+#include "command/Plan.h"
 #include "command/Transaction.h"
 #include "command/Verbs.h"
 
@@ -20,8 +21,8 @@ std::optional<std::int32_t> parseSerial(const QString& text);
 /** The same, and a word on standard error where it is none. */
 std::optional<std::int32_t> requireSerial(const QString& text);
 
-enum class FileKind { Settings, Snapshot, Values };
-/** By the ending `.ini`, and by what the content begins with. */
+enum class FileKind { Settings, Snapshot, Plan, Values };
+/** By the ending `.ini`, by what the content begins with, and by the columns of a plan. */
 FileKind kindOf(const InputFile& file);
 
 /** Connects, reads everything twice, disconnects. Empty, or why it could not be read. */
@@ -29,6 +30,18 @@ Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState
 
 /** The serial numbers that the port list has. Empty, or why it could not be asked for. */
 Text attachedInstruments(std::vector<std::int32_t>& serials);
+
+/** A plan without a fault, and the file that it was read from. */
+struct CheckedPlan {
+    InputFile file;
+    Plan plan;
+};
+/** Reads and checks a plan; says all that is wrong with it on standard error.
+    @param isOffline  no instrument has to be attached
+    @param only       of the plan's instruments; empty for all
+    @return `Done` where @p plan is filled; otherwise the exit status */
+ExitStatus requirePlan(const QString& path, bool isOffline, const std::vector<std::int32_t>& only,
+                       CheckedPlan& plan);
 
 /** Refuses a question that nobody could answer, before anything is done. */
 bool canBeConfirmed(const WriteOptions& options);
@@ -49,8 +62,11 @@ std::unique_ptr<JournalReader> openJournal(Text& problem);
 /** The run of that number. Empty when it is found; otherwise why it is not. */
 Text findRun(const QString& number, std::optional<JournalRun>& run);
 
+/** Why a file that the user named cannot be created: its folder is not there, or it is there
+    already. Empty when neither is so. */
+Text creationProblem(const QString& path);
 /** Writes a file that the user named, whole or not at all. Empty when it is written; otherwise why
-    not, which may be that it is there already. */
+    not. */
 Text createFile(const QString& path, const QByteArray& content);
 
 #endif
