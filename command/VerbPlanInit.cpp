@@ -1,5 +1,4 @@
 #include "command/CsvReader.h"
-#include "command/DurableFile.h"
 #include "command/FieldTexts.h"
 #include "command/Plan.h"
 #include "command/PlanCells.h"
@@ -7,8 +6,6 @@
 #include "command/Snapshot.h"
 #include "command/UnfinishedMark.h"
 #include "command/VerbSupport.h"
-
-#include <QFileInfo>
 
 namespace {
 
@@ -37,12 +34,16 @@ QString flagCell(std::uint32_t flag) {
     return flag > 1 ? QString() : FieldTexts::onOff(flag);
 }
 
-/** The four columns of addresses; empty where they are not used, or would be refused. */
-QStringList addressCells(const KVA_NETWORKINFO& info) {
+/** Why a plan with the instrument's own addresses would be refused; empty where it would not. */
+Text addressFault(const KVA_NETWORKINFO& info) {
     KVA_NETWORKINFO other = info;
     other.DHCPUse = eDHCP_ON;
-    const bool isUsable = info.DHCPUse == eDHCP_OFF && changedAddressFault(other, info).isEmpty();
-    if (!isUsable)
+    return changedAddressFault(other, info);
+}
+
+/** The four columns of addresses; empty where they are not used, or would be refused. */
+QStringList addressCells(const KVA_NETWORKINFO& info) {
+    if (info.DHCPUse != eDHCP_OFF || !addressFault(info).isEmpty())
         return {QString(), QString(), QString(), QString()};
     return {FieldTexts::address(info.IPAddress), FieldTexts::address(info.SubnetMask),
             FieldTexts::address(info.DefaultGateway), FieldTexts::address(info.DNS)};
@@ -90,6 +91,14 @@ QString comment(const InstrumentState& state) {
     return parts.join(QStringLiteral("; "));
 }
 
+/** Says why the addresses that an instrument holds are not in its row. */
+void sayLeftOut(std::int32_t serialNumber, const InstrumentState& state) {
+    const Text fault = state.network ? addressFault(*state.network) : Text();
+    if (!fault.isEmpty())
+        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: its addresses are left out: %2"),
+                       {serialText(serialNumber), fault.translated()}));
+}
+
 /** The instrument's row. @return why it could not be read; empty where it was */
 Text addRow(std::int32_t serialNumber, bool fillsIn, QByteArray& content) {
     QStringList cells = {serialText(serialNumber)};
@@ -101,8 +110,10 @@ Text addRow(std::int32_t serialNumber, bool fillsIn, QByteArray& content) {
                                                   "run vq-tl4ctl recover."),
                    {serialText(serialNumber)})
             : readInstrument(watch, serialNumber, state);
-    if (problem.isEmpty() && fillsIn)
+    if (problem.isEmpty() && fillsIn) {
         cells += cellsOf(state);
+        sayLeftOut(serialNumber, state);
+    }
     while (cells.size() < planColumns().size())
         cells.append(QString());
     cells.append(problem.isEmpty() ? comment(state) : problem.english());
@@ -117,10 +128,8 @@ ExitStatus planInit(const PlanInitOptions& options) {
     Text problem = attachedInstruments(serials);
     if (problem.isEmpty() && serials.empty())
         problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "No instrument is attached."));
-    const Text taken(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is there already: it is not written over."),
-                     {options.file});
-    if (problem.isEmpty() && QFileInfo::exists(options.file))
-        problem = taken;
+    if (problem.isEmpty())
+        problem = creationProblem(options.file);
     // A byte-order mark, as some spreadsheets take a file without one for another encoding.
     QByteArray content =
         "\xEF\xBB\xBF" + lineOf(planColumns() + QStringList{QStringLiteral("# now")});
@@ -134,11 +143,8 @@ ExitStatus planInit(const PlanInitOptions& options) {
         sayToUser(unread);
         status = RefusedStatus;
     }
-    bool isTaken = false;
     if (problem.isEmpty())
-        problem = DurableFile::create(QFileInfo(options.file).absoluteFilePath(), content, isTaken);
-    if (isTaken)
-        problem = taken;
+        problem = createFile(options.file, content);
     if (problem.isEmpty()) {
         print(options.file);
         return status;

@@ -148,8 +148,8 @@
         <translation>セキュリティキー以外の現在の内容をすべて記入する</translation>
     </message>
     <message>
-        <source>%1 is there already: it is not written over.</source>
-        <translation>%1 は既にあります。上書きしません。</translation>
+        <source>%1: its addresses are left out: %2</source>
+        <translation>%1: アドレスは記入しません: %2</translation>
     </message>
     <message>
         <source>%1, row %2, column %3: %4</source>
@@ -284,8 +284,8 @@
         <translation>測定器が接続されているかどうかは調べない</translation>
     </message>
     <message>
-        <source>settings (.ini), values (.csv) or snapshots (.json)</source>
-        <translation>設定ファイル(.ini)、値ファイル(.csv)、スナップショット(.json)</translation>
+        <source>settings (.ini), values or a plan (.csv), snapshots (.json)</source>
+        <translation>設定ファイル(.ini)、値ファイルまたは計画表(.csv)、スナップショット(.json)</translation>
     </message>
     <message>
         <source>compare two: a serial number, a snapshot, settings (.ini)</source>

@@ -69,6 +69,7 @@ private Q_SLOTS:
     void looksForInstruments_data();
     void looksForInstruments();
     void makesAPlan();
+    void leavesAddressesOut();
 
 private:
     CommandRun m_run;
@@ -335,6 +336,9 @@ void TestCommandPlan::looksForInstruments() {
     QVERIFY2(result.text().contains(said), result.text());
     QVERIFY2(!result.text().contains("secret"), result.text());
     QVERIFY(!m_run.calls().contains("KVA_Connect"));
+    // Beside other files it is checked by itself.
+    QCOMPARE(m_run.run({"check", m_run.path("plan.csv")}).exitStatus,
+             content.contains(",x") ? 2 : 0);
 }
 
 void TestCommandPlan::makesAPlan() {
@@ -351,7 +355,7 @@ void TestCommandPlan::makesAPlan() {
     instruments[1] = second;
     bench["instruments"] = instruments;
     run.write("bench.json", QJsonDocument(bench).toJson());
-    const QString plan = run.path("new/plan.csv");
+    const QString plan = run.path("plan.csv");
     const QByteArray titles =
         "\xEF\xBB\xBF\"serial\",\"wireless\",\"ssid\",\"key\",\"dhcp\",\"ip\","
         "\"mask\",\"gateway\",\"dns\",\"power_off\",\"white_plate\","
@@ -371,18 +375,21 @@ void TestCommandPlan::makesAPlan() {
         "\"01000003\"" + nothing +
         "\"KVA_GetShutdownTime answered KVA_ERROR_COMMUNICATION_TIMEOUT.\"\r\n";
 
-    CommandResult result = run.run({"plan", "init", plan});
+    CommandResult result = run.run({"plan", "init", run.path("new/plan.csv")});
+    QCOMPARE(result.exitStatus, 3);
+    QVERIFY2(result.standardError.contains("cannot be written: No such file"), result.text());
+    result = run.run({"plan", "init", plan});
     QCOMPARE(result.exitStatus, 3); // one could not be read
-    QCOMPARE(run.read("new/plan.csv"), titles + "\"01000001\"" + nothing + firstNow +
-                                           "\"01000002\"" + nothing + secondNow + unread);
+    QCOMPARE(run.read("plan.csv"), titles + "\"01000001\"" + nothing + firstNow + "\"01000002\"" +
+                                       nothing + secondNow + unread);
     QCOMPARE(run.run({"plan", "check", plan}).exitStatus, 0);
 
     result = run.run({"plan", "init", plan, "--all"});
     QCOMPARE(result.exitStatus, 3);
-    QVERIFY2(result.standardError.contains("is not written over"), result.text());
-    QDir(run.path("new")).remove("plan.csv");
+    QVERIFY2(result.standardError.contains("is there already"), result.text());
+    QVERIFY(QFile::remove(plan));
     QCOMPARE(run.run({"plan", "init", plan, "--all"}).exitStatus, 3);
-    QCOMPARE(run.read("new/plan.csv"),
+    QCOMPARE(run.read("plan.csv"),
              titles +
                  "\"01000001\",\"on\",\"first-room\",\"\",\"off\",\"192.168.7.10\","
                  "\"255.255.255.0\",\"192.168.7.1\",\"192.168.7.2\",\"15\",\"\",\"\"," +
@@ -394,6 +401,27 @@ void TestCommandPlan::makesAPlan() {
         run.run({"apply", "--plan", plan, "--only", "1000001,1000002", "--yes", "--json"});
     QCOMPARE(outcomes(again), QString("unchanged unchanged"));
     QVERIFY(run.writingCalls().isEmpty());
+}
+
+/** Its own addresses would be refused in a plan. */
+void TestCommandPlan::leavesAddressesOut() {
+    CommandRun run;
+    QJsonObject instrument = run.instrument();
+    QJsonObject network = instrument["network"].toObject()["active"].toObject();
+    network["DefaultGateway"] = "10.0.0.1";
+    instrument["network"] = QJsonObject{{"active", network}};
+    run.setBench(instrument);
+    const QString plan = run.path("plan.csv");
+    const QByteArray said = "01000001: its addresses are left out: 192.168.7.10 is outside the "
+                            "network that mask 255.255.255.0 and gateway 10.0.0.1 make.";
+    CommandResult result = run.run({"plan", "init", plan});
+    QVERIFY2(result.exitStatus == 0 && !result.standardError.contains(said), result.text());
+    QVERIFY(QFile::remove(plan));
+    result = run.run({"plan", "init", plan, "--all"});
+    QVERIFY2(result.exitStatus == 0 && result.standardError.contains(said), result.text());
+    QVERIFY2(run.read("plan.csv").contains("\"off\",\"\",\"\",\"\",\"\",\"15\""),
+             run.read("plan.csv"));
+    QCOMPARE(run.run({"plan", "check", plan}).exitStatus, 0);
 }
 
 TEST_CLASS(TestCommandPlan)

@@ -345,6 +345,7 @@ void TestCommandReport::refuses_data() {
     add("no file", {"1"}, 2, "--to");
     add("no run", {"--to", "new.html"}, 2, "RUN");
     add("a file that is there", {"1", "--to", "adapter.csv"}, 3, "is there already");
+    add("no folder", {"1", "--to", "none/new.html"}, 3, "cannot be written: No such file");
     add("a folder that is a file", {"1", "--to", "adapter.csv/new.html"}, 3, "cannot be written");
     add("another journal", {"1", "--to", "new.html", "--journal", "none.sqlite"}, 3,
         "There is no journal yet");
@@ -370,6 +371,7 @@ void TestCommandReport::refuses() {
 void TestCommandReport::writesAllOrNothing() {
     const QString preload = QStringLiteral("LD_PRELOAD=%1").arg(COMMAND_SHIM);
     const QString folder = m_done.path("data/reports");
+    QVERIFY(QDir().mkpath(folder));
     const QStringList arguments = {"report", "1", "--to", folder + "/one.html"};
     int refused = 0;
     CommandResult got;
