@@ -4,6 +4,8 @@
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
 
+#include <QTranslator>
+
 inline const QString unitedStates = "en_US.UTF-8";
 inline const QString japan = "ja_JP.UTF-8";
 inline const QString registration = "KVA_RegisterDeviceEventHandler";

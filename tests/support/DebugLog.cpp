@@ -1,6 +1,6 @@
 #include "tests/support/DebugLog.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <algorithm>
 

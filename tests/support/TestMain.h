@@ -1,11 +1,22 @@
 #ifndef TESTS_SUPPORT_TESTMAIN_H
 #define TESTS_SUPPORT_TESTMAIN_H
 
-#include <QtTest>
+#include <QDir>
+#include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QProcess>
+#include <QTemporaryDir>
+#include <QTest>
 
 #include <any>
+#include <array>
 #include <functional>
 #include <memory>
+#include <optional>
+#include <string>
+#include <vector>
 
 /**
  * Several test classes in one program. The program's first argument names the class to run, by its

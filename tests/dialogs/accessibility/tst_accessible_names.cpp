@@ -3,7 +3,7 @@
 #include "tests/dialogs/settings/SettingsFixture.h"
 #include "tests/support/TestMain.h"
 
-#include <QtWidgets>
+#include <QAccessible>
 
 #include <cstdio>
 
@@ -215,4 +215,7 @@ private Q_SLOTS:
 };
 
 TEST_CLASS(TestAccessibleNames)
+#include "tests/support/Widgets.h"
 #include "tst_accessible_names.moc"
+
+#include <QAccessibleWidget>

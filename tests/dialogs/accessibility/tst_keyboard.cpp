@@ -3,8 +3,6 @@
 #include "tests/support/TestBench.h"
 #include "tests/support/TestMain.h"
 
-#include <QtWidgets>
-
 #include <algorithm>
 
 namespace {
@@ -305,4 +303,5 @@ private Q_SLOTS:
 };
 
 TEST_CLASS(TestKeyboard)
+#include "tests/support/Widgets.h"
 #include "tst_keyboard.moc"

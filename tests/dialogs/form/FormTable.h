@@ -1,7 +1,7 @@
 #ifndef TESTS_DIALOGS_FORM_FORMTABLE_H
 #define TESTS_DIALOGS_FORM_FORMTABLE_H
 
-#include <QtWidgets>
+#include "tests/support/Widgets.h"
 
 #include <functional>
 

@@ -1,7 +1,12 @@
 #ifndef TESTS_DIALOGS_FORM_MEASURE_H
 #define TESTS_DIALOGS_FORM_MEASURE_H
 
-#include <QtWidgets>
+#include "tests/support/Widgets.h"
+
+#include <QGlyphRun>
+#include <QScreen>
+#include <QTextLayout>
+#include <QtMath>
 
 #include <algorithm>
 

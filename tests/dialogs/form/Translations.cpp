@@ -1,5 +1,7 @@
 #include "tests/dialogs/form/Translations.h"
 
+#include <QXmlStreamReader>
+
 namespace {
 
 TranslationEntry readEntry(QXmlStreamReader& xml, const QString& context) {

@@ -1,7 +1,8 @@
 #ifndef TESTS_DIALOGS_FORM_TRANSLATIONS_H
 #define TESTS_DIALOGS_FORM_TRANSLATIONS_H
 
-#include <QtTest>
+#include <QTest>
+#include <QTranslator>
 
 /** An entry of a translation source file. */
 struct TranslationEntry {

@@ -5,6 +5,8 @@
 #include "tests/support/DebugLog.h"
 #include "tests/support/TestMain.h"
 
+#include <QSignalSpy>
+
 #include <limits>
 
 namespace {

@@ -7,6 +7,11 @@
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestMain.h"
 
+#include <QDialogButtonBox>
+#include <QScreen>
+#include <QScrollBar>
+#include <QTextDocument>
+
 namespace {
 
 struct MessageRow {

@@ -1,6 +1,7 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 
-#include <QtTest>
+#include <QJsonDocument>
+#include <QTest>
 
 namespace {
 

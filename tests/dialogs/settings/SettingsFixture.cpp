@@ -2,7 +2,7 @@
 
 #include "simulator/KvaSim.h"
 
-#include <QtTest>
+#include <QTest>
 
 #include <chrono>
 

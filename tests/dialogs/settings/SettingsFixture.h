@@ -8,8 +8,7 @@
 #include "tests/support/GiveUp.h"
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestBench.h"
-
-#include <QtWidgets>
+#include "tests/support/Widgets.h"
 
 /** The words of a text with one blank between them. */
 inline QStringList words(const char* text) {

@@ -1,6 +1,8 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
+#include <QSignalSpy>
+
 namespace {
 
 const QString disconnectButton = "disConnectPushBtn";

@@ -1,6 +1,8 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/support/TestMain.h"
 
+#include <QAbstractEventDispatcher>
+
 namespace {
 
 const QString checkLine = "eEventCode_DisConnect check \n";

@@ -1,6 +1,8 @@
 #include "files/NumberText.h"
 #include "tests/unit/files/FileFixture.h"
 
+#include <QRandomGenerator>
+
 #include <cmath>
 #include <cstdlib>
 #include <limits>

@@ -1,5 +1,7 @@
 #include "tests/unit/instrument/ControllerFixture.h"
 
+#include <QThread>
+
 #include <climits>
 
 namespace {

@@ -2,6 +2,8 @@
 
 #include "SimulatorTest.h"
 
+#include <QSemaphore>
+
 #include <atomic>
 
 using namespace simtest;

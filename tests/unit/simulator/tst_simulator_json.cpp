@@ -3,6 +3,8 @@
 #include "SimulatorTest.h"
 #include "tests/support/MadeLocale.h"
 
+#include <QRandomGenerator>
+
 #include <clocale>
 
 using namespace simtest;
