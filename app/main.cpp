@@ -15,7 +15,7 @@
 
 namespace {
 
-/** What the steps of a start hand on. */
+/** What one step of the start leaves for the next ones. */
 struct StartUp {
     QString iconPath;
     bool defaultLoaded = false; ///< the default translation is installed
@@ -24,7 +24,7 @@ struct StartUp {
 /** Loads exactly the file of @p language. */
 bool load(QTranslator& translator, const Language& language) {
     const QString path = DialogSupport::resourcePath(QLatin1String(language.fileName));
-    // Empty, not null: a null text stands for the usual endings, which other files may have.
+    // Empty, not null: null means Qt's default suffix and delimiters, which lead to other files.
     const QString none = QStringLiteral("");
     return translator.load(path, none, none, none);
 }
@@ -42,7 +42,7 @@ void installDefaultLanguage(QTranslator& translator, const Language& language, S
         showStartUpMessage(startUp, QObject::tr("Failed to set default language."));
 }
 
-/** Puts the chosen language in the place of the default one. */
+/** Replaces the default language by the chosen one. */
 void installChosenLanguage(QTranslator& defaultTranslator, const Language& language,
                            const StartUp& startUp) {
     // Never deleted: the application keeps its translation until the process ends.
@@ -73,7 +73,7 @@ int chooseInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, ConnectSelectDia
 
 /** From the choice of the instrument until the settings dialog is left. */
 void configureInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, const StartUp& startUp) {
-    // Made only now, in the chosen language; the settings dialog goes first.
+    // Created only now, in the chosen language. The settings dialog is destroyed first.
     ConnectSelectDialog connectSelectDialog;
     InitSettingDialog settingDialog;
     const int portNum = chooseInstrument(ctrl, connectSelectDialog, startUp);
@@ -86,8 +86,8 @@ void configureInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, const StartU
 
 } // namespace
 
-/** The whole run. No event loop is run but those of the message boxes: each window is waited for in
-    turn. The order of the declarations is that of the tear-down, reversed. */
+/** The whole run: shows each window in turn and waits for it. Only message boxes and file dialogs
+    run an event loop. The objects are destroyed in reverse order of their declarations. */
 int main(int argc, char* argv[]) {
     const QApplication application(argc, argv);
     const std::shared_ptr<CKvaSdk_Ctrl> ctrl(new CKvaSdk_Ctrl);
@@ -112,8 +112,8 @@ int main(int argc, char* argv[]) {
             installChosenLanguage(defaultTranslator, *chosen, startUp);
         configureInstrument(ctrl, startUp);
     }
-    // No event loop runs that this would end. It is the application's word that the run is over,
-    // for whoever hooks into it.
+    // No event loop runs, so this ends none. It stays because programs that intercept the call
+    // learn from it that the run is over.
     QCoreApplication::exit(0);
     return 0;
 }

@@ -40,12 +40,12 @@ bool ConnectSelectDialog::choose(const QStringList& devices,
     ui->connectlistWidget->setFocus();
     show();
     DialogSupport::waitUntil([&] {
-        // A window manager can close a window without a close button; nobody could choose then.
+        // A window manager can close a window without a close button. Show it again then.
         if (!isFinished && !isVisible())
             show();
         return isFinished || isAbandoned();
     });
-    // Even with a choice: it may come in the same pass as the reason to abandon it.
+    // Checked even after a choice: both may happen in the same pass of the event loop.
     if (isAbandoned()) {
         close();
         return false;

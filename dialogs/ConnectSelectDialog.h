@@ -14,8 +14,8 @@ class ConnectSelectDialog;
 }
 
 /**
- * The choice of one of the listed instruments. One object serves every choice of a run; its OK
- * button is the only way out.
+ * The selection of one of the listed instruments. One object serves all selections of a run. Only
+ * its OK button closes it.
  */
 class ConnectSelectDialog : public QDialog {
     Q_OBJECT
@@ -26,21 +26,21 @@ public:
     explicit ConnectSelectDialog(QWidget* parent = nullptr);
     ~ConnectSelectDialog() override;
 
-    /** Shares the controller, so that it outlives the dialog; nothing is called on it. */
+    /** Shares ownership of the controller, which keeps it alive; the dialog never calls it. */
     void setSdkCtrl(std::shared_ptr<CKvaSdk_Ctrl> ctrl);
 
     /** Prepares the window and lists @p devices, the first one selected. */
     void setDeviceList(QStringList devices);
 
-    /** Offers @p devices and waits for the choice, which is `portNum` then. The owner clears
-        `isFinished` before each use but the first.
-        @param isAbandoned  asked while waiting: the window is withdrawn when it answers true
-        @return false when the choice was abandoned, be it in the moment in which it was made */
+    /** Shows @p devices and waits until the user has chosen; the choice is then in `portNum`. The
+        owner clears `isFinished` before each use except the first.
+        @param isAbandoned  polled while waiting: true closes the window
+        @return false when @p isAbandoned returned true, even together with a choice */
     bool choose(const QStringList& devices, const std::function<bool()>& isAbandoned);
 
 protected:
-    /** Escape, or the platform's key for Cancel, is swallowed: there is no way out without a
-     * choice. */
+    /** Ignores Escape and the platform's key for Cancel: the window stays open until the user has
+     * chosen. */
     void keyPressEvent(QKeyEvent* event) override;
 
 private Q_SLOTS:
@@ -52,7 +52,7 @@ private:
     std::shared_ptr<CKvaSdk_Ctrl> m_sdkCtrl;
 
 public:
-    bool isFinished = false; ///< set by OK and by the destructor; cleared by the owner alone
+    bool isFinished = false; ///< set by OK and by the destructor; only the owner clears it
     int portNum = 0;         ///< the chosen row
 };
 

@@ -23,7 +23,7 @@ QString resourcePath(const QString& fileName);
 /** The path of the icon that all windows show. */
 QString iconPath();
 
-/** The icon in the file at @p path; a null icon for an empty path. The last icon is kept, so that
+/** The icon in the file at @p path; a null icon for an empty path. Caches the last icon, so that
     its file is read once for all windows. */
 QIcon iconAt(const QString& path);
 
@@ -34,13 +34,13 @@ constexpr Qt::WindowFlags titledWindow = Qt::CustomizeWindowHint | Qt::WindowTit
 /** The flags of all other windows. */
 constexpr Qt::WindowFlags closableWindow = titledWindow | Qt::WindowCloseButtonHint;
 
-/** Gives a window its icon, its flags and, as fixed size, the size that it has. */
+/** Sets a window's icon and flags, and fixes its present size. */
 void prepareWindow(QWidget& window, const QString& iconPath, Qt::WindowFlags flags);
 
-/** The same for a selection dialog, whose OK button gets its colour as well. */
+/** The same for a selection dialog; also sets the colour of its OK button. */
 void prepareChoice(QWidget& window, QPushButton& okButton, Qt::WindowFlags flags);
 
-/** Waits until @p isFinished returns true, which is asked before each pass. A pass processes the
+/** Waits until @p isFinished returns true, which is checked before each pass. A pass processes the
     pending events and sleeps 10 ms. */
 void waitUntil(const std::function<bool()>& isFinished);
 
@@ -48,8 +48,8 @@ void waitUntil(const std::function<bool()>& isFinished);
     that is hidden without a close event is closed here: nobody could close it any more. */
 void waitUntilLeft(QWidget& window, const bool& isFinished);
 
-/** Whether a key press is one that would dismiss a dialog: Escape with any modifiers, and what else
-    the platform takes for "Cancel". */
+/** Whether a key press would dismiss a dialog: Escape with any modifiers, or another key that the
+    platform uses for "Cancel". */
 bool isCancelKey(const QKeyEvent& event);
 
 /** Shows the busy cursor while it exists. End its scope before showing a message. */
@@ -61,7 +61,7 @@ public:
     BusyCursor& operator=(const BusyCursor&) = delete;
 };
 
-/** Unchecks a button even where its exclusive group would keep one checked. */
+/** Unchecks a button even when its exclusive group would keep it checked. */
 void forceUncheck(QRadioButton& button);
 
 /** Shows the busy cursor during @p call. @return what the call returns */
@@ -71,7 +71,7 @@ auto whileBusy(const Call& call) {
     return call();
 }
 
-/** Shows a modal box with one Ok button and returns when it was dismissed, however.
+/** Shows a modal box with one Ok button and returns when it was dismissed in any way.
     @param iconPath  the window icon's file; empty for none */
 void showMessageBox(const QString& title, const QString& text, QMessageBox::Icon icon,
                     const QString& iconPath);

@@ -20,7 +20,7 @@ InitSettingDialog::InitSettingDialog(QWidget* parent)
     : QDialog(parent), ui(std::make_unique<Ui::InitSettingDialog>()) {
     connect(&m_timer, SIGNAL(timeout()), this, SLOT(timerHit()));
     m_timer.setInterval(watchInterval);
-    // The default kind may come 5 % late.
+    // The default kind may fire 5 % late.
     m_timer.setTimerType(Qt::PreciseTimer);
     ui->setupUi(this);
     m_addressEdits = {

@@ -37,21 +37,21 @@ public:
     explicit InitSettingDialog(QWidget* parent = nullptr);
     ~InitSettingDialog() override;
 
-    /** Shares the controller. Needed before anything else is called. */
+    /** Shares ownership of the controller. Must be called first. */
     void setSdkCtrl(std::shared_ptr<CKvaSdk_Ctrl> ctrl);
 
-    /** The dialog that the Connect button offers the instruments with; not owned, and it must
-        outlive this one's use. */
+    /** The dialog in which the Connect button lists the instruments; not owned, and must stay
+        alive as long as this window is used. */
     void setConnectSelectDialog(ConnectSelectDialog* dialog);
 
     /** Connects to an instrument and fills the dialog from it.
         @param portNum    index into the controller's list; negative: no instrument
-        @param firstTime  also gives the window its icon, its flags and its fixed size */
+        @param firstTime  also sets the window's icon, flags and fixed size */
     void connectDevice(int portNum, bool firstTime);
 
-    /** A modal box with the critical icon. The text is looked up in the translation (again). */
+    /** Shows a modal box with the critical icon. Translates the text, also a translated one. */
     void showErrorMessage(const QString& message);
-    /** A modal box with the information icon. The text is looked up in the translation (again). */
+    /** Shows a modal box with the information icon. Translates the text, also a translated one. */
     void showInfoMessage(const QString& message);
 
     /** Enables or disables the sixteen address edits, nothing else. */
@@ -62,9 +62,9 @@ public:
     bool IsDigitsOnly(const QString& text);
 
 protected:
-    /** Escape, or the platform's key for Cancel, is swallowed: it must not end the program. */
+    /** Ignores Escape and the platform's key for Cancel: they must not end the program. */
     void keyPressEvent(QKeyEvent* event) override;
-    /** The title bar's close control acts as the Close button. */
+    /** The title bar's close button acts as the Close button. */
     void closeEvent(QCloseEvent* event) override;
 
 private Q_SLOTS:
@@ -121,8 +121,8 @@ private:
                                      const QString& directory, const QString& filter,
                                      QString* selectedFilter, QFileDialog::Options options);
 
-    /** The file that the user chose; empty when the choice was cancelled, or when the connection
-        was lost meanwhile, which emptied the fields that the file was for. */
+    /** The file that the user chose. Empty when the dialog was cancelled, or when the connection
+        was lost meanwhile: the fields that the file is for are then empty and disabled. */
     QString askFileName(FileQuestion ask, const QString& caption, const QString& filter,
                         QFileDialog::Options options = {});
 
@@ -159,11 +159,11 @@ private:
     QTimer m_timer;        ///< the disconnect watch: runs while connected
 
 public:
-    bool isFinished = false; ///< the dialog was left
+    bool isFinished = false; ///< the window was closed
 
 private:
     bool m_isConnected = false;
-    bool m_isChoosing = false; ///< the Connect button's choice of an instrument is open
+    bool m_isChoosing = false; ///< the selection dialog of the Connect button is open
     std::array<QLineEdit*, 16> m_addressEdits = {}; ///< in the order of `Octets`
 };
 

@@ -4,7 +4,7 @@
 
 namespace {
 
-/** What a screen reader says of a widget: what it is, then what it is for. */
+/** Sets what a screen reader says: the widget's name, then its purpose. */
 void nameWidget(QWidget* widget, const QString& name, const QString& description) {
     widget->setAccessibleName(name);
     widget->setAccessibleDescription(description);
@@ -22,7 +22,7 @@ void InitSettingDialog::nameFields() {
     describe(ui->ConnectPushBtn, tr("Connects to an instrument and reads its settings"));
     describe(ui->disConnectPushBtn, tr("Ends the connection with the instrument"));
     describe(ui->ClosePushBtn, tr("Ends the program"));
-    // Labels are read by their values; what a value is stands in the description.
+    // A screen reader reads the label's value; the description says what the value is.
     describe(ui->serialNolabel, tr("Serial number of the instrument"));
     describe(ui->firmVersionlabel, tr("Firmware version of the instrument"));
     describe(ui->MACAddresslabel, tr("MAC address of the instrument"));
@@ -33,7 +33,7 @@ void InitSettingDialog::nameFields() {
 }
 
 void InitSettingDialog::nameNetworkFields() {
-    // A box without a name of its own is read by that of the box around it.
+    // Without a name of its own, a box would be read with the name of its parent box.
     ui->AccessPointgroupBox->setAccessibleName(ui->AccessPointgroupBox->title());
     ui->tcpIPGroupBox->setAccessibleName(ui->tcpIPGroupBox->title());
     nameWidget(ui->enableRadioBtn, tr("Wireless LAN: enable"),
@@ -70,7 +70,7 @@ void InitSettingDialog::nameNetworkButtons() {
 }
 
 void InitSettingDialog::namePowerOffTab() {
-    // The page itself takes the focus when it is turned to.
+    // The page itself gets the focus when its tab is selected.
     nameWidget(ui->autoPowerOfftab, tr("Auto Power Off"),
                tr("The time after which the instrument switches itself off"));
     describe(ui->invalidradioBtn, tr("The instrument does not switch itself off"));

@@ -79,7 +79,7 @@ void InitSettingDialog::chooseValueFile(const CalibrationTab& tab) {
     tab.fileName->setToolTip(QDir::toNativeSeparators(name));
     tab.fileSerialNo->setText(valid ? ctrl.*tab.fileSerialNoText : QString());
     tab.write->setEnabled(valid);
-    // Of a refused file as well: writing would try it again.
+    // Kept for a refused file as well: a write would read the file again and check it.
     tab.filePath = name;
     if (valid)
         showInfoMessage(tr("Successful read file data."));
@@ -89,7 +89,7 @@ void InitSettingDialog::chooseValueFile(const CalibrationTab& tab) {
 
 void InitSettingDialog::registerValueFile(const CalibrationTab& tab) {
     const DialogSupport::FocusKeeper focus(*this);
-    // Against a second click: the event loop runs while a message is open.
+    // Prevents a second click: the event loop runs while a message is open.
     tab.write->setEnabled(false);
     tab.choose->setEnabled(false);
 

@@ -26,7 +26,7 @@ void InitSettingDialog::connectDevice(int portNum, bool firstTime) {
         fillFromInstrument();
     else if (portNum >= 0)
         showErrorMessage(tr("Failed to connect device."));
-    // An empty list at start leads to port 0, of which there is no instrument either.
+    // With an empty list at start the index is 0, which has no instrument either.
     if (portNum < 0 || portNum >= m_sdkCtrl->m_deviceCount)
         showNoInstrument();
     // A value file must be chosen again before its values can be sent.
@@ -50,7 +50,7 @@ void InitSettingDialog::fillFromInstrument() {
         fillPowerOffTime();
     }
     enterConnectedState();
-    // Closed while one of these showed a message: no connection is kept behind a closed window.
+    // The user may have closed the window while a message was open. Do not stay connected then.
     if (isFinished)
         endConnection();
 }
@@ -138,7 +138,7 @@ void InitSettingDialog::clearIdentity() {
 
 void InitSettingDialog::on_ConnectPushBtn_clicked() {
     if (m_isChoosing) {
-        // Pressed again while the choice is open: there is one choice, so bring it to the front.
+        // Connect was pressed again while the selection dialog is open: bring that to the front.
         m_connectSelectDialog->raise();
         m_connectSelectDialog->activateWindow();
         return;

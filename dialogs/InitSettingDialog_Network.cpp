@@ -154,7 +154,7 @@ void InitSettingDialog::on_writeFilePushBtn_clicked() {
     const QString name = askFileName(QFileDialog::getSaveFileName, tr("Save"), tr("ini(*.ini)"));
     if (name.isEmpty())
         return;
-    // Whatever the DHCP choice: a file gets the addresses that the page shows.
+    // Also with DHCP on, a file gets the addresses that the page shows.
     const std::optional<Octets> octets = readOctets();
     if (!octets)
         return;
@@ -167,14 +167,14 @@ void InitSettingDialog::on_writeFilePushBtn_clicked() {
 
 void InitSettingDialog::on_writeBodyPushBtn_clicked() {
     const DialogSupport::FocusKeeper focus(*this);
-    // Against a second click that would queue another write.
+    // Prevents a second click, which would queue another write.
     setNetworkButtonsEnabled(false);
     writeNetworkToBody();
     setNetworkButtonsEnabled(true);
 }
 
 void InitSettingDialog::writeNetworkToBody() {
-    // With DHCP the instrument gets 0.0.0.0 four times, whatever the edits hold.
+    // With DHCP on, the instrument gets 0.0.0.0 for all four addresses, whatever the edits hold.
     const std::optional<Octets> octets =
         ui->dhcpOnRadioBtn->isChecked() ? std::optional<Octets>(Octets{}) : readOctets();
     if (!octets)

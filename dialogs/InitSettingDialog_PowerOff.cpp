@@ -30,7 +30,7 @@ void InitSettingDialog::setPowerOffButtonsEnabled(bool enabled) {
 void InitSettingDialog::on_getAutoPWOffPushBtn_clicked() {
     const DialogSupport::FocusKeeper focus(*this);
     setPowerOffButtonsEnabled(false);
-    uint8_t mode = 0xFF; // no button's mode, should the instrument leave the byte alone
+    uint8_t mode = 0xFF; // no button's mode: the instrument may leave the byte unwritten
     if (whileBusy([&] { return m_sdkCtrl->GetShutdownTime(mode); })) {
         checkPowerOffButton(mode);
         showInfoMessage(tr("Successful read body data."));

@@ -22,7 +22,7 @@ void LangSelectDialog::setLanguage(int code) {
     ui->langselgrpBox->setTitle(tr("LanguageType"));
     ui->pushButton->setAccessibleDescription(tr("Goes on in the chosen language"));
 
-    // Checking in code is no click, so no slot does this.
+    // setChecked() emits no clicked(), so no slot sets the code.
     languageCode = Language::ofCode(code) ? code : Language::japanese;
     QRadioButton* chosen = nullptr;
     for (const Language& language : Language::all) {
@@ -34,7 +34,7 @@ void LangSelectDialog::setLanguage(int code) {
             chosen = button;
     }
     chosen->setChecked(true);
-    chosen->setFocus(); // not the first one: an arrow key would then start from there
+    chosen->setFocus(); // else the first button has it, and an arrow key would start there
 }
 
 void LangSelectDialog::on_pushButton_clicked() {

@@ -24,13 +24,13 @@ public:
     explicit LangSelectDialog(QWidget* parent = nullptr);
     ~LangSelectDialog() override;
 
-    /** Prepares the window and preselects a language; a code of none means Japanese. */
+    /** Prepares the window and preselects a language; an unknown code means Japanese. */
     void setLanguage(int languageCode);
 
 protected:
-    /** Escape, or the platform's key for Cancel, is swallowed: it must not count as a choice. */
+    /** Ignores Escape and the platform's key for Cancel: they must not count as a choice. */
     void keyPressEvent(QKeyEvent* event) override;
-    /** Closing before OK is the user's way to cancel. */
+    /** Closing the window before OK cancels the start. */
     void closeEvent(QCloseEvent* event) override;
 
 private Q_SLOTS:
@@ -39,7 +39,7 @@ private Q_SLOTS:
     void on_engRadioBtn_clicked();
 
 public:
-    bool isCancelled = false; ///< closed before OK was pressed
+    bool isCancelled = false; ///< the window was closed before OK was pressed
 
 private:
     std::unique_ptr<Ui::LangSelectDialog> ui;

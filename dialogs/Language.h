@@ -6,11 +6,11 @@
 #include <array>
 
 /**
- * A language of the windows. One more is a row in `Language::all`, its radio button in the form of
- * the language dialog, and its `.ts` file in `resources/`.
+ * A language of the windows. To add one, add a row to `Language::all`, a radio button to the form
+ * of the language dialog, and a `.ts` file to `resources/`.
  */
 struct Language {
-    int code; ///< as the language dialog hands it on
+    int code; ///< `LangSelectDialog::languageCode`
     const char*
         localePart;       ///< chosen by a system locale with this in its name; null: by all others
     const char* fileName; ///< of its translation, in Resources

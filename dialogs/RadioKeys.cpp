@@ -7,7 +7,7 @@
 
 namespace {
 
-/** How far an arrow key moves in a row of buttons; 0 for another key. */
+/** By how many buttons a key moves in a row: -1 or 1 for an arrow key, 0 for any other. */
 int stepOf(const QKeyEvent& event) {
     switch (event.key()) {
     case Qt::Key_Down:
@@ -21,7 +21,7 @@ int stepOf(const QKeyEvent& event) {
     }
 }
 
-/** On a Mac each arrow key bears the keypad's modifier. */
+/** Whether no modifier but the keypad's is pressed, which every arrow key has on macOS. */
 bool isAlone(const QKeyEvent& event) {
     return (event.modifiers() & ~Qt::KeypadModifier) == 0;
 }
@@ -30,7 +30,7 @@ bool isAlone(const QKeyEvent& event) {
 
 RadioKeys::RadioKeys(const std::vector<QRadioButton*>& buttons, QObject* parent)
     : QObject(parent), m_buttons(buttons.begin(), buttons.end()) {
-    // The whole application: Tab is pressed in any widget.
+    // On the application, since Tab may be pressed in any widget.
     QCoreApplication::instance()->installEventFilter(this);
 }
 
@@ -65,7 +65,7 @@ void RadioKeys::restoreTabStops() {
         if (!button)
             continue;
         const bool isStop = !anyChecked || button->isChecked();
-        // Whether a click takes the focus stays as it is.
+        // Keeps whether a click gives the button the focus.
         const int policy = button->focusPolicy();
         button->setFocusPolicy(
             static_cast<Qt::FocusPolicy>(isStop ? policy | Qt::TabFocus : policy & ~Qt::TabFocus));

@@ -15,14 +15,14 @@
  *
  * Qt treats all radio buttons inside a box as one group, including those of a box within it. Tab
  * then skips the inner ones, and an arrow key on an outer one changes an inner one. This class does
- * not change which buttons uncheck each other.
+ * not change which buttons are exclusive.
  *
  * It filters the key presses of the whole application and updates the tab stops at each of them.
  * User-interface thread only; an application object must exist.
  */
 class RadioKeys : public QObject {
 public:
-    /** @param buttons  in the order of the arrow keys; not owned, and may go before this does
+    /** @param buttons  in the order of the arrow keys; not owned, and may be deleted before this
         @param parent   the owner of this */
     RadioKeys(const std::vector<QRadioButton*>& buttons, QObject* parent);
 
