@@ -55,7 +55,7 @@ std::string_view withoutLineEndCr(std::string_view text) {
 
 BoundedLineReader::BoundedLineReader(const char* path, std::size_t maxLine)
     : m_file(openRegularFile(path, m_status)), m_maxLine(maxLine) {
-    // Not filled with zeroes, which would take longer than reading a file of the usual size.
+    // Not zeroed: that would take longer than reading a file of the usual size.
     if (isOpen())
         m_buffer.reset(new char[bufferSize]);
 }
@@ -86,7 +86,7 @@ bool BoundedLineReader::next(std::string& line) {
             return true;
         }
     }
-    // What was read of a line before the failure may end inside a number.
+    // The part of a line read before the error may end inside a number.
     if (m_readFailed)
         line.clear();
     return anything && !m_readFailed;

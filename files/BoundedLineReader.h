@@ -7,22 +7,20 @@
 #include <string_view>
 #include <sys/stat.h>
 
-/** The text without the carriage return of a CR LF line end: dropped when the first one in the text
-    is its last character. */
+/** The text without the carriage return of a CR LF line end. It is dropped when it is the last
+    character and the first carriage return in the text. */
 std::string_view withoutLineEndCr(std::string_view text);
 
-/** Whether two looks at files saw one file with one content, as far as its size and the time of its
-    last change tell. */
+/** Whether both describe one file with the same content, judged by its size and time of change. */
 bool isSameContent(const struct stat& a, const struct stat& b);
 
 /**
  * Reads a text file line by line in bounded memory.
  *
  * Lines end at '\n', which is not part of them; the last line needs none. A line longer than the
- * limit is cut there and its rest is skipped, so that a file that is one endless line costs time
- * but no memory.
+ * limit is truncated and its rest is skipped, so that an endless line takes time but no memory.
  *
- * Only regular files open: a folder has no lines, and a pipe or a device might never end.
+ * Only regular files can be opened: a folder has no lines, and a pipe or a device might never end.
  */
 class BoundedLineReader {
 public:
@@ -35,20 +33,19 @@ public:
 
     bool isOpen() const { return m_file >= 0; }
 
-    /** Puts the next line into @p line. False at the end of the file or when it cannot be read
-        further, which `failed` tells apart; @p line is then empty. A line whose end could not be
-        read is not handed out. */
+    /** Reads the next line into @p line. False at the end of the file or after a read error;
+        `failed` distinguishes the two. @p line is then empty. A line whose end could not be read is
+        not returned. */
     bool next(std::string& line);
 
-    /** Whether the file could not be opened, a read of it failed, or its content is no longer the
-        one that was opened: the lines handed out are then not to be used. */
+    /** Whether the file could not be opened, a read failed, or its content has changed since it was
+        opened. The lines returned so far must then not be used. */
     bool failed() const;
 
-    /** Of the file when it was opened; all zero when it could not be opened. */
+    /** The file's status when it was opened; all zero when it could not be opened. */
     const struct stat& status() const { return m_status; }
 
-    /** Whether the line handed out last was longer than the limit: what was kept of it may end in
-        the middle of a value. */
+    /** Whether the line returned last was truncated: it may end in the middle of a value. */
     bool wasCut() const { return m_wasCut; }
 
 private:
@@ -57,9 +54,9 @@ private:
     struct stat m_status = {}; ///< of the file, when it was opened
     int m_file;
     std::size_t m_maxLine;
-    off_t m_offset = 0; ///< how much of the file was read
+    off_t m_offset = 0; ///< bytes read from the file so far
     std::unique_ptr<char[]> m_buffer;
-    std::size_t m_begin = 0; ///< first byte of m_buffer that was not handed out yet
+    std::size_t m_begin = 0; ///< first byte of m_buffer that was not returned yet
     bool m_wasCut = false;
     bool m_readFailed = false;
     std::size_t m_end = 0; ///< one past the last byte of m_buffer that was read

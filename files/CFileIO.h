@@ -10,12 +10,12 @@
 
 /**
  * The tool's two file formats: network settings (INI) and calibration values (CSV). Without state;
- * made on the stack for each file operation.
+ * created on the stack for each file operation.
  *
- * Paths are in the local 8-bit encoding. A file that fails while it is read, or that changes
- * meanwhile, counts as a file that cannot be opened, and so does one that is not regular: nothing
- * of it is taken, nothing in it is touched. Nothing is thrown but for lack of memory, and nothing
- * is reported but by the results, with one exception that the CSV readers name.
+ * Paths are in the local 8-bit encoding. Only regular files are read and written. A read error, or
+ * a change of the file while it is read, has the same effect as a file that cannot be opened:
+ * nothing is read from it. Throws only for lack of memory. Errors are reported only by the results,
+ * except for the message of the CSV readers about the serial number line.
  */
 class CFileIO {
 public:
@@ -32,9 +32,9 @@ public:
     bool WriteNetworkIni(const char* path, const KVA_NETWORKINFO* info);
 
     /** Reads the eight settings of the section "Network".
-        @param info  zeroed by the caller: fields that are not reached keep their bytes (all of
-                     them do when the file cannot be opened), and texts are copied without their
-                     terminator
+        @param info  zeroed by the caller: the fields from a refused key on keep their bytes (all
+                     of them do when the file cannot be opened), and texts are copied without their
+                     NUL
         @return false when the file cannot be opened, a key is missing or has no value, any value is
                 longer than 510 bytes, the SSID than 32 or the key than 64. Numbers are read as
                 `atoi` reads them and are not checked. */
@@ -44,27 +44,27 @@ public:
         case. Once the section was seen, the keys of later sections count as well; the first match
         wins.
         @param defaultValue  copied when the key is not found or an argument is null (not when the
-                             file cannot be opened: @p out is then left as it is); may be null
-        @param out           `profileValueSize` bytes, or null for the default's length alone
+                             file cannot be opened: @p out then stays unchanged); may be null
+        @param out           `profileValueSize` bytes, or null to get only the default's length
         @param size          ignored
-        @return the length in bytes of what is in @p out (of the default when the file cannot be
-                opened). A value that does not fit is cut to `profileValueSize` - 1 bytes, one of a
-                line beyond 64 KiB is filled up to that length with blanks, and one with a NUL byte
-                ends there. */
+        @return the length in bytes of the text in @p out (of the default when the file cannot be
+                opened). A value that does not fit is cut to `profileValueSize` - 1 bytes, a value
+                in a line beyond 64 KiB is padded to that length with blanks, and a NUL byte ends
+                the value. */
     static int ReadProfileString(const char* section, const char* key, const char* defaultValue,
                                  char* out, std::size_t size, const char* path);
 
     /** Reads a white calibration plate value file: the serial number, 1 to 8 hexadecimal digits on
         the third line, and 38 values on the fourth. Only these two fields of @p record change, each
-        only when its line is right; an empty third line and missing lines leave theirs.
+        only when its line is valid; an empty third line and missing lines leave them unchanged.
         @return false when the file cannot be opened, the serial line is longer than 8 (reported on
-                the standard output), the values are not exactly 38 or their line is longer than
+                standard output), the values are not exactly 38 or their line is longer than
                 1 MiB. */
     bool GetCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record);
 
-    /** The same for an ambient light adapter and its 75 values. The serial line must have exactly 8
-        characters; another one is reported on the standard output and its field left, but does not
-        make the read fail. */
+    /** The same for an ambient light adapter and its 75 values. A serial line that does not have
+        exactly 8 characters is reported on standard output and leaves its field unchanged, but the
+        read succeeds. */
     bool GetAmbAdpCalRefDataFromFile(const char* path, KVA_JIG_CALREFDATA* record);
 
     /** The two decimal digits of a binary-coded byte, 0 to 99; nibbles above 9 are not refused and

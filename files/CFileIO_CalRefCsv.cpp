@@ -11,7 +11,7 @@
 
 namespace {
 
-/** The most bytes of a line that are looked at. */
+/** Longer lines are truncated to this many bytes. */
 constexpr std::size_t maxLine = 1024 * 1024;
 
 constexpr int serialNoLine = 2;
@@ -20,8 +20,8 @@ constexpr int valuesLine = 3;
 using SerialNo = std::uint8_t[4];
 constexpr std::size_t serialNoDigits = 2 * sizeof(SerialNo);
 
-/** Takes the serial line into the record's field.
-    @return whether the line leaves the read successful */
+/** Stores the serial line in the record's field.
+    @return false when the read fails because of this line */
 using StoreSerialNo = bool (*)(const std::string& line, SerialNo& serialNo);
 
 /** What differs between the two kinds of file, and where in the record their fields are. */
@@ -37,7 +37,7 @@ void reportIncorrectData(const std::string& line) {
     std::fflush(stdout);
 }
 
-/** @param digits  an even count of at most `serialNoDigits`; a pair that is no byte gives 0xFF */
+/** @param digits  an even number of at most `serialNoDigits`; an invalid pair gives 0xFF */
 void storeRightAligned(const std::string& digits, SerialNo& serialNo) {
     const std::size_t pairs = digits.size() / 2;
     std::fill(std::begin(serialNo), std::end(serialNo), std::uint8_t{0});
@@ -68,13 +68,13 @@ bool storeAdapterSerialNo(const std::string& line, SerialNo& serialNo) {
 /** The values line of a file. */
 struct Values {
     std::array<float, KVA_AMBIENT_ADAPTER_VALUES> numbers = {};
-    std::size_t count = 0; ///< of the pieces, also of those beyond the numbers
+    std::size_t count = 0; ///< of all pieces; may be larger than `numbers`
 };
 
 Values parseValues(const std::string& line) {
     Values values;
     forEachPiece(line, ',', [&values](std::string_view piece) {
-        // A number ends at a comma at the latest, and the line at its terminator.
+        // The piece is not NUL-terminated: the number ends at a comma or at the line's NUL.
         if (values.count < values.numbers.size())
             values.numbers[values.count] = NumberText::toFloat(piece.data());
         ++values.count;
@@ -94,16 +94,16 @@ bool readCalRefCsv(const char* path, const CalRefCsv& csv) {
     std::optional<std::string> serialNo;
     std::optional<Values> values;
     std::string line;
-    // The lines behind the values are read as well: a file is right or wrong as a whole.
+    // The lines after the values are read as well: an error there also refuses the file.
     for (std::size_t index = 0; reader.next(line); ++index) {
         line.resize(withoutLineEndCr(line).size());
         if (index == serialNoLine)
             serialNo = line;
         else if (index == valuesLine)
-            // A line that was cut may end inside a number, which would read as another one.
+            // A truncated line may end inside a number and give a wrong value.
             values = reader.wasCut() ? Values{} : parseValues(line);
     }
-    // Nothing is taken of a file before all of it was read.
+    // Nothing is stored before the whole file was read.
     if (reader.failed())
         return false;
     const bool serialNoIsRight = !serialNo || csv.storeSerialNo(*serialNo, csv.serialNo);

@@ -16,7 +16,7 @@ namespace {
 
 // ---- Looking up one key
 
-/** Copies the text up to its first NUL, cut so that it fits `CFileIO::profileValueSize` bytes.
+/** Copies the text up to its first NUL, cut to fit into `CFileIO::profileValueSize` bytes.
     @return the length copied */
 int copyValue(std::string_view text, char* out) {
     text = text.substr(0, text.find('\0'));
@@ -26,8 +26,8 @@ int copyValue(std::string_view text, char* out) {
     return static_cast<int>(text.size());
 }
 
-/** A value of a line that was cut, its length unknown: filled up, so that it reads as too long
-   where length matters. Without any text it stays empty, which reads as missing. */
+/** The value of a truncated line, whose length is unknown: padded, so that it counts as too long.
+   An empty value stays empty, which counts as missing. */
 std::string tooLong(std::string_view value) {
     std::string filled(value);
     if (!filled.empty())
@@ -37,8 +37,8 @@ std::string tooLong(std::string_view value) {
 
 enum class Lookup { found, missing, unreadable };
 
-/** Looks up a key from where @p reader stands. The value goes to @p out as `copyValue` puts it
-    there, which is untouched but for `Lookup::found`. */
+/** Looks up a key from the position of @p reader. Copies its value to @p out by `copyValue`; @p out
+    changes only with the result `Lookup::found`. */
 Lookup lookUp(BoundedLineReader& reader, const char* section, const char* key, char* out) {
     bool inSection = false;
     bool found = false;
@@ -62,7 +62,7 @@ Lookup lookUp(BoundedLineReader& reader, const char* section, const char* key, c
 
 // ---- Converting one value
 
-/** Puts the value, `CFileIO::profileValueSize` bytes with its NUL, into its field.
+/** Stores the value, `CFileIO::profileValueSize` bytes with its NUL, in its field.
     @return false when it does not fit */
 using StoreValue = bool (*)(const char* value, KVA_NETWORKINFO& info);
 
@@ -78,7 +78,7 @@ bool storeAddress(const char* value, KVA_NETWORKINFO& info) {
     forEachPiece(value, '.', [&](std::string_view piece) {
         if (count == 4)
             return;
-        // A number ends at a point at the latest, and the value at its terminator.
+        // The piece is not NUL-terminated: the number ends at a point or at the value's NUL.
         const auto number = static_cast<std::uint32_t>(NumberText::toInt32(piece.data()));
         (info.*Field)[count++] = static_cast<std::uint8_t>(number & 0xFFU);
     });
@@ -99,7 +99,7 @@ struct NetworkKey {
     StoreValue store;
 };
 
-/** In the order in which they are looked up, which is that of the file. */
+/** In the order of the look-ups, which is that of the file. */
 constexpr NetworkKey networkKeys[] = {
     {"DHCPUse", storeFlag<&KVA_NETWORKINFO::DHCPUse>},
     {"IPAddress", storeAddress<&KVA_NETWORKINFO::IPAddress>},
@@ -115,11 +115,11 @@ constexpr NetworkKey networkKeys[] = {
 
 using OpenFile = std::unique_ptr<std::FILE, int (*)(std::FILE*)>;
 
-/** The regular file at @p path, made or emptied; null when it cannot be. */
+/** Creates or empties the regular file at @p path; null when that fails. */
 OpenFile createFile(const char* path) {
     OpenFile none(nullptr, std::fclose);
-    // Without O_TRUNC, since it is not known yet what this is; without O_NONBLOCK, opening a pipe
-    // that nobody reads would never return.
+    // No O_TRUNC, since this may not be a regular file. O_NONBLOCK, since opening a pipe that
+    // nobody reads would otherwise never return.
     const int descriptor =
         ::open(path, O_WRONLY | O_CREAT | O_NONBLOCK | O_NOCTTY | O_CLOEXEC, 0666);
     if (descriptor < 0)
@@ -186,7 +186,7 @@ bool CFileIO::ReadNetworkIni(const char* path, KVA_NETWORKINFO* info) {
     struct stat status = {};
     for (const NetworkKey& key : networkKeys) {
         BoundedLineReader reader(path, IniLine::maxSize);
-        // It was changed between two keys: some settings of each would be neither's.
+        // The file was changed between two keys: the settings would be a mixture of two files.
         if (&key != networkKeys && !isSameContent(reader.status(), status))
             return false;
         status = reader.status();
@@ -194,7 +194,7 @@ bool CFileIO::ReadNetworkIni(const char* path, KVA_NETWORKINFO* info) {
         if (lookUp(reader, "Network", key.name, value) == Lookup::unreadable)
             return false;
         const std::size_t length = std::strlen(value);
-        // A value that fills the buffer may have been cut; what is left is not to pass for it.
+        // A value that fills the buffer may have been truncated, so it is refused.
         if (length == 0 || length == profileValueSize - 1 || !key.store(value, taken)) {
             *info = taken;
             return false;

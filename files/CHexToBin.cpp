@@ -20,7 +20,7 @@ int digitValue(char c) {
     return -1;
 }
 
-/** False when the stream refused a byte. */
+/** False after a write error. */
 bool writeRecord(std::FILE* file, const unsigned char* record) {
     if (std::fprintf(file, "[address]%02x%02x%02x\n", record[0], record[1], record[2]) < 0)
         return false;

@@ -31,7 +31,7 @@ bool skipSign(const char*& text) {
     return negative;
 }
 
-/** The powers of ten up to what `plainDecimal` needs, each held exactly. */
+/** The powers of ten that `plainDecimal` needs; each is exact in double precision. */
 constexpr double powersOfTen[] = {1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
                                   1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
@@ -65,7 +65,7 @@ std::optional<double> plainDecimal(const char* text) {
 locale_t cLocale() {
     static const locale_t locale = newlocale(LC_ALL_MASK, "C", nullptr);
     if (!locale)
-        throw std::bad_alloc(); // the only way in which making the built-in locale can fail
+        throw std::bad_alloc(); // the only reason for which this locale cannot be made
     return locale;
 }
 
@@ -95,8 +95,8 @@ std::int32_t NumberText::toInt32(const char* text) {
 float NumberText::toFloat(const char* text) {
     const std::optional<double> plain = plainDecimal(text);
     const double value = plain ? *plain : strtod_l(text, nullptr, cLocale());
-    // From here on rounding to single precision leaves its range, which the language does not
-    // define: the middle between the largest single and the value that would follow it.
+    // The middle between the largest single and the value that would follow it. From here on the
+    // conversion to single precision is out of range, which the language leaves undefined.
     constexpr double overflow = 0x1.ffffffp+127;
     if (std::fabs(value) >= overflow)
         return std::copysign(std::numeric_limits<float>::infinity(), value < 0 ? -1.0F : 1.0F);

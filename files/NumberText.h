@@ -9,14 +9,14 @@
  */
 namespace NumberText {
 
-/** Leading blanks are skipped, then a sign and decimal digits are read up to the first character
-    that is none; without digits 0. A number out of range saturates at the 64-bit limits; the
-    result is the low 32 bits, so that "-1" gives -1 and "99999999999999999999" gives -1 too. */
+/** Skips leading blanks, then reads a sign and decimal digits up to the first other character;
+    without digits 0. A number out of range saturates at the 64-bit limits; the result is the low
+    32 bits, so that "-1" gives -1 and "99999999999999999999" gives -1 too. */
 std::int32_t toInt32(const char* text);
 
-/** Leading blanks are skipped, then the longest number is read that the C locale knows (decimal,
+/** Skips leading blanks, then reads the longest number that is valid in the C locale (decimal,
     hexadecimal, "inf", "nan"); without one 0. The value is rounded to double precision and then to
-    single; beyond its range it becomes an infinity. */
+    single precision; beyond that range it becomes an infinity. */
 float toFloat(const char* text);
 
 } // namespace NumberText
