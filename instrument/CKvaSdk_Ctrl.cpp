@@ -19,7 +19,7 @@ QString portText(const KVA_PORTINFO& port) {
         return QStringLiteral("VARNE-1(USB,Serial#%1)").arg(serialNo);
     const auto length = ::strnlen(port.portName, sizeof port.portName);
     const QString name = QString::fromLatin1(port.portName, static_cast<int>(length));
-    // Both at once: a "%2" in the name must not take the serial number's place.
+    // Both in one call: a "%2" in the name must not be replaced by the serial number.
     return QStringLiteral("VARNE-1(%1,Serial#%2)").arg(name, serialNo);
 }
 
@@ -55,7 +55,7 @@ bool CKvaSdk_Ctrl::GetDevicePortList() {
     m_lastResult = KVA_GetDevicePortList(nullptr, &m_portCount, 0);
     qDebug("port count[%d] \n", m_portCount);
 
-    // Before the result is looked at: a failed enumeration leaves no list rather than a stale one.
+    // Before the result is checked: after a failed enumeration the list is empty, not outdated.
     m_deviceCount = 0;
     std::memset(m_portList, 0, sizeof m_portList);
     m_ports.clear();

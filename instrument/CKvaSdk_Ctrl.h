@@ -27,13 +27,13 @@ void DeviceEventHandler(uint32_t code, uint32_t rawDataCount, int32_t error);
  * The tool's single gateway to the instrument: owns the connection to one of them, keeps the
  * records exchanged with it, and turns them into the texts that the dialogs show.
  *
- * Operations return false on failure; most failures leave a line in the debug output. Nothing is
- * thrown but for lack of memory, and nothing is shown. Positive results of the library are warnings
- * and count as success. Operations that call the library keep its last result in `m_lastResult`,
- * but for `IsWifiModuleEnabled`.
+ * Operations return false on failure; most failures write a debug line. They show nothing, and
+ * throw only for lack of memory. Positive results of the library are warnings and count as success.
+ * Operations that call the library keep its last result in `m_lastResult`, except
+ * `IsWifiModuleEnabled`.
  *
  * All operations belong to the user-interface thread and block until the instrument has answered.
- * Paths and texts passed as `const char*` are in the local 8-bit encoding and stay the caller's.
+ * Paths and texts passed as `const char*` are in the local 8-bit encoding and owned by the caller.
  */
 class CKvaSdk_Ctrl {
 public:
@@ -83,13 +83,13 @@ public:
     void SetDefaultGateway(const uint8_t octets[4]);
     void SetDNS(const uint8_t octets[4]);
 
-    /** Takes up to 32 bytes of a NUL-terminated text; the rest is cut off. Null is an empty text.
+    /** Stores up to 32 bytes of a NUL-terminated text; the rest is cut off. Null is an empty text.
      */
     void SetSSID(const char* bytes);
     /** The same with up to 64 bytes. */
     void SetEncryptKey(const char* bytes);
 
-    /** Whether the instrument has a wireless module; a failed query reads as none. */
+    /** Whether the instrument has a wireless module; false also when the query fails. */
     bool IsWifiModuleEnabled();
 
     // ---- Calibration reference values
@@ -111,8 +111,8 @@ public:
 
     // ---- Automatic power-off
 
-    /** Reads the mode (`eShutdownTime_…`) into the caller's byte, which a failure leaves as the
-        library left it. */
+    /** Reads the mode (`eShutdownTime_…`) into the caller's byte. After a failure the byte is what
+        the library left in it. */
     bool GetShutdownTime(uint8_t& mode);
 
     /** Writes the mode; its range is not checked. */
@@ -120,7 +120,7 @@ public:
 
     // ---- State, read by the dialogs
 
-    int32_t m_portCount = 0;                ///< as the library stored it last
+    int32_t m_portCount = 0;                ///< as stored last by the library
     int32_t m_deviceCount = 0;              ///< entries listed by the last enumeration
     KVA_PORTINFO m_portList[maxPorts] = {}; ///< what the library fills
     std::vector<KVA_PORTINFO> m_ports;      ///< listed entries, byte for byte, in its order
@@ -132,7 +132,7 @@ public:
     QString m_macAddress;
     KVA_DEVICEINFO m_deviceInfo = {};
 
-    /** The working copy: every read overwrites it whole, every write sends it as it stands. The
+    /** The working copy: every read overwrites all of it, every write sends it unchanged. The
         dialog sets its two switches directly. */
     KVA_NETWORKINFO m_networkInfo = {};
 

@@ -24,7 +24,7 @@ bool fetchRecord(KVA_JIG_CALREFDATA& record, KVA_RESULT& result) {
     return true;
 }
 
-/** Hands the record to the instrument and commits it. */
+/** Stages the record in the instrument and commits it. */
 bool storeRecord(const KVA_JIG_CALREFDATA& record, KVA_RESULT& result) {
     result = KVA_JIG_SetFactoryCalib_CALREFDATA(&record);
     if (result < 0) {
@@ -81,7 +81,7 @@ bool CKvaSdk_Ctrl::checkValueFile(const CalibrationAccessory& accessory, const c
     fileSerialNo = valid ? serialNoText(serialNo) : QString();
 
     qDebug("SerialNo: %d \n", static_cast<int>(serialNo));
-    // The adapter's values carry the same name: the text is fixed.
+    // The adapter's values are logged under the same name: the text is frozen.
     for (std::size_t k = 0; k < accessory.valueCount; ++k) {
         qDebug("rfWhite.spcData[%d]: %f \n", static_cast<int>(k),
                static_cast<double>(accessory.values(record)[k]));

@@ -13,7 +13,7 @@ QString fieldText(const char (&field)[Size]) {
     return QString::fromUtf8(field, static_cast<int>(::strnlen(field, Size)));
 }
 
-/** Cuts the text to leave room for the NUL, and fills what it leaves of the field with zero. */
+/** Cuts the text to leave room for the NUL, and zeroes the rest of the field. */
 template <std::size_t Size>
 void setField(char (&field)[Size], const char* bytes) {
     const char* text = bytes ? bytes : "";
@@ -76,7 +76,7 @@ bool CKvaSdk_Ctrl::ReadNetworkInfoFile(const char* path) {
         qDebug("Failed to read networkInfo parameter data. \n");
         return false;
     }
-    // Stricter than what the instrument itself may report: a file can be anybody's.
+    // Stricter than for the instrument's own settings: anybody may have written the file.
     if (m_networkInfo.APConnectUse > eAPConnect_ON || m_networkInfo.DHCPUse > eDHCP_ON)
         return false;
     rebuildNetworkTexts();

@@ -37,8 +37,8 @@ struct CalibrationAccessory {
     /** The serial number that @p record holds, as a number; digits above 9 are not refused. */
     unsigned int serialNoIn(const KVA_JIG_CALREFDATA& record) const;
 
-    /** Puts serial number and values, of which there are `valueCount`, into their part of
-        @p record. No other byte changes. */
+    /** Copies the serial number and `valueCount` values into their part of @p record. No other
+        byte changes. */
     void merge(const SerialNo& newSerialNo, const float* newValues,
                KVA_JIG_CALREFDATA& record) const;
 
@@ -48,8 +48,8 @@ struct CalibrationAccessory {
         WrongSerialNo ///< out of the range that a file may carry
     };
 
-    /** Merges a value file into @p record, which is the instrument's own: a line that the file
-        lacks leaves what the record holds. A file that is refused leaves all of it.
+    /** Merges a value file into @p record, which was read from the instrument. A line that the file
+        lacks leaves its field unchanged; a refused file leaves the whole record unchanged.
         @param path  in the local 8-bit encoding */
     FileMerge mergeFile(const char* path, KVA_JIG_CALREFDATA& record) const;
 };

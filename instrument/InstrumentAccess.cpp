@@ -13,7 +13,7 @@ void noteEvent(std::uint32_t code, std::uint32_t /*rawDataCount*/, std::int32_t 
         connectionLost.store(true, std::memory_order_relaxed);
 }
 
-/** The library's meaning; every caller passes it. */
+/** Passed by every caller; only the library knows its meaning. */
 constexpr std::uint32_t connectWait = 10;
 
 } // namespace
@@ -46,7 +46,7 @@ CallResult InstrumentAccess::list(std::vector<KVA_PORTINFO>& ports) {
         perform(function, [&] { return KVA_GetDevicePortList(nullptr, &count, 0); });
     if (counted.failed())
         return counted;
-    // As the tool asks for it, whatever the count was: instruments may have come meanwhile.
+    // Room for all, as in the tool: instruments may have been plugged since they were counted.
     ports.resize(maxPorts);
     count = 0;
     const CallResult filled =

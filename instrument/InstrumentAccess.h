@@ -14,7 +14,7 @@ struct CallResult {
     bool failed() const { return code < 0; }
 };
 
-/** Is told of each call to libKVASDK, on the thread that makes it. */
+/** Notified of each call to libKVASDK, on the thread that makes the call. */
 class CallObserver {
 public:
     virtual ~CallObserver() = default;
@@ -29,19 +29,19 @@ public:
  * that decide themselves what a result means; the tool's dialogs go through `CKvaSdk_Ctrl`.
  *
  * One object at a time: the library has one connection and one event handler. All operations belong
- * to the thread that made the object, block until the instrument has answered, and throw nothing.
- * What a failed read leaves in its record is the library's.
+ * to the thread that created the object, block until the instrument has answered, and throw
+ * nothing. After a failed read the record is what the library left in it.
  */
 class InstrumentAccess {
 public:
     /** Registers the handler of the device events. @param observer  outlives the object */
     explicit InstrumentAccess(CallObserver& observer);
-    /** Closes an open connection, whatever comes of it, and removes the handler. */
+    /** Closes an open connection, ignoring the result, and removes the handler. */
     ~InstrumentAccess();
     InstrumentAccess(const InstrumentAccess&) = delete;
     InstrumentAccess& operator=(const InstrumentAccess&) = delete;
 
-    /** What came of registering the handler. */
+    /** The result of registering the handler. */
     const CallResult& registration() const { return m_registration; }
 
     /** The most instruments that are listed. */
@@ -55,8 +55,8 @@ public:
         Open,
         CallFailed,   ///< `last` tells which call
         NotListed,    ///< no entry of the list has the serial number
-        ListedTwice,  ///< several have
-        OtherIdentity ///< the instrument says another serial number than its entry
+        ListedTwice,  ///< several entries have it
+        OtherIdentity ///< the instrument reports another serial number than its entry
     };
 
     struct Opened {
@@ -64,15 +64,15 @@ public:
         CallResult last;
     };
 
-    /** Lists, connects to the entry with @p serialNumber and asks the instrument for its own. A
-        connection that was opened stays open, whatever the instrument says. */
+    /** Lists, connects to the entry with @p serialNumber and reads the instrument's own number. A
+        connection that was opened stays open, whatever that number is. */
     Opened open(std::int32_t serialNumber);
 
     /** Closes the connection. */
     CallResult disconnect();
     /** Whether `open` connected and no `disconnect` succeeded since. */
     bool isConnected() const { return m_connected; }
-    /** Whether the library has told of the loss of an instrument since the last `open`. */
+    /** Whether the library has reported a lost connection since the last `open`. */
     static bool isConnectionLost();
 
     CallResult read(KVA_DEVICEINFO& info);
@@ -84,7 +84,7 @@ public:
 
     CallResult write(const KVA_NETWORKINFO& info);
     CallResult writePowerOffMode(std::uint8_t mode);
-    /** Hands the record to the instrument; `commit` puts it into the non-volatile memory. */
+    /** Stages the record in the instrument; `commit` writes it to the non-volatile memory. */
     CallResult stage(const KVA_JIG_CALREFDATA& record);
     CallResult commit();
 

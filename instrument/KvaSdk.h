@@ -4,7 +4,7 @@
  *
  * Source of every value and offset below: the library's published interface. The records are
  * little-endian and are exchanged by pointer, so their layout is fixed; the assertions at the end
- * of this file hold it in place.
+ * of this file check it.
  *
  * Threads: the functions are called from one thread only, one at a time, and block until the
  * instrument has answered. The event handler is called on a thread of the library's own.

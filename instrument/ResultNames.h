@@ -16,8 +16,7 @@ std::vector<const char*> warningNames(KVA_RESULT code);
     for a value without a name. Any thread. */
 std::string resultName(KVA_RESULT code);
 
-/** The result, or the warning bit, of one name; nothing where there is none of that name. Any
-    thread. */
+/** The result code or warning bit with this name; nothing for an unknown name. Any thread. */
 std::optional<KVA_RESULT> resultOfName(std::string_view name);
 
 #endif
