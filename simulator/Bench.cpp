@@ -12,7 +12,7 @@ namespace {
 
 constexpr int writtenVersion = 2; // older ones are read
 
-/** Records that need not be there; their left-out fields are as in another one. */
+/** Optional records; their missing fields are taken from another one. */
 struct Optional {
     const char* place;
     const char* otherwise;
@@ -29,7 +29,7 @@ bool isBytes(const Json& json) {
     return json.contains("hex") || json.contains("fill") || json.contains("seed");
 }
 
-/** Puts what is given in place of the defaults. Refuses what has no place there. */
+/** Replaces defaults by the given fields. Refuses fields that do not exist. */
 void overlay(Json& target, const Json& given, const std::string& path) {
     if (target.is_array())
         require(given.is_array() && given.size() == target.size(), path,
@@ -46,19 +46,19 @@ void overlay(Json& target, const Json& given, const std::string& path) {
     }
 }
 
-/** Checks all fields and puts them into their usual form. */
+/** Checks all fields and normalises them. */
 void settle(Json& instrument, const std::string& path) {
     for (const auto& [place, field] : instrumentPlaces()) {
         const Json::json_pointer pointer = pointerTo(place);
         if (!instrument.contains(pointer))
-            continue; // of a record that is not there
+            continue; // of an optional record that is missing
         Json& value = instrument[pointer];
         std::vector<std::uint8_t> bytes(field->bytes.size);
         field->type->read(value, joined(path, place), bytes.data(), bytes.size());
         const bool isUsual = field->type == &floatsType &&
                              std::all_of(value.begin(), value.end(),
                                          [](const Json& number) { return number.is_number(); });
-        if (!isUsual) // numbers stay as they are given
+        if (!isUsual) // numbers keep the given form
             value = field->type->write(bytes.data(), bytes.size());
     }
 }
@@ -87,11 +87,11 @@ Json valueOf(const std::string& text, const std::string& place) {
     try {
         return parseJson(text);
     } catch (const InputError&) {
-        return text; // whether a text is right is found when the instrument is made
+        return text; // makeInstrument() checks it
     }
 }
 
-/** Adds the fields that are left out, and checks all. */
+/** Adds the missing fields, and checks all. */
 Json makeInstrument(const Json& json, const std::string& path) {
     const Json& serialNumber = fieldOf(json, path, "serialNumber");
     Json instrument =
@@ -153,7 +153,7 @@ void powerCycle(Json& instrument) {
 std::int64_t startUpLeft(const Json& instrument) {
     const auto poweredOn = instrument["poweredOn"].get<std::int64_t>();
     const std::int64_t sinceThen = millisecondsSince1970() - poweredOn;
-    // A clock that was set back must not keep an instrument from starting.
+    // Even if the clock was set back, an instrument must start.
     if (poweredOn == 0 || sinceThen < 0)
         return 0;
     return std::max<std::int64_t>(instrument["startUpMs"].get<std::int64_t>() - sinceThen, 0);

@@ -1,7 +1,7 @@
 /**
  * A bench: the attached instruments and the rules for faults, as plain data and as JSON.
  *
- * An instrument is its JSON, with all its fields, each checked and in its usual form.
+ * An instrument is kept as its JSON, with all fields, each checked and in normal form.
  * docs/simulator.md lists the fields.
  */
 #ifndef SIMULATOR_BENCH_H
@@ -27,31 +27,31 @@ std::int32_t serialNumberOf(const Json& instrument);
 KVA_PORTINFO portOf(const Json& instrument);
 bool isSamePort(const KVA_PORTINFO& left, const KVA_PORTINFO& right);
 
-/** What was stored last. */
+/** The values stored last. */
 const Json& networkOf(const Json& instrument);
 const Json& calibrationOf(const Json& instrument);
 
-/** An instrument that is attached has started. */
+/** An instrument has already started when it is plugged. */
 bool isPlugged(const Json& instrument);
 void setPlugged(Json& instrument, bool plugged);
 
-/** Switches it off and on: pending settings come into use, data that was only staged is gone. */
+/** Switches it off and on: pending settings become active, staged data is dropped. */
 void powerCycle(Json& instrument);
 
-/** The milliseconds until it has started, and whether it is plugged and has. */
+/** The milliseconds until it has started; whether it is plugged and has started. */
 std::int64_t startUpLeft(const Json& instrument);
 bool isReady(const Json& instrument);
 
 /** Merges @p patch into the instrument, as `KvaSim_Set` does.
-    @throws InputError with the path of the field and the reason; nothing has changed then. */
+    @throws InputError with the path of the field and the reason; nothing is changed then. */
 void patch(Json& instrument, const Json& patch);
 
 /** Sets one field by FIELD=VALUE ("calibration.committed.white.values.3=85.5",
     "device.firmware[1]=2"), as `kvasim set` does.
-    @throws InputError when it is no assignment, or as `patch` does */
+    @throws InputError when it is not an assignment, or as `patch` does */
 void assign(Json& instrument, const std::string& assignment);
 
-/** Puts {"length": bytes} in place of the security key of settings, for showing only. */
+/** Replaces the security key of settings by {"length": bytes}, for display only. */
 void hideKey(Json& network);
 
 struct Bench {
@@ -68,12 +68,12 @@ struct Bench {
 Bench parseBench(const std::string& text);
 Json benchToJson(const Bench& bench);
 
-/** An instrument by its serial number. Where there is none, null or an InputError. */
+/** An instrument by its serial number. If there is none: null, or an InputError. */
 const Json* findInstrument(const Bench& bench, std::int32_t serialNumber);
 Json& instrumentOf(Bench& bench, std::int32_t serialNumber);
 
 /** Changes an instrument.
-    @throws InputError when there is none, or when another one has its serial number then */
+    @throws InputError when there is none, or when its new serial number is another one's */
 void changeInstrument(Bench& bench, std::int32_t serialNumber,
                       const std::function<void(Json& instrument)>& make);
 

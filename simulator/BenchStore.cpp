@@ -26,8 +26,8 @@ constexpr std::int64_t maxFileSize = std::int64_t{64} * 1024 * 1024;
 constexpr std::chrono::seconds patience{1};
 constexpr std::chrono::milliseconds pause{20};
 
-/** Writes the new file, with the mode and after the time of the one that it will replace: the
-    system's own times are coarse, two changes within some milliseconds would have the same.
+/** Writes the new file with the mode of the file that it will replace, and a later time: file times
+    are coarse, so two changes within some milliseconds would have the same one.
     @return false with `errno` */
 bool writeBeside(int file, const std::string& path, const std::string& text) {
     struct stat old {};
@@ -40,10 +40,10 @@ bool writeBeside(int file, const std::string& path, const std::string& text) {
            ::futimens(file, times) == 0 && ::fsync(file) == 0;
 }
 
-/** Puts @p bench in place of the file at once: whoever reads it finds the old one or the new one,
-    whole. Only the owner can read it, or whoever could read the file before.
+/** Replaces the file atomically: a reader sees the complete old or new bench. A new file is
+    readable only by its owner; an existing one keeps its permissions.
     @return the stamp of the new file; its time is later than that of the old one
-    @throws InputError when that fails; the file is then as it was. */
+    @throws InputError when that fails; the file is then unchanged. */
 Stamp writeBenchFile(const std::string& path, const Bench& bench) {
     const std::string text = formatJson(benchToJson(bench));
     std::string beside = path + ".XXXXXX";
@@ -97,7 +97,7 @@ Bench readBenchFile(const std::string& path) {
     struct stat status {};
     if (::stat(path.c_str(), &status) != 0)
         fail(path, "cannot be opened", errno);
-    if (!S_ISREG(status.st_mode)) // a pipe without a writer would hold the caller for ever
+    if (!S_ISREG(status.st_mode)) // a pipe without a writer would block the caller for ever
         throw InputError(path + ": is not a regular file");
     if (status.st_size > maxFileSize)
         throw InputError(path + ": is larger than 64 MiB");
@@ -203,7 +203,7 @@ std::unique_ptr<BenchStore> BenchStore::openOfEnvironment() {
     if (!fs::exists(path, error)) {
         const BenchLock lock(path);
         const std::lock_guard<const BenchLock> guard(lock);
-        if (!fs::exists(path, error)) // or another program has made it meanwhile
+        if (!fs::exists(path, error)) // another program may have created it meanwhile
             writeBenchFile(path, parseBench(builtInBenchText));
     }
     return open(path);

@@ -1,6 +1,6 @@
 /**
- * A bench that several programs may use: read again when its file has changed, and changed under
- * its lock. Not thread-safe.
+ * A bench that several programs may use. The file is read again when it has changed, and is changed
+ * under its lock. Not thread-safe.
  */
 #ifndef SIMULATOR_BENCHSTORE_H
 #define SIMULATOR_BENCHSTORE_H
@@ -32,17 +32,18 @@ struct Stamp {
 Stamp stampOf(const std::string& path);
 
 /** Reads a bench file. Comments are allowed in it.
-    @throws InputError with the file and the reason: missing, no regular file, larger than 64 MiB,
-    not JSON (with the line), damaged or of a newer version (with the path of the field). */
+    @throws InputError with the file and the reason: missing, not a regular file, larger than
+    64 MiB, not JSON (with the line), damaged or of a newer version (with the field's path). */
 Bench readBenchFile(const std::string& path);
 
-/** Writes in one call, so that programs do not mix their texts. @return false with `errno` */
+/** Writes with one system call, so that lines of several programs do not mix.
+    @return false with `errno` */
 bool writeAtOnce(int file, const std::string& text);
 
-/** @throws InputError always: the file, what has failed, and the system's reason. */
+/** @throws InputError always: the file, the operation that failed, and the system's reason. */
 [[noreturn]] void fail(const std::string& path, const char* what, int error);
 
-/** An environment variable; empty where it is not set. */
+/** An environment variable; empty when it is not set. */
 std::string environmentOf(const char* name);
 
 /** Shows control characters as '?'. */
@@ -51,26 +52,26 @@ std::string printable(std::string text);
 /** One printable line on standard error, in the library's name. */
 void complain(const std::string& message);
 
-/** The lock beside a bench file, FILE.lock: one change at a time, and who holds which instrument.
-    The system's record locks belong to the process and end with it, however it ends, or when it
-    closes any descriptor of the file: of an earlier object for the bench no lock counts. */
+/** The record locks on FILE.lock beside a bench file: one for changes, one for each instrument.
+    A process loses them when it ends in any way, and when it closes any descriptor of the file:
+    destroying one object releases the locks of every other object for the same bench. */
 class BenchLock {
 public:
-    /** Opens the file and makes it for its owner where it is not there. In a folder that cannot be
-        written there is no lock: nothing is held then, and `lock` is refused.
-        @param bench the bench file, by its absolute path; empty: all is granted
+    /** Opens the file, or creates it with access for its owner only. In a folder without write
+        permission there is no lock: nothing is held then, and `lock` is refused.
+        @param bench absolute path of the bench file; empty: every request is granted
         @throws InputError when it cannot be opened for another reason */
     explicit BenchLock(const std::string& bench);
     ~BenchLock();
     BenchLock(const BenchLock&) = delete;
     BenchLock& operator=(const BenchLock&) = delete;
 
-    /** Waits for the right to change the bench. For std::lock_guard; not for two threads at once.
-        @throws InputError when there is none to be had */
+    /** Waits for the lock for changes. For std::lock_guard; not for two threads at once.
+        @throws InputError when it cannot be locked */
     void lock() const;
     void unlock() const;
 
-    /** Holds an instrument for this program. @return false when another program does */
+    /** Locks an instrument for this program. @return false when another program has it */
     bool hold(std::int32_t serialNumber) const {
         return m_file < 0 || set(F_SETLK, F_WRLCK, placeOf(serialNumber));
     }
@@ -81,12 +82,12 @@ public:
         return set(F_GETLK, F_WRLCK, placeOf(serialNumber));
     }
 
-    /** Tells others that this program uses the bench, and whether another one does. */
+    /** Marks the bench as used by this program; whether another program uses it. */
     void use() const { set(F_SETLK, F_RDLCK, usePlace); }
     bool isUsed() const { return set(F_GETLK, F_WRLCK, usePlace); }
 
 private:
-    // The bytes of the file that stand for something; none of them is ever written.
+    // Positions of the locked bytes; the bytes are never written.
     static constexpr std::int64_t changePlace = 0;
     static constexpr std::int64_t usePlace = 1;
     static std::int64_t placeOf(std::int32_t serialNumber) {
@@ -102,21 +103,21 @@ private:
 
 class BenchStore {
 public:
-    /** How to see that @p before has become `bench()`. */
+    /** Called after a change, with the bench before it. */
     using Seen = std::function<void(const Bench& before)>;
 
-    /** @param path of the file of the bench, absolute; empty: it is in memory only
+    /** @param path absolute path of the bench file; empty: the bench is in memory only
         @param stamp of that file when it was read */
     explicit BenchStore(Bench bench, const std::string& path = {}, const Stamp& stamp = {})
         : m_bench(std::move(bench)), m_path(path), m_lock(path), m_stamp(stamp) {}
 
-    /** Opens a bench file; nothing is made beside one that is refused.
+    /** Opens a bench file; creates no lock file when the bench is refused.
         @throws InputError as `readBenchFile` does */
     static std::unique_ptr<BenchStore> open(const std::string& path);
 
-    /** Opens the bench that `KVASIM_BENCH` names, or the one of the user's data folder, which is
-       made from the built-in bench where it is not there. A user without a home has the built-in
-       bench in memory, which one line on standard error then says.
+    /** Opens the bench that `KVASIM_BENCH` names, or the one in the user's data folder, which is
+       created from the built-in bench if it is missing. Without a home folder the built-in bench is
+       used in memory, and one line on standard error says so.
         @throws InputError as `readBenchFile` and `writeBenchFile` do */
     static std::unique_ptr<BenchStore> openOfEnvironment();
 
@@ -124,9 +125,9 @@ public:
     const std::string& path() const { return m_path; }
     const BenchLock& lock() const { return m_lock; }
 
-    /** Reads the file again if it has changed. A file that is refused leaves the bench as it is;
-       one line on standard error says so once it has been that way for a second.
-        @param seen told when the bench has changed */
+    /** Reads the file again if it has changed. An invalid file leaves the bench unchanged; after
+       a second one line on standard error reports it.
+        @param seen called when the bench has changed */
     void refresh(const Seen& seen);
 
     /** Changes the bench under its lock: refreshes, lets @p make change a copy, and saves that

@@ -1,5 +1,5 @@
 /**
- * The log of calls: one JSON object a call, with the fields that `KvaSim_CallLog` names, kept in
+ * The call log: one JSON object per call, with the fields that `KvaSim_CallLog` names, kept in
  * memory and appended to a file as one line.
  */
 #ifndef SIMULATOR_CALLLOG_H
@@ -15,27 +15,26 @@
 
 namespace kvasim {
 
-/** The file of a bench's calls: the one that `KVASIM_TRACE` names, or FILE.log beside the bench.
+/** The log file of a bench: the one that `KVASIM_TRACE` names, or FILE.log beside the bench.
     @param bench the bench file; empty for a bench in memory
-    @return empty when the calls go to no file */
+    @return empty when calls are not written to a file */
 std::string callLogPath(const std::string& bench);
 
 /** Any thread may call any function. */
 class CallLog {
 public:
-    /** From the next call on the calls go to the file that `callLogPath` then names. */
+    /** Writes later calls to the file that `callLogPath` names when the next call is added. */
     void setBench(const std::string& bench);
 
-    /** Adds a call under the next number, from 1. In memory are the last 100000. A file beside a
-        bench is moved to FILE.log.old when it has 4 MiB. That a file cannot be written is said once
-        on standard error.
+    /** Adds a call under the next number, from 1. Memory holds the last 100000. A file beside a
+        bench is renamed to FILE.log.old at 4 MiB. A write error is reported once on standard error.
         @param call its fields from "function" on, without secrets */
     void add(const Json& call);
 
     /** The calls in memory as a JSON array. */
     std::string toJson() const;
 
-    /** Forgets the calls in memory. @param restart start with number 1 again */
+    /** Removes the calls from memory. @param restart start with number 1 again */
     void clear(bool restart);
 
 private:

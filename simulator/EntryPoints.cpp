@@ -27,7 +27,7 @@ std::string crc32(const void* data, std::size_t size) {
 }
 
 /** Performs a call that fills @p target from the connected instrument.
-    @param part finds what has the fields of @p record in its JSON; null: all of it */
+    @param part finds the part of its JSON with the fields of @p record; null: all of it */
 template <typename Bytes>
 KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
                     const Json& (*part)(const Json&) = nullptr) {
@@ -44,9 +44,9 @@ KVA_RESULT readInto(Bytes* target, const kvasim::Record& record,
     });
 }
 
-/** Performs a call that puts @p source into the connected instrument.
+/** Performs a call that writes @p source to the connected instrument.
     @param place of the fields of @p record in its JSON
-    @param describe what the log says of it */
+    @param describe makes the arguments for the log */
 template <typename Bytes>
 KVA_RESULT writeFrom(const char* function, const Bytes* source, const kvasim::Record& record,
                      const char* place, Json (*describe)(const Bytes& given)) {
@@ -90,7 +90,7 @@ KVA_RESULT commitCalibration(Json& instrument) {
 extern "C" {
 
 KVA_RESULT KVA_RegisterDeviceEventHandler(KVA_DeviceEventHandler handler) {
-    // Done whatever the rules answer: a handler that is to go may have nothing left to run on.
+    // Removed even when a rule makes the call fail: the handler's code may be about to be unloaded.
     if (handler == nullptr)
         simulator().events().setHandler(nullptr);
     Json arguments = {{"handler", handler != nullptr}};

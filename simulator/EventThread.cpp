@@ -34,7 +34,7 @@ bool EventThread::setHandler(KVA_DeviceEventHandler handler) {
 }
 
 bool EventThread::start() {
-    // A thread takes the mask of its maker: signals belong to the program, not to this thread.
+    // A new thread inherits the signal mask. Signals are for the program, not for this thread.
     sigset_t all;
     sigset_t before;
     sigfillset(&all);

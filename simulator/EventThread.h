@@ -1,5 +1,5 @@
 /**
- * The library's own thread: it delivers device events to the handler, and looks at the bench.
+ * The library's own thread: it delivers device events to the handler, and polls the bench.
  */
 #ifndef SIMULATOR_EVENTTHREAD_H
 #define SIMULATOR_EVENTTHREAD_H
@@ -34,9 +34,9 @@ public:
     explicit EventThread(std::function<void()> look) : m_look(std::move(look)) {}
     ~EventThread();
 
-    /** Installs @p handler; null removes it and drops the events that wait. When it returns, no
+    /** Installs @p handler; null removes it and drops the queued events. When it returns, no
         earlier handler is running or will be called again. From within a handler it returns at
-        once: the delivery under way is the last one of the earlier handler.
+        once: the present delivery is the last one to the earlier handler.
         @return false when the thread cannot be started; nothing is then installed. */
     bool setHandler(KVA_DeviceEventHandler handler);
 
@@ -44,10 +44,10 @@ public:
         @param delay from now until it is delivered */
     void post(const DeviceEvent& event, std::chrono::milliseconds delay = {});
 
-    /** Drops the events of @p owner whose time has not come. @return whether there were any */
+    /** Drops the events of @p owner that are not due yet. @return whether there were any */
     bool dropLater(std::int32_t owner);
 
-    /** Returns when every event that is due is delivered; from within a handler, at once. */
+    /** Waits until every event that is due is delivered; from within a handler, returns at once. */
     void waitUntilDelivered();
 
     /** Whether the caller runs on this thread. */

@@ -16,13 +16,13 @@ bool isAny(std::string_view /*function*/) {
     return true;
 }
 
-/** Whether it changes something. */
+/** Whether the function changes something. */
 bool isWriting(std::string_view function) {
     return function == "KVA_Connect" || function == "KVA_Disconnect" ||
            function.find("_Set") != std::string_view::npos;
 }
 
-/** Whether its answer changes with what is written, or with what is plugged. */
+/** Whether the function's answer changes after a write, or after plugging. */
 bool isRereading(std::string_view function) {
     return function == "KVA_GetDevicePortList" || function == "KVA_GetNetworkInfo" ||
            function == "KVA_GetShutdownTime" || function == "KVA_JIG_GetFactoryCalib_CALREFDATA";
@@ -32,7 +32,7 @@ bool isListing(std::string_view function) {
     return function == "KVA_GetDevicePortList";
 }
 
-// The readers check the value of a field and return it in its usual form.
+// The readers check the value of a field and return it in normal form.
 
 template <typename Number, std::int64_t lowest = std::numeric_limits<Number>::min(),
           std::int64_t highest = std::numeric_limits<Number>::max()>
@@ -64,7 +64,7 @@ Json readResult(const Json& value, const std::string& path, const FaultRule& /*r
     if (!given)
         refuse(path, "is not the name of a result code");
     const std::string name = resultName(*given);
-    // A name stands for known bits only; a value with others would come back without them.
+    // A name has only known bits; a value with other bits stays a number.
     return resultFromName(name) == given ? Json(name) : Json(*given);
 }
 
@@ -80,7 +80,7 @@ Json readMoment(const Json& value, const std::string& path, const FaultRule& /*r
     return moment;
 }
 
-/** The bytes of a function's answer that are corrupted; nothing where it has none of them. */
+/** The corrupted bytes of a function's answer; nothing when its answer has no such bytes. */
 std::optional<ByteRange> corruptedRange(std::string_view function, const Json& corruption) {
     const Record* const record = answerRecord(function);
     if (record == nullptr)
@@ -116,13 +116,13 @@ Json readCorrupted(const Json& json, const std::string& path, const FaultRule& r
     return usual;
 }
 
-/** What a rule may have beside its function and its calls. */
+/** A field of a rule, besides its function and its calls. */
 struct FaultField {
     const char* key;
     const char* needs; /**< another field, without which it is refused; null: none */
     Json (*read)(const Json& value, const std::string& path, const FaultRule& rule);
 
-    /** Of a kind of fault, of which a rule has one; null: of nothing else. */
+    /** For a kind of fault: whether a function can have it. Null for any other field. */
     bool (*isFor)(std::string_view function) = nullptr;
 };
 
@@ -150,7 +150,7 @@ std::uint32_t callNumber(std::string_view text) {
     return error == std::errc() && last == end && number != UINT32_MAX ? number : 0;
 }
 
-/** Reads which calls the rule meets. @return them in their usual form */
+/** Reads which calls the rule matches. @return them in normal form */
 Json readCall(const Json& value, const std::string& path, FaultRule& rule) {
     if (value == "every")
         return value;
@@ -163,7 +163,7 @@ Json readCall(const Json& value, const std::string& path, FaultRule& rule) {
     return rule.firstCall == rule.lastCall ? Json(rule.firstCall) : Json(text);
 }
 
-/** Whether two rules are one, of which there may have been more uses. */
+/** Whether two rules are the same, apart from the uses that are left. */
 bool isSame(const FaultRule& left, const FaultRule& right) {
     Json uses = left.json;
     if (right.has("times"))
@@ -171,7 +171,7 @@ bool isSame(const FaultRule& left, const FaultRule& right) {
     return uses == right.json;
 }
 
-/** Whether the rule, met by a call, goes by chance and does nothing this time. */
+/** Whether the rule has a probability and is not applied to this call. */
 bool isSpared(const FaultRule& rule, std::mt19937& chance) {
     return rule.has("probability") &&
            static_cast<double>(chance()) >= rule.json["probability"].get<double>() * 4294967296.0;

@@ -12,7 +12,7 @@
 
 namespace kvasim {
 
-// The records are kept as the caller sees them, and a port entry is compared byte for byte.
+// The records have the caller's byte order, and port entries are compared byte for byte.
 static_assert(__BYTE_ORDER__ == __ORDER_LITTLE_ENDIAN__, "the records are little-endian");
 
 namespace {
@@ -63,8 +63,8 @@ float readFloat(const Json& value, const std::string& path) {
     return load<float>(reinterpret_cast<const std::uint8_t*>(&bits));
 }
 
-/** A number where a number carries the value exactly, the bit pattern for everything else:
-   infinities, not-a-numbers with their payload, subnormal values and negative zero. */
+/** A number if that is exact; otherwise the bit pattern: infinities, NaNs with their payload,
+   subnormal values and negative zero. */
 Json floatToJson(const std::uint8_t* bytes) {
     const auto bits = load<std::uint32_t>(bytes);
     const auto value = load<float>(bytes);
@@ -141,15 +141,15 @@ void readText(const Json& value, const std::string& path, std::uint8_t* bytes, s
     std::copy(text.begin(), text.end(), bytes);
 }
 
-/** A string where that is exact; {"hex"} where the field has bytes that are not UTF-8 or that lie
-    behind its first NUL. Never {"fill"}: a text of one repeated byte is rare. */
+/** A string if that is exact; {"hex"} when the field has bytes that are not UTF-8, or any after its
+    first NUL. Never {"fill"}: a text of one repeated byte is rare. */
 Json textToJson(const std::uint8_t* bytes, std::size_t size) {
     std::string text(bytes, bytes + size);
     text.erase(std::min(text.find('\0'), size));
     const bool cleanRest =
         std::all_of(bytes + text.size(), bytes + size, [](auto byte) { return byte == 0; });
     Json json = std::move(text);
-    // What is not UTF-8 is left out, and the text is another one.
+    // Invalid UTF-8 is dropped, which makes the text differ.
     const std::string valid = json.dump(-1, ' ', false, Json::error_handler_t::ignore);
     return cleanRest && Json::parse(valid) == json ? json : Json{{"hex", toHex(bytes, size)}};
 }

@@ -20,7 +20,7 @@ std::string reasonOf(std::string reason) {
     if (start != std::string::npos)
         reason.erase(0, start + lead.size());
     const auto quoted = reason.find("; last read: ");
-    // The quoted input may itself hold "expected": the last one is the parser's.
+    // The quoted input may contain "expected" too: the last one is the parser's.
     if (quoted != std::string::npos)
         reason.erase(quoted, reason.rfind("; expected ") - quoted);
     return reason;
@@ -54,7 +54,7 @@ void append(std::string& text, const Json& value, std::size_t indent) {
 
 Json parseJson(std::string_view text, Comments comments) {
     std::vector<std::set<std::string>> keys; // of the objects that are open
-    // Refuses what the parser would take silently or without bound.
+    // Refuses what the parser itself would accept: repeated keys, any depth and size.
     const auto guard = [&](int depth, Json::parse_event_t event, const Json& parsed) {
         if (depth > maxDepth)
             throw InputError("more than 64 levels of arrays and objects");

@@ -22,8 +22,8 @@ namespace kvasim {
 /** Objects keep the order of their fields, so that a saved file reads like the one written. */
 using Json = nlohmann::ordered_json;
 
-/** Input that is refused, or a state that cannot be kept. `what()` is one line for people; it never
-    quotes values of the input, which may hold a security key. */
+/** Input that is refused, or a state that cannot be saved. `what()` is one line for people. It
+   never quotes values of the input, which may hold a security key. */
 class InputError : public std::runtime_error {
 public:
     using std::runtime_error::runtime_error;
@@ -45,14 +45,14 @@ std::string formatJson(const Json& value);
 /** The same, unless @p isGood. */
 void require(bool isGood, const std::string& path, const std::string& reason);
 
-/** "path.key", or what is there of the two. */
+/** "path.key", or only one of them when the other is empty. */
 std::string joined(const std::string& path, const std::string& key);
 
-/** Refuses what is no object, and an object with a field that is not among @p known. */
+/** Refuses a value that is not an object, and an object with a field that is not in @p known. */
 void requireFields(const Json& object, const std::string& path,
                    const std::vector<std::string>& known);
 
-/** A field that must be there. */
+/** A required field. */
 const Json& fieldOf(const Json& object, const std::string& path, const char* key);
 
 /** An integer from @p lowest to @p highest. */
@@ -72,7 +72,7 @@ std::string readString(const Json& value, const std::string& path);
 /** "0x7fc00001" */
 std::string toHex(std::uint32_t number);
 
-/** Two digits a byte, with @p separator between the bytes. */
+/** Two digits per byte, with @p separator between the bytes. */
 std::string toHex(const std::uint8_t* bytes, std::size_t size, std::string_view separator = {});
 
 } // namespace kvasim

@@ -44,7 +44,7 @@ std::string text(const char* given) {
     return given;
 }
 
-/** A text for the caller, who frees it; null where it is refused. */
+/** A text for the caller, who frees it; null when it is refused. */
 char* copyOf(const std::function<std::string(Simulator&)>& make) {
     char* copy = nullptr;
     attempt([&](Simulator& simulator) {

@@ -66,7 +66,7 @@ constexpr Record calibrationRecord = {
 
 namespace {
 
-/** What no function of the library answers. */
+/** State that no function of the library returns. */
 constexpr Record stateRecord = {"",
                                 0,
                                 {{"plugged", "", &flagType, {0, 1}},

@@ -1,7 +1,7 @@
 /**
  * The one description of the library's functions and records: for each field its name in
- * the record, its bytes, its place in the JSON of a bench file, and how it is written there. What
- * is written and read again has the same bytes.
+ * the record, its bytes, its place in the JSON of a bench file, and its form there. Writing and
+ * reading it again gives the same bytes.
  */
 #ifndef SIMULATOR_RECORDS_H
 #define SIMULATOR_RECORDS_H
@@ -28,8 +28,8 @@ struct FieldType {
     /** @throws InputError with @p path and the reason */
     void (*read)(const Json& value, const std::string& path, std::uint8_t* bytes, std::size_t size);
     Json (*write)(const std::uint8_t* bytes, std::size_t size);
-    std::size_t elementSize = 0; /**< in bytes; 0: it is no array */
-    bool isString = false;       /**< so that `kvasim set` takes a text as it is */
+    std::size_t elementSize = 0; /**< in bytes; 0: not an array */
+    bool isString = false;       /**< `kvasim set` then takes plain text */
 };
 
 extern const FieldType flagType;     /**< true or false */
@@ -53,7 +53,7 @@ struct ByteRange {
 };
 
 struct Field {
-    const char* place; /**< in the JSON, "port.type", "firmware[1]"; null: not there */
+    const char* place; /**< in the JSON, "port.type", "firmware[1]"; null: not in the JSON */
     const char* name;  /**< in the record, "portType"; empty: none */
     const FieldType* type;
     ByteRange bytes; /**< in the record */
@@ -84,7 +84,7 @@ std::vector<Place> instrumentPlaces();
 /** "device.firmware[1]" as the pointer /device/firmware/1. */
 Json::json_pointer pointerTo(const std::string& place);
 
-/** Reads a record from JSON that has all its fields, checked before. */
+/** Reads a record from JSON that has all its fields and was checked. */
 template <typename Bytes>
 Bytes fromJson(const Record& record, const Json& json) {
     Bytes bytes{};
@@ -99,7 +99,7 @@ Bytes fromJson(const Record& record, const Json& json) {
 /** The record as JSON. @param bytes the first of `record.size` bytes */
 Json toJson(const Record& record, const void* bytes);
 
-/** The record that a function answers with; null where that is its result only. */
+/** The record that a function answers with; null when it answers with a result code alone. */
 const Record* answerRecord(std::string_view function);
 
 /** A field as the record declares it ("IPAddress", "rfWhite.spcData"), or one element of an array

@@ -14,8 +14,8 @@ namespace {
 
 Simulator* g_simulator = nullptr;
 
-/** Ends the event thread before the library's code is gone. A destructor of the library and not of
-    an object: it runs after all objects of the program are gone, which may still call in. */
+/** Ends the event thread before the library is unloaded. A destructor of the library, not of an
+    object: it runs after the program's objects are destroyed, which may still call the library. */
 __attribute__((destructor)) void unload() {
     if (g_simulator != nullptr && !g_simulator->events().isCurrent())
         delete g_simulator;
@@ -70,7 +70,7 @@ CallEffects Simulator::begin(Call& call) {
     }
     for (const FaultRule& rule : m_faults.meet(call.function, call.serialNumber)) {
         bool isLeft = true;
-        if (rule.has("times")) // counts down for all programs; another one may have been faster
+        if (rule.has("times")) // shared by all programs; another one may have used it up
             changeLocked([&](Bench& next) { isLeft = useUp(next.faults, rule); });
         if (isLeft)
             apply(rule, effects);
@@ -81,7 +81,7 @@ CallEffects Simulator::begin(Call& call) {
 KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call, const Work& work) {
     if (effects.delay.count() > 0)
         std::this_thread::sleep_for(effects.delay);
-    // A connection that is being made and breaks has never been made.
+    // KVA_Connect during which the instrument is unplugged never makes the connection.
     const bool early =
         effects.unplug == "before" || (effects.answerIsLost() && call.function == "KVA_Connect");
     if (early)
@@ -99,7 +99,7 @@ KVA_RESULT Simulator::performWith(const CallEffects& effects, const Call& call, 
     return result == KVA_SUCCESS ? effects.result.value_or(KVA_SUCCESS) : result;
 }
 
-/** Detaches what the rule says, or the instrument of the call, or the first one of the list. */
+/** Unplugs the instrument that the rule names, or the call's, or the first one of the list. */
 void Simulator::unplug(const CallEffects& effects, const Call& call) {
     try {
         change([&](Bench& next) {
@@ -187,7 +187,7 @@ KVA_RESULT Simulator::write(const CallEffects& effects,
         return result;
     Json before;
     changeLocked([&](Bench& next) {
-        if (connected(result) == nullptr) // lost, as the file says by now
+        if (connected(result) == nullptr) // lost by a change of the file
             return;
         Json& instrument = instrumentOf(next, m_connection->serialNumber);
         before = instrument;
@@ -210,7 +210,7 @@ void Simulator::keepFormerAnswers(const Json& before, const Json& after) {
         former["calibration"] = before["calibration"];
 }
 
-/** Finds the connected instrument. @return null with the reason */
+/** The connected instrument; null with the reason in @p result. */
 const Json* Simulator::connected(KVA_RESULT& result) {
     if (!loaded())
         result = KVA_ERROR;

@@ -31,23 +31,23 @@ struct Call {
 
 /** Any thread may call any function. No lock is held while a handler runs.
  *
- * The bench is read from the environment when it is first needed; where that fails, one line on
- * standard error says why, and whatever needs it fails until `load`. It is looked at before each
- * call and on the event thread; what has changed makes the events. Every change is saved before it
- * counts: where that fails, the call that made it fails. */
+ * The bench that the environment names is read when it is first needed. If that fails, one line on
+ * standard error says why, and calls that need it fail until `load`. The file is polled before each
+ * call and on the event thread; its changes cause the events. Every change is saved before it takes
+ * effect. If saving fails, the call that made it fails. */
 class Simulator {
 public:
-    /** What a call does. Whatever it throws becomes KVA_ERROR. */
+    /** What a call does. Any exception becomes KVA_ERROR. */
     using Work = std::function<KVA_RESULT(const CallEffects& effects)>;
 
-    /** The one object; made with the first call. */
+    /** The one object; created by the first call. */
     static Simulator& instance();
 
     Simulator() : m_events([this] { look(); }) {}
 
     // The thirteen functions. Nothing is thrown.
 
-    /** Performs a call: asks the rules, does @p work unless they answer for it, and logs it. */
+    /** Performs a call: applies the rules, does @p work unless a rule replaces it, and logs it. */
     KVA_RESULT perform(Call call, const Work& work);
 
     /** Fills up to @p capacity entries of @p list; a null @p list counts only.
@@ -59,16 +59,16 @@ public:
     KVA_RESULT disconnect(const CallEffects& effects);
     KVA_RESULT read(const CallEffects& effects, const std::function<void(const Json&)>& reader);
 
-    /** Changes the connected instrument; a negative answer of @p writer changes nothing. */
+    /** Changes the connected instrument; a negative result of @p writer changes nothing. */
     KVA_RESULT write(const CallEffects& effects, const std::function<KVA_RESULT(Json&)>& writer);
 
     // Control. Throws InputError with the reason when it is refused.
 
-    /** Puts a bench in place of the present one; the connection ends without an event. Null: the
-       one of the environment, when it is next needed. */
+    /** Replaces the present bench; the connection ends without an event. Null: the one that the
+       environment names, when it is next needed. */
     void load(std::unique_ptr<BenchStore> store);
 
-    /** Changes the bench, which @p make gets a copy of. */
+    /** Changes the bench; @p make changes a copy of it. */
     void change(const std::function<void(Bench&)>& make);
 
     Json state();
@@ -97,7 +97,7 @@ private:
         m_store->change(make, [this](const Bench& before) { see(before); });
     }
 
-    /** Lets what is different from @p before have its effect. */
+    /** Causes the events and the loss of connection that follow from changes since @p before. */
     void see(const Bench& before);
     void see(const Json& before, const Json& after);
     void announce(const Json& instrument);

@@ -1,4 +1,4 @@
-// The simulator's bench: where it comes from, its changes, and the events that they make.
+// The simulator's bench: loading it, its changes, and the events that they cause.
 
 #include "simulator/Simulator.h"
 
@@ -10,8 +10,8 @@ namespace kvasim {
 
 namespace {
 
-/** The instrument that @p after was; null where it is new. One that has got another serial number
-    is at the place where it was. */
+/** The same instrument in @p before; null when it is new. One whose serial number was changed is
+    found by its index. */
 const Json* counterpart(const Bench& before, const Bench& now, std::size_t index) {
     const std::int32_t serialNumber = serialNumberOf(now.instruments[index]);
     const Json* const same = findInstrument(before, serialNumber);
@@ -43,7 +43,7 @@ Json Simulator::state() {
     return benchToJson(m_store->bench());
 }
 
-/** Reads the bench where that has not been tried yet. @return false when there is none. */
+/** Reads the bench if that was not tried yet. @return false when there is none. */
 bool Simulator::loaded() {
     if (m_store != nullptr || !m_refusal.empty())
         return m_store != nullptr;
@@ -70,7 +70,7 @@ void Simulator::take(std::unique_ptr<BenchStore> store) {
     m_log.setBench(m_store ? m_store->path() : "");
     if (!m_store)
         return;
-    // Not before the earlier bench is gone: where both are one file, its locks go with it.
+    // Only after the earlier bench is destroyed: if both are the same file, that drops its locks.
     m_store->lock().use();
     m_faults.assign(m_store->bench().faults);
 }
@@ -121,16 +121,16 @@ void Simulator::see(const Json& before, const Json& after) {
         return;
     if (wasConnected)
         loseConnection();
-    // Switched off while it started, it is announced when it has started again.
+    // Power-cycled while it started: announced again once it has started.
     const bool isAwaited = m_events.dropLater(serialNumberOf(before)) || wasConnected;
     if (isPlugged(after) && (!isPlugged(before) || isAwaited))
         announce(after);
 }
 
-/** Delivers a standby event, when the instrument has started. */
+/** Delivers a standby event once the instrument has started. */
 void Simulator::announce(const Json& instrument) {
     const std::int64_t left = startUpLeft(instrument);
-    // A millisecond more: when it is announced, it is listed too.
+    // One millisecond later, so that the instrument is already listed when the event arrives.
     m_events.post({eEventCode_Standby, 0, 0, serialNumberOf(instrument)},
                   std::chrono::milliseconds(left == 0 ? 0 : left + 1));
 }

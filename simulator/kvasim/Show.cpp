@@ -44,7 +44,7 @@ std::string cell(const Json& value) {
     return text.size() > widest ? text.substr(0, widest - 3) + "..." : text;
 }
 
-/** What two records have, nothing where a record is not there. */
+/** The fields of two records side by side; empty cells for a missing record. */
 std::string compared(const Row& head, const Json& one, const Json& other) {
     std::vector<Row> rows = {head};
     const auto add = [&](const std::string& title, const Json::json_pointer& place) {
@@ -77,15 +77,15 @@ std::string portAsText(const Json& port) {
     return port["type"] == 1 ? "USB" : "network " + cell(port["name"]);
 }
 
-/** Hands over the whole lines that have been added. */
+/** Passes on the complete lines added since the last call. */
 void readLines(std::ifstream& file, const std::function<void(const Json&)>& take) {
     std::string line;
     while (std::getline(file, line)) {
         const Json call = Json::parse(line, nullptr, false);
-        if (call.is_object() && call.size() == 6) // a file of the user's may hold anything
+        if (call.is_object() && call.size() == 6) // the user's file may have other lines
             take(call);
     }
-    file.clear(); // from the end of file, which may move
+    file.clear(); // clears the end-of-file state: the file may grow
 }
 
 } // namespace
@@ -148,7 +148,7 @@ void followLog(const std::string& path, const std::function<void(const Json&)>& 
     std::ifstream file;
     std::int64_t opened = 0;
     for (bool more = true; more;) {
-        more = goOn(); // before reading: the last call of a program comes before its end
+        more = goOn(); // before reading: a program logs its last call before it ends
         if (file.is_open())
             readLines(file, take);
         const std::int64_t present = stampOf(path).inode;

@@ -14,16 +14,16 @@ namespace kvasim {
 /** The instruments of a bench, an object each, as `kvasim list --json` prints them. */
 Json listOf(const BenchStore& store);
 
-// The texts have a line for each: instrument, field of an instrument, rule, call.
+// One line for each instrument, field of an instrument, rule, call.
 std::string listAsText(const Json& instruments);
 std::string instrumentAsText(const Json& instrument);
 std::string faultsAsText(const Json& faults);
 std::string callAsText(const Json& call);
 
-/** Hands over the calls of a log file, oldest first, and then those that are added to it, also when
-    the file has been moved away and a new one begun.
-    @param path the file; no calls where there is none
-    @param goOn asked each time the end is reached; the log is read once more after it said no */
+/** Passes the calls of a log file to @p take, oldest first, and then those that are added, also
+    after the file was renamed and a new one begun.
+    @param path the file; without it there are no calls
+    @param goOn called each time the end is reached; after false the log is read once more */
 void followLog(const std::string& path, const std::function<void(const Json&)>& take,
                const std::function<bool()>& goOn);
 

@@ -1,4 +1,4 @@
-// kvasim: the hands at the bench of simulated instruments.
+// kvasim: controls the simulated instruments.
 
 #include "simulator/BenchStore.h"
 #include "simulator/CallLog.h"
@@ -22,7 +22,7 @@ using kvasim::Json;
 
 enum ExitStatus { Done = 0, Refused = 1, Usage = 2 };
 
-/** What the options hold when the command line has been read. */
+/** The parsed command line. */
 struct Options {
     std::string bench;
     std::int32_t serialNumber = 0;
@@ -151,7 +151,7 @@ void addInstrumentCommands(CLI::App& app, Options& options) {
         ->required();
 }
 
-/** An option of `fault add`, which gives a field of the rule. */
+/** An option of `fault add`, which sets a field of the rule. */
 struct FaultOption {
     const char* name;
     const char* pointer; ///< to the field
@@ -170,7 +170,7 @@ CLI::Option* addFlag(CLI::App& app, const FaultOption& option, Json& rule) {
     return app.add_flag_function(option.name, take, option.help);
 }
 
-/** A number where the text is one; a field's name or a result's otherwise. */
+/** A number if the text is one; otherwise a field's or a result's name. */
 CLI::Option* addNumberOrName(CLI::App& app, const FaultOption& option, Json& rule) {
     const auto take = [&](const std::string& text) {
         const Json number = Json::parse(text, nullptr, false);
