@@ -7,7 +7,7 @@
 
 namespace {
 
-// In the units of the picture, whose width and height are those of its view box.
+// In the units of the SVG's view box, which has this width and height.
 constexpr double width = 720;
 constexpr double height = 386;
 constexpr double left = 64;
@@ -16,7 +16,7 @@ constexpr double valuesTop = 48;
 constexpr double valuesBottom = 220;
 constexpr double differenceTop = 258;
 constexpr double differenceBottom = 338;
-/** The first and the last value stand off from the edges of the panel. */
+/** Distance of the first and the last value from the edges of the panel. */
 constexpr double inset = 10;
 
 using Row = std::vector<double>;
@@ -29,7 +29,7 @@ QString point(double x, double y) {
     return coordinate(x) + QLatin1Char(',') + coordinate(y);
 }
 
-/** 1, 2 or 5 times a power of ten: the least of them that is not below @p least. */
+/** The smallest of 1, 2 or 5 times a power of ten that is not below @p least. */
 double roundStep(double least) {
     const double power = std::pow(10.0, std::floor(std::log10(least)));
     for (const double factor : {1.0, 2.0, 5.0}) {
@@ -42,7 +42,7 @@ double roundStep(double least) {
 /** The vertical axis of a panel. */
 class Axis {
 public:
-    /** @param numbers  to be shown; those that are not finite do not count */
+    /** @param numbers  to be shown; those that are not finite are ignored */
     Axis(const Row& numbers, double top, double bottom) : m_top(top), m_bottom(bottom) {
         double lowest = 0;
         double highest = 0;

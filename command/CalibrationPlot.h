@@ -9,18 +9,18 @@
 #include <vector>
 
 /**
- * A row of values before and after, over their index, and below it their difference, as SVG within
- * a page. It needs no colour: the one curve is dashed with squares, the other one solid with dots.
- * A value that is no finite number has no point.
+ * Two rows of values, before and after, over their index, and below them their difference, as SVG
+ * in a page. Readable without colour: one curve is dashed with squares, the other solid with dots.
+ * A value that is not finite has no point.
  */
 struct CalibrationPlot {
-    QString id; ///< that no other element of the page begins its own with
+    QString id; ///< a prefix that no other element of the page uses
     QString title;
-    QString description; ///< what is to be seen, for those who do not see it
+    QString description; ///< what the plot shows, for screen readers
     QString beforeName;
     QString afterName;
     std::vector<float> before;
-    std::vector<float> after;        ///< as many, two or more
+    std::vector<float> after;        ///< as many as `before`, at least two
     std::vector<std::size_t> marked; ///< indices of `after` that look wrong
 
     void write(HtmlWriter& html) const;

@@ -39,7 +39,7 @@ void CallWatch::callEnded(const CallResult& result) {
 }
 
 void CallWatch::watch() {
-    // This thread makes no calls that a signal could cut short.
+    // This thread makes no library calls that a signal could interrupt.
     Interrupt::receiveHere();
     std::unique_lock<std::mutex> lock(m_mutex);
     while (!m_isEnding) {

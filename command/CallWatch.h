@@ -8,14 +8,14 @@
 #include <mutex>
 #include <thread>
 
-/** Watches the calls to libKVASDK: tells on standard error, from a thread of its own, of one that
-    does not answer, and keeps the warnings that were seen. */
+/** Watches the calls to libKVASDK: reports a call that hangs on standard error, from a thread of
+    its own, and collects the warnings of all calls. */
 class CallWatch : public CallObserver {
 public:
-    /** A call that takes so long is told of, and again each time that it has taken as long more. */
+    /** A call that takes this long is reported, and again after each further period. */
     static constexpr std::chrono::seconds patience{3};
 
-    /** @param next  is told of each call as well, and outlives the object; null for nobody */
+    /** @param next  also notified of each call; must outlive the object; null: nobody */
     explicit CallWatch(CallObserver* next = nullptr);
     ~CallWatch() override;
     CallWatch(const CallWatch&) = delete;
@@ -24,7 +24,7 @@ public:
     void callBegins(const char* function) override;
     void callEnded(const CallResult& result) override;
 
-    /** All warning bits of all answers. The thread that makes the calls. */
+    /** All warning bits of all answers. Only for the thread that makes the calls. */
     KVA_RESULT warnings() const { return m_warnings; }
 
 private:
@@ -35,7 +35,7 @@ private:
 
     std::mutex m_mutex; ///< of what follows
     std::condition_variable m_changed;
-    const char* m_function = nullptr; ///< of the call that has not answered yet
+    const char* m_function = nullptr; ///< of the call in progress
     std::chrono::steady_clock::time_point m_begin;
     bool m_isEnding = false;
 

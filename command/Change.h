@@ -8,21 +8,21 @@
 #include <optional>
 #include <vector>
 
-/** What an instrument is to hold. What is not named stays as it is. */
+/** The wanted state of an instrument. Parts that are not named stay unchanged. */
 struct Change {
     std::optional<KVA_NETWORKINFO> network;
     NetworkFields networkFields; ///< some of them; without effect beside `network`
-    /** Whether somebody asked for network settings, and not for all that there is. */
+    /** Whether the user asked for network settings, and not for everything. */
     bool namesNetwork = false;
     std::optional<std::uint8_t> powerOffMode;
     std::optional<KVA_JIG_CALREFDATA> calibration; ///< the whole record
     std::vector<ValueFile> accessories;            ///< parts of the record
 
-    /** What an instrument that holds @p held is to hold. */
+    /** The wanted state of an instrument that holds @p held. */
     InstrumentState appliedTo(const InstrumentState& held) const;
 };
 
-/** The parts that are written one by one. */
+/** The parts that are written separately. */
 struct Parts {
     bool calibration = false;
     bool powerOff = false;
@@ -31,7 +31,7 @@ struct Parts {
     bool any() const { return calibration || powerOff || network; }
 };
 
-/** The parts of which any byte differs. */
+/** The parts that differ in any byte. */
 Parts differingParts(const InstrumentState& held, const InstrumentState& wanted);
 
 #endif

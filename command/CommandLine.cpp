@@ -28,7 +28,7 @@ std::vector<std::string> words(const QStringList& list) {
     return result;
 }
 
-/** The command line's options, each put into its place as it is read. */
+/** The parser of the command line; it stores each option in its variable. */
 class CommandLine {
 public:
     CommandLine();
@@ -55,7 +55,7 @@ private:
 
     CLI::App m_app;
     std::function<ExitStatus()> m_verb;
-    std::string m_language; ///< taken by `main` already
+    std::string m_language; ///< only parsed here; `main` has used it already
     ListOptions m_list;
     ShowOptions m_show;
     BackupOptions m_backup;
@@ -87,7 +87,7 @@ CommandLine::CommandLine()
                 "vq-tl4ctl", "Reads and changes the settings of instruments, and proves what it "
                              "changed.")),
             "vq-tl4ctl") {
-    // Before the verbs, which take them over.
+    // Before the verbs are added, as they inherit it.
     m_app.set_help_flag("-h,--help", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show this help")));
     m_app.formatter(UsageText::formatter());
     m_app.failure_message(UsageText::failure);

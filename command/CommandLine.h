@@ -1,8 +1,8 @@
 #ifndef COMMAND_COMMANDLINE_H
 #define COMMAND_COMMANDLINE_H
 
-/** Reads the command line and runs its verb. The application object exists. @return the exit
-    status; 2 for a command line that is wrong, which was said */
+/** Parses the command line and runs its verb. The application object must exist. @return the exit
+    status; 2 after the message about a wrong command line */
 int runCommandLine(int argc, char** argv);
 
 #endif

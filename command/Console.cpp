@@ -14,7 +14,7 @@ namespace {
 QByteArray readAnswer() {
     QByteArray answer;
     while (!answer.endsWith('\n') && !Interrupt::isRequested()) {
-        // Looked at again and again: the signal may have come to another thread.
+        // Polled: another thread may have handled the signal.
         struct pollfd input = {STDIN_FILENO, POLLIN, 0};
         constexpr int millisecondsBetweenLooks = 100;
         if (::poll(&input, 1, millisecondsBetweenLooks) <= 0)

@@ -3,14 +3,14 @@
 
 #include "command/Transaction.h"
 
-/** The person before the terminal: sees the difference on standard error and is asked there. */
+/** Shows a person the difference on standard error and asks for confirmation there. */
 class Console : public TransactionObserver {
 public:
-    /** @param isSure  the person said yes beforehand and is not asked */
+    /** @param isSure  `--yes` was given: nothing is asked */
     Console(std::int32_t serialNumber, bool isSure)
         : m_serialNumber(serialNumber), m_isSure(isSure) {}
 
-    /** Whether there is somebody who can be asked. */
+    /** Whether there is a terminal to ask a person at. */
     static bool hasTerminal();
 
     /** Asks a question that ends in "[y/N]". */

@@ -7,7 +7,7 @@
 
 namespace {
 
-/** Of the characters that are no part of a cell: none, as blanks are. */
+/** For libcsv: no character is a blank to be removed, as blanks belong to cells. */
 int isNoBlank(unsigned char /*character*/) {
     return 0;
 }
@@ -78,7 +78,7 @@ bool CsvReader::next() {
     return m_isInRow && endAtEndOfFile();
 }
 
-/** There is no row to come: what is left has no end. */
+/** No complete row is left: the rest, if any, has no line end. */
 bool CsvReader::endAtEndOfFile() {
     if (!parse(m_rest))
         return false;

@@ -24,18 +24,18 @@ public:
     CsvReader(const CsvReader&) = delete;
     CsvReader& operator=(const CsvReader&) = delete;
 
-    /** Goes on to the next row that is not an empty line. @return whether there is one; without
-        one, `problem` says why where it is not the end of the file */
+    /** Reads the next row that is not an empty line. @return whether there is one; false with a
+        `problem` when it is not the end of the file */
     bool next();
 
-    /** Of the row, as a spreadsheet counts: from 1, empty lines too. Where there is a problem, of
-        the row that has it. */
+    /** The row's number as in a spreadsheet: from 1, with empty lines. With a problem, that of the
+        wrong row. */
     int number() const { return m_number; }
-    /** Of the row; until the next one. */
+    /** The row's cells; valid until the next row is read. */
     const std::vector<std::string_view>& cells() const { return m_cells; }
     const Text& problem() const { return m_problem; }
 
-    /** The cell in quotes, as it is put into a file. */
+    /** The cell in quotes, as it is written to a file. */
     static QByteArray quoted(std::string_view cell);
 
 private:
@@ -52,7 +52,7 @@ private:
     std::vector<std::string_view> m_cells;
     int m_number = 0;
     int m_rowsInLine = 0;
-    bool m_isInRow = false; ///< a cell in quotes goes on in the next line
+    bool m_isInRow = false; ///< a quoted cell continues in the next line
     Text m_problem;
 };
 

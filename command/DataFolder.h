@@ -5,7 +5,7 @@
 
 #include <cstdint>
 
-/** Where the command keeps what outlives it: `vq-tl4ctl` in the user's data folder. */
+/** The files that the command keeps: in `vq-tl4ctl` in the user's data folder. */
 namespace DataFolder {
 
 /** `$XDG_DATA_HOME`, or `~/.local/share`; on macOS `~/Library/Application Support`; with
@@ -13,7 +13,7 @@ namespace DataFolder {
 QString path();
 
 QString snapshots();
-/** The mark of an unfinished write, whether it is there or not. */
+/** The path of the mark of an unfinished write; the file need not exist. */
 QString unfinishedMark(std::int32_t serialNumber);
 /** The folder of those marks. */
 QString unfinishedMarks();
@@ -22,7 +22,7 @@ QString lockFile();
 /** The journal that the command line names, or the usual one. Absolute. */
 QString journal();
 QString usualJournal();
-/** Once, before any of the others is used. @param path  relative to the working folder */
+/** Call once, before the other functions. @param path  relative to the working folder */
 void useJournal(const QString& path);
 
 } // namespace DataFolder

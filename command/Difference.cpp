@@ -26,7 +26,7 @@ void addAccessory(const QString& name, const CalibrationAccessory& accessory,
                        FieldTexts::value(accessory.values(to)[i]), changes);
 }
 
-/** The bytes that are carried through, from the first to the last that differs. */
+/** The uninterpreted bytes, from the first to the last that differs. */
 void addRest(const KVA_JIG_CALREFDATA& from, const KVA_JIG_CALREFDATA& to, FieldChanges& changes) {
     std::size_t first = sizeof from.reserved;
     std::size_t last = 0;

@@ -16,12 +16,12 @@ struct FieldChange {
 
 using FieldChanges = std::vector<FieldChange>;
 
-/** The fields of the network settings that differ; none where one of them is missing.
+/** The fields of the network settings that differ; none when one of the two is missing.
     @param withKey  false: the security key is not compared */
 void addDifference(const std::optional<KVA_NETWORKINFO>& from,
                    const std::optional<KVA_NETWORKINFO>& to, bool withKey, FieldChanges& changes);
 
-/** The fields that differ, of all that can be written: network, power-off, calibration. */
+/** The fields that differ, among those that can be written: network, power-off, calibration. */
 FieldChanges difference(const InstrumentState& from, const InstrumentState& to,
                         bool withKey = true);
 

@@ -11,7 +11,7 @@
 
 namespace {
 
-/** Makes a system call again for as long as a signal cuts it short. */
+/** Repeats a system call while a signal interrupts it. */
 template <typename Call>
 auto uninterrupted(const Call& call) {
     auto result = call();
@@ -20,7 +20,7 @@ auto uninterrupted(const Call& call) {
     return result;
 }
 
-/** What the system keeps of the file is on the disk; on macOS fsync alone does not reach it. */
+/** Syncs the file to the disk; on macOS fsync alone does not do this. */
 bool sync(int descriptor) {
 #ifdef F_FULLFSYNC
     if (::fcntl(descriptor, F_FULLFSYNC) == 0)
@@ -56,7 +56,7 @@ bool writeAll(int descriptor, const QByteArray& content) {
     return sync(descriptor);
 }
 
-/** Writes a file of a name of its own beside @p path. Empty, with `errno`, when that fails. */
+/** Writes a file with a temporary name beside @p path. Empty, with `errno`, when that fails. */
 QByteArray writeBeside(const QString& path, const QByteArray& content) {
     QByteArray name = QFile::encodeName(path) + ".XXXXXX";
     const int descriptor = ::mkstemp(name.data()); // mode 0600
@@ -90,7 +90,7 @@ Text DurableFile::create(const QString& path, const QByteArray& content, bool& i
     const QByteArray beside = writeBeside(path, content);
     if (beside.isEmpty())
         return writeFailure(path, errno);
-    // A link, as a rename would take the place of a file that another program has just made.
+    // A link, since a rename would overwrite a file that another program has just created.
     const bool named = ::link(beside.constData(), QFile::encodeName(path).constData()) == 0;
     const int error = errno;
     ::unlink(beside.constData());

@@ -7,21 +7,21 @@
 #include <QString>
 
 /**
- * Files that are whole or not there, whenever the power fails: written beside, synced, given their
- * name, and their folder synced. For the user alone, mode 0600. Folders that are missing are made,
- * with mode 0700.
+ * Atomic files: even after a power failure a file is complete or does not exist. It is written
+ * under a temporary name, synced and linked to its name, and then its folder is synced. Mode 0600.
+ * Missing folders are created with mode 0700.
  *
- * Each function is empty when it has done its work, and says what went wrong otherwise.
+ * Each function returns an empty text on success, and the reason of the failure otherwise.
  */
 namespace DurableFile {
 
-/** Writes a file under a name that is not taken; sets @p isTaken and does nothing where it is. */
+/** Creates a new file. If it exists, sets @p isTaken and does nothing else. */
 Text create(const QString& path, const QByteArray& content, bool& isTaken);
 
-/** Removes the file and syncs its folder; a file that is not there is removed already. */
+/** Removes the file and syncs its folder; a missing file counts as removed. */
 Text remove(const QString& path);
 
-/** Makes the folder, with those above it, and syncs what was made. */
+/** Creates the folder and its parents, and syncs them. */
 Text makeFolder(const QString& path);
 
 /** "PATH cannot be written: reason" for @p error, an `errno`. */

@@ -7,7 +7,7 @@
 
 #include <vector>
 
-/** What is wrong with an input file, and where. */
+/** An error in an input file, with its place. */
 struct Fault {
     QString file;
     int line = 0;   ///< from 1; 0 for the file as a whole; the row of a spreadsheet

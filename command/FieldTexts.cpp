@@ -17,7 +17,7 @@ bool readsAs(const QByteArray& number, float value) {
     return std::memcmp(&read, &value, sizeof value) == 0;
 }
 
-/** Empty where there is none. */
+/** Empty if there is none. */
 QByteArray shortestDecimal(float value) {
     if (!std::isfinite(value))
         return {};
@@ -43,7 +43,7 @@ QString FieldTexts::value(float value) {
 }
 
 QJsonValue FieldTexts::jsonValue(float value) {
-    // JSON as Qt writes it has no -0.
+    // Qt's JSON writer has no -0.
     const bool isNegativeZero = value == 0.0F && std::signbit(value);
     const QByteArray number = isNegativeZero ? QByteArray() : shortestDecimal(value);
     return number.isEmpty() ? QJsonValue(bitPattern(value)) : QJsonValue(number.toDouble());
@@ -86,7 +86,7 @@ const char* FieldTexts::parseAddress(std::string_view text, std::uint8_t* octets
         int number = 0;
         while (place < end && place - begin < 4 && *place >= '0' && *place <= '9')
             number = number * 10 + (*place++ - '0');
-        // The fourth is all that is left: a fifth makes it no number.
+        // The fourth number must end the text.
         const bool isWhole = place == end || (i < 3 && *place == '.');
         if (place == begin || place - begin > 3 || number > 255 || !isWhole)
             return begin;
@@ -103,7 +103,7 @@ QString FieldTexts::text(const char* field, std::size_t size) {
     const bool isPrintable = std::all_of(text.begin(), text.end(), [](QChar character) {
         return character.isPrint() || character.isSurrogate();
     });
-    // A text that looks like bytes is written as bytes, so that both can be told apart.
+    // A text that looks like bytes is written as bytes, so that the two differ.
     const bool isText = text.toUtf8() == bytes && isPrintable && !bytes.startsWith("0x");
     return isText ? text : QStringLiteral("0x") + QString::fromLatin1(bytes.toHex());
 }

@@ -12,30 +12,30 @@
 #include <cstdint>
 #include <string_view>
 
-/** How the fields of an instrument are written, in snapshots, differences and on the terminal. */
+/** The texts of an instrument's fields, in snapshots, differences and on the terminal. */
 namespace FieldTexts {
 
-/** The shortest decimal that reads as the same single-precision number; its bit pattern, as
-    "0x7fc00001", where no decimal does. */
+/** The shortest decimal that gives the same single-precision number when read; if there is none,
+    the bit pattern, such as "0x7fc00001". */
 QString value(float value);
-/** The same as a JSON number, or as a text where no number does. */
+/** The same as a JSON number, or as a string if no number is exact. */
 QJsonValue jsonValue(float value);
 
-/** The eight digits of a serial number in binary-coded decimal; letters where it is none. */
+/** The eight digits of a serial number in binary-coded decimal; letters for other half-bytes. */
 QString accessorySerial(const std::uint8_t (&serialNo)[4]);
 
-/** "off", "15", "30", "60" minutes; "mode 7" for a mode without a meaning. */
+/** "off", "15", "30", "60" minutes; "mode 7" for an unknown mode. */
 QString powerOff(std::uint8_t mode);
 /** The words that `--power-off` takes, in the order of the modes. */
 const QStringList& powerOffWords();
 
-/** "off", "on"; the number where it is neither. */
+/** "off", "on"; otherwise the number. */
 QString onOff(std::uint32_t flag);
 QString address(const std::uint8_t (&octets)[4]);
 /** Reads four numbers from 0 to 255, of one to three digits. @param octets  four
-    @return null, or what is no such number: a place in @p text or its end */
+    @return null, or the place of the error in @p text, which may be its end */
 const char* parseAddress(std::string_view text, std::uint8_t* octets);
-/** The field up to its NUL; its bytes, as "0x…", where they are no UTF-8 or could not be printed.
+/** The field up to its NUL; its bytes, as "0x…", if they are not UTF-8 or not printable.
  */
 QString text(const char* field, std::size_t size);
 
@@ -43,7 +43,7 @@ QString firmware(const KVA_DEVICEINFO& device);
 QString macAddress(const KVA_DEVICEINFO& device);
 QString hex(const void* bytes, std::size_t size);
 
-/** The local time with its distance from UTC: "2026-11-20 18:30:00+09:00". */
+/** The local time with its UTC offset: "2026-11-20 18:30:00+09:00". */
 QString time(const QDateTime& time);
 
 } // namespace FieldTexts

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <vector>
 
-/** One strict check of a text file: its lines, and the faults found in them. Bytes are bytes, as
-    for the tool's readers. The file and the faults are the caller's and outlive it. */
+/** One strict check of a text file: its lines, and the faults found in them. No encoding is used,
+    as in the tool's readers. The file and the faults belong to the caller and must outlive it. */
 class FileCheck {
 public:
     FileCheck(const InputFile& file, Faults& faults);
@@ -18,22 +18,22 @@ public:
     const std::vector<std::string_view>& lines() const& { return m_lines; }
     const std::vector<std::string_view>& lines() const&& = delete;
 
-    /** @param place  within a line: it names line and column */
+    /** @param place  within a line; gives line and column */
     void add(const char* place, Text text);
-    /** @param lineIndex  from 0; may be one behind the last line */
+    /** @param lineIndex  from 0; may be one past the last line */
     void addAtLine(std::size_t lineIndex, Text text);
 
-    /** Refuses what has no lines: UTF-16, and text whose lines end in CR alone.
-        @return whether there are lines to look at */
+    /** Refuses a file without lines: UTF-16, and text whose lines end in CR alone.
+        @return whether there are lines to check */
     bool hasLines();
 
     /** Refuses a NUL or a CR in @p text, a part of a line. @return whether there is none */
     bool isText(std::string_view text);
 
-    /** Puts the faults in the order of their places. @return whether there are none */
+    /** Sorts the faults by place. @return whether there are none */
     bool finish();
 
-    /** Bytes of the file, as they are quoted in a message: shortened, control characters visible.
+    /** Bytes of the file for a message: shortened, with control characters made visible.
      */
     static QString quoted(std::string_view bytes);
 

@@ -15,7 +15,7 @@ QString translated(const char* source, const QStringList& arguments = {}) {
     return Text(source, arguments).translated();
 }
 
-/** The accessories, as the fields of a difference name them and as people do. */
+/** The accessories: their names in the fields of a difference, and for people. */
 struct Accessory {
     const CalibrationAccessory& descriptor;
     const char* field;
@@ -38,8 +38,8 @@ bool areFinite(const std::vector<float>& values) {
     return std::all_of(values.begin(), values.end(), [](float v) { return std::isfinite(v); });
 }
 
-/** The decimal places of a column in which all these values can be written as they are; nothing
-    where one of them is no plain decimal. */
+/** The decimal places that a column needs to show all these values exactly; nothing if one of them
+    is not a plain decimal. */
 std::optional<int> decimalPlaces(const std::vector<float>& values) {
     int places = 0;
     for (const float value : values) {
@@ -114,7 +114,7 @@ const CalibrationAccessory* HtmlCalibration::accessoryOf(const QString& role) {
 }
 
 void HtmlCalibration::write(HtmlWriter& html, const QString& serial) const {
-    // The instrument as well: printed, this begins a sheet.
+    // With the instrument, since a printed page may begin here.
     html.element("h3", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1, instrument %2"),
                                   {translated(m_name), serial}));
     {

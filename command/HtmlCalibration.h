@@ -9,21 +9,20 @@
 
 #include <vector>
 
-/** The part of a report that is about the values of one accessory: plot, what looks wrong, table.
- */
+/** The part of a report about one accessory's values: plot, implausible values, table. */
 class HtmlCalibration {
 public:
     /** A part for each accessory whose values differ in any bit.
-        @param afterName  what the state after it is called
-        @param id         that no other element of the page begins its own with */
+        @param afterName  the name of the second state, "After" or "Wanted"
+        @param id         a prefix that no other element of the page uses */
     static std::vector<HtmlCalibration> changed(const KVA_JIG_CALREFDATA& before,
                                                 const KVA_JIG_CALREFDATA& after,
                                                 const QString& afterName, const QString& id);
 
-    /** The accessory that an input file of this role is for; null for none. */
+    /** The accessory that an input file with this role is for; null if it is for none. */
     static const CalibrationAccessory* accessoryOf(const QString& role);
 
-    /** Whether the field of a difference is one of the values. */
+    /** Whether a field of the difference is one of the values. */
     bool shows(const QString& field) const { return field.startsWith(m_field); }
 
     /** @param serial  of the instrument */
@@ -34,7 +33,7 @@ private:
     CalibrationPlot plot() const;
     void writeImplausible(HtmlWriter& html) const;
     void writeTables(HtmlWriter& html) const;
-    /** @param end  one behind the last value */
+    /** @param end  one past the last value */
     HtmlWriter::Table table(std::size_t first, std::size_t end) const;
 
     const CalibrationAccessory* m_accessory = nullptr;

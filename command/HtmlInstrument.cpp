@@ -15,7 +15,7 @@ QString translated(const char* source, const QStringList& arguments = {}) {
     return Text(source, arguments).translated();
 }
 
-/** The fields of a difference, as people call them. */
+/** The fields of a difference, with their names for people. */
 const std::pair<const char*, const char*> fieldNames[] = {
     {"network.wireless", QT_TRANSLATE_NOOP("vq-tl4ctl", "Wireless LAN")},
     {"network.dhcp", "DHCP"},
@@ -32,7 +32,7 @@ const std::pair<const char*, const char*> fieldNames[] = {
      QT_TRANSLATE_NOOP("vq-tl4ctl", "Serial number of the ambient light adapter")},
 };
 
-/** The kinds of input files, as people call them. */
+/** The kinds of input files, with their names for people. */
 const std::pair<const char*, const char*> roleNames[] = {
     {"network", QT_TRANSLATE_NOOP("vq-tl4ctl", "Network settings")},
     {"white-plate", QT_TRANSLATE_NOOP("vq-tl4ctl", "White calibration plate")},
@@ -41,7 +41,7 @@ const std::pair<const char*, const char*> roleNames[] = {
     {"plan", QT_TRANSLATE_NOOP("vq-tl4ctl", "Plan")},
 };
 
-/** The word itself where people have none for it, as for a single value. */
+/** The name for people, or the word itself if there is none, as for a single value. */
 template <std::size_t Size>
 QString nameOf(const QString& word, const std::pair<const char*, const char*> (&names)[Size]) {
     for (const auto& [name, people] : names) {
@@ -87,7 +87,7 @@ private:
         return m_instrument.outcome() == QLatin1String(outcomeWord(Outcome::Verified));
     }
 
-    /** What was wanted is what is there after it only where that was verified. */
+    /** "After" only if the wanted state was verified. */
     QString afterName() const {
         return isVerified() ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "After"))
                             : translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Wanted"));
@@ -122,7 +122,7 @@ private:
         writeReasons();
     }
 
-    /** The journal has them in English. */
+    /** Marks them as English, as the journal has them. */
     void writeReasons() const {
         if (!m_part.outcome || m_part.outcome->reasons.isEmpty())
             return;
@@ -172,7 +172,7 @@ private:
                                         "was written to it."));
     }
 
-    /** Whether the field is a value that has its place in the table below a plot. */
+    /** Whether the field is a value that the table below a plot shows. */
     bool isShownBelow(const QString& field) const {
         return std::any_of(m_calibration.begin(), m_calibration.end(),
                            [&](const HtmlCalibration& part) { return part.shows(field); });
@@ -204,7 +204,7 @@ private:
             m_html.table(table);
     }
 
-    /** Whether the file bears on this instrument: of several, only theirs that hold its values. */
+    /** Whether the file concerns this instrument; a value file does if its values were wanted. */
     bool isFor(const JournalInput& input) const {
         if (m_instrument.run.instruments.size() == 1)
             return true;

@@ -10,22 +10,22 @@
 
 #include <optional>
 
-/** The part of a report that is about one instrument of a run. */
+/** The part of a report about one instrument of a run. */
 struct HtmlInstrument {
     const JournalRun& run;
     const JournalInstrument& part; ///< of `run`
     std::optional<Snapshot> before;
     std::optional<Snapshot> wanted;
-    QString id; ///< of its section, as a link names it
+    QString id; ///< of its section, for links
 
-    /** The word for what became of it; "unfinished" where the run ended before. */
+    /** The word for its outcome; "unfinished" if the run ended before. */
     QString outcome() const;
     void write(HtmlWriter& html) const;
 };
 
 namespace HtmlTexts {
 
-/** In place of an empty text. */
+/** The text, or a word for "none" if it is empty. */
 QString orNone(const QString& text);
 /** The table of input files. @param isOfRun  all of a run's, not those of one instrument */
 HtmlWriter::Table inputs(const std::vector<JournalInput>& inputs, bool isOfRun);

@@ -9,7 +9,7 @@
 
 namespace {
 
-/** Nothing where the journal has none, or a damaged one: that is told. */
+/** Nothing if the journal has none, or a damaged one, which is reported. */
 std::optional<Snapshot> snapshotOf(const QString& journal, const QByteArray& content,
                                    Faults& faults) {
     if (content.isEmpty())

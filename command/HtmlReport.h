@@ -8,13 +8,12 @@
 
 #include <optional>
 
-/** A run of the journal as one page of HTML, to be looked at, printed and filed away: nothing is
-    fetched for it, and nothing in it runs. In the language of the messages; security keys are
-    masked. */
+/** A run of the journal as one HTML page for screen, paper and archive. The page fetches nothing
+    and has no script. It is in the language of the messages; security keys are masked. */
 namespace HtmlReport {
 
-/** The file's content. Nothing, and a fault in @p faults, where a snapshot of the run is damaged.
-    @param journal  path of the journal, to be named */
+/** The file's content. Nothing, and a fault in @p faults, if a snapshot of the run is damaged.
+    @param journal  path of the journal, for messages */
 std::optional<QByteArray> make(const JournalRun& run, const QString& journal, Faults& faults);
 
 } // namespace HtmlReport

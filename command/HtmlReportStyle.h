@@ -1,8 +1,8 @@
 #ifndef COMMAND_HTMLREPORTSTYLE_H
 #define COMMAND_HTMLREPORTSTYLE_H
 
-/** How the report looks, as CSS. A browser takes it as it is, and XML with its escapes: so it has
-    none of the characters that are escaped. */
+/** The CSS of the report. HTML does not unescape it, XML does: so it has no character that would be
+    escaped. */
 constexpr char htmlReportStyle[] = R"(
 :root { color-scheme: light; --paper: #fff; --ink: #1a1a1a; --quiet: #555; --rule: #bbb;
   --grid: #ddd; --shade: #f2f2f2; --before: #8a4500; --after: #00509e; --warn: #b00020; }

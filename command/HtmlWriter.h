@@ -10,13 +10,13 @@
 #include <utility>
 #include <vector>
 
-/** Writes HTML that is well-formed XML as well. Every text and every attribute is escaped, and what
-    could not be seen in it is made visible. */
+/** Writes HTML that is also well-formed XML. Every text and attribute is escaped, and its
+    unprintable characters are made visible. */
 class HtmlWriter {
 public:
     using Attributes = std::initializer_list<std::pair<const char*, QString>>;
 
-    /** @param target  outlives the object; has all of it when each element is closed */
+    /** @param target  must outlive the object; complete once each element is closed */
     explicit HtmlWriter(QByteArray* target);
 
     /** An element that is closed at the end of its scope. */
@@ -35,24 +35,24 @@ public:
     void documentType();
     /** @param css  without a character that would be escaped */
     void style(const char* css);
-    /** An element of one text; never in the short form, which only some elements of HTML have. */
+    /** An element with a text; never self-closing, which HTML allows only for some elements. */
     void element(const char* name, const QString& text, Attributes attributes = {});
-    /** An element without content: one of SVG, or one that never has any. */
+    /** A self-closing element: one of SVG, or a void element of HTML. */
     void empty(const char* name, Attributes attributes);
 
     struct Row {
         QStringList cells; ///< the first is the row's heading
-        QString link;      ///< that the heading leads to; empty for none
+        QString link;      ///< target of the heading's link; empty for none
     };
     struct Table {
         QString caption;
-        QStringList headings; ///< of the columns; none where the rows' are enough
+        QStringList headings; ///< of the columns; none if the rows' headings are enough
         std::vector<Row> rows;
         const char* style = ""; ///< a class
     };
     void table(const Table& table);
 
-    /** The text with each character that cannot be printed as its number: `\u{1b}`. */
+    /** The text with unprintable characters as numbers: `\u{1b}`. */
     static QString visible(const QString& text);
 
 private:

@@ -15,7 +15,7 @@ QString systemError(int error) {
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
-/** Reads up to one byte more than is allowed. False, with `errno`, when a read fails. */
+/** Reads up to one byte more than the limit. False, with `errno`, after a read error. */
 bool readAll(int descriptor, QByteArray& content) {
     content.resize(InputFile::maxSize + 1);
     int size = 0;

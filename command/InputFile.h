@@ -8,20 +8,20 @@
 
 #include <optional>
 
-/** A file of the user's, read once: what is checked is what is used, whatever becomes of the file.
+/** A user's file, read once, so that the checked content is the one used, even if the file changes.
  */
 struct InputFile {
-    /** The most that is read, in bytes; a longer file is a fault. */
+    /** The maximum size in bytes; a longer file is a fault. */
     static constexpr int maxSize = 1024 * 1024;
 
     QString path; ///< as the user gave it
     QByteArray content;
 
-    /** Reads a regular file (a folder, a pipe or a device is a fault) to its end. Nothing, and
-        one fault more in @p faults, when that fails. */
+    /** Reads a regular file (a folder, a pipe or a device is a fault) to its end. On failure
+        nothing, and one more fault in @p faults. */
     static std::optional<InputFile> read(const QString& path, Faults& faults);
 
-    /** Of the content, as 64 hexadecimal digits. */
+    /** The hash of the content, as 64 hexadecimal digits. */
     QByteArray sha256() const;
 };
 

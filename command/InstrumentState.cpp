@@ -8,8 +8,8 @@
 
 namespace {
 
-/** What the records are filled with before the first and the second reading. No bit is the same,
-    and neither is a byte that a record could be made of throughout. */
+/** The records are filled with these before the first and the second reading. They differ in every
+    bit, and no record consists of one of them throughout. */
 constexpr int fillPatterns[] = {0x5A, 0xA5};
 
 template <typename Record>
@@ -42,7 +42,7 @@ Text readOnce(InstrumentAccess& access, int pattern, InstrumentState& state) {
     CallResult result = access.read(device);
     if (!result.failed())
         result = access.read(options);
-    // As the tool does: an instrument without a module is not asked for network settings.
+    // As in the tool, network settings are not read from an instrument without a module.
     const bool hasNetwork = !result.failed() && options.wifiModuleEnable != 0;
     if (hasNetwork)
         result = access.read(network);

@@ -13,7 +13,7 @@
 namespace {
 
 std::atomic<bool> requested{false};
-/** What is said about an interrupt: made before, as a handler may only pass bytes on. */
+/** The messages about an interrupt: prepared in advance, as a signal handler may only write. */
 std::array<QByteArray, 3> messages;
 std::atomic<const QByteArray*> message{nullptr};
 
@@ -22,7 +22,7 @@ extern "C" void noteInterrupt(int /*signal*/) {
     requested.store(true, std::memory_order_relaxed);
     const QByteArray* text = message.load();
     if (text != nullptr) {
-        // Nothing can be done where it cannot be said.
+        // A write error cannot be handled here.
         [[maybe_unused]] const ssize_t count =
             ::write(STDERR_FILENO, text->constData(), static_cast<std::size_t>(text->size()));
     }
@@ -61,7 +61,7 @@ void Interrupt::install() {
     for (std::size_t i = 0; i < messages.size(); ++i)
         messages[i] = '\n' + texts[i].translated().toLocal8Bit() + '\n';
     setPhase(Phase::BetweenSteps);
-    // Not in this thread nor in the library's own: no call of theirs is cut short.
+    // Blocked in this thread and the library's own, so that no call of theirs is interrupted.
     mask(SIG_BLOCK);
     for (const int signal : interrupts)
         handle(signal, noteInterrupt);

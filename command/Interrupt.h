@@ -2,26 +2,26 @@
 #define COMMAND_INTERRUPT_H
 
 /**
- * Ctrl-C (SIGINT), SIGTERM and SIGHUP: noted, and acted on between two steps only. Each tells on
- * standard error when it will be. A closed pipe (SIGPIPE) is no reason to leave an instrument half
- * written and is ignored.
+ * Ctrl-C (SIGINT), SIGTERM and SIGHUP: recorded, and handled only between two steps. The handler
+ * says on standard error when that will be. SIGPIPE is ignored: a closed pipe is no reason to leave
+ * an instrument half written.
  */
 namespace Interrupt {
 
-/** What an interrupt means at present. */
+/** What an interrupt does at present. */
 enum class Phase {
-    BetweenSteps, ///< it ends the program after the present step
-    Committing,   ///< the record that was staged is committed first
-    TakingBack    ///< the way back is gone to its end
+    BetweenSteps, ///< the program ends after the present step
+    Committing,   ///< the staged record is committed first
+    TakingBack    ///< the rollback is finished first
 };
 
-/** Takes the signals over, for the rest of the process. They reach no thread that is started
-    later, but for the one that calls `receiveHere`. */
+/** Installs the handlers for the rest of the process, and blocks the signals in this thread and in
+    all threads started later, except the one that calls `receiveHere`. */
 void install();
-/** Lets the calling thread take the signals. */
+/** Unblocks the signals in the calling thread. */
 void receiveHere();
 void setPhase(Phase phase);
-/** Whether there was one since `install`. */
+/** Whether there was a signal since `install`. */
 bool isRequested();
 
 } // namespace Interrupt

@@ -22,7 +22,7 @@ QString jsonText(const QStringList& texts) {
         QJsonDocument(QJsonArray::fromStringList(texts)).toJson(QJsonDocument::Compact));
 }
 
-/** An empty text where there is none: a null one would be NULL. */
+/** An empty text for a null one, which would be stored as NULL. */
 QString present(const QString& text) {
     return text.isNull() ? QStringLiteral("") : text;
 }
@@ -41,7 +41,7 @@ bool isWriting(const char* function) {
     return false;
 }
 
-/** Every value that could be taken for the key, in whatever section. */
+/** Masks every value that could be read as the key, in any section. */
 QByteArray withMaskedKey(const QByteArray& content) {
     QByteArray result;
     for (const QByteArray& line : content.split('\n')) {
@@ -248,7 +248,7 @@ void JournalEntry::callEnded(const CallResult& result) {
     const auto taken = std::chrono::duration_cast<std::chrono::microseconds>(
         std::chrono::steady_clock::now() - m_begin);
     if (m_call == 0)
-        return; // it was told of
+        return; // a problem was reported already
     note(m_database.atomically(Sync::Process, [&] {
         return m_database.insert(
             "call_result",

@@ -11,16 +11,16 @@
 #include <vector>
 
 /**
- * Writes a journal: SQLite with a write-ahead log, for its owner alone. What is written before a
- * call that writes to an instrument, and what a verdict rests on, is on the disk before it goes on;
- * what only reads is handed to the system at once and reaches the disk with the next of those. So
- * the end of the program loses nothing, and the end of the power nothing that matters.
+ * Writes a journal: SQLite with a write-ahead log, readable only by its owner. Rows before a call
+ * that writes to an instrument, and rows that a verdict depends on, are synced to the disk at once.
+ * Rows about reading are handed to the system at once and reach the disk with the next sync. So a
+ * killed program loses nothing, and a power failure nothing that matters.
  *
- * Each function is empty when it has done its work, and says what went wrong otherwise.
+ * Each function returns an empty text on success, and the reason of the failure otherwise.
  */
 class Journal {
 public:
-    /** Opens the journal, or makes it. @return nothing, and why in @p problem, where it cannot be
+    /** Opens or creates the journal. @return null, and the reason in @p problem, if it cannot be
         used */
     static std::unique_ptr<Journal> open(const QString& path, Text& problem);
 
@@ -29,8 +29,8 @@ public:
     /** Begins a run of this program. */
     Text beginRun(const std::vector<JournalInput>& inputs);
     Text endRun(int exitStatus);
-    /** Gives every earlier run its end, and what was not written to the outcome `unchanged`. Only
-        while the lock is held: no other run is alive then. */
+    /** Ends every earlier run that has no end; those of its instruments that were not written get
+        the outcome `unchanged`. Only while the lock is held: no other run is active then. */
     Text closeEarlierRuns();
     Text addVerification(qint64 instrument, const QString& word);
 
@@ -44,11 +44,11 @@ private:
     qint64 m_run = 0;
 };
 
-/** An instrument's part of the present run. Where a row cannot be kept, the next write is not
+/** An instrument's part of the present run. When a row cannot be stored, the next write is not
     allowed. */
 class JournalEntry : public TransactionLog, public CallObserver {
 public:
-    /** @param journal  outlives the object; its run has begun */
+    /** @param journal  must outlive the object; its run has begun */
     JournalEntry(Journal& journal, std::int32_t serialNumber);
 
     void stepBegins(const char* name) override;
@@ -69,14 +69,14 @@ private:
     std::int32_t m_serialNumber;
     qint64 m_id = 0;
     qint64 m_step = 0;
-    qint64 m_call = 0;        ///< that has no result yet; 0 where there is none
-    bool m_isWaiting = false; ///< `m_call` was added by `writeBegins`, and not made yet
+    qint64 m_call = 0;        ///< the call without a result yet; 0 for none
+    bool m_isWaiting = false; ///< `writeBegins` has added `m_call`, which is not made yet
     bool m_hasChanges = false;
     std::chrono::steady_clock::time_point m_begin;
-    Text m_problem; ///< of the first row that could not be kept
+    Text m_problem; ///< of the first row that could not be stored
 };
 
-/** What the journal keeps of a file: with the security key of a settings file masked. */
+/** What the journal stores of a file: the security key of a settings file is masked. */
 JournalInput journalInput(const QString& role, const struct InputFile& file);
 
 #endif

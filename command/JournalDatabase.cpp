@@ -17,15 +17,15 @@ namespace {
 
 const QString timeFormat = QStringLiteral("yyyy-MM-dd'T'HH:mm:ss.zzz'Z'");
 
-/** How long another program that writes to the journal is waited for. */
+/** How long to wait while another program writes to the journal. */
 const QString busyTimeout = QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000");
 
-/** Of all that a database consists of, but for the statistics that SQLite may keep. */
+/** The whole schema, without the statistics tables that SQLite may add. */
 const QString schemaQuery =
     QStringLiteral("SELECT type, name, tbl_name, sql FROM sqlite_master"
                    " WHERE name NOT LIKE 'sqlite_stat%' ORDER BY type, name");
 
-/** The file for its owner alone, and writable. Empty when it is. */
+/** Makes the file private, and checks that it is writable. Empty on success. */
 Text makePrivate(const QString& path) {
     struct stat status = {};
     const QByteArray name = QFile::encodeName(path);
@@ -33,7 +33,7 @@ Text makePrivate(const QString& path) {
         return DurableFile::writeFailure(path, errno);
     if (!S_ISREG(status.st_mode))
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is not a journal of vq-tl4ctl."), {path});
-    // Its owner took that permission away, which an administrator's programs would not notice.
+    // The owner removed write permission. The system would still let root write.
     if ((status.st_mode & S_IWUSR) == 0)
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The journal %1 is read-only."), {path});
     if ((status.st_mode & (S_IRWXG | S_IRWXO)) != 0 && ::chmod(name.constData(), 0600) != 0)
@@ -77,8 +77,8 @@ Text JournalDatabase::openFile(Access access) {
     }
     if (!QFileInfo(m_path).isFile())
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 is not a journal of vq-tl4ctl."), {m_path});
-    // Where nothing can be written there can be no writer either, and SQLite needs none of the
-    // files that it keeps beside.
+    // A file without write permission has no writer either, so SQLite can open it without its
+    // auxiliary files.
     const bool isFixed = access == Access::Read && !QFileInfo(m_path).isWritable() &&
                          !QFileInfo::exists(m_path + QStringLiteral("-wal"));
     QUrl url = QUrl::fromLocalFile(m_path);
@@ -95,7 +95,7 @@ Text JournalDatabase::open(Access access, bool& isThere) {
     bool isNew = false;
     if (problem.isEmpty())
         problem = findNew(isNew);
-    // A program was ended between the file and its first table.
+    // An empty file: a program was killed between creating it and its first table.
     isThere = !isNew;
     if (isNew)
         return problem;
@@ -115,7 +115,7 @@ Text JournalDatabase::connect(const QString& file, const QString& options) {
     m_database.setConnectOptions(options);
     if (!m_database.open())
         return failure(m_database.lastError().text());
-    // What a damaged or foreign file brings with it is not trusted.
+    // The schema of a damaged or foreign file is not trusted.
     for (const char* pragma : {"PRAGMA trusted_schema = OFF", "PRAGMA cell_size_check = ON",
                                "PRAGMA foreign_keys = ON", "PRAGMA synchronous = FULL",
                                "PRAGMA fullfsync = ON", "PRAGMA checkpoint_fullfsync = ON"}) {
@@ -126,7 +126,7 @@ Text JournalDatabase::connect(const QString& file, const QString& options) {
     return {};
 }
 
-/** An empty file becomes a journal in one step: what is there is whole. */
+/** Makes an empty file a journal in one transaction, so that it is never incomplete. */
 Text JournalDatabase::prepareToWrite() {
     bool isNew = false;
     Text problem = findNew(isNew);
@@ -136,7 +136,7 @@ Text JournalDatabase::prepareToWrite() {
     if (!problem.isEmpty())
         return problem;
     if (id != JournalSchema::applicationId && !isNew)
-        return {}; // somebody else's: it is refused, and not touched
+        return {}; // another program's database: refused later, and not changed
     QString mode;
     problem = select(QStringLiteral("PRAGMA journal_mode = WAL"), {},
                      [&](const QSqlQuery& row) { mode = row.value(0).toString(); });
@@ -211,7 +211,7 @@ Text JournalDatabase::checkSchema(int version) {
 
 Text JournalDatabase::migrate(int version) {
     return atomically(Sync::Durable, [&] {
-        // Another program may have been faster.
+        // Another program may have migrated it meanwhile.
         int present = version;
         Text problem = number(QStringLiteral("PRAGMA user_version"), present);
         QStringList statements;
@@ -239,7 +239,7 @@ Text JournalDatabase::atomically(Sync sync, const std::function<Text()>& changes
     if (problem.isEmpty())
         problem = execute(QStringLiteral("COMMIT"));
     if (!problem.isEmpty())
-        execute(QStringLiteral("ROLLBACK")); // which SQLite may have done by itself
+        execute(QStringLiteral("ROLLBACK")); // SQLite may have done this already
     return problem;
 }
 

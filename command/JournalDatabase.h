@@ -14,19 +14,19 @@
 class QSqlQuery;
 
 /**
- * A connection to a journal's file, which has been checked from its first byte to its last. Each
- * function that returns a text is empty when it has done its work, and says what went wrong
- * otherwise. One thread.
+ * A connection to a journal's file, whose content has been checked completely. Each function that
+ * returns a text returns an empty one on success, and the reason of the failure otherwise. One
+ * thread.
  */
 class JournalDatabase {
 public:
     enum class Access {
-        Read, ///< nothing is added; but a journal of an older version is migrated
-        Write ///< the file is made where there is none, mode 0600
+        Read, ///< adds no rows, but migrates a journal of an older version
+        Write ///< creates a missing file, mode 0600
     };
-    /** Refuses what is damaged, no journal, of a newer version, and for `Write` what is read-only.
-        @return nothing, and why in @p problem; for `Read`, with @p problem empty, where there is no
-        file */
+    /** Refuses a file that is damaged, of a newer version or not a journal, and for `Write` a
+        read-only one. @return null, and the reason in @p problem; for `Read` of a missing file
+        null with an empty @p problem */
     static std::unique_ptr<JournalDatabase> open(const QString& path, Access access, Text& problem);
     /** Closes the file. */
     ~JournalDatabase();
@@ -36,20 +36,20 @@ public:
     const QString& path() const { return m_path; }
 
     enum class Sync {
-        Durable, ///< on the disk, with all before it, when it returns
-        Process  ///< outlives the program, however that ends, but not the power
+        Durable, ///< synced to the disk, with all earlier rows, when it returns
+        Process  ///< survives the end of the program, but not a power failure
     };
-    /** Makes all of @p changes or none of them. */
+    /** Makes @p changes in one transaction. */
     Text atomically(Sync sync, const std::function<Text()>& changes);
 
     /** Adds a row. @param id  set to its number */
     Text insert(const char* table, const QStringList& columns, const QVariantList& values,
                 qint64* id = nullptr);
-    /** Asks, and calls @p take for each row of the answer. */
+    /** Runs a query, and calls @p take for each row of the result. */
     Text select(const QString& statement, const QVariantList& values,
                 const std::function<void(const QSqlQuery& row)>& take);
 
-    /** As times are kept. */
+    /** The present time in the form that the journal stores. */
     static QString now();
     static QString text(const QDateTime& time);
     static QDateTime time(const QVariant& text);

@@ -64,7 +64,7 @@ const char instrumentQuery[] =
 
 } // namespace
 
-/** What belongs to an instrument's part of a run, read one after the other. */
+/** The rows of an instrument's part of a run, read table by table. */
 struct JournalReader::Parts {
     JournalDatabase& database;
 

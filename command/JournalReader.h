@@ -20,18 +20,18 @@ class JournalDatabase;
 struct JournalInput {
     QString role;       ///< "network", "white-plate", "ambient-adapter", "snapshot", "plan"
     QString path;       ///< as the user gave it
-    QByteArray sha256;  ///< of the file as it was read, as 64 hexadecimal digits
+    QByteArray sha256;  ///< of the original file, as 64 hexadecimal digits
     QByteArray content; ///< with the security key masked where `isMasked`
     bool isMasked = false;
 };
 
 /** A call to libKVASDK. */
 struct JournalCall {
-    QString step;     ///< the step of the transaction that made it; a word, not for people
+    QString step;     ///< the step of the transaction that made it; an internal word
     QString function; ///< the exported name
     bool writes = false;
     QDateTime began;
-    std::optional<std::int32_t> result; ///< nothing where the program ended before the answer
+    std::optional<std::int32_t> result; ///< nothing if the program ended before the answer
     std::optional<qint64> microseconds; ///< how long it took; with the result
 };
 
@@ -51,21 +51,21 @@ struct JournalVerification {
 
 /** An instrument's part of a run. */
 struct JournalInstrument {
-    qint64 id = 0; ///< within the journal, in the order of their beginning
+    qint64 id = 0; ///< unique in the journal, ascending with the time of the start
     qint64 run = 0;
     std::int32_t serialNumber = 0;
     QDateTime began;
-    /** Snapshots, as `Snapshot::check` takes them: what it held, and what it was to hold. Empty
-        where it was not about to be written. */
+    /** Snapshots for `Snapshot::check`: the old and the wanted state. Empty if writing did not
+        begin. */
     QByteArray before;
     QByteArray wanted;
     QString snapshotPath; ///< of the file that has `before`
     FieldChanges changes;
     std::vector<JournalCall> calls;        ///< in their order
-    std::optional<JournalOutcome> outcome; ///< nothing where the program ended before
+    std::optional<JournalOutcome> outcome; ///< nothing if the program ended before
     std::vector<JournalVerification> verifications;
     bool isRecovery = false;   ///< it settled an earlier part: `wanted` is what it settled on
-    bool isUnfinished = false; ///< writing began, and what it came to is not known
+    bool isUnfinished = false; ///< writing began, and its result is not known
 };
 
 /** One `apply`, `restore` or `recover`. */
@@ -92,40 +92,40 @@ struct JournalFilter {
 };
 
 /**
- * Reads a journal. All times are UTC, to the millisecond. Each function that may fail is empty when
- * it has done its work, and says what went wrong otherwise. One thread.
+ * Reads a journal. All times are UTC, to the millisecond. Each function that may fail returns an
+ * empty text on success, and the reason of the failure otherwise. One thread.
  */
 class JournalReader {
 public:
-    /** Opens @p path, which nobody changes by that. @return nothing, and @p problem empty, where
-        there is no file; nothing, and why in @p problem, where it cannot be used */
+    /** Opens @p path; adds no rows. @return null with an empty @p problem if there is no file; null
+        with the reason in @p problem if it cannot be used */
     static std::unique_ptr<JournalReader> open(const QString& path, Text& problem);
-    /** Reads through a connection that outlives the reader. */
+    /** Reads through a connection that must outlive the reader. */
     explicit JournalReader(JournalDatabase& database);
     ~JournalReader();
     JournalReader(const JournalReader&) = delete;
     JournalReader& operator=(const JournalReader&) = delete;
 
-    /** The runs, the oldest first, with their instruments and outcomes, but without what `run`
-        alone reads: inputs, snapshots, changes, calls, verifications. */
+    /** The runs, the oldest first, with their instruments and outcomes. Only `run` reads inputs,
+        snapshots, changes, calls and verifications. */
     Text runs(const JournalFilter& filter, std::vector<JournalRun>& runs);
-    /** All of one run; nothing where there is none of that number. */
+    /** All of one run; nothing for an unknown number. */
     Text run(qint64 id, std::optional<JournalRun>& run);
 
     /** The instrument's parts of runs whose writing has no verdict, the oldest first, with their
         snapshots. */
     Text unfinished(std::int32_t serialNumber, std::vector<JournalInstrument>& parts);
-    /** The serial numbers that `unfinished` has something for, and those of parts that did not end
-        and wrote nothing. */
+    /** The serial numbers for which `unfinished` has parts, and those of parts that neither ended
+        nor wrote. */
     Text withoutVerdict(std::vector<std::int32_t>& serialNumbers);
-    /** The last part that wrote to the instrument, with its snapshots; nothing where none did. */
+    /** The last part that wrote to the instrument, with its snapshots; nothing if none did. */
     Text lastWritten(std::int32_t serialNumber, std::optional<JournalInstrument>& part);
     /** The serial numbers of all instruments that were written to. */
     Text written(std::vector<std::int32_t>& serialNumbers);
 
 private:
     struct Parts;
-    std::unique_ptr<JournalDatabase> m_own; ///< nothing where the connection is another's
+    std::unique_ptr<JournalDatabase> m_own; ///< null if the connection belongs to the caller
     JournalDatabase& m_database;
 };
 

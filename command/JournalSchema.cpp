@@ -7,10 +7,10 @@ const char* const version1[] = {
     "CREATE TABLE run (id INTEGER PRIMARY KEY, started TEXT NOT NULL, arguments TEXT NOT NULL,"
     " user TEXT NOT NULL, host TEXT NOT NULL, process INTEGER NOT NULL,"
     " tool_version TEXT NOT NULL, library_path TEXT NOT NULL, library_sha256 TEXT NOT NULL)",
-    // Without a status where a later run found that this one did not end.
+    // Without a status if a later run added it because this run did not end.
     "CREATE TABLE run_end (run INTEGER PRIMARY KEY REFERENCES run, ended TEXT NOT NULL,"
     " exit_status INTEGER, found_by INTEGER REFERENCES run)",
-    // The SHA-256 is of the file as it was; in the content a security key is masked.
+    // The SHA-256 is of the original file; in the content a security key is masked.
     "CREATE TABLE input_file (id INTEGER PRIMARY KEY, run INTEGER NOT NULL REFERENCES run,"
     " role TEXT NOT NULL, path TEXT NOT NULL, sha256 TEXT NOT NULL, content BLOB NOT NULL,"
     " is_masked INTEGER NOT NULL)",
@@ -19,7 +19,7 @@ const char* const version1[] = {
     " serial_number INTEGER NOT NULL, began TEXT NOT NULL)",
     "CREATE INDEX instrument_of_run ON instrument (run)",
     "CREATE INDEX instrument_serial ON instrument (serial_number)",
-    // Kinds: before, wanted. The path is of the file beside the journal that has the same.
+    // Kinds: before, wanted. The path is that of the snapshot file with the same content.
     "CREATE TABLE snapshot (id INTEGER PRIMARY KEY,"
     " instrument INTEGER NOT NULL REFERENCES instrument, kind TEXT NOT NULL, path TEXT NOT NULL,"
     " content BLOB NOT NULL)",
@@ -31,13 +31,13 @@ const char* const version1[] = {
     "CREATE TABLE step (id INTEGER PRIMARY KEY,"
     " instrument INTEGER NOT NULL REFERENCES instrument, name TEXT NOT NULL, began TEXT NOT NULL)",
     "CREATE INDEX step_of_instrument ON step (instrument)",
-    // A call of the library, there before it is made; its answer, there before the next is made.
+    // A library call, stored before it is made; its result, stored before the next call is made.
     "CREATE TABLE call (id INTEGER PRIMARY KEY, step INTEGER NOT NULL REFERENCES step,"
     " function TEXT NOT NULL, writes INTEGER NOT NULL, began TEXT NOT NULL)",
     "CREATE INDEX call_of_step ON call (step)",
     "CREATE TABLE call_result (call INTEGER PRIMARY KEY REFERENCES call, code INTEGER NOT NULL,"
     " microseconds INTEGER NOT NULL)",
-    // Writing to the instrument begins; ended when what it came to is known, maybe by a later run.
+    // Writing to the instrument begins; it ends when its result is known, maybe by a later run.
     "CREATE TABLE mark (instrument INTEGER PRIMARY KEY REFERENCES instrument)",
     "CREATE TABLE mark_end (mark INTEGER PRIMARY KEY REFERENCES mark,"
     " ended_by INTEGER NOT NULL REFERENCES instrument)",
@@ -49,14 +49,14 @@ const char* const tables1[] = {"run",         "run_end",      "input_file", "ins
                                "call_result", "mark",         "mark_end",   "outcome"};
 
 const char* const version2[] = {
-    // What a later look found of what was written.
+    // What a later `verify` found.
     "CREATE TABLE verification (id INTEGER PRIMARY KEY,"
     " instrument INTEGER NOT NULL REFERENCES instrument, at TEXT NOT NULL, word TEXT NOT NULL)",
     "CREATE INDEX verification_of_instrument ON verification (instrument)",
 };
 const char* const tables2[] = {"verification"};
 
-/** `INSERT OR REPLACE` removes a row without asking the trigger for DELETE. */
+/** `INSERT OR REPLACE` removes a row without firing the trigger for DELETE. */
 QStringList guards(const char* tableName) {
     const QString table = QString::fromLatin1(tableName);
     const QString refusal =

@@ -4,10 +4,10 @@
 #include <QStringList>
 
 /**
- * The tables of the journal. Rows are added and never changed: what ends something is a row of its
- * own, and triggers refuse UPDATE, DELETE and what would replace a row.
+ * The tables of the journal. Rows are added and never changed: an end is a row of its own, and
+ * triggers refuse UPDATE, DELETE and the replacement of a row.
  *
- * A version, once given to a user, is never edited; a later one adds to it.
+ * A version is never edited once it was released; a later one adds to it.
  */
 namespace JournalSchema {
 
@@ -15,7 +15,7 @@ namespace JournalSchema {
 constexpr int applicationId = 0x56514A31;
 constexpr int currentVersion = 2;
 
-/** The statements that make version @p version, from 1, of the one before. */
+/** The statements that migrate to version @p version, from 1, from the one before. */
 QStringList statements(int version);
 
 } // namespace JournalSchema

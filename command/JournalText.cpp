@@ -18,7 +18,7 @@ QString resultText(std::int32_t code) {
     return name.empty() ? QString::number(code) : QString::fromStdString(name);
 }
 
-/** The word for what became of it; "unfinished" where that is not known. */
+/** The word for its outcome; "unfinished" if that is not known. */
 QString outcomeOf(const JournalInstrument& part) {
     return part.isUnfinished || !part.outcome ? QStringLiteral("unfinished") : part.outcome->word;
 }

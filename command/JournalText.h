@@ -12,9 +12,9 @@ namespace JournalText {
 QString line(const JournalRun& run);
 QJsonObject summary(const JournalRun& run);
 
-/** All but the snapshots' and the input files' bytes. */
+/** Everything except the bytes of snapshots and input files. */
 QJsonObject whole(const JournalRun& run);
-/** On standard output. */
+/** Prints the same for people on standard output. */
 void printWhole(const JournalRun& run);
 
 } // namespace JournalText

@@ -76,7 +76,7 @@ bool ManyOrders::isConfirmed() {
     return false;
 }
 
-/** The verdicts where nothing is written; an instrument that would have been is not reached. */
+/** Stores the verdicts when nothing is written; instruments to be written are `not-reached`. */
 void ManyOrders::keepAll(std::vector<Verdict>& found) {
     for (Verdict& verdict : found) {
         if (verdict.outcome == Outcome::WouldChange) {

@@ -28,7 +28,7 @@ Address addressOf(const std::uint8_t (&octets)[4]) {
     return {octets[0], octets[1], octets[2], octets[3]};
 }
 
-/** Ones, then zeros, and some of each. */
+/** Whether it is ones, then zeros, with at least one of each. */
 bool isMask(const Address& address) {
     const std::uint32_t zeros = ~bits(address);
     return zeros != 0 && bits(address) != 0 && (zeros & (zeros + 1)) == 0;
@@ -41,10 +41,10 @@ bool isOfAHost(const Address& address) {
     return address[0] != 0 && address[0] != loopback && address[0] < firstMulticast;
 }
 
-/** The network's own address, and the one that all in it listen to, are nobody's. */
+/** Whether it is the network's own address or its broadcast address. */
 bool isReserved(const Address& ip, const Address& mask) {
     const std::uint32_t host = ~bits(mask);
-    constexpr std::uint32_t pointToPoint = 1; // of two, both are somebody's
+    constexpr std::uint32_t pointToPoint = 1; // a network of two addresses, both usable
     return host > pointToPoint && ((bits(ip) & host) == 0 || (bits(ip) & host) == host);
 }
 

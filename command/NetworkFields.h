@@ -10,7 +10,7 @@
 #include <string>
 #include <vector>
 
-/** Some of the network settings. What is not named stays as the instrument holds it. */
+/** Some of the network settings. Others stay as the instrument holds them. */
 struct NetworkFields {
     using Address = std::array<std::uint8_t, 4>;
 
@@ -24,24 +24,24 @@ struct NetworkFields {
     std::optional<std::string> key;  ///< bytes; at most 64
 
     bool any() const;
-    /** Puts what is named into @p info; no other field changes. */
+    /** Copies the named fields into @p info; no other field changes. */
     void mergeInto(KVA_NETWORKINFO& info) const;
 };
 
-/** What is wrong with the addresses of an instrument that does not get them by DHCP. */
+/** An error in the addresses of an instrument that does not use DHCP. */
 struct AddressFault {
     enum class Field { Ip, Mask };
-    Field field; ///< the one to be mended
+    Field field; ///< the one to be corrected
     Text text;
 };
 
-/** Every fault; what is missing is not judged. A gateway of 0.0.0.0 is none. */
+/** Every fault; missing addresses are not checked. A gateway of 0.0.0.0 means none. */
 std::vector<AddressFault> addressFaults(const std::optional<NetworkFields::Address>& ip,
                                         const std::optional<NetworkFields::Address>& mask,
                                         const std::optional<NetworkFields::Address>& gateway);
 
-/** The first fault of the addresses in @p wanted, where they or the use of DHCP are other than in
-    @p held, and are used; empty where there is none. */
+/** The first fault of the addresses in @p wanted, if they are used and they or the use of DHCP
+    differ from @p held; empty if there is none. */
 Text changedAddressFault(const KVA_NETWORKINFO& held, const KVA_NETWORKINFO& wanted);
 
 #endif

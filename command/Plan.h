@@ -11,7 +11,7 @@
 #include <optional>
 #include <vector>
 
-/** What a row of a plan wants of one instrument. */
+/** A row of a plan: the changes to one instrument. */
 struct PlanRow {
     int number = 0; ///< as a spreadsheet counts: the header is 1
     std::int32_t serialNumber = 0;
@@ -23,20 +23,20 @@ struct PlanRow {
 
 /** The instruments that a plan needs. */
 struct PlanNeeds {
-    std::optional<std::vector<std::int32_t>> attached; ///< nothing: none is looked for
-    std::vector<std::int32_t> only;                    ///< of the plan's; empty for all
+    std::optional<std::vector<std::int32_t>> attached; ///< nothing: not checked
+    std::vector<std::int32_t> only;                    ///< some of the plan's; empty for all
 };
 
 /**
  * A spreadsheet with a header and a row for each instrument: comma or semicolon between the cells,
- * LF or CR LF, UTF-8 with or without a byte-order mark. An empty cell leaves things as they are.
+ * LF or CR LF, UTF-8 with or without a byte-order mark. An empty cell changes nothing.
  */
 struct Plan {
-    std::vector<PlanRow> rows; ///< of the instruments that are needed, each of another one
-    Faults notes;              ///< what is right and looks wrong
+    std::vector<PlanRow> rows; ///< of the needed instruments, each for a different one
+    Faults notes;              ///< valid cells that look like mistakes
 
-    /** Nothing, and a fault for everything that is wrong in @p faults, unless the plan and all
-        files that it names are right, and the instruments that it needs are attached. */
+    /** Nothing, and every error in @p faults, unless the plan and all files that it names are
+        valid, and the instruments that it needs are attached. */
     static std::optional<Plan> check(const InputFile& file, const PlanNeeds& needs, Faults& faults);
 
     /** Whether the file's header has a plan's column of serial numbers. */
@@ -45,7 +45,7 @@ struct Plan {
     /** A line that says that the plan has no fault. @param path  of its file */
     Text noFault(const QString& path) const;
 
-    /** What the journal keeps of the file: with the cells of the column "key" masked. */
+    /** What the journal stores of the file: the cells of the column "key" are masked. */
     static JournalInput journalInput(const InputFile& file);
 };
 

@@ -57,14 +57,14 @@ std::optional<Scientific> scientific(std::string_view cell) {
 PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_t& serialNumber) {
     if (const auto number = scientific(cell)) {
         const auto exponent = static_cast<std::size_t>(number->exponent);
-        // A digit that the form does not have may have been any.
+        // A missing digit may have been any digit.
         if (number->fraction.size() < exponent)
             return SerialFault::Inexact;
         const std::string whole = number->first + std::string(number->fraction.substr(0, exponent));
         const bool isWhole = isAllZeros(number->fraction.substr(exponent));
         return isWhole && toNumber(whole, serialNumber) ? SerialFault::None : SerialFault::NoNumber;
     }
-    // Three zeros could be thousands: 10.000 is ten thousand to many.
+    // Not ".000": 10.000 means ten thousand in many countries.
     for (const std::string_view fraction : {".00", ".0"}) {
         const bool ends =
             cell.size() > fraction.size() && cell.substr(cell.size() - fraction.size()) == fraction;

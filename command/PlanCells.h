@@ -8,25 +8,24 @@
 #include <optional>
 #include <string_view>
 
-/** What stands in the cells of a plan: bytes of UTF-8. Nothing is returned where it is wrong. */
+/** Parsers of a plan's cells, which are UTF-8. They return nothing for a wrong cell. */
 namespace PlanCells {
 
-/** Why a cell is no serial number. */
+/** Why a cell is not a serial number. */
 enum class SerialFault { None, NoNumber, Inexact };
 /**
- * Digits, with leading zeros or without, or what a spreadsheet makes of a number: 1000001.0,
- * 1.000001E+06. Where the form has fewer digits than the number, some may be lost: `Inexact`.
+ * Digits, with or without leading zeros, or the form that a spreadsheet gives a number: 1000001.0,
+ * 1.000001E+06. `Inexact` if the form has fewer digits than the number: some may be lost.
  */
 SerialFault parseSerial(std::string_view cell, std::int32_t& serialNumber);
 
-/** "on" or "off", in any capitals, as spreadsheets make them. */
+/** "on" or "off" in upper or lower case, as spreadsheets change it. */
 std::optional<std::uint32_t> onOff(std::string_view cell);
 
-/** Whether the text looks like one of digits alone that a spreadsheet took for a number and
-    shortened: 1.23457E+15. */
+/** Whether a spreadsheet may have taken digits for a number and shortened them: 1.23457E+15. */
 bool isShortenedNumber(std::string_view cell);
 
-/** Without the blanks around. */
+/** Without leading and trailing blanks. */
 std::string_view trimmed(std::string_view cell);
 
 } // namespace PlanCells

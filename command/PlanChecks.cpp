@@ -1,4 +1,4 @@
-// What no cell of a plan can tell alone: the addresses of a row, and all rows together.
+// Checks of a plan over several cells: the addresses of a row, and all rows together.
 
 #include "command/FieldTexts.h"
 #include "command/InstrumentState.h"
@@ -87,7 +87,7 @@ void PlanReader::checkUnique(const Unique& what) {
         if (what.valueOf(row, value))
             values.emplace_back(value, &row);
     }
-    // Rows lie behind one another: the first of equal ones comes first.
+    // By address, as the rows are in a vector: of equal values the first row comes first.
     if (!std::is_sorted(values.begin(), values.end()))
         std::sort(values.begin(), values.end());
     const PlanRow* first = nullptr;

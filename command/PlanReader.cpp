@@ -235,7 +235,7 @@ bool PlanReader::readHeader(const std::vector<std::string_view>& cells) {
     return false;
 }
 
-/** The count of columns where the file has none of that name. */
+/** The index of a column; the number of columns if the file does not have it. */
 std::size_t PlanReader::indexOf(const char* column) const {
     const auto found = std::find_if(m_columns.begin(), m_columns.end(), [&](const Column* known) {
         return known != nullptr && std::strcmp(known->name, column) == 0;
@@ -280,7 +280,7 @@ void PlanReader::readRow(const CsvReader& reader) {
     m_row.number = reader.number();
     m_row.serialNumber = -1;
     const std::size_t serial = indexOf("serial");
-    // First, as the others name it.
+    // First, as the messages about the other cells name the serial number.
     if (serial < cells.size())
         readCell(serial, cells[serial]);
     if (serial >= cells.size() || isNothing(cells[serial]))

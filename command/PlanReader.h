@@ -9,26 +9,26 @@
 #include <utility>
 #include <vector>
 
-/** One check of a plan: finds every fault and says it at its row and column. */
+/** One check of a plan: finds every fault with its row and column. */
 class PlanReader {
 public:
-    /** All of them outlive the object. */
+    /** All arguments must outlive the object. */
     PlanReader(const InputFile& file, const PlanNeeds& needs, Faults& faults);
 
-    /** Once. See `Plan::check`. */
+    /** Call once. See `Plan::check`. */
     std::optional<Plan> read();
 
     static std::string_view withoutByteOrderMark(const InputFile& file);
     /** Whether the header has a column "serial" among others. */
     static bool hasSerials(std::string_view content, char delimiter);
-    /** The one with which the header has a column "serial"; the comma where none does. */
+    /** The delimiter with which the header has a column "serial"; otherwise the comma. */
     static char delimiterOf(std::string_view content);
 
-    /** What a column means: takes a cell, which is not empty, into the row. */
+    /** A column: stores a cell that is not empty in the row. */
     struct Column {
         const char* name;
         void (PlanReader::*take)(std::string_view cell);
-        bool hasText; ///< blanks around belong to it
+        bool hasText; ///< leading and trailing blanks belong to the cell
     };
     static const std::vector<Column>& columns();
 
@@ -37,10 +37,10 @@ private:
         int row = 0;
         std::size_t column = 0; ///< from 0
     };
-    /** Something that only one row may have. */
+    /** A value that must not occur in two rows. */
     struct Unique {
         const char* column;
-        const char* message; ///< with a place for the text, and one for the row that has it too
+        const char* message; ///< with places for the text and for the number of the other row
         bool (*valueOf)(const PlanRow& row, std::uint32_t& value);
         QString (*textOf)(const PlanRow& row);
     };
@@ -74,7 +74,7 @@ private:
     Fault faultAt(const Place& place, Text text) const;
     void add(const Place& place, Text text);
     void addHere(Text text) { add(m_place, std::move(text)); }
-    /** With the text in the cell. */
+    /** The same with the cell's text in the message. */
     void addHere(const char* message, std::string_view cell);
 
     const InputFile& m_file;
@@ -83,7 +83,7 @@ private:
     std::vector<std::pair<Place, Fault>> m_found;
     Plan m_plan;
 
-    std::vector<const Column*> m_columns; ///< of the file; null for comments and nameless ones
+    std::vector<const Column*> m_columns; ///< of the file; null for comments and unnamed columns
     std::vector<QString> m_names;
     std::vector<bool> m_isComment;
     bool m_hasOnlyAscii = false;

@@ -16,7 +16,7 @@ QString numberText(double number) {
     return QString::number(number, 'g', 5);
 }
 
-/** The value that the given share of them is at most. */
+/** The quantile: the given share of the values is at most this large. */
 double quantileOf(Row values, double share) {
     const auto place =
         static_cast<Row::difference_type>(static_cast<double>(values.size()) * share);
@@ -24,8 +24,8 @@ double quantileOf(Row values, double share) {
     return values[static_cast<std::size_t>(place)];
 }
 
-/** How large the values of a row are where it is large: a few that are far too large do not count.
-    Above 0 unless all are 0. */
+/** The magnitude of a row's large values; a few that are far too large do not change it. Above 0
+    unless all are 0. */
 double levelOf(const Row& row) {
     Row magnitudes(row.size());
     std::transform(row.begin(), row.end(), magnitudes.begin(),
@@ -44,8 +44,8 @@ Row heldRow(const float* values, std::size_t count) {
 
 // ---- The row as a whole
 
-/** By how much the row is larger than the one that the instrument holds, as the median over its
-    values; nothing when none of them can be compared. */
+/** The median of the ratios of the row's values to the instrument's; nothing if the instrument has
+    none to compare with. */
 std::optional<double> ratioToHeld(const Row& row, const Row& held) {
     if (held.empty())
         return std::nullopt;
@@ -99,8 +99,8 @@ std::array<double, terms> firstOfInverse(const std::array<double, 2 * terms - 1>
     return {a / determinant, b / determinant, c / determinant};
 }
 
-/** A row on a scale on which equal factors are equal distances, as on a logarithmic one, but which
-    takes zero and negative numbers too. */
+/** A row on an inverse hyperbolic sine scale: like a logarithmic one, equal factors are equal
+    distances, but zero and negative numbers are allowed. */
 class NeighbourCheck {
 public:
     explicit NeighbourCheck(const Row& row)
@@ -114,8 +114,8 @@ public:
         double expected;
     };
 
-    /** The values that do not fit, the worst first: each one found no longer counts as a neighbour
-        of the others, which it would make look wrong as well. */
+    /** The values that do not fit, the worst first. A value that was found is no longer a neighbour
+        of the others, since it would make them look wrong too. */
     std::vector<Finding> findAll() {
         std::vector<Finding> findings;
         while (findings.size() <= m_row.size() / 2) {
@@ -148,7 +148,7 @@ private:
         return worst;
     }
 
-    /** The nearest values that count, on both sides as far as there are any. */
+    /** The nearest values that were not found wrong, on both sides if possible. */
     std::vector<std::size_t> neighboursOf(std::size_t index) const {
         std::vector<std::size_t> result;
         const std::size_t count = m_row.size();
@@ -164,8 +164,8 @@ private:
         return result;
     }
 
-    /** The parabola of least squares through the neighbours, at @p index.
-        @param uncertainty  of its difference to the value there, in units of that of one value */
+    /** The least-squares parabola through the neighbours, at @p index.
+        @param uncertainty  standard error of the value's deviation, in units of that of a value */
     double expectedAt(std::size_t index, double& uncertainty) const {
         const std::vector<std::size_t> neighbours = neighboursOf(index);
         const auto distance = [&](std::size_t i) {
@@ -192,7 +192,7 @@ private:
             highest = std::max(highest, m_scaled[i]);
         }
         uncertainty = std::sqrt(variance);
-        // Where neighbours are wrong too, the parabola may lead anywhere.
+        // If neighbours are wrong too, the parabola may be far off.
         return std::clamp(expected, lowest - 1, highest + 1);
     }
 

@@ -4,16 +4,16 @@
 #include <QByteArray>
 #include <QString>
 
-/** Who runs this program, where, and what it consists of. */
+/** User, host, version and library of this process. */
 namespace Provenance {
 
-/** The name of the process's user; the number where it has none. */
+/** The name of the process's user; the number if it has no name. */
 QString user();
 QString host();
 QString toolVersion();
-/** The file that libKVASDK was loaded from, absolute; empty where the system does not tell. */
+/** The absolute path of the loaded libKVASDK; empty if the system does not know it. */
 QString libraryPath();
-/** Of that file, as 64 hexadecimal digits; empty where it cannot be read. */
+/** The hash of that file, as 64 hexadecimal digits; empty if it cannot be read. */
 QByteArray librarySha256();
 
 } // namespace Provenance

@@ -14,14 +14,14 @@ void sayToUser(const QString& line);
 /** Every fault, a line each. */
 void sayToUser(const Faults& faults);
 
-/** A line of what was asked for, on standard output. */
+/** A line of the result, on standard output. */
 void print(const QString& line);
 /** One object, on a line of its own, on standard output. */
 void print(const QJsonObject& object);
 
 /** A field with its old and its new text: `~ network.ssid: "a" -> "b"`. */
 QString changeLine(const FieldChange& change);
-/** What a change's texts do not tell: " (another key)" where both are masked; mostly empty. */
+/** A note after a change: " (another key)" if both texts are masked; mostly empty. */
 QString changeNote(const FieldChange& change);
 /** An implausible value as a sentence, with its place from 1 and its index from 0. */
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value);
@@ -31,9 +31,9 @@ void sayDifference(std::int32_t serialNumber, const FieldChanges& changes);
 
 QJsonObject toJson(const FieldChange& change);
 QJsonObject toJson(const Verdict& verdict);
-/** What an outcome means, as a sentence. @param serial  of the instrument */
+/** The meaning of an outcome, as a sentence. @param serial  of the instrument */
 Text outcomeSentence(Outcome outcome, const QString& serial);
-/** The verdict as people read it, on standard error. */
+/** The verdict for people, on standard error. */
 void sayVerdict(const Verdict& verdict);
 
 #endif

@@ -14,26 +14,26 @@
  */
 class Run {
 public:
-    /** @param inputs  what the user gave, for the journal */
+    /** @param inputs  the user's files, for the journal */
     Run(bool isDryRun, const std::vector<JournalInput>& inputs);
 
-    /** Why nothing may be written; empty where it may. Every order is refused for that reason. */
+    /** Why nothing may be written: every order is refused for this reason. Empty if all is well. */
     const Text& problem() const { return m_problem; }
-    /** Null in a dry run, and where there is a problem. */
+    /** Null in a dry run, and if there is a problem. */
     Journal* journal() { return m_journal.get(); }
 
     /** Changes one instrument. */
     Verdict carryOut(const Order& order, TransactionObserver& observer);
 
-    /** Finds out what an order would change, as a dry run does; keeps nothing. */
+    /** Finds what an order would change, as a dry run does; stores nothing in the journal. */
     Verdict lookAt(const Order& order, TransactionObserver& observer);
 
-    /** Keeps a verdict that was found without `carryOut`. */
+    /** Stores a verdict that was found without `carryOut` in the journal. */
     void keep(Verdict& verdict);
 
-    /** Ends the run in the journal. Once, at the end.
-        @param least  what it ends with at least
-        @return the status of the gravest outcome */
+    /** Ends the run in the journal. Call once, at the end.
+        @param least  an exit status that a worse outcome replaces
+        @return the status of the worst outcome */
     ExitStatus end(ExitStatus least = Done);
 
 private:

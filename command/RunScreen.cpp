@@ -33,7 +33,7 @@ QString wordOf(Outcome outcome) {
     return QString::fromLatin1(outcomeWord(outcome));
 }
 
-/** The steps that take their time, as people call them. */
+/** The steps that take long, with their names for people. */
 const char* const steps[][2] = {
     {"connect", QT_TRANSLATE_NOOP("vq-tl4ctl", "connecting")},
     {"read-everything-twice", QT_TRANSLATE_NOOP("vq-tl4ctl", "reading")},
@@ -80,7 +80,7 @@ void RunScreen::stepBegins(const char* name) {
     show();
 }
 
-/** As the instruments before took, on average. */
+/** The remaining time, from the average of the instruments before. */
 QString RunScreen::timeLeft() const {
     if (m_done == 0)
         return {};

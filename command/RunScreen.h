@@ -7,26 +7,26 @@
 #include <optional>
 #include <vector>
 
-/** What the table at the end has of an instrument: no more, as there may be many. */
+/** A row of the table at the end. Nothing else is kept, as there may be many instruments. */
 struct EndedOrder {
     std::int32_t serialNumber = 0;
     Outcome outcome = Outcome::NotReached;
     std::size_t changeCount = 0;
 };
 
-/** A run over several instruments as people see it, on standard error: what is shown and done at
-    present, a line for each instrument as it ends, and a table of all. */
+/** Shows a run over several instruments on standard error: a progress bar, a line for each
+    instrument as it ends, and a table of all. */
 class RunScreen : public TransactionObserver {
 public:
-    /** @param showsDifferences  field by field, as each is found */
+    /** @param showsDifferences  shows each difference, field by field, when it is found */
     explicit RunScreen(bool showsDifferences) : m_showsDifferences(showsDifferences) {}
-    /** Takes the progress bar away. */
+    /** Removes the progress bar. */
     ~RunScreen() override;
     RunScreen(const RunScreen&) = delete;
     RunScreen& operator=(const RunScreen&) = delete;
 
-    /** Begins to go through all instruments, from the first.
-        @param isRepeated  an earlier pass has shown what this one finds again */
+    /** Begins a pass over all instruments.
+        @param isRepeated  an earlier pass has already shown the differences */
     void passBegins(std::size_t count, bool isRepeated);
     void instrumentBegins(std::int32_t serialNumber);
     void instrumentEnds();
@@ -34,7 +34,7 @@ public:
     static void sayVerdict(const Verdict& verdict);
     static void recap(const std::vector<EndedOrder>& orders);
 
-    /** What the present instrument was found to hold; nothing where it could not be read. */
+    /** The state read from the present instrument; nothing if it could not be read. */
     const std::optional<InstrumentState>& state() const { return m_state; }
 
     void stepBegins(const char* name) override;

@@ -17,12 +17,12 @@ constexpr std::string_view digits = "0123456789";
 
 // ---- Converting one value
 
-/** Puts a value, text without NUL or CR, into its field, or adds what is wrong with it. */
+/** Stores a value, text without NUL or CR, in its field, or adds a fault. */
 using StoreValue = void (*)(FileCheck& check, const char* key, std::string_view value,
                             KVA_NETWORKINFO& info);
 
-/** The number that the value begins with, as the tool reads it: blanks, a sign, digits; what
-    follows them is ignored. But there have to be digits, and no more of them than count. */
+/** The number at the beginning of the value, as the tool reads it: blanks, a sign, digits; the rest
+    is ignored. Unlike in the tool, digits are required, and the number must not be out of range. */
 template <std::uint32_t KVA_NETWORKINFO::*Field>
 void storeFlag(FileCheck& check, const char* key, std::string_view value, KVA_NETWORKINFO& info) {
     std::string_view text = value;
@@ -56,7 +56,7 @@ template <std::size_t Size, char (KVA_NETWORKINFO::*Field)[Size]>
 void storeText(FileCheck& check, const char* key, std::string_view value, KVA_NETWORKINFO& info) {
     if (value.size() < Size)
         std::memcpy(info.*Field, value.data(), value.size());
-    else // without the text: it may be the security key
+    else // the message does not quote the text: it may be the security key
         check.add(
             value.data(),
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has %2 bytes, at most %3 are allowed"),
@@ -81,7 +81,7 @@ constexpr NetworkKey networkKeys[] = {
 
 // ---- Finding the values
 
-/** The index of the line that begins the section; the count of lines when there is none. */
+/** The index of the line that begins the section; the number of lines if there is none. */
 std::size_t sectionLine(const std::vector<std::string_view>& lines) {
     const auto found = std::find_if(lines.begin(), lines.end(), [](std::string_view line) {
         return IniLine::beginsSection(line, section);
@@ -89,7 +89,7 @@ std::size_t sectionLine(const std::vector<std::string_view>& lines) {
     return static_cast<std::size_t>(found - lines.begin());
 }
 
-/** Says where the section should begin. */
+/** Adds the fault that the section is missing, at the line where it should begin. */
 void addMissingSection(FileCheck& check) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     const auto& lines = check.lines();
@@ -105,7 +105,7 @@ void addMissingSection(FileCheck& check) {
                                                            "comments")));
 }
 
-/** The line of @p key, the first with a value, and that value. Nothing when there is none. */
+/** The first line of @p key with a value, and that value. Nothing if there is none. */
 std::string_view findLine(const FileCheck& check, std::size_t begin, const char* key,
                           std::string_view& value) {
     for (std::size_t i = begin; i < check.lines().size(); ++i) {

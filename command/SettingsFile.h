@@ -8,13 +8,13 @@
 #include <optional>
 
 /**
- * The content of a network settings file, checked strictly: what is accepted here, the tool's
- * reader takes to the same record. Beyond what the tool refuses, each address has to be four
- * numbers from 0 to 255, each switch a number, and no value may hold a NUL or a CR.
+ * The content of a network settings file, checked strictly: a file that is accepted here gives the
+ * same record in the tool's reader. In addition to the tool's rules, each address must be four
+ * numbers from 0 to 255, each switch a number, and no value may have a NUL or a CR.
  */
 namespace SettingsFile {
 
-/** Nothing, and a fault for everything that is wrong in @p faults, unless the file is right. */
+/** Nothing, and every error in @p faults, unless the file is valid. */
 std::optional<KVA_NETWORKINFO> check(const InputFile& file, Faults& faults);
 
 } // namespace SettingsFile

@@ -53,7 +53,7 @@ QString recordText(const Record& record) {
     return FieldTexts::hex(&record, sizeof record);
 }
 
-/** False where the text does not have all bytes of the record. */
+/** False if the text does not have exactly the bytes of the record. */
 template <typename Record>
 bool readRecord(const QJsonValue& text, Record& record) {
     const QByteArray bytes = QByteArray::fromHex(text.toString().toLatin1());
@@ -87,7 +87,7 @@ QJsonObject contentOf(const Snapshot& snapshot) {
     return content;
 }
 
-/** Nothing where a record is missing or incomplete. */
+/** Nothing if a record is missing or incomplete. */
 std::optional<Snapshot> snapshotFrom(const QJsonObject& content) {
     Snapshot snapshot;
     snapshot.created = QDateTime::fromString(content[createdKey].toString(), Qt::ISODate).toUTC();
@@ -112,7 +112,7 @@ Text notJson(const QJsonParseError& error) {
                 {error.errorString()});
 }
 
-/** Why the content is no snapshot that can be used; empty where it is one. */
+/** Why the content cannot be used as a snapshot; empty if it can. */
 Text problemOf(const QJsonObject& content) {
     if (content[formatKey].toString() != formatName)
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "This is not a snapshot of an instrument."));
@@ -150,7 +150,7 @@ QJsonObject readableState(const InstrumentState& state, bool showKey) {
 }
 
 Snapshot Snapshot::of(const InstrumentState& state) {
-    // In whole seconds, as it is written.
+    // In whole seconds, as in the file.
     const qint64 now = QDateTime::currentSecsSinceEpoch();
     return {QDateTime::fromSecsSinceEpoch(now, Qt::UTC), state, true};
 }
@@ -171,7 +171,7 @@ std::optional<Snapshot> Snapshot::check(const InputFile& file, Faults& faults) {
     Text problem = error.error != QJsonParseError::NoError ? notJson(error) : problemOf(content);
     if (problem.isEmpty()) {
         std::optional<Snapshot> snapshot = snapshotFrom(content);
-        // Written again it has to be the same: nothing that a person reads there may be wrong.
+        // Written again it must be the same, so that the fields for people agree with the records.
         if (snapshot && contentOf(*snapshot) == content)
             return snapshot;
         problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl",

@@ -6,7 +6,7 @@
 
 namespace {
 
-std::mutex mutex; ///< of the status line
+std::mutex mutex; ///< protects the status line
 QByteArray status;
 
 void write(std::FILE* stream, const QByteArray& bytes) {
@@ -23,7 +23,7 @@ int terminalWidth() {
     return isKnown ? size.ws_col : usual;
 }
 
-/** What fits into the terminal, with a column left: one that is full may begin a new line. */
+/** Cuts the text to one column less than the terminal has: a full line may wrap. */
 QString fitting(const QString& text) {
     constexpr ushort lastNarrow = 0x7F;
     int rest = terminalWidth() - 1;

@@ -6,22 +6,22 @@
 
 #include <cstdio>
 
-/** Standard error as a terminal: lines above, and at the foot of them a line that changes. Any
+/** Standard error as a terminal: lines, and below them a status line that is overwritten. Any
     thread. */
 namespace Terminal {
 
-/** Whether standard error is a terminal that can take a line back: not a dumb one. */
+/** Whether standard error is a terminal that can overwrite a line: not a dumb one. */
 bool isInteractive();
 
 enum class Colour { None, Green, Yellow, Red };
-/** In that colour where the terminal has colours and `NO_COLOR` is not set, or empty. */
+/** The text in that colour if the terminal has colours and `NO_COLOR` is unset or empty. */
 QString painted(const QString& text, Colour colour);
 
-/** Writes a line in one piece, above the status line. */
+/** Writes a line with one call, above the status line. */
 void writeLine(std::FILE* stream, const QByteArray& line);
 
-/** The line at the foot; empty for none. Cut to the terminal's width. Without effect where the
-    terminal is not interactive. */
+/** Sets the status line, cut to the terminal's width; empty for none. Does nothing if the terminal
+    is not interactive. */
 void setStatus(const QString& text);
 
 } // namespace Terminal

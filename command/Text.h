@@ -7,12 +7,12 @@
 #include <utility>
 
 /**
- * A message for people: a literal of the source with places for arguments. English goes to
- * machines (JSON), the translation to the terminal.
+ * A message for people: a literal of the source with places for arguments. JSON gets the English
+ * text, the terminal the translation.
  *
  *     Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 values instead of %2"), {count, expected})
  *
- * A value; any thread, `translated()` while no translator is installed or removed.
+ * A value type. Any thread; `translated()` only while no translator is installed or removed.
  */
 class Text {
 public:

@@ -85,7 +85,7 @@ Verdict Transaction::takeBack(const Text& failure) {
 }
 
 Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
-    // A loss from here on changes nothing of what was read.
+    // A connection lost from here on does not change the outcome.
     m_log.stepBegins("end");
     m_access.reset();
     const bool hasEnded = outcome == Outcome::Verified || outcome == Outcome::Waits ||
@@ -97,7 +97,7 @@ Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
     const Text unkept = m_log.ends(m_verdict, isSettled);
     if (!unkept.isEmpty())
         m_verdict.reasons.push_back(unkept);
-    // What the log does not know is not settled, whatever the instrument holds.
+    // If the log lacks a row, the outcome is not settled, whatever the instrument holds.
     if (!unkept.isEmpty() && m_mayBeWritten.any()) {
         m_verdict.outcome = Outcome::Unknown;
         m_verdict.reasons.push_back(nextStep());
@@ -113,13 +113,13 @@ Text Transaction::nextStep() const {
                 {m_mark.restoreCommand(m_verdict.snapshot)});
 }
 
-/** Makes the steps until one fails. Between two of them the connection may have been lost, and an
-    interrupt is honoured where it may be. */
+/** Runs the steps until one fails. Before each it checks whether the connection was lost, and, if
+    allowed, whether there was an interrupt. */
 Text Transaction::make(std::initializer_list<Step> steps, Until until) {
     for (const Step& step : steps) {
         if (until == Until::Interrupted && Interrupt::isRequested())
             return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "It was interrupted."));
-        // "reconnect" is the one step that a lost connection is no hindrance to.
+        // Only "reconnect" can run after the connection was lost.
         if (step.make != &Transaction::reconnect && m_access &&
             InstrumentAccess::isConnectionLost())
             return Text(
@@ -177,8 +177,8 @@ Text Transaction::refuseNetwork() const {
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                       "The instrument has no wireless module and takes no network "
                                       "settings."));
-    // Settings that came together were together before; some of them meet what the instrument
-    // holds.
+    // A complete set of settings is written as given. Single settings are merged with the
+    // instrument's, so the resulting addresses are checked.
     if (!m_order.change.networkFields.any() || !m_held.network)
         return {};
     return changedAddressFault(*m_held.network, *m_wanted.network);
@@ -201,7 +201,7 @@ Text Transaction::judgePlausibility() {
         const CalibrationAccessory& accessory = *file.accessory;
         const float* held = accessory.values(m_held.calibration);
         const std::size_t size = accessory.valueCount * sizeof(float);
-        // What the instrument holds already is no change that could be wrong.
+        // Values that the instrument already holds change nothing.
         if (std::memcmp(held, file.values.data(), size) == 0)
             continue;
         for (const Implausible& value : findImplausible(accessory, file.values.data(), held)) {
@@ -234,7 +234,7 @@ Text Transaction::findDifference() {
                                                    "difference was shown and confirmed."));
     m_verdict.changes = difference(m_held, m_wanted);
     m_parts = differingParts(m_held, m_wanted);
-    // What reads equal after an unfinished write may be staged, or wait for a power cycle.
+    // After an unfinished write, a part that reads equal may be only staged or pending.
     if (m_wasUnfinished)
         m_parts = {true, true, m_wanted.network.has_value()};
     if (m_parts.any())

@@ -13,24 +13,24 @@
 #include <optional>
 #include <vector>
 
-/** What is to be done with one instrument. Its input has been checked. */
+/** An order to change one instrument. Its input has been checked. */
 struct Order {
     std::int32_t serialNumber = 0;
     Change change;
-    bool isRestore = false; ///< the values were an instrument's before: they are not judged
-    /** Whether a whole snapshot is put back: alone that ends an unfinished write. */
+    bool isRestore = false; ///< an instrument held these values before: plausibility is not checked
+    /** Whether a whole snapshot is restored: only that ends an unfinished write. */
     bool restoresAll = false;
     /** Whether that snapshot is the state before a run that did not end. */
     bool takesBack = false;
     bool isDryRun = false;
-    bool rollsBack = true; ///< false: a failure is left as it is
+    bool rollsBack = true; ///< false: nothing is rolled back after a failure
     bool acceptsImplausible = false;
     bool allowsLowBattery = false;
-    /** What the instrument held when somebody said yes to its difference. */
+    /** The instrument's state when the user confirmed its difference. */
     std::optional<InstrumentState> confirmed = {};
 };
 
-/** The person before the terminal, and whoever else wants to know of the steps. */
+/** Notified of the steps, and asked for confirmation. */
 class TransactionObserver {
 public:
     virtual ~TransactionObserver() = default;
@@ -44,26 +44,26 @@ public:
 };
 
 /**
- * Changes one instrument, or leaves it as it was, and says which.
+ * Changes one instrument or leaves it unchanged, and reports which.
  *
- * Each step is a function that is empty when it succeeded, and says what is wrong otherwise. They
- * are made one after the other, and the first that fails decides: before the first call that
- * writes the order is refused, afterwards the way back is gone.
+ * Each step is a function that returns an empty text on success, and the reason of the failure
+ * otherwise. The steps run one after the other until one fails. Before the first call that writes,
+ * the order is then refused; after it, the changes are rolled back.
  */
 class Transaction {
 public:
-    /** All of them outlive the object. The lock is held, unless it is a dry run. */
+    /** All arguments must outlive the object. The lock is held, except in a dry run. */
     Transaction(const Order& order, const UnfinishedMark& mark, CallWatch& watch,
                 TransactionObserver& observer, TransactionLog& log);
 
-    /** Once. Makes all steps; the instrument is disconnected afterwards. */
+    /** Call once. Runs all steps; the instrument is disconnected afterwards. */
     Verdict run();
 
 private:
     struct Step {
         const char* name;
         Text (Transaction::*make)();
-        bool Parts::*part = nullptr; ///< that it writes; without it nothing is done
+        bool Parts::*part = nullptr; ///< unless this part is to be written, it does nothing
     };
     enum class Until { Interrupted, Done };
     Text make(std::initializer_list<Step> steps, Until until);
@@ -105,19 +105,19 @@ private:
     CallWatch& m_watch;
     TransactionObserver& m_observer;
     TransactionLog& m_log;
-    Text m_logProblem; ///< why the log could not have the last call that writes
+    Text m_logProblem; ///< why the log could not store the last call that writes
     std::optional<InstrumentAccess> m_access;
     const UnfinishedMark& m_mark;
 
     const bool m_wasUnfinished; ///< an earlier write of this instrument has no verdict
     bool m_isMarked = false;    ///< by this transaction
     std::optional<Snapshot> m_snapshot;
-    InstrumentState m_held; ///< what the instrument held before
+    InstrumentState m_held; ///< the instrument's state before
     InstrumentState m_wanted;
     InstrumentState m_readBack;
     const InstrumentState* m_target = nullptr;
     Parts m_parts;        ///< to be written
-    Parts m_mayBeWritten; ///< a call that writes them was made
+    Parts m_mayBeWritten; ///< parts for which a call that writes was made
     bool m_networkWaits = false;
     Verdict m_verdict;
 };

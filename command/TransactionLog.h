@@ -5,24 +5,24 @@
 #include "command/Verdict.h"
 
 /**
- * Keeps what a transaction does, before it does it. This one keeps nothing, as a dry run does; a
- * journal's entry keeps all. A text that is not empty says why something could not be kept.
+ * Records what a transaction does, before it does it. This base class records nothing, for dry
+ * runs; a journal's entry records all. A text that is not empty says why something is missing.
  */
 class TransactionLog {
 public:
     virtual ~TransactionLog() = default;
 
     virtual void stepBegins(const char* /*name*/) {}
-    /** Writing is about to begin: from here on the instrument is unfinished. On the disk when it
-        returns.
+    /** Writing is about to begin: from here on the instrument is unfinished. Synced to the disk
+        when it returns.
         @param path  of the file that has @p before */
     virtual Text writingBegins(const Snapshot& /*before*/, const QString& /*path*/,
                                const InstrumentState& /*wanted*/, const FieldChanges& /*changes*/) {
         return {};
     }
-    /** A call that writes is about to be made. On the disk, with all before it, when it returns. */
+    /** A call that writes follows. Synced to the disk, with all earlier rows, when it returns. */
     virtual Text writeBegins(const char* /*function*/) { return {}; }
-    /** The end. @param isSettled  the instrument is not unfinished any more */
+    /** The end. @param isSettled  the instrument is no longer unfinished */
     virtual Text ends(const Verdict& /*verdict*/, bool /*isSettled*/) { return {}; }
 };
 

@@ -1,11 +1,11 @@
-// The steps that write to the instrument, and those that find out what came of them.
+// The steps that write to the instrument, and those that verify the result.
 
 #include "command/Interrupt.h"
 #include "command/Transaction.h"
 
 namespace {
 
-/** Holds interrupts back from the stage to the commit. */
+/** Defers interrupts from the stage to the commit. */
 class CommitPhase {
 public:
     explicit CommitPhase(Interrupt::Phase after) : m_after(after) {
@@ -21,8 +21,8 @@ private:
 
 } // namespace
 
-/** Makes a call that writes, when the log has it. The way back is gone in any case: without it the
-    instrument would stay as it is.
+/** Makes a call that writes, once the log has stored it. A rollback makes it in any case: otherwise
+    the instrument would stay half written.
     @param part  of `m_mayBeWritten` */
 template <typename Call>
 CallResult Transaction::write(const char* function, bool& part, const Call& call) {
@@ -55,9 +55,9 @@ Text Transaction::writeCalibration() {
 }
 
 /**
- * The library may go on answering the stage where a commit did nothing, so what reads equal proves
- * nothing. What proves it: a further commit answers that nothing is staged any more. Each of them
- * writes what was handed over last, so one too many does no harm.
+ * After a commit that did nothing, the library may still return the staged record, so reading it
+ * back equal proves nothing. The proof is another commit that answers that nothing is staged. Each
+ * commit writes the record staged last, so an extra one does no harm.
  */
 Text Transaction::commitProvably() {
     const auto commit = [this] {
@@ -102,7 +102,7 @@ Text Transaction::readBackIndependently() {
     return problem.isEmpty() ? readTwice(*m_access, m_order.serialNumber, m_readBack) : problem;
 }
 
-/** Whatever became of the connection before. */
+/** Connects again, whether the connection was lost or not. */
 Text Transaction::reconnect() {
     m_access->disconnect();
     return openInstrument(*m_access, m_order.serialNumber);
@@ -113,8 +113,8 @@ Text Transaction::verifyWanted() {
     if (!problem.isEmpty())
         return problem;
     InstrumentState expected = m_wanted;
-    // Settings come into use with a power cycle, and an instrument may answer the old ones till
-    // then. After an unfinished write, nobody knows which ones are the old ones.
+    // Settings take effect with a power cycle, and an instrument may return the old ones until
+    // then. After an unfinished write it is not known which settings are the old ones.
     m_networkWaits = m_mayBeWritten.network && !isSame(m_readBack.network, m_wanted.network) &&
                      isSame(m_readBack.network, m_held.network);
     if (m_networkWaits)

@@ -30,7 +30,7 @@ UnfinishedMark::UnfinishedMark(std::int32_t serialNumber, JournalDatabase* datab
                                                                     : DataFolder::journal()) {
     lookIntoFile();
     lookInto(DataFolder::journal(), database);
-    // A journal that is named for once does not hide what the usual one knows.
+    // `--journal` does not hide a mark in the usual journal.
     if (!m_exists && DataFolder::journal() != DataFolder::usualJournal())
         lookInto(DataFolder::usualJournal(), nullptr);
 }
@@ -56,7 +56,7 @@ void UnfinishedMark::lookInto(const QString& journal, JournalDatabase* database)
     } else if (!parts.empty()) {
         m_exists = true;
         m_journal = journal == DataFolder::usualJournal() ? QString() : journal;
-        // What was held before the first of them: the later ones began from what is not known.
+        // The state before the first part: the later ones began from an unknown state.
         if (m_snapshot.isEmpty())
             m_snapshot = parts.front().snapshotPath;
     }

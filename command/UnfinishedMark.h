@@ -10,29 +10,29 @@
 class JournalDatabase;
 
 /**
- * Whether writing to an instrument began and no verdict was found: what is read from it may be
- * staged and not in its memory. The journal says so, and so does a mark file of an earlier version
- * of this program. It is looked for when the object is made.
+ * Whether writing to an instrument began and did not reach a verdict: data read from it may be
+ * staged and not in its memory. The mark is in the journal, or in a file of an earlier version of
+ * this program. The constructor looks for it.
  */
 class UnfinishedMark {
 public:
-    /** @param database  the journal's, used in the constructor; null: it is opened */
+    /** @param database  the journal's, used only in the constructor; null: opens the journal */
     explicit UnfinishedMark(std::int32_t serialNumber, JournalDatabase* database = nullptr);
 
-    /** Whether there is one, even one that cannot be read. */
+    /** Whether there is a mark, even one that cannot be read. */
     bool exists() const { return m_exists; }
-    /** Why the journal could not be looked into; empty where it was. */
+    /** Why the journal could not be read; empty if it was. */
     const Text& problem() const { return m_problem; }
-    /** The snapshot of what the instrument held before; empty when it is not known. */
+    /** The snapshot of the instrument's state before; empty if it is not known. */
     const QString& snapshot() const { return m_snapshot; }
 
-    /** Removes a mark file, durably. Empty, or why it could not be removed. */
+    /** Removes a mark file and syncs its folder. Empty, or the reason of the failure. */
     Text removeFile() const;
 
-    /** What a mark means, with the commands that end it. */
+    /** The meaning of the mark, with the commands that remove it. */
     Text told() const;
-    /** The command that ends an unfinished write with the state before, to be copied to a shell.
-        @param snapshot  to be named where the mark names none */
+    /** The shell command that ends an unfinished write by restoring the state before.
+        @param snapshot  used if the mark names none */
     QString restoreCommand(const QString& snapshot = {}) const;
 
 private:
@@ -43,7 +43,7 @@ private:
     std::int32_t m_serialNumber;
     bool m_exists = false;
     QString m_snapshot;
-    QString m_journal; ///< to be named; empty for the usual one
+    QString m_journal; ///< path for the commands; empty for the usual one
     Text m_problem;
 };
 

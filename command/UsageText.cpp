@@ -7,7 +7,7 @@
 namespace {
 
 struct Wording {
-    const char* key; ///< of the parser: a label, or a pattern of a whole message
+    const char* key; ///< a label of the parser, or a pattern of a complete message
     const char* text;
 };
 
@@ -36,7 +36,7 @@ const Wording messages[] = {
     {"(.+): (.+) not in \\{(.+)\\}", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: %2 is none of %3")},
 };
 
-/** The parser takes the names of its groups as they are, in place of their labels. */
+/** Replaces the names of groups by labels, which the parser itself does not do. */
 class GroupFormatter : public CLI::Formatter {
 public:
     std::string make_group(std::string group, bool isPositional,

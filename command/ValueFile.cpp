@@ -22,7 +22,7 @@ bool isAllDigits(std::string_view text) {
     return !text.empty() && text.find_first_not_of(digits) == std::string_view::npos;
 }
 
-/** Cuts the digits off the front of @p text. @return whether there were any */
+/** Removes leading digits from @p text. @return whether there were any */
 bool takeDigits(std::string_view& text) {
     const std::size_t count = std::min(text.find_first_not_of(digits), text.size());
     text.remove_prefix(count);
@@ -48,7 +48,7 @@ bool isPlainDecimal(std::string_view text) {
     return text.empty();
 }
 
-/** Of a plain decimal: whether it is written as zero. */
+/** Whether all digits of a plain decimal are zero. */
 bool isWrittenAsZero(std::string_view text) {
     return text.substr(0, text.find_first_of("eE")).find_first_of("123456789") ==
            std::string_view::npos;
@@ -114,7 +114,7 @@ void checkCell(FileCheck& check, std::string_view cell, std::vector<float>& valu
     } else if (!isPlainDecimal(cell)) {
         wrong = QT_TRANSLATE_NOOP("vq-tl4ctl", "\"%1\" is not a decimal number such as 92.465");
     } else {
-        // Ends at the comma or the line end behind it.
+        // The cell is not NUL-terminated: the number ends at the comma or the line end.
         values.push_back(NumberText::toFloat(cell.data()));
         if (!std::isfinite(values.back()))
             wrong = QT_TRANSLATE_NOOP("vq-tl4ctl", "\"%1\" is too large for single precision");

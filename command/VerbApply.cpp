@@ -21,7 +21,7 @@ void addValues(const QString& path, const CalibrationAccessory& accessory, const
         change.accessories.push_back(*values);
 }
 
-/** What the options name, for each of the instruments. */
+/** The change that the options describe, for each of the instruments. */
 Change changeFor(const ApplyOptions& options, std::vector<JournalInput>& inputs, Faults& faults) {
     Change change;
     if (!options.network.isEmpty()) {
@@ -93,9 +93,9 @@ ExitStatus applyPlan(const ApplyOptions& options) {
     return carryOut(orders, options, inputs);
 }
 
-// ---- The same for several
+// ---- The same change for several instruments
 
-/** What would make the same for several wrong; all of it at once. */
+/** All reasons why this change must not be made to several instruments. */
 std::vector<Text> problemsOf(const std::vector<std::int32_t>& serials,
                              const std::vector<std::int32_t>& attached, const Change& change) {
     std::vector<Text> problems;

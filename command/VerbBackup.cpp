@@ -7,7 +7,7 @@
 
 namespace {
 
-/** The instruments that were asked for. False where they are not known; the reason was said. */
+/** The named instruments, or all. False, after a message, if they cannot be found. */
 bool chooseInstruments(const BackupOptions& options, std::vector<std::int32_t>& serials,
                        ExitStatus& status) {
     for (const QString& text : options.serials) {

@@ -5,7 +5,7 @@
 
 namespace {
 
-/** What the file is good for; empty where it has faults. */
+/** The kind of a valid file, as a sentence; empty if the file has faults. */
 Text checkFile(const QString& path, Faults& faults) {
     const QStringList name = {path};
     const auto file = InputFile::read(path, faults);

@@ -7,15 +7,15 @@
 
 namespace {
 
-/** One of the two that are compared. */
+/** One of the two sides that are compared. */
 struct Side {
     std::optional<std::int32_t> serialNumber; ///< of an instrument, which is read later
     InstrumentState state;
-    bool isSettings = false; ///< network settings alone
+    bool isSettings = false; ///< only network settings
     bool hasKey = true;
 };
 
-/** Nothing, with the reasons in @p faults, where the file cannot be compared. */
+/** Nothing, with the reasons in @p faults, if the file cannot be compared. */
 std::optional<Side> readSide(const QString& name, Faults& faults) {
     Side side;
     side.serialNumber = parseSerial(name);

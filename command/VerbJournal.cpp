@@ -12,7 +12,7 @@ ExitStatus refuse(const Text& problem) {
     return RefusedStatus;
 }
 
-/** A day begins at midnight here; a time without a zone is one of here. */
+/** A date means local midnight; a time without a zone is local. */
 std::optional<QDateTime> parseTime(const QString& text) {
     const QDate day = QDate::fromString(text, Qt::ISODate);
     const QDateTime time = day.isValid() && text.size() == 10

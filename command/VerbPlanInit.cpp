@@ -18,8 +18,8 @@ QByteArray lineOf(const QStringList& cells) {
     return line.join(',') + "\r\n";
 }
 
-/** The text as a cell, where that is read as the same text again; else empty, which leaves it as it
-    is. What begins like a formula would be one to a spreadsheet. */
+/** The text as a cell; empty, which changes nothing, if a spreadsheet or the plan's reader would
+    change the text, for instance because it begins like a formula. */
 QString textCell(const char* field, std::size_t size) {
     const QString text = FieldTexts::text(field, size);
     const QByteArray bytes = text.toUtf8();
@@ -29,7 +29,7 @@ QString textCell(const char* field, std::size_t size) {
     return isWhole && !isFormula && !PlanCells::isShortenedNumber(cell) ? text : QString();
 }
 
-/** Where it is neither on nor off, empty. */
+/** "on" or "off"; empty for any other value. */
 QString flagCell(std::uint32_t flag) {
     return flag > 1 ? QString() : FieldTexts::onOff(flag);
 }
@@ -49,7 +49,8 @@ QStringList addressCells(const KVA_NETWORKINFO& info) {
             FieldTexts::address(info.DefaultGateway), FieldTexts::address(info.DNS)};
 }
 
-/** In the order of `planColumns`, from the one behind the serial number to the power-off time. */
+/** The cells in the order of `planColumns`, from the one after the serial number to the power-off
+    time. */
 QStringList cellsOf(const InstrumentState& state) {
     QStringList cells;
     if (state.network) {
@@ -64,7 +65,7 @@ QStringList cellsOf(const InstrumentState& state) {
     return cells << (FieldTexts::powerOffWords().contains(powerOff) ? powerOff : QString());
 }
 
-/** One cell, which begins with a word of ours: never a formula. */
+/** The comment cell. It begins with a fixed word, so it is never a formula. */
 QString comment(const InstrumentState& state) {
     QStringList parts;
     const auto add = [&](const char* name, const QString& text) {
@@ -99,7 +100,7 @@ void sayLeftOut(std::int32_t serialNumber, const InstrumentState& state) {
                        {serialText(serialNumber), fault.translated()}));
 }
 
-/** The instrument's row. @return why it could not be read; empty where it was */
+/** Adds the instrument's row. @return why it could not be read; empty if it was */
 Text addRow(std::int32_t serialNumber, bool fillsIn, QByteArray& content) {
     QStringList cells = {serialText(serialNumber)};
     InstrumentState state;
@@ -130,7 +131,7 @@ ExitStatus planInit(const PlanInitOptions& options) {
         problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "No instrument is attached."));
     if (problem.isEmpty())
         problem = creationProblem(options.file);
-    // A byte-order mark, as some spreadsheets take a file without one for another encoding.
+    // With a byte-order mark, as some spreadsheets otherwise assume another encoding.
     QByteArray content =
         "\xEF\xBB\xBF" + lineOf(planColumns() + QStringList{QStringLiteral("# now")});
     ExitStatus status = Done;

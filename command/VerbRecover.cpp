@@ -10,7 +10,7 @@
 
 namespace {
 
-/** What a recovery can settle on: the two ends of what was unfinished. */
+/** The two states that a recovery can settle on: the old and the wanted one. */
 struct Ends {
     std::optional<Snapshot> wanted;
     std::optional<Snapshot> old;
@@ -20,12 +20,12 @@ std::optional<Snapshot> snapshotFrom(const InputFile& file, Faults& faults) {
     return file.content.isEmpty() ? std::nullopt : Snapshot::check(file, faults);
 }
 
-/** From the journal; from a mark file's snapshot where the journal knows nothing. */
+/** From the journal, or from a mark file's snapshot if the journal has nothing. */
 Ends endsOf(std::int32_t serialNumber, const std::vector<JournalInstrument>& parts,
             Faults& faults) {
     Ends ends;
     if (!parts.empty()) {
-        // The later parts began from a state that was not known.
+        // The later parts began from an unknown state.
         const QString journal = DataFolder::journal();
         ends.wanted = snapshotFrom({journal, parts.back().wanted}, faults);
         ends.old = snapshotFrom({journal, parts.front().before}, faults);
@@ -43,11 +43,11 @@ bool isHeld(const InstrumentState& held, const std::optional<Snapshot>& snapshot
            !differingParts(held, snapshot->state).any();
 }
 
-/** Says what the instrument holds, and makes the order that ends it. */
+/** Reports what the instrument holds, and makes the order that ends the unfinished write. */
 Order orderFor(std::int32_t serialNumber, const Ends& ends, const InstrumentState& held) {
     const QStringList serial = {serialText(serialNumber)};
     Order order;
-    // An earlier recovery that did not end wanted the old state.
+    // An earlier recovery that did not end may have wanted the old state.
     const bool isOld = isHeld(held, ends.old);
     order.takesBack = isOld || !isHeld(held, ends.wanted);
     sayToUser(
@@ -132,7 +132,7 @@ Text nothingToRecover() {
                                                "recover."));
 }
 
-/** Nobody can be asked: that is no fault where there is nothing to ask. */
+/** Without a terminal: an error only if there is something to ask. */
 ExitStatus endUnasked() {
     Text problem;
     const auto journal = Journal::open(DataFolder::journal(), problem);

@@ -7,7 +7,7 @@
 
 namespace {
 
-/** The accessory's part of a record, as a value file would bring it. */
+/** The accessory's part of a record, in the form of a value file. */
 ValueFile partOf(const KVA_JIG_CALREFDATA& record, const CalibrationAccessory& accessory) {
     ValueFile part;
     part.accessory = &accessory;
@@ -18,7 +18,7 @@ ValueFile partOf(const KVA_JIG_CALREFDATA& record, const CalibrationAccessory& a
     return part;
 }
 
-/** What of the snapshot is to be put back. */
+/** The parts of the snapshot that are to be restored. */
 Change changeFor(const Snapshot& snapshot, const QStringList& only) {
     const InstrumentState& state = snapshot.state;
     Change change;
@@ -42,7 +42,7 @@ Change changeFor(const Snapshot& snapshot, const QStringList& only) {
     return change;
 }
 
-/** Why the snapshot cannot be put back into the instrument; empty where it can. */
+/** Why the snapshot cannot be restored to the instrument; empty if it can. */
 Text problemOf(const Snapshot& snapshot, const Order& order, const RestoreOptions& options) {
     const auto owner = static_cast<std::int32_t>(snapshot.state.device.serialNumber);
     if (owner != order.serialNumber)

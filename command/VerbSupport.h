@@ -14,21 +14,21 @@
 #include <memory>
 #include <optional>
 
-/** What several verbs need. */
+/** Functions that several verbs need. */
 
-/** A serial number as it is typed: digits alone, with leading zeros or without. */
+/** A typed serial number: only digits, with or without leading zeros. */
 std::optional<std::int32_t> parseSerial(const QString& text);
-/** The same, and a word on standard error where it is none. */
+/** The same, with a message on standard error if it is not one. */
 std::optional<std::int32_t> requireSerial(const QString& text);
 
 enum class FileKind { Settings, Snapshot, Plan, Values };
-/** By the ending `.ini`, by what the content begins with, and by the columns of a plan. */
+/** The kind, by the extension `.ini`, by the beginning of the content, by the columns of a plan. */
 FileKind kindOf(const InputFile& file);
 
-/** Connects, reads everything twice, disconnects. Empty, or why it could not be read. */
+/** Connects, reads everything twice, disconnects. Empty, or the reason of the failure. */
 Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state);
 
-/** The serial numbers that the port list has. Empty, or why it could not be asked for. */
+/** The serial numbers in the port list. Empty, or the reason of the failure. */
 Text attachedInstruments(std::vector<std::int32_t>& serials);
 
 /** A plan without a fault, and the file that it was read from. */
@@ -36,37 +36,37 @@ struct CheckedPlan {
     InputFile file;
     Plan plan;
 };
-/** Reads and checks a plan; says all that is wrong with it on standard error.
+/** Reads and checks a plan; reports every fault on standard error.
     @param isOffline  no instrument has to be attached
     @param only       of the plan's instruments; empty for all
-    @return `Done` where @p plan is filled; otherwise the exit status */
+    @return `Done` if @p plan is filled; otherwise the exit status */
 ExitStatus requirePlan(const QString& path, bool isOffline, const std::vector<std::int32_t>& only,
                        CheckedPlan& plan);
 
-/** Refuses a question that nobody could answer, before anything is done. */
+/** Refuses a command that must ask without a terminal, before anything is done. */
 bool canBeConfirmed(const WriteOptions& options);
 
-/** Puts what the user wants of every write into the order. */
+/** Copies the options for writing into the order. */
 void prepare(Order& order, const WriteOptions& options);
 
-/** Makes the transaction, in a run of its own, and reports its verdict.
-    @param inputs  what the journal keeps of the files that the user gave */
+/** Carries out the order in a run of its own, and reports its verdict.
+    @param inputs  what the journal stores of the user's files */
 ExitStatus carryOut(Order& order, const WriteOptions& options,
                     const std::vector<JournalInput>& inputs);
 
 void report(const Verdict& verdict, bool asJson);
 
-/** Opens the journal that the command line names, or the usual one. @return nothing, and why in
-    @p problem, where it cannot be used or is not there */
+/** Opens the journal that the command line names, or the usual one. @return null, and the reason in
+    @p problem, if it cannot be used or does not exist */
 std::unique_ptr<JournalReader> openJournal(Text& problem);
-/** The run of that number. Empty when it is found; otherwise why it is not. */
+/** The run with that number. Empty if it is found; otherwise the reason. */
 Text findRun(const QString& number, std::optional<JournalRun>& run);
 
-/** Why a file that the user named cannot be created: its folder is not there, or it is there
-    already. Empty when neither is so. */
+/** Why a file that the user named cannot be created: its folder does not exist, or the file does.
+    Empty if it can. */
 Text creationProblem(const QString& path);
-/** Writes a file that the user named, whole or not at all. Empty when it is written; otherwise why
-    not. */
+/** Writes a file that the user named, completely or not at all. Empty on success; otherwise the
+    reason. */
 Text createFile(const QString& path, const QByteArray& content);
 
 #endif

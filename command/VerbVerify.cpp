@@ -11,13 +11,13 @@
 
 namespace {
 
-/** What is said of one instrument. */
+/** The result for one instrument. */
 struct Finding {
     std::int32_t serialNumber = 0;
-    const char* word = "refused"; ///< of JSON; "held", "waits" and "differs" are kept
+    const char* word = "refused"; ///< of JSON; "held", "waits" and "differs" are stored
     Text sentence;
     std::optional<JournalInstrument> part; ///< what was written last
-    FieldChanges changes;                  ///< from what was written to what is held
+    FieldChanges changes;                  ///< from the state written to the state held
 
     ExitStatus status() const;
     bool isKept() const { return part && status() != RefusedStatus && status() != UnknownStatus; }
@@ -34,11 +34,11 @@ ExitStatus Finding::status() const {
     return outcome == QLatin1String("unfinished") ? UnknownStatus : RefusedStatus;
 }
 
-/** The state that the last write left behind; nothing where the journal has none that is whole. */
+/** The state that the last write left; nothing if the journal has no valid snapshot of it. */
 std::optional<Snapshot> leftBehind(const JournalInstrument& part) {
     const bool wentBack = part.outcome && part.outcome->word == QLatin1String("rolled-back") &&
                           !part.wanted.isEmpty();
-    // A recovery that took back had the old state as what it wanted.
+    // For a recovery that rolled back, the old state was the wanted one.
     const bool isOld = wentBack && !part.isRecovery;
     Faults faults;
     auto snapshot =
@@ -126,9 +126,9 @@ void report(const Finding& finding, bool asJson) {
                           {QStringLiteral("changes"), changes}});
 }
 
-/** The attached instruments, and what of those that were written to is not attached: where all are
-    wanted, so that it is refused; elsewhere it is only told, unless there is nothing else.
-    @param status  refused in that case */
+/** Adds the attached instruments. One that was written to and is not attached is added too if all
+    are wanted, so that it is refused; otherwise it is only reported.
+    @param status  refused if no instrument that was written to is attached */
 Text addInstruments(JournalReader& reader, bool wantsAll, std::vector<std::int32_t>& serials,
                     ExitStatus& status) {
     Text problem = attachedInstruments(serials);

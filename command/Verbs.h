@@ -8,7 +8,7 @@
 #include <cstdint>
 #include <optional>
 
-/** The verbs of the command line, one source each. Each returns what the program ends with. */
+/** The verbs of the command line, one source each. Each returns the exit status. */
 
 struct ListOptions {
     bool asJson = false;
@@ -37,13 +37,13 @@ ExitStatus check(const CheckOptions& options);
 
 struct PlanInitOptions {
     QString file;
-    bool fillsIn = false; ///< the columns too, not the comment alone
+    bool fillsIn = false; ///< fills in all columns, not only the comment
 };
 ExitStatus planInit(const PlanInitOptions& options);
 
 struct PlanCheckOptions {
     QString file;
-    bool isOffline = false; ///< no instrument is looked for
+    bool isOffline = false; ///< the port list is not read
 };
 ExitStatus planCheck(const PlanCheckOptions& options);
 
@@ -68,7 +68,7 @@ ExitStatus recover(const RecoverOptions& options);
 
 struct VerifyOptions {
     QStringList serials; ///< none for all attached instruments
-    bool all = false;    ///< that there are none was said
+    bool all = false;    ///< `--all` was given
     bool asJson = false;
 };
 ExitStatus verify(const VerifyOptions& options);
@@ -102,10 +102,10 @@ ExitStatus htmlReport(const ReportOptions& options);
 struct ApplyOptions : WriteOptions {
     QStringList serials;
     bool all = false; ///< all attached instruments, in place of serial numbers
-    QString plan;     ///< path; in place of serial numbers and of what is written
+    QString plan;     ///< path; in place of serial numbers and of the options below
     QStringList only; ///< serial numbers of the plan; empty for all of them
     bool keepsGoing = false;
-    QString network; ///< paths; empty where nothing is to be written
+    QString network; ///< paths; empty if nothing is to be written
     QString whitePlate;
     QString ambientAdapter;
     QString powerOff; ///< a word of `FieldTexts::powerOffWords`

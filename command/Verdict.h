@@ -9,22 +9,22 @@
 #include <cstdint>
 #include <vector>
 
-/** What became of an instrument. */
+/** The outcome for an instrument. */
 enum class Outcome {
-    Unchanged,   ///< it held all that already; nothing was written
+    Unchanged,   ///< it already held everything; nothing was written
     Verified,    ///< written, read back independently, equal in every byte
     Refused,     ///< nothing was written
-    RolledBack,  ///< failed or different; the old state is back, and verified
-    Unknown,     ///< the state could not be verified or not be restored
-    Waits,       ///< network settings are stored and not answered yet; all else is verified
+    RolledBack,  ///< a step failed or a value differed; the old state is restored and verified
+    Unknown,     ///< the state could not be verified or restored
+    Waits,       ///< network settings are stored but not returned yet; the rest is verified
     WouldChange, ///< a dry run found something to change; nothing was written
     NotReached,  ///< the run stopped before it; nothing was written
 };
 
-/** The word for it, as JSON has it. */
+/** The word for it in JSON. */
 const char* outcomeWord(Outcome outcome);
 
-/** What the program ends with. */
+/** The exit status of the program. */
 enum ExitStatus {
     Done = 0,
     Usage = 2, ///< also input that is refused before anything is connected
@@ -37,16 +37,16 @@ enum ExitStatus {
 
 ExitStatus exitStatus(Outcome outcome);
 
-/** The status of several instruments: that of the gravest outcome. */
+/** The status of several instruments: that of the worst outcome. */
 ExitStatus graver(ExitStatus left, ExitStatus right);
 
-/** The whole of what is said about one instrument at the end. */
+/** Everything that is reported about one instrument at the end. */
 struct Verdict {
     std::int32_t serialNumber = 0;
     Outcome outcome = Outcome::Refused;
     std::vector<Text> reasons; ///< sentences, in their order
     FieldChanges changes;
-    QString snapshot;          ///< path; empty where none was made
+    QString snapshot;          ///< path; empty if none was made
     std::int32_t warnings = 0; ///< bits of all answers
 };
 

@@ -13,7 +13,7 @@
 
 namespace {
 
-/** The process that wrote itself into the file. */
+/** The process id that the lock's holder wrote into the file. */
 QString holder(int descriptor) {
     char text[32] = {};
     const ssize_t size = ::pread(descriptor, text, sizeof text - 1, 0);

@@ -3,18 +3,18 @@
 
 #include "command/Text.h"
 
-/** One of these commands at a time writes: a lock of the kernel's, which ends with its process,
-    however that ends. */
+/** A file lock, so that only one of these commands writes at a time. The kernel releases it when
+    the process ends in any way. */
 class WriteLock {
 public:
     WriteLock() = default;
-    /** Gives the lock back. */
+    /** Releases the lock. */
     ~WriteLock();
     WriteLock(const WriteLock&) = delete;
     WriteLock& operator=(const WriteLock&) = delete;
 
-    /** Takes the lock. Empty when it has it; otherwise which process holds it, or why the lock
-        file cannot be used. */
+    /** Takes the lock. Empty on success; otherwise the process that holds it, or why the lock file
+        cannot be used. */
     Text take();
 
 private:

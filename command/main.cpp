@@ -11,8 +11,8 @@
 
 namespace {
 
-/** The language of the messages. Looked for before the command line is read, as help and faults of
-    the command line are messages as well. */
+/** The language of the messages. Found before the command line is parsed, since help and parsing
+    errors are messages too. */
 bool isJapanese(int argc, char** argv) {
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--lang") == 0 && i + 1 < argc)
