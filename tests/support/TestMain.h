@@ -50,6 +50,25 @@ void addRows(const Rows& rows) {
         QTest::addRow("%s", QByteArray(row.name).constData()) << Stored(row);
 }
 
+/** A row of a table: what a test gives in, and what has to come out. */
+template <typename Given, typename Expected>
+struct Case {
+    QByteArray name;
+    Given given;
+    Expected expected = {};
+};
+
+using TextCase = Case<QByteArray, QByteArray>;
+
+/** A row with one value: what a test gives in or, where that is its name, what has to come out. */
+template <typename Value>
+struct NamedValue {
+    QByteArray name;
+    Value value;
+};
+
+using NamedText = NamedValue<QByteArray>;
+
 /** Adds rows that are nothing but a name: the test asks `QTest::currentDataTag`. */
 inline void addNames(std::initializer_list<const char*> names) {
     QTest::addColumn<int>("row");

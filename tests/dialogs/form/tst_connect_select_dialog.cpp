@@ -48,10 +48,7 @@ QString selectedLine(int row) {
     return QString("select portNum[ConnectSelectDialog]:%1").arg(row);
 }
 
-struct ListedRow {
-    const char* name;
-    QStringList devices;
-};
+using ListedRow = NamedValue<QStringList>;
 
 } // namespace
 
@@ -109,8 +106,8 @@ private Q_SLOTS:
         const auto row = rowOf<ListedRow>();
         Dialog dialog;
         const DebugLog log;
-        dialog.setDeviceList(row.devices);
-        QCOMPARE(dialog.rows(), row.devices);
+        dialog.setDeviceList(row.value);
+        QCOMPARE(dialog.rows(), row.value);
         QCOMPARE(dialog.list().currentRow(), 0);
         QCOMPARE(dialog.list().selectedItems(), {dialog.list().item(0)});
         QCOMPARE(dialog.portNum, 0);
@@ -174,18 +171,18 @@ private Q_SLOTS:
     void reused_data() { addRows(QVector<ListedRow>{{"with fewer", two}, {"empty", {}}}); }
     void reused() {
         const auto row = rowOf<ListedRow>();
-        const bool isEmpty = row.devices.isEmpty();
+        const bool isEmpty = row.value.isEmpty();
         Dialog dialog;
         dialog.open(three, 2);
         dialog.clickOk();
         QVERIFY(dialog.isFinished);
         QCOMPARE(dialog.portNum, 2);
         const DebugLog log;
-        dialog.setDeviceList(row.devices);
+        dialog.setDeviceList(row.value);
         QVERIFY(dialog.isFinished); // its owner clears it
         dialog.isFinished = false;
         const int portNum = isEmpty ? dialog.portNum : 0;
-        QCOMPARE(dialog.rows(), row.devices);
+        QCOMPARE(dialog.rows(), row.value);
         QCOMPARE(dialog.list().currentRow(), isEmpty ? -1 : 0);
         QCOMPARE(dialog.list().selectedItems().size(), isEmpty ? 0 : 1);
         QCOMPARE(dialog.portNum, portNum);

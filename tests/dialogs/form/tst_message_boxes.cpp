@@ -21,11 +21,6 @@ const QVector<BoxRow> operations = {
     {"information", &InitSettingDialog::showInfoMessage, QMessageBox::Information},
 };
 
-struct TextRow {
-    const char* name;
-    QString message;
-};
-
 } // namespace
 
 /** The message boxes of the settings dialog. */
@@ -66,7 +61,7 @@ private Q_SLOTS:
     }
 
     void text_data() {
-        addRows(QVector<TextRow>{
+        addRows(QVector<NamedValue<QString>>{
             {"line break at the end", "Failed to connect device.\n"},
             {"line breaks", "one\ntwo\n\n"},
             {"blanks around", "  text  "},
@@ -81,22 +76,22 @@ private Q_SLOTS:
     }
 
     void text() {
-        const auto row = rowOf<TextRow>();
+        const auto row = rowOf<NamedValue<QString>>();
         InitSettingDialog dialog;
         ModalAnswerer answerer;
         QStringList labels;
         answerer.onBox = [&](QMessageBox& box) {
             labels.append(box.findChild<QLabel*>("qt_msgbox_label")->text());
-            QCOMPARE(box.text(), row.message);
+            QCOMPARE(box.text(), row.value);
             QCOMPARE(box.standardButtons(), QMessageBox::StandardButtons(QMessageBox::Ok));
         };
-        dialog.showErrorMessage(row.message);
+        dialog.showErrorMessage(row.value);
         for (const LanguageRow& language : languages) {
             const InstalledTranslation translation(language.name);
-            dialog.showErrorMessage(row.message);
-            dialog.showInfoMessage(row.message);
+            dialog.showErrorMessage(row.value);
+            dialog.showInfoMessage(row.value);
         }
-        const QString& text = row.message;
+        const QString& text = row.value;
         QCOMPARE(labels, QStringList({text, text, text, text, text}));
     }
 

@@ -20,16 +20,8 @@ QStringList eventLines(quint32 code) {
     return lines;
 }
 
-struct Events {
-    const char* name;
-    QVector<quint32> codes;
-    bool isLost;
-};
-
-struct Leaving {
-    const char* name;
-    const char* slot;
-};
+/** Codes of events, and whether the connection is lost. */
+using Events = Case<QVector<quint32>, bool>;
 
 } // namespace
 
@@ -107,17 +99,17 @@ private Q_SLOTS:
         ConnectedFixture f;
         const QStringList before = f.everything();
         QStringList lines;
-        for (const quint32 code : row.codes) {
+        for (const quint32 code : row.given) {
             TestBench::emitEvent(code);
             lines += eventLines(code);
         }
         f.invoke("timerHit");
 
         lines.append(checkLine);
-        if (row.isLost)
+        if (row.expected)
             lines.append(trueLine);
-        QCOMPARE(f.records(), (row.isLost ? QStringList(lostBox) : QStringList()) + lines);
-        QCOMPARE(f.everything(), row.isLost ? SettingsFixture::nothing() : before);
+        QCOMPARE(f.records(), (row.expected ? QStringList(lostBox) : QStringList()) + lines);
+        QCOMPARE(f.everything(), row.expected ? SettingsFixture::nothing() : before);
     }
 
     void connectsAgainAfterALoss() {
@@ -169,17 +161,17 @@ private Q_SLOTS:
     }
 
     void stopsWithTheConnection_data() {
-        addRows(QVector<Leaving>{{"Disconnect", "on_disConnectPushBtn_clicked"},
-                                 {"Close", "on_ClosePushBtn_clicked"}});
+        addRows(QVector<NamedText>{{"Disconnect", "on_disConnectPushBtn_clicked"},
+                                   {"Close", "on_ClosePushBtn_clicked"}});
     }
 
     // Nothing is reported to somebody who has left.
     void stopsWithTheConnection() {
-        const auto row = rowOf<Leaving>();
+        const auto row = rowOf<NamedText>();
         ConnectedFixture f;
         watchOf(f.dialog).setInterval(1);
         QTRY_VERIFY(f.lines().contains(checkLine));
-        f.invoke(row.slot);
+        f.invoke(row.value);
         QVERIFY(!watchOf(f.dialog).isActive());
         f.clearRecords();
         TestBench::emitEvent(eEventCode_DisConnect);

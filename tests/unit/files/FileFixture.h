@@ -18,16 +18,6 @@
 
 using TestBench::bytesOf;
 
-/** A row of a table: what a test gives in, and what has to come out. */
-template <typename Given, typename Expected>
-struct Case {
-    QByteArray name;
-    Given given;
-    Expected expected = {};
-};
-
-using TextCase = Case<QByteArray, QByteArray>;
-
 /** Lets files have no more than so many bytes while it exists; they can still be created and
     emptied. */
 class FileSizeLimit {

@@ -46,11 +46,7 @@ private:
     }
 };
 
-/** The row of a table that has one number. */
-struct NumberRow {
-    const char* name;
-    qint64 value;
-};
+using NumberRow = NamedValue<qint64>;
 
 /** Writes a file, unless @p content is null. @return its path in the local 8-bit encoding */
 inline QByteArray localFile(const TestFolder& folder, const QByteArray& content) {

@@ -98,11 +98,8 @@ bool prepare(CKvaSdk_Ctrl& controller, const ResultRow& row) {
     return controller.GetDevicePortList() && (!isConnected || connects(controller));
 }
 
-struct NameRow {
-    QByteArray name;
-    int code;
-    QString text;
-};
+/** A result code and its text. */
+using NameRow = Case<int, QString>;
 
 QVector<NameRow> nameRows() {
     QVector<NameRow> rows;
@@ -157,7 +154,7 @@ private Q_SLOTS:
     void namesCode() {
         const auto row = rowOf<NameRow>();
         const DebugLog log;
-        QCOMPARE(ResultCodeToString(row.code), row.text);
+        QCOMPARE(ResultCodeToString(row.given), row.expected);
         QCOMPARE(log.lines(), QStringList());
     }
 

@@ -257,7 +257,7 @@ private Q_SLOTS:
         ConnectedController controller;
         // The other bytes of the record count for nothing.
         TestBench::set(R"({"factoryOptionsReserved": {"fill": 255}, "wirelessModule": )" +
-                       QByteArray(row.name) + '}');
+                       row.name + '}');
         QCOMPARE(controller.IsWifiModuleEnabled(), row.value != 0);
         QCOMPARE(controller.left(),
                  QStringList({"4", QString("  wifiModuleEnable :      %1\n").arg(row.value),
@@ -268,7 +268,7 @@ private Q_SLOTS:
     void readsMode() {
         const auto row = rowOf<NumberRow>();
         ConnectedController controller;
-        TestBench::set(R"({"powerOffMode": )" + QByteArray(row.name) + '}');
+        TestBench::set(R"({"powerOffMode": )" + row.name + '}');
         uint8_t mode = 77;
         QVERIFY(controller.GetShutdownTime(mode));
         QCOMPARE(qint64{mode}, row.value);

@@ -7,7 +7,7 @@ using namespace simtest;
 namespace {
 
 /** Arguments of the command, and what is expected. */
-struct Case {
+struct CommandRow {
     const char* name;
     const char* expected;
     const char* pointer = ""; ///< of the field that is set
@@ -112,7 +112,7 @@ private Q_SLOTS:
     }
 
     void set_data() {
-        addRows(QVector<Case>{
+        addRows(QVector<CommandRow>{
             {"powerOffMode=3", "3", "/powerOffMode"},
             {"plugged=false", "false", "/plugged"},
             {"wirelessModule=false", "false", "/wirelessModule"},
@@ -140,7 +140,7 @@ private Q_SLOTS:
         });
     }
     void set() {
-        const auto row = rowOf<Case>();
+        const auto row = rowOf<CommandRow>();
         const Outcome outcome = kvasim({"set", "1000001", row.name});
         QCOMPARE(outcome.errors, "");
         QCOMPARE(outcome.status, 0);
@@ -162,7 +162,7 @@ private Q_SLOTS:
     }
 
     void refused_data() {
-        addRows(QVector<Case>{
+        addRows(QVector<CommandRow>{
             {"show 5", "no instrument 5 on the bench"},
             {"unplug 5", "no instrument 5 on the bench"},
             {"set 5 powerOffMode=1", "no instrument 5 on the bench"},
@@ -184,7 +184,7 @@ private Q_SLOTS:
         });
     }
     void refused() {
-        const auto row = rowOf<Case>();
+        const auto row = rowOf<CommandRow>();
         const std::string before = stateText();
         const Outcome outcome = kvasim(row.name);
         QCOMPARE(outcome.status, 1);
@@ -209,7 +209,7 @@ private Q_SLOTS:
     }
 
     void faultRules_data() {
-        addRows(QVector<Case>{
+        addRows(QVector<CommandRow>{
             {"--result 5", R"("call": "every",
         "result": "KVA_WARNING_WCALIB_TEMP/KVA_WARNING_INITIALDATE_SETTING")"},
             {"--call 2-5 --serial 7 --times 3 --delay 20",
@@ -227,7 +227,7 @@ private Q_SLOTS:
         });
     }
     void faultRules() {
-        const auto row = rowOf<Case>();
+        const auto row = rowOf<CommandRow>();
         const Outcome outcome = kvasim(QStringList{"fault", "add"} << wordsOf(row.name));
         QCOMPARE(outcome.errors, "");
         const json listed = json::parse(kvasim("fault list --json").output.toStdString());

@@ -46,13 +46,10 @@ private:
     QProcess m_process;
 };
 
-struct EventsRow {
-    const char* name;
-    QList<const char*> commands;
-    QByteArray codes;
-};
+/** Commands, and the codes of the events that come of them. */
+using EventsCase = Case<QList<const char*>, QByteArray>;
 
-const EventsRow eventsRows[] = {
+const EventsCase eventsRows[] = {
     {"unplug", {"unplug 1000001"}, "6"},
     {"unplug and plug", {"unplug 1000001", "plug 1000001"}, "6 0"},
     {"unplug another", {"unplug 1000002"}, ""},
@@ -164,16 +161,16 @@ private Q_SLOTS:
 
     void eventsOfChanges_data() { addRows(eventsRows); }
     void eventsOfChanges() {
-        const auto row = rowOf<EventsRow>();
+        const auto row = rowOf<EventsCase>();
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
         QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_SUCCESS);
-        for (const char* command : row.commands) {
+        for (const char* command : row.given) {
             QCOMPARE(kvasim(command).status, 0);
             QTest::qWait(120); // two looks
         }
-        QTRY_COMPARE(recordedCodes(), row.codes);
+        QTRY_COMPARE(recordedCodes(), row.expected);
         QTest::qWait(120); // one that is too many would be here by now
-        QCOMPARE(recordedCodes(), row.codes);
+        QCOMPARE(recordedCodes(), row.expected);
     }
 
     void fileChangedByHand() {

@@ -18,18 +18,8 @@ const ReadyRow readyRows[] = {
     {"no-wireless", 1, 0}, {"faulty-cable", 1, 0},    {"factory-line", 0, 50},
 };
 
-struct TextRow {
-    const char* name;
-    QByteArray text; ///< of the bench
-    QByteArray reason;
-};
-
-struct RefusedRow {
-    QByteArray name;
-    QByteArray path;
-};
-
-const RefusedRow inInstrument[] = {
+// Changes of an instrument, and the path of what is refused.
+const NamedText inInstrument[] = {
     {R"([])", "the document"},
     {R"({"plugged": 1})", "plugged"},
     {R"({"pluged": true})", "pluged"},
@@ -76,12 +66,8 @@ const RefusedRow inInstrument[] = {
     {R"({"powerOffMode": -1})", "powerOffMode"},
 };
 
-struct KeyRow {
-    const char* name;
-    QByteArray patch;
-};
-
-const KeyRow keys[] = {
+// Changes with a key in them.
+const NamedText keys[] = {
     {"too long", R"({"network": {"active": {"EncryptKey":
         "secretsecretsecretsecretsecretsecretsecretsecretsecretsecretsecretsecret"}}})"},
     {"NUL", R"({"network": {"active": {"EncryptKey": "secret\u0000"}}})"},
@@ -95,7 +81,7 @@ const KeyRow keys[] = {
 
 const QByteArray whiteNumber = "calibration.committed.white.serialNumber";
 
-const RefusedRow inCalibration[] = {
+const NamedText inCalibration[] = {
     {R"({"calibration": {"staged": []}})", "calibration.staged"},
     {R"({"calibration": {"committed": {"white": {"serialNumber": 12345678}}}})", whiteNumber},
     {R"({"calibration": {"committed": {"white": {"serialNumber": "1234567a"}}}})", whiteNumber},
@@ -123,7 +109,7 @@ private Q_SLOTS:
             many += "\"" + QByteArray::number(key) + "\":0,";
         const QByteArray of = R"({"version": 1, "instruments": )";
         const QByteArray none = of + "[]";
-        addRows(QVector<TextRow>{
+        addRows(QVector<TextCase>{
             {"empty", "", "line 1, column 1: syntax error"},
             {"no JSON", "not JSON", "line 1, column 2: syntax error"},
             {"third line", "{\n\"version\": 1,\n  \"instruments\": [}",
@@ -158,18 +144,18 @@ private Q_SLOTS:
         });
     }
     void refused() {
-        const auto row = rowOf<TextRow>();
+        const auto row = rowOf<TextCase>();
         const std::string before = stateText();
-        QVERIFY(!KvaSim_LoadJson(row.text));
-        QVERIFY2(lastError().contains(row.reason), KvaSim_LastError());
+        QVERIFY(!KvaSim_LoadJson(row.given));
+        QVERIFY2(lastError().contains(row.expected), KvaSim_LastError());
         QVERIFY(stateText() == before);
         held(KVA_GetShutdownTime);
     }
 
     void refusedInInstrument_data() { addRows(inInstrument); }
     void refusedInInstrument() {
-        const auto row = rowOf<RefusedRow>();
-        refuses(row.name, row.path);
+        const auto row = rowOf<NamedText>();
+        refuses(row.name, row.value);
     }
 
     void refusedInCalibration_data() { addRows(inCalibration); }
@@ -189,8 +175,8 @@ private Q_SLOTS:
 
     void noReasonQuotesTheKey_data() { addRows(keys); }
     void noReasonQuotesTheKey() {
-        const auto row = rowOf<KeyRow>();
-        QVERIFY(!KvaSim_Set(usbSerial, row.patch.constData()));
+        const auto row = rowOf<NamedText>();
+        QVERIFY(!KvaSim_Set(usbSerial, row.value.constData()));
         QVERIFY(!lastError().isEmpty());
         QVERIFY2(!lastError().contains("secr"), KvaSim_LastError());
     }

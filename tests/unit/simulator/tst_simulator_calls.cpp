@@ -27,12 +27,9 @@ const PortListRow portListRows[] = {
     {"no count", true, false, 5, KVA_ERROR_ARGUMENT, -7},
 };
 
-struct FlagRow {
-    const char* name; ///< the value on the bench
-    int flag;
-};
-
-const FlagRow wirelessFlags[] = {{"true", 1}, {"false", 0}, {"0", 0}, {"2", 2}, {"255", 255}};
+// The value on the bench, and the flag.
+const NamedValue<int> wirelessFlags[] = {
+    {"true", 1}, {"false", 0}, {"0", 0}, {"2", 2}, {"255", 255}};
 
 json network() {
     return instrument(usbSerial)["network"];
@@ -170,10 +167,10 @@ private Q_SLOTS:
 
     void factoryOptions_data() { addRows(wirelessFlags); }
     void factoryOptions() {
-        const auto row = rowOf<FlagRow>();
-        QVERIFY(KvaSim_Set(usbSerial, QByteArray("{\"wirelessModule\": ") + row.name + '}'));
+        const auto row = rowOf<NamedValue<int>>();
+        QVERIFY(KvaSim_Set(usbSerial, "{\"wirelessModule\": " + row.name + '}'));
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-        QCOMPARE(int{held(KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA).wifiModuleEnable}, row.flag);
+        QCOMPARE(int{held(KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA).wifiModuleEnable}, row.value);
     }
 
     void everyPowerOffMode() {

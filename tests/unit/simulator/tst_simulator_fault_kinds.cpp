@@ -45,12 +45,8 @@ const UnplugRow unplugRows[] = {
     {"after", KVA_SUCCESS, 2},
 };
 
-struct RuleRow {
-    QByteArray name; ///< the rule without its braces
-    QByteArray path; ///< of what is refused
-};
-
-const RuleRow refusedRows[] = {
+// Rules without their braces, and the path of what is refused.
+const NamedText refusedRows[] = {
     {R"("function": "*", "result": 0, "delayMs": 5)", "delayMs"},
     {R"("function": "*", "delayMs": -1)", "delayMs"},
     {R"("function": "*", "delayMs": 600001)", "delayMs"},
@@ -91,11 +87,6 @@ private Q_SLOTS:
         startClean(m_folder);
         QVERIFY(loadJson(benchOf({usbSerial, networkSerial})));
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
-    }
-
-    void cleanup() {
-        KvaSim_ClearFaults();
-        KVA_RegisterDeviceEventHandler(nullptr);
     }
 
     void delay() {
@@ -261,9 +252,9 @@ private Q_SLOTS:
 
     void refused_data() { addRows(refusedRows); }
     void refused() {
-        const auto row = rowOf<RuleRow>();
+        const auto row = rowOf<NamedText>();
         QVERIFY(!KvaSim_AddFault(('{' + row.name + '}').constData()));
-        QVERIFY2(wasRefusedFor(row.path), KvaSim_LastError());
+        QVERIFY2(wasRefusedFor(row.value), KvaSim_LastError());
         QVERIFY(faults() == json::array());
     }
 

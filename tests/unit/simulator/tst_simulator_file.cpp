@@ -22,13 +22,8 @@ int modeOf(const QString& path) {
     return static_cast<int>(statusOf(path).st_mode & 0777U);
 }
 
-struct RefusedRow {
-    const char* name;
-    QByteArray content;
-    QByteArray reason;
-};
-
-const RefusedRow refusedRows[] = {
+// Contents, and how the reason for which they are refused begins.
+const TextCase refusedRows[] = {
     {"empty", "", "line 1, column 1"},
     {"no JSON", "hello\n", "line 1, column 1"},
     {"cut", "{\"version\": 1,\n\"instr", "line 2, column"},
@@ -38,12 +33,10 @@ const RefusedRow refusedRows[] = {
     {"zeros", QByteArray(4096, '\0'), "line 1, column 1"},
 };
 
-struct ChangeRow {
-    const char* name;
-    bool (*isMade)();
-};
+/** Makes a change. False when it is refused. */
+using Change = NamedValue<bool (*)()>;
 
-const ChangeRow changeRows[] = {
+const Change changeRows[] = {
     {"power-off", [] { return send(KVA_SetShutdownTime, 3) != KVA_ERROR; }},
     {"network", [] { return send(KVA_SetNetworkInfo) != KVA_ERROR; }},
     {"stage",
@@ -62,13 +55,10 @@ const ChangeRow changeRows[] = {
      }},
 };
 
-struct HomeRow {
-    const char* name;
-    QByteArray folder;
-};
-
-const HomeRow dataFolderRows[] = {{"XDG_DATA_HOME", "not yet/there"}, {"HOME", ".local/share"}};
-const HomeRow noHomeRows[] = {{"not set", ""}, {"not there", "/nonexistent"}, {"relative", "home"}};
+// Folders for data.
+const NamedText dataFolderRows[] = {{"XDG_DATA_HOME", "not yet/there"}, {"HOME", ".local/share"}};
+const NamedText noHomeRows[] = {
+    {"not set", ""}, {"not there", "/nonexistent"}, {"relative", "home"}};
 
 } // namespace
 
@@ -141,8 +131,8 @@ private Q_SLOTS:
 
     void refusedFileIsLeftAlone_data() { addRows(refusedRows); }
     void refusedFileIsLeftAlone() {
-        const auto row = rowOf<RefusedRow>();
-        m_folder->write(benchFile, row.content);
+        const auto row = rowOf<TextCase>();
+        m_folder->write(benchFile, row.given);
         const auto before = statusOf(benchFile).st_ino;
         std::int32_t count = -7;
         QCOMPARE(KVA_GetDevicePortList(nullptr, &count, 0), KVA_ERROR);
@@ -157,11 +147,11 @@ private Q_SLOTS:
         QVERIFY(!set(usbSerial, {{"plugged", false}}));
         QVERIFY(!addFaultOf("*", {{"result", 0}}));
         QVERIFY(KvaSim_State() == nullptr);
-        QVERIFY2(lastError().startsWith(m_folder->localPath(benchFile) + ": " + row.reason),
+        QVERIFY2(lastError().startsWith(m_folder->localPath(benchFile) + ": " + row.expected),
                  KvaSim_LastError());
 
         QCOMPARE(statusOf(benchFile).st_ino, before);
-        QCOMPARE(m_folder->read(benchFile), row.content);
+        QCOMPARE(m_folder->read(benchFile), row.given);
         QCOMPARE(QDir("bench").entryList(QDir::Files).size(), 1);
     }
 
@@ -214,26 +204,26 @@ private Q_SLOTS:
         QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_SUCCESS);
         const std::string before = stateText();
         QVERIFY(QDir().rename("bench", "away"));
-        QVERIFY(!rowOf<ChangeRow>().isMade());
+        QVERIFY(!rowOf<Change>().value());
         QVERIFY(stateText() == before);
         QCOMPARE(deliveredCodes(), "");
 
         QVERIFY(QDir().rename("away", "bench"));
         QVERIFY(saved() == state());
-        QVERIFY(rowOf<ChangeRow>().isMade());
+        QVERIFY(rowOf<Change>().value());
         QVERIFY(saved() == state());
         QVERIFY(stateText() != before);
     }
 
     void builtInBenchIsKept_data() { addRows(dataFolderRows); }
     void builtInBenchIsKept() {
-        const auto row = rowOf<HomeRow>();
+        const auto row = rowOf<NamedText>();
         qunsetenv("KVASIM_BENCH");
         qunsetenv("XDG_DATA_HOME");
 #ifdef Q_OS_MACOS
         const QString data = m_folder->path("Library/Application Support");
 #else
-        const QString data = m_folder->path(row.folder);
+        const QString data = m_folder->path(row.value);
         if (QByteArray(row.name) != "HOME")
             qputenv(row.name, QFile::encodeName(data));
 #endif
@@ -251,13 +241,13 @@ private Q_SLOTS:
         addRows(noHomeRows);
     }
     void noHome() {
-        const auto row = rowOf<HomeRow>();
+        const auto row = rowOf<NamedText>();
         qunsetenv("KVASIM_BENCH");
         qunsetenv("XDG_DATA_HOME");
-        if (row.folder.isEmpty())
+        if (row.value.isEmpty())
             qunsetenv("HOME");
         else
-            qputenv("HOME", row.folder);
+            qputenv("HOME", row.value);
         QCOMPARE(ports().size(), std::size_t{2});
         QVERIFY(KvaSim_Unplug(usbSerial));
         KvaSim_Reset();

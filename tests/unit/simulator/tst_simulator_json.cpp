@@ -45,13 +45,10 @@ json staged() {
     return instrument(usbSerial)["calibration"]["staged"];
 }
 
-struct FloatRow {
-    QByteArray name;
-    std::uint32_t bits;
-    QByteArray form = {};
-};
+/** The bits of a value, and its form in the bench. */
+using FloatCase = Case<std::uint32_t, QByteArray>;
 
-const FloatRow floats[] = {
+const FloatCase floats[] = {
     {"zero", 0x00000000U, "0.0"},
     {"tenth", 0x3DCCCCCDU, "0.1"},
     {"half", 0x3F000000U, "0.5"},
@@ -62,13 +59,10 @@ const FloatRow floats[] = {
     {"payload", 0x7FC00001U, "\"0x7fc00001\""},
 };
 
-struct TextRow {
-    const char* name;
-    QByteArray bytes;
-    bool isString;
-};
+/** Bytes, and whether the bench has them as a string. */
+using BytesCase = Case<QByteArray, bool>;
 
-const TextRow texts[] = {
+const BytesCase texts[] = {
     {"empty", "", true},
     {"ascii", "press-hall", true},
     {"quote and backslash", "a\"b\\c", true},
@@ -123,13 +117,13 @@ private Q_SLOTS:
             0x3DCCCCCD, 0x3F800000, 0x3F800001, 0x3F7FFFFF, 0xBF800000, 0x42AE0000, 0x42BDEB85,
             0x4B7FFFFF, 0x4B800001, 0x7F7FFFFF, 0xFF7FFFFF, 0x7F7FFFFE, 0x7F800000, 0xFF800000,
             0x7FC00000, 0x7FC00001, 0xFFC00000, 0x7F800001, 0xFFFFFFFF, 0x7FBFFFFF, 0x15AE43FD};
-        QVector<FloatRow> rows;
+        QVector<FloatCase> rows;
         for (const std::uint32_t bits : patterns)
             rows.append({QByteArray::number(bits, 16), bits});
         addRows(rows);
     }
     void floatPatterns() {
-        const std::uint32_t bits = rowOf<FloatRow>().bits;
+        const std::uint32_t bits = rowOf<FloatCase>().given;
         KVA_JIG_CALREFDATA data{};
         std::memcpy(&data.rfWhite.spcData[0], &bits, sizeof bits);
         std::memcpy(&data.rfWhite.spcData[37], &bits, sizeof bits);
@@ -140,11 +134,11 @@ private Q_SLOTS:
 
     void floatForms_data() { addRows(floats); }
     void floatForms() {
-        const auto row = rowOf<FloatRow>();
+        const auto row = rowOf<FloatCase>();
         KVA_JIG_CALREFDATA data{};
-        std::memcpy(&data.rfWhite.spcData[5], &row.bits, sizeof row.bits);
+        std::memcpy(&data.rfWhite.spcData[5], &row.given, sizeof row.given);
         QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA, data), KVA_SUCCESS);
-        QCOMPARE(staged()["white"]["values"][5].dump(), row.form.toStdString());
+        QCOMPARE(staged()["white"]["values"][5].dump(), row.expected.toStdString());
     }
 
     void randomRecords() {
@@ -170,15 +164,15 @@ private Q_SLOTS:
 
     void textForms_data() { addRows(texts); }
     void textForms() {
-        const auto row = rowOf<TextRow>();
+        const auto row = rowOf<BytesCase>();
         KVA_NETWORKINFO network{};
-        std::memcpy(network.SSID, row.bytes.constData(),
-                    static_cast<std::size_t>(row.bytes.size()));
+        std::memcpy(network.SSID, row.given.constData(),
+                    static_cast<std::size_t>(row.given.size()));
         QVERIFY(passes(network));
         const json ssid = instrument(usbSerial)["network"]["pending"]["SSID"];
-        QCOMPARE(ssid.is_string(), row.isString);
-        if (row.isString)
-            QCOMPARE(ssid.get<std::string>(), row.bytes.toStdString());
+        QCOMPARE(ssid.is_string(), row.expected);
+        if (row.expected)
+            QCOMPARE(ssid.get<std::string>(), row.given.toStdString());
         else
             QCOMPARE(ssid["hex"].get<std::string>().size(), std::size_t{66});
     }

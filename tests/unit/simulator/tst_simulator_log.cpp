@@ -35,12 +35,8 @@ bool holdsSecret(const QByteArray& text) {
            text.contains(QByteArray("behind").toHex());
 }
 
-struct ArgumentsRow {
-    const char* name; ///< number of the call
-    const char* arguments;
-};
-
-const ArgumentsRow argumentRows[] = {
+// The number of a call, and its arguments.
+const NamedText argumentRows[] = {
     {"0", R"({"handler":true})"},
     {"1", R"({"list":true,"maxEntries":1000})"},
     {"2", R"({"serialNumber":1000001,"port":{"type":1,"name":"USB"},"wait":10})"},
@@ -93,10 +89,10 @@ private Q_SLOTS:
 
     void argumentsOfCalls_data() { addRows(argumentRows); }
     void argumentsOfCalls() {
-        const auto row = rowOf<ArgumentsRow>();
+        const auto row = rowOf<NamedText>();
         callEverything();
-        const json logged = callLog().at(std::stoul(row.name))["arguments"];
-        QVERIFY2(logged == json::parse(row.arguments), logged.dump().c_str());
+        const json logged = callLog().at(row.name.toUInt())["arguments"];
+        QVERIFY2(logged == json::parse(row.value.toStdString()), logged.dump().c_str());
     }
 
     void crcOfRecord() {

@@ -17,13 +17,8 @@ struct ResultRow {
     QByteArray resultName; ///< in the log
 };
 
-struct CallsRow {
-    const char* name;
-    QByteArray call;
-    QByteArray failing;
-};
-
-const CallsRow callsRows[] = {
+// Which calls a rule is for, and which of six fail then.
+const TextCase callsRows[] = {
     {"left out", "", "xxxxxx"},
     {"every", "\"every\"", "xxxxxx"},
     {"first", "1", "x-----"},
@@ -37,12 +32,8 @@ const CallsRow callsRows[] = {
     {"range and times", "\"3-6\", \"times\": 1", "--x---"},
 };
 
-struct RefusedRow {
-    QByteArray name;
-    QByteArray path;
-};
-
-const RefusedRow refusedRows[] = {
+// Rules, and the path of what is refused.
+const NamedText refusedRows[] = {
     {"5", "the document"},
     {R"({"result": 0})", "function"},
     {R"({"function": "KVA_Connect"})", "result"},
@@ -125,12 +116,8 @@ const SessionRow sessionRows[] = {
      R"({"function": "KVA_GetDevicePortList", "unplug": "before", "instrument": 1000002})"},
 };
 
-struct EventsRow {
-    const char* name; ///< the operations
-    QByteArray codes;
-};
-
-const EventsRow eventsRows[] = {
+// Operations, and the codes of the events that come of them.
+const NamedText eventsRows[] = {
     {"", ""},
     {"connect disconnect", ""},
     {"plug", ""},
@@ -224,11 +211,6 @@ private Q_SLOTS:
         QCOMPARE(KVA_RegisterDeviceEventHandler(recordEvent), KVA_SUCCESS);
     }
 
-    void cleanup() {
-        KVA_RegisterDeviceEventHandler(nullptr);
-        KvaSim_ClearFaults();
-    }
-
     void sessions_data() { addRows(sessionRows); }
     void sessions() {
         const auto row = rowOf<SessionRow>();
@@ -237,10 +219,10 @@ private Q_SLOTS:
 
     void eventsOfOperations_data() { addRows(eventsRows); }
     void eventsOfOperations() {
-        const auto row = rowOf<EventsRow>();
+        const auto row = rowOf<NamedText>();
         const QByteArray answers = answersTo(row.name);
         QVERIFY2(!answers.contains('-'), answers.constData());
-        QCOMPARE(deliveredCodes(), row.codes);
+        QCOMPARE(deliveredCodes(), row.value);
     }
 
     void results_data() {
@@ -274,10 +256,11 @@ private Q_SLOTS:
 
     void whichCall_data() { addRows(callsRows); }
     void whichCall() {
-        const auto row = rowOf<CallsRow>();
+        const auto row = rowOf<TextCase>();
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
         const QByteArray rule = R"({"function": "KVA_GetShutdownTime", "result": -9799)" +
-                                (row.call.isEmpty() ? row.call : ", \"call\": " + row.call) + '}';
+                                (row.given.isEmpty() ? row.given : ", \"call\": " + row.given) +
+                                '}';
         QVERIFY2(KvaSim_AddFault(rule.constData()), KvaSim_LastError());
         QByteArray failed;
         for (int round = 0; round < 6; ++round) {
@@ -286,7 +269,7 @@ private Q_SLOTS:
             KVA_DEVICEINFO info{};
             QCOMPARE(KVA_GetDeviceInfo(&info), KVA_SUCCESS);
         }
-        QCOMPARE(failed, row.failing);
+        QCOMPARE(failed, row.expected);
     }
 
     void everyFunction_data() {
@@ -327,9 +310,9 @@ private Q_SLOTS:
 
     void refused_data() { addRows(refusedRows); }
     void refused() {
-        const auto row = rowOf<RefusedRow>();
+        const auto row = rowOf<NamedText>();
         QVERIFY(!KvaSim_AddFault(row.name.constData()));
-        QVERIFY2(wasRefusedFor(row.path), KvaSim_LastError());
+        QVERIFY2(wasRefusedFor(row.value), KvaSim_LastError());
         QVERIFY(faults() == json::array());
     }
 
