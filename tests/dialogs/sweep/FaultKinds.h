@@ -2,6 +2,7 @@
 #define TESTS_DIALOGS_SWEEP_FAULTKINDS_H
 
 #include "tests/dialogs/sweep/LibraryModel.h"
+#include "tests/support/ResultNames.h"
 
 #include <QJsonObject>
 #include <QMap>
@@ -36,30 +37,6 @@ struct FaultKind {
     AnswerByte (*byte)(const QString& function) = nullptr;
 };
 
-inline constexpr KVA_RESULT errors[] = {KVA_ERROR,
-                                        KVA_ERROR_CONNECT,
-                                        KVA_ERROR_DISCONNECT,
-                                        KVA_ERROR_CONNECT_TIMEOUT,
-                                        KVA_ERROR_CONNECT_ALREADY,
-                                        KVA_ERROR_INSTRUMENT_UNAVAILABLE,
-                                        KVA_ERROR_INSTRUMENT_INFORMATION,
-                                        KVA_ERROR_ARGUMENT,
-                                        KVA_ERROR_COMMUNICATION_SEND,
-                                        KVA_ERROR_COMMUNICATION_RECEIVE,
-                                        KVA_ERROR_COMMUNICATION_CHECKSUM,
-                                        KVA_ERROR_COMMUNICATION_PARAM,
-                                        KVA_ERROR_COMMUNICATION_TIMEOUT,
-                                        KVA_ERROR_CANT_USED,
-                                        KVA_ERROR_NO_DATA,
-                                        KVA_ERROR_NAK,
-                                        KVA_ERROR_NAV,
-                                        KVA_ERROR_NSP,
-                                        KVA_ERROR_CNF,
-                                        KVA_ERROR_NDT,
-                                        KVA_ERROR_NEQ};
-
-inline constexpr KVA_RESULT warnings[] = {1, 2, 4, 3, 5, 6, 7};
-
 /** A byte of each answer that the dialog shows, or goes by. */
 inline AnswerByte byteThatMatters(const QString& function) {
     static const QMap<QString, AnswerByte> bytes = {
@@ -81,9 +58,15 @@ inline AnswerByte byteOutOfSight(const QString& function) {
     return {sizeof(KVA_JIG_CALREFDATA) - 1, 0x80};
 }
 
-template <std::size_t Count>
-QJsonObject resultOf(const KVA_RESULT (&results)[Count], int index) {
-    return {{"result", results[static_cast<std::size_t>(index) % Count]}};
+/** A named result, each time the next one: an error, or a warning. */
+template <bool IsError>
+QJsonObject nextResult(const Place& /*place*/, int index) {
+    QVector<int> codes;
+    for (const ResultName& named : resultNames) {
+        if (IsError ? named.code < 0 : named.code > 0)
+            codes.append(named.code);
+    }
+    return {{"result", codes[index % codes.size()]}};
 }
 
 /** A kind whose field is the same at every place. */
@@ -102,13 +85,12 @@ FaultKind corruption(const char* name) {
     return {name, Effect::Corrupted, fields, concerns, true, Byte};
 }
 
-inline FaultKind unplugging(const char* moment, Effect effect) {
-    return {QString("unplugged ") + moment,      effect, always("unplug", moment),
-            [](const QString&) { return true; }, false,  nullptr};
-}
-
 inline bool any(const QString&) {
     return true;
+}
+
+inline FaultKind unplugging(const char* moment, Effect effect) {
+    return {QString("unplugged ") + moment, effect, always("unplug", moment), any, false};
 }
 
 inline bool isList(const QString& function) {
@@ -128,10 +110,8 @@ inline bool isState(const QString& function) {
 
 inline const QVector<FaultKind>& faultKinds() {
     static const QVector<FaultKind> kinds = {
-        {"error", Effect::Refused, [](const Place&, int index) { return resultOf(errors, index); },
-         any},
-        {"warning", Effect::None, [](const Place&, int index) { return resultOf(warnings, index); },
-         any},
+        {"error", Effect::Refused, nextResult<true>, any},
+        {"warning", Effect::None, nextResult<false>, any},
         {"delay", Effect::None, always("delayMs", 2), any},
         {"dropped", Effect::Dropped, always("dropped", true), isCommand},
         {"stale", Effect::Stale, always("stale", true), isState},

@@ -14,6 +14,8 @@
 
 namespace {
 
+using TestBench::bytesOf;
+
 /** One thing that a user does: a button, and what is to be done before it is pressed. */
 struct Step {
     SettingsFixture::Page page;
@@ -61,26 +63,21 @@ const QVector<Step>& session() {
     return steps;
 }
 
-/** The calls of a session in which nothing fails. */
-QVector<Place> placesOfSession() {
-    const QStringList functions =
-        words("KVA_RegisterDeviceEventHandler KVA_GetDevicePortList KVA_GetDevicePortList") +
-        SettingsFixture::connectCalls +
-        words("KVA_GetNetworkInfo KVA_GetShutdownTime KVA_SetNetworkInfo KVA_SetShutdownTime") +
-        registrationCalls + registrationCalls +
-        words("KVA_Disconnect KVA_RegisterDeviceEventHandler");
-    QVector<Place> places;
-    QMap<QString, int> calls;
-    for (const QString& function : functions)
-        places.append({function, ++calls[function]});
-    return places;
+/** The functions that a session calls in which nothing fails. */
+QStringList callsOfSession() {
+    return words("KVA_RegisterDeviceEventHandler KVA_GetDevicePortList KVA_GetDevicePortList") +
+           SettingsFixture::connectCalls +
+           words("KVA_GetNetworkInfo KVA_GetShutdownTime KVA_SetNetworkInfo KVA_SetShutdownTime") +
+           registrationCalls + registrationCalls +
+           words("KVA_Disconnect KVA_RegisterDeviceEventHandler");
 }
 
-QStringList names(const QVector<Place>& places) {
-    QStringList functions;
-    for (const Place& place : places)
-        functions.append(place.function);
-    return functions;
+QVector<Place> placesOfSession() {
+    QVector<Place> places;
+    QMap<QString, int> calls;
+    for (const QString& function : callsOfSession())
+        places.append({function, ++calls[function]});
+    return places;
 }
 
 /** Reads the instrument through the library alone. @return nothing when a call fails */
@@ -100,7 +97,6 @@ std::optional<InstrumentModel> readInstrument() {
 
 /** Every byte that the instrument keeps over a power cycle. */
 QByteArray keptBytes(const InstrumentModel& instrument) {
-    using TestBench::bytesOf;
     return (bytesOf(instrument.committed) + bytesOf(instrument.network) +
             bytesOf(instrument.powerOffMode) + bytesOf(instrument.device) +
             bytesOf(instrument.options))
@@ -159,13 +155,12 @@ private Q_SLOTS:
         open(f, model, {});
         take(f, model, session());
         end(f, model);
-        QCOMPARE(SettingsFixture::calls(), names(placesOfSession()));
+        QCOMPARE(SettingsFixture::calls(), callsOfSession());
         checkInstrument(library);
         // What the sweep tells apart: nothing written, and all of it.
-        QVERIFY(TestBench::bytesOf(library.afterPowerCycle().committed) !=
-                TestBench::bytesOf(instrument->committed));
-        QVERIFY(TestBench::bytesOf(library.afterPowerCycle().network) !=
-                TestBench::bytesOf(instrument->network));
+        const InstrumentModel after = library.afterPowerCycle();
+        QVERIFY(bytesOf(after.committed) != bytesOf(instrument->committed));
+        QVERIFY(bytesOf(after.network) != bytesOf(instrument->network));
     }
 
     void fault_data() {
