@@ -5,6 +5,13 @@
 #include <QDir>
 #include <QLineEdit>
 
+ModalAnswerer::Box ModalAnswerer::Box::of(const QMessageBox& box) {
+    return {box.windowTitle(), box.text(),
+            box.icon(),        box.standardButtons(),
+            box.windowFlags(), !box.windowIcon().isNull(),
+            box.isModal(),     box.parentWidget() != nullptr};
+}
+
 ModalAnswerer::ModalAnswerer() {
     QObject::connect(&m_timer, &QTimer::timeout, this, &ModalAnswerer::answer);
     m_timer.start(1);
@@ -38,9 +45,7 @@ void ModalAnswerer::answer() {
 }
 
 void ModalAnswerer::answerBox(QMessageBox& box) {
-    boxes.append({box.windowTitle(), box.text(), box.icon(), box.standardButtons(),
-                  box.windowFlags(), !box.windowIcon().isNull(), box.isModal(),
-                  box.parentWidget() != nullptr});
+    boxes.append(Box::of(box));
     if (onBox)
         onBox(box);
     if (closesBoxes)

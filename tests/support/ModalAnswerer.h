@@ -25,6 +25,8 @@ public:
         bool hasWindowIcon;
         bool isModal;
         bool hasParent;
+
+        static Box of(const QMessageBox& box);
     };
     struct FileDialog {
         QString caption;

@@ -50,13 +50,6 @@ QString describe(const ModalAnswerer::Box& box) {
     return kindOf(box) + ": " + box.text;
 }
 
-ModalAnswerer::Box recordOf(const QMessageBox& box) {
-    return {box.windowTitle(), box.text(),
-            box.icon(),        box.standardButtons(),
-            box.windowFlags(), !box.windowIcon().isNull(),
-            box.isModal(),     box.parentWidget() != nullptr};
-}
-
 std::shared_ptr<CKvaSdk_Ctrl> controllerOn(const QJsonArray& instruments) {
     TestBench::load(instruments);
     return std::make_shared<CKvaSdk_Ctrl>();
@@ -237,7 +230,7 @@ QString SettingsFixture::loseBehind(QWidget& below) {
         if (!box || box == &below || !box->isVisible())
             return;
         poll.stop();
-        shown = describe(recordOf(*box));
+        shown = describe(ModalAnswerer::Box::of(*box));
         box->button(QMessageBox::Ok)->click();
     });
     poll.start(1);
