@@ -95,16 +95,6 @@ QStringList TestBench::detailedCalls() {
     return lines;
 }
 
-QJsonObject TestBench::argumentsOf(const QString& function) {
-    QJsonObject arguments;
-    const QJsonArray entries = taken(KvaSim_CallLog()).array();
-    for (const QJsonValue& entry : entries) {
-        if (entry["function"].toString() == function)
-            arguments = entry["arguments"].toObject();
-    }
-    return arguments;
-}
-
 void TestBench::clearCalls() {
     KvaSim_ClearCallLog();
 }

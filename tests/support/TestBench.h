@@ -50,8 +50,6 @@ QStringList calls();
 /** The same with arguments (JSON, keys sorted, without the serial number of the connection) and
     result: `KVA_SetShutdownTime {"mode":3} 0`. */
 QStringList detailedCalls();
-/** The arguments of the last call of that function; empty when it was not called. */
-QJsonObject argumentsOf(const QString& function);
 void clearCalls();
 
 /** Delivers a device event, and returns when it has been handled. */
