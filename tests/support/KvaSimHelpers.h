@@ -4,11 +4,13 @@
 #ifndef TESTS_SUPPORT_KVASIMHELPERS_H
 #define TESTS_SUPPORT_KVASIMHELPERS_H
 
+#include "instrument/KvaSdk.h"
 #include "simulator/KvaSim.h"
 
 #include <nlohmann/json.hpp>
 
 #include <string>
+#include <vector>
 
 namespace kvasim_test {
 
@@ -64,6 +66,30 @@ inline bool set(std::int32_t serialNumber, const nlohmann::json& patch) {
 
 inline bool addFault(const nlohmann::json& rule) {
     return KvaSim_AddFault(rule.dump().c_str());
+}
+
+/** The list; empty where the library refuses. */
+inline std::vector<KVA_PORTINFO> ports() {
+    std::vector<KVA_PORTINFO> list(1000);
+    std::int32_t count = -1;
+    if (KVA_GetDevicePortList(list.data(), &count, 1000) != KVA_SUCCESS)
+        return {};
+    list.resize(static_cast<std::size_t>(count));
+    return list;
+}
+
+/** The entry of an instrument; zero when it is not in the list. */
+inline KVA_PORTINFO portOf(std::int32_t serialNumber) {
+    for (const KVA_PORTINFO& port : ports()) {
+        if (port.serialNumber == serialNumber)
+            return port;
+    }
+    return {};
+}
+
+inline KVA_RESULT connectTo(std::int32_t serialNumber) {
+    const KVA_PORTINFO port = portOf(serialNumber);
+    return KVA_Connect(&port, 10);
 }
 
 } // namespace kvasim_test

@@ -90,4 +90,11 @@ Row globalRowOf() {
     return std::any_cast<Row>(row);
 }
 
+/** The number in an environment variable; @p otherwise where there is none. */
+inline int numberFrom(const char* variable, int otherwise) {
+    bool isNumber = false;
+    const int number = qEnvironmentVariableIntValue(variable, &isNumber);
+    return isNumber ? number : otherwise;
+}
+
 #endif

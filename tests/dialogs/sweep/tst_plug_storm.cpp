@@ -15,34 +15,6 @@ constexpr int defaultSeconds = 5;
 constexpr int stormWatchInterval = 3; // ms: many ticks, so that they meet the events at all moments
 const QString lostBox = SettingsFixture::lostBox;
 
-/** Another process that pulls and puts back the plug until it is told to stop. */
-class Plugger {
-public:
-    bool start(const QString& bench, unsigned int seed) {
-        m_process.start(QCoreApplication::applicationDirPath() + "/plug_storm_hand",
-                        {bench, QString::number(TestBench::serialNumber), QString::number(seed)});
-        return m_process.waitForStarted();
-    }
-
-    /** @return how many times the plug was pulled or put back; -1 when the process failed */
-    int stop() {
-        m_process.closeWriteChannel();
-        const bool isDone = m_process.waitForFinished() &&
-                            m_process.exitStatus() == QProcess::NormalExit &&
-                            m_process.exitCode() == 0;
-        return isDone ? m_process.readAllStandardOutput().trimmed().toInt() : -1;
-    }
-
-private:
-    QProcess m_process;
-};
-
-int numberFrom(const char* variable, int otherwise) {
-    bool isNumber = false;
-    const int number = qEnvironmentVariableIntValue(variable, &isNumber);
-    return isNumber ? number : otherwise;
-}
-
 /** Every box that the dialog has for these buttons. */
 const QStringList possibleBoxes = {
     "error: Failed to connect device.",
@@ -128,12 +100,16 @@ private Q_SLOTS:
         open();
         if (QTest::currentTestFailed())
             return;
-        Plugger plugger;
-        QVERIFY(plugger.start(m_bench, seed + 1));
+        QProcess plugger; // another process, which plugs until its input ends
+        plugger.start("env", {"KVASIM_BENCH=" + m_bench, BENCH_USER,
+                              QString::number(TestBench::serialNumber), QString::number(seed + 1)});
         weather(QDeadlineTimer(1000 * seconds), random);
-        const int plugs = plugger.stop();
+        plugger.closeWriteChannel();
+        QVERIFY(plugger.waitForFinished());
         if (QTest::currentTestFailed())
             return;
+        QCOMPARE(plugger.exitCode(), 0);
+        const int plugs = plugger.readAllStandardOutput().trimmed().toInt();
         QVERIFY(plugs > 0);
         connectAgain();
         if (QTest::currentTestFailed())

@@ -3,6 +3,8 @@
 // what it has counted, or with status 1 and what was wrong.
 //
 //     bench_user OWN_SERIAL SHARED_SERIAL SEED
+//     bench_user SERIAL SEED                     only plugs: pulls and puts back, of that
+//     instrument
 
 #include "instrument/KvaSdk.h"
 #include "tests/support/KvaSimHelpers.h"
@@ -42,21 +44,23 @@ bool inputHasEnded() {
     return ::poll(&input, 1, 0) != 0;
 }
 
-KVA_RESULT connectTo(std::int32_t serial) {
-    KVA_PORTINFO list[10];
-    std::int32_t count = 0;
-    require(KVA_GetDevicePortList(list, &count, 10) == KVA_SUCCESS, "no list");
-    for (std::int32_t index = 0; index < count; ++index) {
-        if (list[index].serialNumber == serial)
-            return KVA_Connect(&list[index], 10);
+/** @return how many times the plug was pulled or put back */
+int plugAtRandom(std::int32_t serial, std::mt19937 random) {
+    int count = 0;
+    // At times faster than a call, at times slower than a session.
+    const unsigned int longest[] = {0, 1000, 20000, 100000};
+    for (; !inputHasEnded(); ++count) {
+        const unsigned int pause = longest[random() % 4];
+        std::this_thread::sleep_for(std::chrono::microseconds(random() % (pause + 1)));
+        require(random() % 3 != 0 ? KvaSim_Plug(serial) : KvaSim_Unplug(serial), "not plugged");
     }
-    return KVA_ERROR_INSTRUMENT_UNAVAILABLE;
+    return count;
 }
 
 class User {
 public:
-    User(std::int32_t own, std::int32_t shared, unsigned int seed)
-        : m_own(own), m_shared(shared), m_random(seed) {}
+    User(std::int32_t own, std::int32_t shared, const std::mt19937& random)
+        : m_own(own), m_shared(shared), m_random(random) {}
 
     void run() {
         while (!inputHasEnded()) {
@@ -102,7 +106,8 @@ private:
 
     /** While it is connected to, no other program can write to it. */
     void useShared() {
-        const KVA_RESULT connected = connectTo(m_shared);
+        require(!kvasim_test::ports().empty(), "no list"); // one instrument is always there
+        const KVA_RESULT connected = kvasim_test::connectTo(m_shared);
         if (connected == KVA_ERROR_INSTRUMENT_UNAVAILABLE) {
             ++m_refusals;
             return;
@@ -132,11 +137,17 @@ private:
 } // namespace
 
 int main(int argumentCount, char** arguments) {
-    if (argumentCount != 4)
+    if (argumentCount != 3 && argumentCount != 4)
         return 2;
+    const auto number = [arguments](int index) {
+        return static_cast<std::int32_t>(std::strtol(arguments[index], nullptr, 10));
+    };
+    const std::mt19937 random(static_cast<unsigned int>(number(argumentCount - 1)));
+    if (argumentCount == 3) {
+        std::printf("%d\n", plugAtRandom(number(1), random));
+        return 0;
+    }
     require(KVA_RegisterDeviceEventHandler(countEvent) == KVA_SUCCESS, "no handler");
-    User(std::atoi(arguments[1]), std::atoi(arguments[2]),
-         static_cast<unsigned int>(std::strtoul(arguments[3], nullptr, 10)))
-        .run();
+    User(number(1), number(2), random).run();
     return 0;
 }

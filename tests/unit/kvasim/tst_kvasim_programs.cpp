@@ -15,7 +15,7 @@ public:
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert("KVASIM_BENCH", bench);
         m_process.setProcessEnvironment(environment);
-        m_process.start(BENCH_HOLDER, QStringList());
+        m_process.start(PROBE, {"hold"});
     }
     ~BenchHolder() { end(true); }
     Q_DISABLE_COPY(BenchHolder)
@@ -210,12 +210,9 @@ private Q_SLOTS:
 
     // VQTL4_PROGRAMS_SECONDS sets how long, VQTL4_PROGRAMS_SEED repeats the choices of a run.
     void twoPrograms() {
-        bool isNumber = false;
-        const int given = qEnvironmentVariableIntValue("VQTL4_PROGRAMS_SECONDS", &isNumber);
-        const int seconds = isNumber ? given : 5;
-        const int seed = qEnvironmentVariableIsSet("VQTL4_PROGRAMS_SEED")
-                             ? qEnvironmentVariableIntValue("VQTL4_PROGRAMS_SEED")
-                             : static_cast<int>(std::random_device()() & 0xFFFFFFU);
+        const int seconds = numberFrom("VQTL4_PROGRAMS_SECONDS", 5);
+        const int seed =
+            numberFrom("VQTL4_PROGRAMS_SEED", static_cast<int>(std::random_device()() & 0xFFFFFFU));
         qInfo("seed %d, %d seconds", seed, seconds);
         m_bench->write("bench.json", R"({"version": 2, "instruments": [{"serialNumber": 1},
         {"serialNumber": 2}, {"serialNumber": 3}, {"serialNumber": 4}]})");

@@ -1,7 +1,6 @@
 #ifndef TESTS_UNIT_SIMULATOR_SIMULATORTEST_H
 #define TESTS_UNIT_SIMULATOR_SIMULATORTEST_H
 
-#include "instrument/KvaSdk.h"
 #include "tests/support/KvaSimHelpers.h"
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
@@ -57,6 +56,12 @@ inline QByteArray deliveredCodes() {
 
 // ---- The bench
 
+/** A test with a folder of its own. */
+class SimulatorTest : public QObject {
+protected:
+    TestFolder m_folder;
+};
+
 /** Removes handler, bench, rules, log and events, and everything of the environment that the
    library reads; data go to @p folder. */
 inline void startClean(const TestFolder& folder) {
@@ -110,34 +115,11 @@ inline bool wasRefusedFor(const QByteArray& path) {
 
 // ---- Calls
 
-inline std::vector<KVA_PORTINFO> ports() {
-    std::vector<KVA_PORTINFO> list(1000);
-    std::int32_t count = -1;
-    if (KVA_GetDevicePortList(list.data(), &count, 1000) != KVA_SUCCESS)
-        return {};
-    list.resize(static_cast<std::size_t>(count));
-    return list;
-}
-
 /** How many instruments are counted without a list, or why they are not. */
 inline int portCount() {
     std::int32_t count = -1;
     const KVA_RESULT result = KVA_GetDevicePortList(nullptr, &count, 0);
     return result == KVA_SUCCESS ? count : result;
-}
-
-/** The entry of an instrument; zero when it is not in the list. */
-inline KVA_PORTINFO portOf(std::int32_t serialNumber) {
-    for (const KVA_PORTINFO& port : ports()) {
-        if (port.serialNumber == serialNumber)
-            return port;
-    }
-    return {};
-}
-
-inline KVA_RESULT connectTo(std::int32_t serialNumber) {
-    const KVA_PORTINFO port = portOf(serialNumber);
-    return KVA_Connect(&port, 10);
 }
 
 /** What the connected instrument has of a kind of record: `held(KVA_GetNetworkInfo)`. The test

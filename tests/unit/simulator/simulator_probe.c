@@ -44,10 +44,31 @@ static int callAll(void) {
     return 0;
 }
 
+/** Connects to the first instrument, and prints the number of instruments or what the library
+    answers instead. For each character of its input it prints what a call for that instrument
+    answers. */
+static int hold(void) {
+    KVA_PORTINFO list[10];
+    int32_t count = -1;
+    uint8_t mode = 0;
+    KVA_RESULT result = KVA_GetDevicePortList(list, &count, 10);
+    if (result >= 0)
+        result = KVA_Connect(list, 10);
+    printf("%d\n", result < 0 ? result : count);
+    fflush(stdout);
+    while (getchar() != EOF) {
+        printf("%d\n", KVA_GetShutdownTime(&mode));
+        fflush(stdout);
+    }
+    return 0;
+}
+
 int main(int argumentCount, char** arguments) {
     const char* action = argumentCount > 1 ? arguments[1] : "";
     if (strcmp(action, "call-all") == 0)
         return callAll();
+    if (strcmp(action, "hold") == 0)
+        return hold();
     if (strcmp(action, "count-twice") == 0) {
         int32_t count = -1;
         printf("%d", KVA_GetDevicePortList(NULL, &count, 0));

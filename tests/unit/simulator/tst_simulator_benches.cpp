@@ -94,7 +94,7 @@ const NamedText inCalibration[] = {
 
 } // namespace
 
-class TestSimulatorBenches : public QObject {
+class TestSimulatorBenches : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -308,8 +308,6 @@ private:
         QVERIFY2(wasRefusedFor(path), KvaSim_LastError());
         QVERIFY(state() == before);
     }
-
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorBenches)

@@ -41,7 +41,7 @@ json calibration() {
 
 } // namespace
 
-class TestSimulator : public QObject {
+class TestSimulator : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -253,9 +253,6 @@ private Q_SLOTS:
         QVERIFY(KvaSim_PowerCycle(usbSerial));
         QVERIFY(instrument(networkSerial) == other);
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulator)

@@ -60,7 +60,7 @@ const ChangeRow changeRows[] = {{"removal", nullptr, ""}, {"replacement", record
 
 } // namespace
 
-class TestSimulatorEvents : public QObject {
+class TestSimulatorEvents : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -238,9 +238,6 @@ private Q_SLOTS:
         QCOMPARE(state()["instruments"].size(), std::size_t{2});
         QVERIFY(callLog().size() > 300 * 10);
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorEvents)

@@ -79,7 +79,7 @@ const NamedText refusedRows[] = {
 
 } // namespace
 
-class TestSimulatorFaultKinds : public QObject {
+class TestSimulatorFaultKinds : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -257,9 +257,6 @@ private Q_SLOTS:
         QVERIFY2(wasRefusedFor(row.value), KvaSim_LastError());
         QVERIFY(faults() == json::array());
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorFaultKinds)

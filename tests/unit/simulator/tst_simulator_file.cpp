@@ -49,10 +49,7 @@ const Change changeRows[] = {
     {"plug", [] { return KvaSim_Plug(networkSerial); }},
     {"unplug", [] { return KvaSim_Unplug(usbSerial); }},
     {"cycle", [] { return KvaSim_PowerCycle(usbSerial); }},
-    {"set",
-     [] {
-         return set(usbSerial, {{"plugged", false}});
-     }},
+    {"set", [] { return KvaSim_Set(usbSerial, R"({"plugged": false})"); }},
 };
 
 // Folders for data.

@@ -101,7 +101,7 @@ const BytesRow reservedBytes[] = {
 
 } // namespace
 
-class TestSimulatorJson : public QObject {
+class TestSimulatorJson : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -291,9 +291,6 @@ private Q_SLOTS:
                 calibration["committed"]["white"]["values"]);
         QVERIFY(calibration["staged"]["reserved"] == calibration["committed"]["reserved"]);
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorJson)

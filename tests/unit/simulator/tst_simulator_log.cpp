@@ -53,7 +53,7 @@ const NamedText argumentRows[] = {
 
 } // namespace
 
-class TestSimulatorLog : public QObject {
+class TestSimulatorLog : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -201,9 +201,6 @@ private Q_SLOTS:
         QCOMPARE(ofOtherThread, "");
         QVERIFY(!lastError().isEmpty());
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorLog)

@@ -45,7 +45,7 @@ const ProbeRow probeRows[] = {
 
 } // namespace
 
-class TestSimulatorProcess : public QObject {
+class TestSimulatorProcess : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -97,9 +97,6 @@ private Q_SLOTS:
         QCOMPARE(outcome.output, "");
         QCOMPARE(outcome.status, 0);
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorProcess)

@@ -171,14 +171,8 @@ QByteArray answersTo(const QByteArray& operations, const char* rules = "") {
         {"other-plug", [] { return KvaSim_Plug(networkSerial) - 1; }},
         {"other-unplug", [] { return KvaSim_Unplug(networkSerial) - 1; }},
         {"other-cycle", [] { return KvaSim_PowerCycle(networkSerial) - 1; }},
-        {"set-off",
-         [] {
-             return set(usbSerial, {{"plugged", false}}) - 1;
-         }},
-        {"set-on",
-         [] {
-             return set(usbSerial, {{"plugged", true}}) - 1;
-         }},
+        {"set-off", [] { return KvaSim_Set(usbSerial, R"({"plugged": false})") - 1; }},
+        {"set-on", [] { return KvaSim_Set(usbSerial, R"({"plugged": true})") - 1; }},
         {"clear", [] { return (KvaSim_ClearFaults(), 0); }},
     };
     QByteArrayList answers;
@@ -201,7 +195,7 @@ QByteArray answersTo(const QByteArray& operations, const char* rules = "") {
 
 } // namespace
 
-class TestSimulatorSessions : public QObject {
+class TestSimulatorSessions : public SimulatorTest {
     Q_OBJECT
 
 private Q_SLOTS:
@@ -315,9 +309,6 @@ private Q_SLOTS:
         QVERIFY2(wasRefusedFor(row.value), KvaSim_LastError());
         QVERIFY(faults() == json::array());
     }
-
-private:
-    TestFolder m_folder;
 };
 
 TEST_CLASS(TestSimulatorSessions)
