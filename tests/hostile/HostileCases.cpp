@@ -8,6 +8,10 @@ namespace {
 
 using SettingsCases = QVector<SettingsCase>;
 
+QByteArray sized(const char* what, int length) {
+    return "511 to 513 bytes: " + QByteArray(what) + ' ' + QByteArray::number(length);
+}
+
 SettingsCase loaded(const QByteArray& name, const QByteArray& content,
                     const NetworkBytes& record = sampleNetwork()) {
     return {{name, content, HostileCase::None, "files", "hostile.ini"}, true, record};
@@ -91,19 +95,18 @@ void addShiftJis(SettingsCases& cases) {
 // 511 bytes fill the buffer that a value is read into, so it may have been cut: it is refused.
 void addLongValues(SettingsCases& cases) {
     for (const int length : {511, 512, 513}) {
-        const auto row = [length](const char* what) {
-            return "511 to 513 bytes: " + QByteArray(what) + ' ' + QByteArray::number(length);
-        };
         const QByteArray address = "192.168.0.10";
         const QByteArray zeros(length - address.size(), '0');
         cases += {
-            refused(row("SSID of"), iniWith("Lab 5", QByteArray(length, 's')), upTo("SSID")),
-            refused(row("key of"), iniWith("pass word=1", QByteArray(length, 'k')),
+            refused(sized("SSID of", length), iniWith("Lab 5", QByteArray(length, 's')),
+                    upTo("SSID")),
+            refused(sized("key of", length), iniWith("pass word=1", QByteArray(length, 'k')),
                     upTo("EncryptKey")),
-            refused(row("address of"), iniWith("192.168.0.10", zeros + address), upTo("IPAddress")),
-            loaded(row("unknown key of"),
+            refused(sized("address of", length), iniWith("192.168.0.10", zeros + address),
+                    upTo("IPAddress")),
+            loaded(sized("unknown key of", length),
                    iniWith("SSID=", "Other=" + QByteArray(length, 'o') + "\nSSID=")),
-            loaded(row("comment of"), iniWith("; 0:eDHCP_OFF", QByteArray(length, ';'))),
+            loaded(sized("comment of", length), iniWith("; 0:eDHCP_OFF", QByteArray(length, ';'))),
         };
     }
     const QByteArray ssid(32, 's');
@@ -276,13 +279,11 @@ private:
 
     void addLongTexts() {
         for (const int length : {511, 512, 513}) {
-            const auto row = [length](const char* what) {
-                return "511 to 513 bytes: " + QByteArray(what) + ' ' + QByteArray::number(length);
-            };
             const QByteArray serialLine(length, '1');
-            addGood(row("headings of"), file().replace("heading", QByteArray(length, 'h')));
-            addWrongSerialLine(row("serial line of"), serialLine, serialLine);
-            addValue(row("value of"), QByteArray(length - 3, '0') + "0.5", 0.5F);
+            addGood(sized("headings of", length),
+                    file().replace("heading", QByteArray(length, 'h')));
+            addWrongSerialLine(sized("serial line of", length), serialLine, serialLine);
+            addValue(sized("value of", length), QByteArray(length - 3, '0') + "0.5", 0.5F);
         }
         addWrongSerialLine("field limits: serial line of 9", '0' + m_serialLine,
                            '0' + m_serialLine);

@@ -8,15 +8,13 @@ namespace {
 QStringList checkLines(const CalibrationCase& c) {
     if (!c.isRead)
         return {};
-    QStringList lines(QString("SerialNo: %1 \n").arg(c.serialNumber));
+    QStringList values;
     for (int k = 0; k < calRefReader(c.adapter).valueCount; ++k) {
         // As printf does it, but for a zero's sign, which Qt's log leaves out.
         const auto value = static_cast<double>(c.values.value(k));
-        lines.append(
-            QString("rfWhite.spcData[%1]: %2 \n")
-                .arg(QString::number(k), QString::asprintf("%f", value == 0.0 ? 0.0 : value)));
+        values.append(QString::asprintf("%f", value == 0.0 ? 0.0 : value));
     }
-    return lines;
+    return TestBench::checkLines(c.serialNumber, values);
 }
 
 /** The serial number of an accepted file as the window shows it. */
@@ -180,10 +178,8 @@ private Q_SLOTS:
         const QStringList line("file.GetCalRefDataFromFile() failed.");
         QCOMPARE(f.lines(), row.isRead ? QStringList() : line);
         QCOMPARE(printed, row.printed);
-        const QString get = "KVA_JIG_GetFactoryCalib_CALREFDATA";
-        const QStringList calls = {get, "KVA_JIG_SetFactoryCalib_CALREFDATA",
-                                   "KVA_JIG_SetFactoryCalib_WriteSector", get, get};
-        QCOMPARE(TestBench::calls(), isRegistered ? calls : QStringList(get));
+        QCOMPARE(TestBench::calls(),
+                 isRegistered ? registrationCalls : QStringList(registrationCalls[0]));
         if (isRegistered && !row.serialNo.isEmpty())
             texts[0] = shownNumber(row);
         QCOMPARE(textsOf(f, tab), texts);

@@ -123,6 +123,20 @@ float TestBench::fileValue(int index) {
     return static_cast<float>(index) + 0.25F;
 }
 
+QStringList TestBench::valueTexts(int count) {
+    QStringList texts;
+    for (int i = 0; i < count; ++i)
+        texts.append(QString("%1.250000").arg(i));
+    return texts;
+}
+
+QStringList TestBench::checkLines(int serialNumber, const QStringList& values) {
+    QStringList lines(QString("SerialNo: %1 \n").arg(serialNumber));
+    for (int i = 0; i < values.size(); ++i)
+        lines.append(QString("rfWhite.spcData[%1]: %2 \n").arg(QString::number(i), values[i]));
+    return lines;
+}
+
 QByteArray TestBench::valueFile(const QByteArray& serialLine, int count) {
     QByteArray values;
     for (int i = 0; i < count; ++i) {

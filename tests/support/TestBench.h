@@ -67,6 +67,12 @@ float fileValue(int index);
 /** A calibration value file: two headings, the serial line, @p count values. */
 QByteArray valueFile(const QByteArray& serialLine, int count);
 
+/** The values of a `valueFile` as debug lines show them. */
+QStringList valueTexts(int count);
+/** The debug lines of checking a file with this number and these values. The name in them is the
+    same for both accessories. */
+QStringList checkLines(int serialNumber, const QStringList& values);
+
 /** Every byte of a record. */
 template <typename Record>
 QByteArray bytesOf(const Record& record) {

@@ -85,10 +85,5 @@ const CalibrationTab& calibrationTab(bool adapter) {
 }
 
 QStringList checkLines(const QByteArray& serialLine, int count) {
-    QStringList lines(QString("SerialNo: %1 \n").arg(serialLine.toInt()));
-    for (int i = 0; i < count; ++i)
-        lines.append(QString("rfWhite.spcData[%1]: %2 \n")
-                         .arg(i)
-                         .arg(static_cast<double>(fileValue(i)), 0, 'f', 6));
-    return lines;
+    return TestBench::checkLines(serialLine.toInt(), TestBench::valueTexts(count));
 }

@@ -5,6 +5,8 @@
 
 namespace {
 
+using TestBench::checkLines;
+
 const QByteArray settings = iniSetting("DHCPUse", "1")
                                 .replace("192.168.0.10", "10.0.100.255")
                                 .replace("255.255.255.0", "255.255.0.0")
@@ -46,22 +48,6 @@ const RefusedRow refusedFiles[] = {
     {"DHCPUse -1", settingsWith("DHCPUse=1", "DHCPUse=-1"), {}, 0, 4294967295},
 };
 
-/** The debug lines of checking a file. The name in them is the same for both accessories. */
-QStringList checkLines(int serialNo, const QStringList& values) {
-    QStringList lines{QString("SerialNo: %1 \n").arg(serialNo)};
-    for (int k = 0; k < values.size(); ++k)
-        lines.append(QString("rfWhite.spcData[%1]: %2 \n").arg(QString::number(k), values.at(k)));
-    return lines;
-}
-
-/** The values of a `TestBench::valueFile` as the lines show them. */
-QStringList fileValues(int count) {
-    QStringList values;
-    for (int k = 0; k < count; ++k)
-        values.append(QString("%1.250000").arg(k));
-    return values;
-}
-
 QStringList zeros(int count) {
     return QVector<QString>(count, "0.000000").toList();
 }
@@ -85,7 +71,7 @@ FileRow serialRow(const Accessory& accessory, const QByteArray& serialLine, int 
             accessory,
             TestBench::valueFile(serialLine, accessory.valueCount),
             text,
-            checkLines(value, fileValues(accessory.valueCount)),
+            checkLines(value, TestBench::valueTexts(accessory.valueCount)),
             output,
             !text.isEmpty()};
 }
