@@ -192,12 +192,6 @@ inline QByteArray calRefFile(bool adapter, const QByteArray& serialLine = "12345
            '\n';
 }
 
-/** What its read comes to. */
-inline QByteArray completeCalRef(bool adapter) {
-    return outcome(true, calRefRecord(adapter, "\x12\x34\x56\x78",
-                                      sampleValues(calRefReader(adapter).valueCount)));
-}
-
 // ---- Network settings files
 
 /** The fields in the order in which they are read, at the places in the record that the library's

@@ -206,13 +206,6 @@ private Q_SLOTS:
                  outcome(row.accepted, expected, row.said));
     }
 
-    /** The third line has more than eight bytes, the first of them NUL; so have the values. */
-    void utf16LowByteFirst() {
-        QCOMPARE(
-            read("\xFF\xFE" + utf16(calRefFile(m_adapter), true)),
-            outcome(m_adapter, record({}, QVector<float>(m_count, 0.0F)), "incorrect data. \n"));
-    }
-
     void registersOneAfterTheOther() {
         const TestFolder folder;
         auto data = patternedRecord<KVA_JIG_CALREFDATA>();
