@@ -21,17 +21,6 @@ void ModalAnswerer::willChoose(const QString& path) {
     m_files.enqueue(path);
 }
 
-void ModalAnswerer::willCancel() {
-    m_files.enqueue(QString());
-}
-
-QStringList ModalAnswerer::texts() const {
-    QStringList texts;
-    for (const Box& box : boxes)
-        texts.append(box.text);
-    return texts;
-}
-
 void ModalAnswerer::answer() {
     QWidget* modal = QApplication::activeModalWidget();
     if (!modal || !modal->isVisible() || m_beingAnswered.contains(modal))

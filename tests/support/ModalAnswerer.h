@@ -40,10 +40,8 @@ public:
 
     ModalAnswerer();
 
-    /** The next file dialog is answered with this file. */
+    /** The next file dialog is answered with this file; empty: it is cancelled. */
     void willChoose(const QString& path);
-    /** The next file dialog is cancelled. */
-    void willCancel();
 
     /** Called for each message box while it is open, before it is answered. */
     std::function<void(QMessageBox&)> onBox;
@@ -54,9 +52,6 @@ public:
 
     QVector<Box> boxes;
     QVector<FileDialog> fileDialogs;
-
-    /** The texts of the boxes, in order. */
-    QStringList texts() const;
 
 private:
     void answer();

@@ -1,7 +1,6 @@
 #include "dialogs/LangSelectDialog.h"
 #include "tests/dialogs/form/Translations.h"
-#include "tests/dialogs/settings/SettingsFixture.h"
-#include "tests/support/TestMain.h"
+#include "tests/dialogs/settings/ConnectedFixture.h"
 
 #include <QAccessible>
 
@@ -96,8 +95,7 @@ private Q_SLOTS:
     void settingsDialog() {
         const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
-        SettingsFixture f;
-        QVERIFY(f.connectFirst());
+        ConnectedFixture f;
         QSet<QString> seen;
         for (int page = 0; page < 4; ++page) {
             f.openPage(SettingsFixture::Page(page));
@@ -127,8 +125,7 @@ private Q_SLOTS:
     void openedBySettings() {
         const auto row = rowOf<LanguageRow>();
         const InstalledTranslation translation(row.name);
-        SettingsFixture f;
-        QVERIFY(f.connectFirst());
+        ConnectedFixture f;
         f.answers.onBox = [](QMessageBox& box) {
             const Stops stops = stopsOf(box);
             QCOMPARE(stops.size(), 2); // text and Ok
@@ -140,7 +137,6 @@ private Q_SLOTS:
         QCOMPARE(f.answers.boxes.size(), 1);
 
         QStringList objects;
-        f.answers.willCancel();
         f.answers.onFileDialog = [&](QFileDialog& dialog) {
             for (const Stop& stop : stopsOf(dialog)) {
                 if (!stop.name.isEmpty())
@@ -199,8 +195,7 @@ private Q_SLOTS:
     }
 
     void valuesSayWhatTheyAre() {
-        SettingsFixture f;
-        QVERIFY(f.connectFirst());
+        ConnectedFixture f;
         for (const char* name :
              {"serialNolabel", "firmVersionlabel", "MACAddresslabel", "curWCalibPlateSerialNolabel",
               "selWCPFileNamelabel", "selFileSerialNolabel", "curAmbAdpSerialNolabel",

@@ -1,7 +1,5 @@
 #include "dialogs/LangSelectDialog.h"
 #include "tests/dialogs/settings/SettingsFixture.h"
-#include "tests/support/TestBench.h"
-#include "tests/support/TestMain.h"
 
 #include <algorithm>
 

@@ -1,12 +1,7 @@
-#include "dialogs/ConnectSelectDialog.h"
-
 #include "dialogs/DialogSupport.h"
-#include "instrument/CKvaSdk_Ctrl.h"
 #include "tests/dialogs/form/FormTable.h"
 #include "tests/dialogs/form/Translations.h"
-#include "tests/support/DebugLog.h"
-#include "tests/support/TestBench.h"
-#include "tests/support/TestMain.h"
+#include "tests/dialogs/settings/SettingsFixture.h"
 
 namespace {
 
@@ -14,39 +9,18 @@ const QStringList three = {"VARNE-1(USB,Serial#1000001)", "VARNE-1(192.168.0.20,
                            "VARNE-1(192.168.0.21,Serial#1000003)"};
 const QStringList two = {"VARNE-1(USB,Serial#1000007)", "VARNE-1(USB,Serial#1000008)"};
 
-/** The dialog as a user sees and handles it. */
 class Dialog : public ConnectSelectDialog {
 public:
-    QListWidget& list() const { return *findChild<QListWidget*>("connectlistWidget"); }
-    QPushButton& okButton() const { return *findChild<QPushButton*>("pushButton"); }
-
     /** Lists the devices, shows the window and clicks the row. @param row negative: none */
     void open(const QStringList& devices, int row = -1) {
         setDeviceList(devices);
         show();
-        clickRow(row);
-    }
-
-    void clickOk() const { QTest::mouseClick(&okButton(), Qt::LeftButton); }
-
-    /** @param row  negative: none */
-    void clickRow(int row) const {
         if (row >= 0)
-            QTest::mouseClick(list().viewport(), Qt::LeftButton, Qt::NoModifier,
-                              list().visualItemRect(list().item(row)).center());
+            choice.select(row);
     }
 
-    QStringList rows() const {
-        QStringList texts;
-        for (int i = 0; i < list().count(); ++i)
-            texts.append(list().item(i)->text());
-        return texts;
-    }
+    const Choice choice{*this};
 };
-
-QString selectedLine(int row) {
-    return QString("select portNum[ConnectSelectDialog]:%1").arg(row);
-}
 
 using ListedRow = NamedValue<QStringList>;
 
@@ -61,8 +35,8 @@ private Q_SLOTS:
         const Dialog dialog;
         QVERIFY(!dialog.isFinished);
         QCOMPARE(dialog.portNum, 0);
-        QCOMPARE(dialog.rows(), QStringList());
-        QVERIFY(dialog.okButton().styleSheet().isEmpty());
+        QCOMPARE(dialog.choice.rows(), QStringList());
+        QVERIFY(dialog.choice.ok.styleSheet().isEmpty());
     }
 
     void controllerIsShared() {
@@ -78,7 +52,7 @@ private Q_SLOTS:
             QCOMPARE(first.use_count(), 1L);
             QCOMPARE(second.use_count(), 2L);
             dialog.open(three);
-            dialog.clickOk();
+            dialog.choice.accept();
             QCOMPARE(second.use_count(), 2L);
         }
         QCOMPARE(second.use_count(), 1L);
@@ -107,12 +81,12 @@ private Q_SLOTS:
         Dialog dialog;
         const DebugLog log;
         dialog.setDeviceList(row.value);
-        QCOMPARE(dialog.rows(), row.value);
-        QCOMPARE(dialog.list().currentRow(), 0);
-        QCOMPARE(dialog.list().selectedItems(), {dialog.list().item(0)});
+        QCOMPARE(dialog.choice.rows(), row.value);
+        QCOMPARE(dialog.choice.list.currentRow(), 0);
+        QCOMPARE(dialog.choice.list.selectedItems(), {dialog.choice.list.item(0)});
         QCOMPARE(dialog.portNum, 0);
         QVERIFY(!dialog.isFinished);
-        QCOMPARE(log.lines(), QStringList(selectedLine(0)));
+        QCOMPARE(log.lines(), QStringList(Choice::selectedLine(0)));
     }
 
     void preparedWindow() {
@@ -122,7 +96,7 @@ private Q_SLOTS:
             dialog.setDeviceList(devices);
             QCOMPARE(iconOf(dialog), programIcon());
             QCOMPARE(dialog.windowFlags(), titledFlags());
-            QCOMPARE(dialog.okButton().styleSheet(),
+            QCOMPARE(dialog.choice.ok.styleSheet(),
                      QString("QPushButton:default{background-color:gainsboro;}"));
             QCOMPARE(dialog.minimumSize(), QSize(520, 213));
             QCOMPARE(dialog.maximumSize(), QSize(520, 213));
@@ -138,24 +112,25 @@ private Q_SLOTS:
         QCOMPARE(dialog.windowTitle(), QString("Select Device"));
         dialog.setDeviceList(three);
         QCOMPARE(dialog.windowTitle(), QString("測定器の選択"));
-        QCOMPARE(dialog.rows(), three);
+        QCOMPARE(dialog.choice.rows(), three);
         const MarkingTranslator marking;
         dialog.setDeviceList(three);
         QCOMPARE(dialog.windowTitle(),
                  MarkingTranslator::marked("ConnectSelectDialog", "Select Device"));
-        QCOMPARE(dialog.rows(), three);
+        QCOMPARE(dialog.choice.rows(), three);
     }
 
     void selectionIsLogged() {
         Dialog dialog;
         dialog.open(three);
         const DebugLog log;
-        dialog.clickRow(2);
+        dialog.choice.select(2);
         QCOMPARE(dialog.portNum, 2);
         QVERIFY(!dialog.isFinished);
-        dialog.clickRow(1);
-        QTest::keyClick(&dialog.list(), Qt::Key_Up);
-        QCOMPARE(log.lines(), QStringList({selectedLine(2), selectedLine(1), selectedLine(0)}));
+        dialog.choice.select(1);
+        QTest::keyClick(&dialog.choice.list, Qt::Key_Up);
+        QCOMPARE(log.lines(), QStringList({Choice::selectedLine(2), Choice::selectedLine(1),
+                                           Choice::selectedLine(0)}));
         QCOMPARE(dialog.portNum, 0);
     }
 
@@ -174,7 +149,7 @@ private Q_SLOTS:
         const bool isEmpty = row.value.isEmpty();
         Dialog dialog;
         dialog.open(three, 2);
-        dialog.clickOk();
+        dialog.choice.accept();
         QVERIFY(dialog.isFinished);
         QCOMPARE(dialog.portNum, 2);
         const DebugLog log;
@@ -182,13 +157,13 @@ private Q_SLOTS:
         QVERIFY(dialog.isFinished); // its owner clears it
         dialog.isFinished = false;
         const int portNum = isEmpty ? dialog.portNum : 0;
-        QCOMPARE(dialog.rows(), row.value);
-        QCOMPARE(dialog.list().currentRow(), isEmpty ? -1 : 0);
-        QCOMPARE(dialog.list().selectedItems().size(), isEmpty ? 0 : 1);
+        QCOMPARE(dialog.choice.rows(), row.value);
+        QCOMPARE(dialog.choice.list.currentRow(), isEmpty ? -1 : 0);
+        QCOMPARE(dialog.choice.list.selectedItems().size(), isEmpty ? 0 : 1);
         QCOMPARE(dialog.portNum, portNum);
-        QVERIFY(isEmpty || log.lines().endsWith(selectedLine(0)));
+        QVERIFY(isEmpty || log.lines().endsWith(Choice::selectedLine(0)));
         dialog.show();
-        dialog.clickOk();
+        dialog.choice.accept();
         QVERIFY(dialog.isFinished);
         QCOMPARE(dialog.portNum, portNum);
     }
@@ -197,9 +172,9 @@ private Q_SLOTS:
         Dialog dialog;
         const DebugLog log;
         dialog.open({});
-        QCOMPARE(dialog.list().count(), 0);
-        QCOMPARE(dialog.list().currentRow(), -1);
-        dialog.clickOk();
+        QCOMPARE(dialog.choice.list.count(), 0);
+        QCOMPARE(dialog.choice.list.currentRow(), -1);
+        dialog.choice.accept();
         QVERIFY(dialog.isFinished);
         QCOMPARE(dialog.portNum, 0);
         QCOMPARE(log.lines(), QStringList());

@@ -1,6 +1,5 @@
 #include "tests/dialogs/form/FormTable.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/support/TestMain.h"
 
 namespace {
 

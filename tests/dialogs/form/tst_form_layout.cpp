@@ -169,13 +169,10 @@ private Q_SLOTS:
     void title_data() { addRows(allForms()); }
     void title() {
         const auto row = rowOf<FormTable>();
-        {
-            const InstalledTranslation english("en");
-            QCOMPARE(row.create()->windowTitle(), QString(row.title));
-        }
-        {
-            const InstalledTranslation japanese("jp");
-            QCOMPARE(row.create()->windowTitle(), QString(row.japaneseTitle));
+        const char* const titles[] = {row.title, row.japaneseTitle};
+        for (int i = 0; i < 2; ++i) {
+            const InstalledTranslation translation(languages[i].name);
+            QCOMPARE(row.create()->windowTitle(), QString(titles[i]));
         }
         const MarkingTranslator marking;
         QCOMPARE(row.create()->windowTitle(), MarkingTranslator::marked(row.name, row.title));

@@ -29,11 +29,6 @@ public:
         return english().isChecked() ? englishCode : japaneseCode;
     }
 
-    void open(int code) {
-        setLanguage(code);
-        show();
-    }
-
     static void click(QAbstractButton& button) {
         // Near the left edge: a radio button is not clicked beside its text.
         QTest::mouseClick(&button, Qt::LeftButton, Qt::NoModifier, QPoint(10, button.height() / 2));
@@ -187,7 +182,8 @@ private Q_SLOTS:
     void ends() {
         const auto row = rowOf<EndRow>();
         Dialog dialog;
-        dialog.open(japaneseCode);
+        dialog.setLanguage(japaneseCode);
+        dialog.show();
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
         Dialog::click(dialog.english());
         row.act(dialog);

@@ -221,7 +221,6 @@ private Q_SLOTS:
         const InstalledTranslation translation(row.language);
         InitSettingDialog window;
         ModalAnswerer answerer;
-        answerer.willCancel();
         answerer.onFileDialog = [&](QFileDialog& dialog) {
             QCOMPARE(buttonTexts(dialog), row.buttons);
             QCOMPARE(dialog.labelText(QFileDialog::FileName), QString(row.fileName));

@@ -43,6 +43,14 @@ QByteArray networkPatch(const QJsonObject& values);
 /** Makes the page show them. */
 void typeNetwork(SettingsFixture& f, const QJsonObject& values = networkValues());
 
+/** The page's push buttons, all of which are disabled while it writes to the instrument. */
+inline const QStringList networkButtons =
+    words("readToFilePushBtn writeFilePushBtn readBodyPushBtn writeBodyPushBtn");
+/** The box when it has written, as in `SettingsFixture::boxes`. */
+inline const QString networkWrittenBox =
+    "information: Write successful. To reflect, after [Disconnect], turn the power supply of the "
+    "measuring instrument OFF -> ON.";
+
 /** The buttons that are checked with these switches. */
 QStringList switchButtons(double wireless, double dhcp);
 

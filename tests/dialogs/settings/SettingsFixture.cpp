@@ -57,6 +57,22 @@ std::shared_ptr<CKvaSdk_Ctrl> controllerOn(const QJsonArray& instruments) {
 
 } // namespace
 
+QStringList Choice::rows() const {
+    QStringList texts;
+    for (int i = 0; i < list.count(); ++i)
+        texts.append(list.item(i)->text());
+    return texts;
+}
+
+void Choice::select(int row) const {
+    QTest::mouseClick(list.viewport(), Qt::LeftButton, {},
+                      list.visualItemRect(list.item(row)).center());
+}
+
+void Choice::accept() const {
+    QTest::mouseClick(&ok, Qt::LeftButton);
+}
+
 SettingsFixture::SettingsFixture(const QJsonArray& instruments)
     : controller(controllerOn(instruments)) {
     selection.setSdkCtrl(controller);

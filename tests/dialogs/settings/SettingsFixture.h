@@ -8,12 +8,32 @@
 #include "tests/support/GiveUp.h"
 #include "tests/support/ModalAnswerer.h"
 #include "tests/support/TestBench.h"
+#include "tests/support/TestMain.h"
 #include "tests/support/Widgets.h"
 
 /** The words of a text with one blank between them. */
 inline QStringList words(const char* text) {
     return QString(text).split(' ');
 }
+
+/** The open instrument selection dialog, as a user sees and uses it. */
+class Choice {
+public:
+    explicit Choice(const ConnectSelectDialog& dialog)
+        : list(*dialog.findChild<QListWidget*>("connectlistWidget")),
+          ok(*dialog.findChild<QPushButton*>("pushButton")) {}
+
+    QStringList rows() const;
+    void select(int row) const;
+    void accept() const;
+    /** The debug line of a row that is selected. */
+    static QString selectedLine(int row) {
+        return QString("select portNum[ConnectSelectDialog]:%1").arg(row);
+    }
+
+    QListWidget& list;
+    QPushButton& ok;
+};
 
 /** The dialog's disconnect watch, which is not a child of the dialog. */
 QTimer& watchOf(InitSettingDialog& dialog);

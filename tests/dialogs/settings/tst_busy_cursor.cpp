@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/support/TestMain.h"
 
 #include <dlfcn.h>
 
@@ -27,6 +26,11 @@ KVA_RESULT observed(const char* name, const char* symbol, Arguments... arguments
 
 // In place of the library's own, whose callers are in this program.
 
+#define OBSERVED(function, Pointer)                                                                \
+    KVA_RESULT function(Pointer record) {                                                          \
+        return observed(#function, #function, record);                                             \
+    }
+
 extern "C" {
 
 KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
@@ -41,25 +45,11 @@ KVA_RESULT KVA_Disconnect() {
     return observed(__func__, __func__);
 }
 
-KVA_RESULT KVA_GetDeviceInfo(KVA_DEVICEINFO* info) {
-    return observed(__func__, __func__, info);
-}
-
-KVA_RESULT KVA_GetNetworkInfo(KVA_NETWORKINFO* info) {
-    return observed(__func__, __func__, info);
-}
-
-KVA_RESULT KVA_SetNetworkInfo(const KVA_NETWORKINFO* info) {
-    return observed(__func__, __func__, info);
-}
-
-KVA_RESULT KVA_GetShutdownTime(uint8_t* mode) {
-    return observed(__func__, __func__, mode);
-}
-
-KVA_RESULT KVA_SetShutdownTime(const uint8_t* mode) {
-    return observed(__func__, __func__, mode);
-}
+OBSERVED(KVA_GetDeviceInfo, KVA_DEVICEINFO*)
+OBSERVED(KVA_GetNetworkInfo, KVA_NETWORKINFO*)
+OBSERVED(KVA_SetNetworkInfo, const KVA_NETWORKINFO*)
+OBSERVED(KVA_GetShutdownTime, uint8_t*)
+OBSERVED(KVA_SetShutdownTime, const uint8_t*)
 
 } // extern "C"
 

@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/SettingsFixture.h"
-#include "tests/support/TestMain.h"
 
 namespace {
 
@@ -8,10 +7,6 @@ const QString listCall = "KVA_GetDevicePortList";
 
 QStringList listedAndConnected() {
     return QStringList{listCall, listCall} + SettingsFixture::connectCalls;
-}
-
-QString chosenLine(int row) {
-    return QString("select portNum[ConnectSelectDialog]:%1").arg(row);
 }
 
 QString takenLine(int row) {
@@ -29,31 +24,6 @@ QJsonArray instruments(int count) {
     }
     return array;
 }
-
-/** The open selection dialog, as a user sees and uses it. */
-class Choice {
-public:
-    explicit Choice(SettingsFixture& f)
-        : m_list(*f.selection.findChild<QListWidget*>()),
-          m_ok(*f.selection.findChild<QPushButton*>()) {}
-
-    QStringList rows() const {
-        QStringList texts;
-        for (int i = 0; i < m_list.count(); ++i)
-            texts.append(m_list.item(i)->text());
-        return texts;
-    }
-    int currentRow() const { return m_list.currentRow(); }
-    void select(int row) {
-        QTest::mouseClick(m_list.viewport(), Qt::LeftButton, {},
-                          m_list.visualItemRect(m_list.item(row)).center());
-    }
-    void accept() { QTest::mouseClick(&m_ok, Qt::LeftButton); }
-
-private:
-    QListWidget& m_list;
-    QPushButton& m_ok;
-};
 
 /** The dialog without a connection. */
 class UnconnectedFixture : public SettingsFixture {
@@ -73,7 +43,7 @@ public:
             if (!selection.isVisible())
                 return;
             poll->stop();
-            action(Choice(*this));
+            action(Choice(selection));
         });
         poll->start(1);
     }
@@ -162,7 +132,7 @@ private Q_SLOTS:
             rows = choice.rows();
             callsBefore = f.calls();
             disabledBefore = f.disabled();
-            if (row.row != choice.currentRow())
+            if (row.row != choice.list.currentRow())
                 choice.select(row.row);
             choice.accept();
         });
@@ -176,9 +146,9 @@ private Q_SLOTS:
         QCOMPARE(disabledBefore, SettingsFixture::disabledWhenNotConnected);
         QStringList lines = SettingsFixture::connectLines(row.attached);
         lines.insert(1, takenLine(row.row));
-        lines.insert(1, chosenLine(0));
+        lines.insert(1, Choice::selectedLine(0));
         if (row.row != 0)
-            lines.insert(2, chosenLine(row.row));
+            lines.insert(2, Choice::selectedLine(row.row));
         QCOMPARE(f.lines(), lines);
         QCOMPARE(f.calls(), listedAndConnected());
         const QStringList connection = TestBench::detailedCalls().filter("KVA_Connect ");
@@ -203,7 +173,7 @@ private Q_SLOTS:
         int current = -1;
         f.whenOffered([&](Choice choice) {
             rows = choice.rows();
-            current = choice.currentRow();
+            current = choice.list.currentRow();
             choice.accept();
         });
         f.click(connectButton);
@@ -211,7 +181,7 @@ private Q_SLOTS:
                                     "VARNE-1(USB,Serial#00000044)"}));
         QCOMPARE(current, 0);
         QCOMPARE(f.lines().constFirst(), "port count[2] \n");
-        QCOMPARE(f.lines().indexOf(takenLine(0)), f.lines().indexOf(chosenLine(0)) + 1);
+        QCOMPARE(f.lines().indexOf(takenLine(0)), f.lines().indexOf(Choice::selectedLine(0)) + 1);
         QCOMPARE(f.identity().constFirst(), "00000043");
     }
 
@@ -276,7 +246,8 @@ private Q_SLOTS:
         QVERIFY(f.dialog.isFinished);
         QVERIFY(!f.dialog.isVisible());
         QVERIFY(!f.selection.isVisible());
-        QCOMPARE(f.records(), (QStringList{listCall, listCall, "port count[2] \n", chosenLine(0)}));
+        QCOMPARE(f.records(),
+                 (QStringList{listCall, listCall, "port count[2] \n", Choice::selectedLine(0)}));
         QCOMPARE(f.disabled(), SettingsFixture::disabledWhenNotConnected);
         QVERIFY(!watchOf(f.dialog).isActive());
     }

@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/support/TestMain.h"
 
 namespace {
 

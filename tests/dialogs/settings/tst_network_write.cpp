@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/support/TestMain.h"
 
 #include <cstring>
 
@@ -8,12 +7,7 @@ namespace {
 const QString bodyButton = "writeBodyPushBtn";
 const QString fileButton = "writeFilePushBtn";
 const QString writeCall = "KVA_SetNetworkInfo";
-const QString bodySuccess =
-    "information: Write successful. To reflect, after [Disconnect], turn the power supply of the "
-    "measuring instrument OFF -> ON.";
 const QString fileSuccess = "information: Successful file writing.";
-const QStringList tabButtons =
-    words("readToFilePushBtn writeFilePushBtn readBodyPushBtn writeBodyPushBtn");
 
 struct Write {
     const char* name;
@@ -125,13 +119,13 @@ private Q_SLOTS:
         write(f, row.file);
 
         const QStringList reports =
-            isForBody ? QStringList{bodySuccess, writeCall} : QStringList{fileSuccess};
+            isForBody ? QStringList{networkWrittenBox, writeCall} : QStringList{fileSuccess};
         const QStringList checks = SettingsFixture::digitLines(row.octets);
         QCOMPARE(f.records(), reports + (sendsZeros ? QStringList() : checks));
         QCOMPARE(TestBench::state(), state);
         QCOMPARE(f.files(), isForBody ? QStringList() : QStringList(row.file));
         QCOMPARE(f.folder.read(row.file), isForBody ? QByteArray() : settingsFile(values));
-        QCOMPARE(f.busyAtBox(), isForBody ? tabButtons : QStringList());
+        QCOMPARE(f.busyAtBox(), isForBody ? networkButtons : QStringList());
         QCOMPARE(f.everything(), before);
     }
 
@@ -192,7 +186,7 @@ private Q_SLOTS:
         QCOMPARE(f.files(), QStringList());
         QCOMPARE(TestBench::state(), state);
         QCOMPARE(std::memcmp(&f.controller->m_networkInfo, &record, sizeof record), 0);
-        QCOMPARE(f.busyAtBox(), row.isForFile ? QStringList() : tabButtons);
+        QCOMPARE(f.busyAtBox(), row.isForFile ? QStringList() : networkButtons);
         QCOMPARE(f.everything(), before);
     }
 
@@ -233,7 +227,7 @@ private Q_SLOTS:
         const QStringList before = f.everything();
         f.click(bodyButton);
 
-        QCOMPARE(f.boxes(), QStringList(bodySuccess));
+        QCOMPARE(f.boxes(), QStringList(networkWrittenBox));
         QCOMPARE(f.everything(), before);
         QCOMPARE(TestBench::state(), expected);
     }

@@ -1,5 +1,4 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/support/TestMain.h"
 
 namespace {
 
@@ -250,18 +249,13 @@ private:
         using F = SettingsFixture;
         const QString readSuccess = "information: Successful read body data.";
         const QString writeSuccess = "information: Successful device writing.";
-        const QString networkSuccess =
-            "information: Write successful. To reflect, after [Disconnect], turn the power supply "
-            "of the measuring instrument OFF -> ON.";
         const QStringList checks = F::digitLines(octetsOf(networkValues()));
-        const QStringList networkButtons =
-            words("readToFilePushBtn writeFilePushBtn readBodyPushBtn writeBodyPushBtn");
         addRows(QVector<BodyButton>{
             {"network read", F::Network, "readBodyPushBtn", "KVA_GetNetworkInfo", readSuccess,
              "error: Failed to read Network Infomation data.",
              QStringList("Failed to KVA_GetNetworkInfo(). \n"), QStringList()},
             {"network written", F::Network, "writeBodyPushBtn", "KVA_SetNetworkInfo",
-             networkSuccess, "error: Failed to write Network Infomation data.",
+             networkWrittenBox, "error: Failed to write Network Infomation data.",
              checks + QStringList("Failed to KVA_SetNetworkInfo(). \n"), networkButtons},
             // The byte that no mode has, as the instrument has not set one.
             {"power-off time read", F::PowerOff, "getAutoPWOffPushBtn", "KVA_GetShutdownTime",

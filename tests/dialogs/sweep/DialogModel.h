@@ -10,13 +10,6 @@
 
 #include <cstring>
 
-/** What a user types on the network page. */
-struct TypedNetwork {
-    QString ssid;
-    QString key;
-    QStringList octets; ///< sixteen
-};
-
 /** A value file that is accepted. */
 struct ValueFile {
     QString path;
@@ -60,12 +53,8 @@ public:
         information("Successful read body data.");
     }
 
-    void typeNetwork(const TypedNetwork& typed) {
-        QStringList texts = {typed.ssid, typed.key};
-        for (int address = 0; address < 4; ++address)
-            texts.append(typed.octets.mid(4 * address, 4).join('.'));
-        setTexts(network, texts);
-    }
+    /** @param texts  SSID, key and the four addresses with dots */
+    void typeNetwork(const QStringList& texts) { setTexts(network, texts); }
 
     void pressWriteNetwork() {
         std::uint8_t* const addresses[] = {m_network.IPAddress, m_network.SubnetMask,

@@ -3,8 +3,6 @@
 
 #include "simulator/KvaSim.h"
 #include "tests/dialogs/settings/ConnectedFixture.h"
-#include "tests/support/TestFolder.h"
-#include "tests/support/TestMain.h"
 
 #include <random>
 #include <thread>
@@ -30,8 +28,7 @@ const QStringList possibleBoxes = {
     "information: Successful read body data.",
     "error: Failed to read Network Infomation data.",
     "error: The input value is invalid.",
-    "information: Write successful. To reflect, after [Disconnect], turn the "
-    "power supply of the measuring instrument OFF -> ON.",
+    networkWrittenBox,
     "error: Failed to write Network Infomation data.",
     "information: Successful read file data.",
     "error: Failed to write WhiteCalibPlate file.",

@@ -5,10 +5,6 @@
 #include "tests/dialogs/settings/ConnectedFixture.h"
 #include "tests/dialogs/sweep/DialogModel.h"
 #include "tests/dialogs/sweep/FaultKinds.h"
-#include "tests/support/TestFolder.h"
-#include "tests/support/TestMain.h"
-
-#include <QApplication>
 
 #include <cstring>
 
@@ -25,16 +21,11 @@ struct Step {
     int file = -1; ///< chosen in the file dialog; -1: none
 };
 
-const TypedNetwork& typedNetwork() {
-    static const TypedNetwork typed = {"new-hall", "another-key",
-                                       words("10 20 30 40 255 255 0 0 10 20 0 1 9 9 9 9")};
-    return typed;
-}
-
 void prepareNetwork(SettingsFixture& f, DialogModel& model) {
-    f.setNameAndKey(typedNetwork().ssid, typedNetwork().key);
-    f.setOctets(typedNetwork().octets);
-    model.typeNetwork(typedNetwork());
+    const QStringList texts = networkTexts(networkValues());
+    f.setNameAndKey(texts[0], texts[1]);
+    f.setOctets(octetsOf(networkValues()));
+    model.typeNetwork(texts);
 }
 
 void preparePowerOff(SettingsFixture& f, DialogModel& model) {
