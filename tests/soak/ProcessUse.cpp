@@ -2,8 +2,9 @@
 
 #include <atomic>
 #include <cerrno>
-#include <cstdio>
-#include <dirent.h>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <malloc.h>
 #include <unistd.h>
 
@@ -104,38 +105,18 @@ void free(void* block) {
 
 #endif
 
-namespace {
-
-/** The second number of /proc/self/statm, which is in pages; -1 when it cannot be read. */
-qint64 bytesInMemory() {
-    std::FILE* file = std::fopen("/proc/self/statm", "re");
-    if (!file)
-        return -1;
-    long long pages = -1;
-    const bool isRead = std::fscanf(file, "%*d %lld", &pages) == 1;
-    std::fclose(file);
-    return isRead ? pages * ::sysconf(_SC_PAGESIZE) : -1;
+/** The entries of a folder without "." and "..". */
+static int entryCount(const char* path) {
+    return static_cast<int>(std::distance(std::filesystem::directory_iterator(path), {}));
 }
-
-/** The entries of a folder without "." and ".."; -1 when it cannot be read. */
-int entryCount(const char* path) {
-    DIR* folder = ::opendir(path);
-    if (!folder)
-        return -1;
-    int count = -2;
-    while (::readdir(folder))
-        ++count;
-    ::closedir(folder);
-    return count;
-}
-
-} // namespace
 
 ProcessUse ProcessUse::now() {
     const int openFiles = entryCount("/proc/self/fd") - 1; // the folder being read is one of them
     const int threads = entryCount("/proc/self/task");
-    const qint64 resident = bytesInMemory();
-    return {blocks, static_cast<qint64>(bytesOnTheHeap()), resident, openFiles, threads};
+    qint64 pages = -1; // the second number
+    std::ifstream("/proc/self/statm") >> pages >> pages;
+    return {blocks, static_cast<qint64>(bytesOnTheHeap()), pages * ::sysconf(_SC_PAGESIZE),
+            openFiles, threads};
 }
 
 QString ProcessUse::text() const {

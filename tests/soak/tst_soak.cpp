@@ -41,16 +41,16 @@ struct Allowance {
 /** What has grown between the two; empty when nothing has. */
 QString growth(const ProcessUse& start, const ProcessUse& end, const Allowance& allowance) {
     QStringList grown;
-    if (end.heapBlocks - start.heapBlocks > allowance.heapBlocks)
-        grown.append("heap blocks");
-    if (end.heapBytes - start.heapBytes > allowance.heapBytes)
-        grown.append("heap bytes");
-    if (ProcessUse::isExact && end.residentBytes - start.residentBytes > allowance.residentBytes)
-        grown.append("resident memory");
-    if (end.openFiles != start.openFiles)
-        grown.append("open files");
-    if (end.threads != start.threads)
-        grown.append("threads");
+    const auto look = [&grown](const char* what, bool hasGrown) {
+        if (hasGrown)
+            grown.append(what);
+    };
+    look("heap blocks", end.heapBlocks - start.heapBlocks > allowance.heapBlocks);
+    look("heap bytes", end.heapBytes - start.heapBytes > allowance.heapBytes);
+    look("resident memory",
+         ProcessUse::isExact && end.residentBytes - start.residentBytes > allowance.residentBytes);
+    look("open files", end.openFiles != start.openFiles);
+    look("threads", end.threads != start.threads);
     return grown.join(", ");
 }
 

@@ -104,24 +104,20 @@ QStringList ProgramRun::told(const QString& word) const {
     return rests;
 }
 
-QVector<QJsonObject> ProgramRun::calls() const {
-    return objectsIn(m_folder.read("trace"));
-}
-
 QStringList ProgramRun::calledFunctions() const {
     QStringList functions;
-    for (const QJsonObject& call : calls())
+    for (const QJsonObject& call : objectsIn(m_folder.read("trace")))
         functions.append(call["function"].toString());
     return functions;
 }
 
-QVector<bool> ProgramRun::registrations() const {
-    QVector<bool> handlers;
-    for (const QJsonObject& call : calls()) {
-        if (call["function"] == registration)
-            handlers.append(call["arguments"]["handler"].toBool());
+QJsonArray ProgramRun::argumentsOf(const QString& function, const QString& argument) const {
+    QJsonArray values;
+    for (const QJsonObject& call : objectsIn(m_folder.read("trace"))) {
+        if (call["function"] == function)
+            values.append(call["arguments"][argument]);
     }
-    return handlers;
+    return values;
 }
 
 QVector<QJsonObject> ProgramRun::states(const QString& className) const {

@@ -63,10 +63,9 @@ public:
     /** The debug lines of the story. */
     QStringList debugLines() const { return told("log"); }
     /** The calls of libKVASDK to the very end, as its trace has them. */
-    QVector<QJsonObject> calls() const;
     QStringList calledFunctions() const;
-    /** Whether each registration of an event handler named one, in order. */
-    QVector<bool> registrations() const;
+    /** An argument of each call of a function, in order. */
+    QJsonArray argumentsOf(const QString& function, const QString& argument) const;
 
     /** What the windows of a class showed before each step that was taken in them. */
     QVector<QJsonObject> states(const QString& className) const;

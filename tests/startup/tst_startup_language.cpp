@@ -152,7 +152,7 @@ private Q_SLOTS:
                  QStringList({"KVA_RegisterDeviceEventHandler", "shown LangSelectDialog",
                               "hidden LangSelectDialog", "destroyed LangSelectDialog",
                               "KVA_RegisterDeviceEventHandler", "application ends"}));
-        QCOMPARE(run.registrations(), QVector<bool>({true, false}));
+        QCOMPARE(run.argumentsOf(registration, "handler"), QJsonArray({true, false}));
     }
 
     void choiceIsNotRemembered() {

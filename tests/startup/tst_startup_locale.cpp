@@ -3,8 +3,7 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
-#include <string>
+#include <sstream>
 #include <system_error>
 
 using namespace Steps;
@@ -29,14 +28,14 @@ const Japanese key = {"光の鍵", QByteArray::fromHex("b8f7a4ceb8b0")};
 class EucFile {
 public:
     explicit EucFile(const QString& suffix)
-        : m_suffix(suffix), m_folder(std::filesystem::path(m_parent.path().toStdString()) /
-                                     folderName.bytes.toStdString()),
-          m_path(m_folder / (fileName.bytes + suffix.toLatin1()).toStdString()) {
-        std::filesystem::create_directory(m_folder);
+        : m_suffix(suffix), m_path(m_parent.path().toStdString()) {
+        m_path /= folderName.bytes.toStdString();
+        std::filesystem::create_directory(m_path);
+        m_path /= (fileName.bytes + suffix.toLatin1()).toStdString();
     }
     ~EucFile() {
         std::error_code ignored;
-        std::filesystem::remove_all(m_folder, ignored);
+        std::filesystem::remove_all(m_path.parent_path(), ignored);
     }
     EucFile(const EucFile&) = delete;
     EucFile& operator=(const EucFile&) = delete;
@@ -46,19 +45,17 @@ public:
         return m_parent.filePath(folderName.text + '/' + fileName.text + m_suffix);
     }
     bool write(const QByteArray& content) const {
-        std::ofstream file(m_path, std::ios::binary);
-        return bool(file << content.constData() << std::flush);
+        return bool(std::ofstream(m_path, std::ios::binary) << content.constData() << std::flush);
     }
     QByteArray read() const {
-        std::ifstream file(m_path, std::ios::binary);
-        return QByteArray::fromStdString(
-            std::string(std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()));
+        std::ostringstream content;
+        content << std::ifstream(m_path, std::ios::binary).rdbuf();
+        return QByteArray::fromStdString(content.str());
     }
 
 private:
     QTemporaryDir m_parent;
     QString m_suffix;
-    std::filesystem::path m_folder;
     std::filesystem::path m_path;
 };
 
@@ -67,12 +64,6 @@ QStringList inJapanese(std::initializer_list<const char*> texts) {
     for (const char* text : texts)
         list.append(translated(japanese, "InitSettingDialog", text));
     return list;
-}
-
-/** A field of a record as the trace has bytes that are not UTF-8: all of the field. */
-QJsonObject fieldOf(const QByteArray& bytes, int size) {
-    const QByteArray field = bytes + QByteArray(size - bytes.size(), '\0');
-    return {{"hex", QString(field.toHex())}};
 }
 
 /** An accessory's tab and its file. */
@@ -125,12 +116,11 @@ private Q_SLOTS:
         const QByteArray content = file.read();
         QVERIFY2(content.contains("\nSSID=" + ssid.bytes + "\nEncryptKey=" + key.bytes + '\n'),
                  content);
-        QVector<QJsonObject> written;
-        for (const QJsonObject& call : run.calls()) {
-            if (call["function"] == "KVA_SetNetworkInfo")
-                written.append(call["arguments"]["network"]["SSID"].toObject());
-        }
-        QCOMPARE(written, QVector<QJsonObject>{fieldOf(ssid.bytes, 33)});
+        const QJsonArray written = run.argumentsOf("KVA_SetNetworkInfo", "network");
+        QCOMPARE(written.size(), 1);
+        // The trace has bytes that are not UTF-8 as hexadecimal: all of the field.
+        QCOMPARE(written[0]["SSID"]["hex"].toString(),
+                 QString(ssid.bytes.leftJustified(33, '\0').toHex()));
     }
 
     void valueFile_data() { addRows(valueFiles); }

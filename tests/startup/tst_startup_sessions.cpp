@@ -7,13 +7,8 @@ using namespace Steps;
 namespace {
 
 /** The serial numbers that the program opened a connection to. */
-QVector<int> connectedTo(const ProgramRun& run) {
-    QVector<int> serialNumbers;
-    for (const QJsonObject& call : run.calls()) {
-        if (call["function"] == "KVA_Connect")
-            serialNumbers.append(call["arguments"]["serialNumber"].toInt());
-    }
-    return serialNumbers;
+QJsonArray connectedTo(const ProgramRun& run) {
+    return run.argumentsOf("KVA_Connect", "serialNumber");
 }
 
 /** The debug lines of the choice of an instrument as the entry point took it. */
@@ -35,20 +30,20 @@ struct AttachedRow {
 QVector<AttachedRow> attached() {
     const QJsonObject escape = step(instrumentDialog, "key", Qt::Key_Escape);
     const QJsonArray warning = {fault(enumeration, 0, "KVA_WARNING_BATTERY_EMPTY")};
-    QVector<AttachedRow> rows;
-    rows.append({"one", 1, {}, 0, 1000001});
-    // Warnings count as success.
-    rows.append({"one, with a warning", 1, {}, 0, 1000001, warning});
-    rows.append({"two, not touched", 2, {}, 0, 1000001});
-    rows.append({"two, the second", 2, {selectRow(1)}, 1, 1000002});
-    rows.append({"three, not touched", 3, {}, 0, 1000001});
-    rows.append({"three, the second", 3, {selectRow(1)}, 1, 1000002});
-    rows.append({"three, the third", 3, {selectRow(2)}, 2, 1000003});
-    rows.append({"three, the third and back", 3, {selectRow(2), selectRow(0)}, 0, 1000001});
-    // The button is the only way out: a closed dialog comes up again.
+    // A closed dialog comes up again.
     const QJsonArray others = {escape, selectRow(1), closeWindow(instrumentDialog)};
-    rows.append({"two, not left otherwise", 2, others, 1, 1000002, {}, 2});
-    return rows;
+    return {
+        {"one", 1, {}, 0, 1000001},
+        // Warnings count as success.
+        {"one, with a warning", 1, {}, 0, 1000001, warning},
+        {"two, not touched", 2, {}, 0, 1000001},
+        {"two, the second", 2, {selectRow(1)}, 1, 1000002},
+        {"three, not touched", 3, {}, 0, 1000001},
+        {"three, the second", 3, {selectRow(1)}, 1, 1000002},
+        {"three, the third", 3, {selectRow(2)}, 2, 1000003},
+        {"three, the third and back", 3, {selectRow(2), selectRow(0)}, 0, 1000001},
+        {"two, not left otherwise", 2, others, 1, 1000002, {}, 2},
+    };
 }
 
 /** A bench whose instruments cannot be listed. */
@@ -125,24 +120,26 @@ QVector<StoryRow> stories() {
     const auto box = [](const QString& text) {
         return QStringList({"shown " + boxNamed(text), "hidden " + boxNamed(text)});
     };
-    QVector<StoryRow> rows;
-    const auto add = [&](const char* name, int instruments, const QJsonArray& faults,
-                         const QJsonArray& steps, const QStringList& story) {
-        rows.append({name, instruments, faults, steps, story});
+    return {
+        {"one instrument", 1, {}, disconnectAndClose, use},
+        // Nothing is made of it.
+        {"registration fails", 1, {fault(registration, 0)}, disconnectAndClose, use},
+        {"two instruments",
+         2,
+         {},
+         {confirmLanguage, selectRow(1), confirmInstrument, disconnectInstrument, pressClose},
+         choice + use},
+        {"no enumeration",
+         1,
+         {fault("KVA_GetDevicePortList", 2)},
+         {confirmLanguage, dismissBox, pressClose},
+         box(notConnected) + QStringList("shown InitSettingDialog")},
+        {"closed, and disconnect fails",
+         1,
+         {fault("KVA_Disconnect", 0, "KVA_ERROR_DISCONNECT")},
+         {confirmLanguage, closeWindow(settingsDialog), dismissBox},
+         use + QStringList("log diconect error \n") + box("Failed to disconnect device.")},
     };
-    add("one instrument", 1, {}, disconnectAndClose, use);
-    // Nothing is made of it.
-    add("registration fails", 1, {fault(registration, 0)}, disconnectAndClose, use);
-    add("two instruments", 2, {},
-        {confirmLanguage, selectRow(1), confirmInstrument, disconnectInstrument, pressClose},
-        choice + use);
-    add("no enumeration", 1, {fault("KVA_GetDevicePortList", 2)},
-        {confirmLanguage, dismissBox, pressClose},
-        box(notConnected) + QStringList("shown InitSettingDialog"));
-    add("closed, and disconnect fails", 1, {fault("KVA_Disconnect", 0, "KVA_ERROR_DISCONNECT")},
-        {confirmLanguage, closeWindow(settingsDialog), dismissBox},
-        use + QStringList("log diconect error \n") + box("Failed to disconnect device."));
-    return rows;
 }
 
 const QStringList bothDialogs = {languageDialog, settingsDialog};
@@ -174,13 +171,12 @@ QVector<LibraryRow> libraries() {
     const QJsonArray& use = disconnectAndClose;
     const QJsonArray dismiss = {confirmLanguage, dismissBox, pressClose};
     const QStringList withBox = {languageDialog, boxNamed(notConnected), settingsDialog};
-    QVector<LibraryRow> rows;
-    rows.append({"in lib", serving, "", "", use, bothDialogs, "07654321"});
-    rows.append(
-        {"on the library path", "", "LD_LIBRARY_PATH", folder, use, bothDialogs, "07654321"});
-    rows.append({"preloaded", "", "LD_PRELOAD", serving, use, bothDialogs, "07654321"});
-    rows.append({"in lib, failing", OTHER_SDK_FAILING, "", "", dismiss, withBox, ""});
-    return rows;
+    return {
+        {"in lib", serving, "", "", use, bothDialogs, "07654321"},
+        {"on the library path", "", "LD_LIBRARY_PATH", folder, use, bothDialogs, "07654321"},
+        {"preloaded", "", "LD_PRELOAD", serving, use, bothDialogs, "07654321"},
+        {"in lib, failing", OTHER_SDK_FAILING, "", "", dismiss, withBox, ""},
+    };
 }
 
 } // namespace
@@ -198,7 +194,7 @@ private Q_SLOTS:
 
         const QStringList expected = storyOfTheStart(row.instruments) + row.story + storyOfTheEnd;
         QVERIFY2(run.story() == expected, run.problem());
-        QCOMPARE(run.registrations(), QVector<bool>({true, false}));
+        QCOMPARE(run.argumentsOf(registration, "handler"), QJsonArray({true, false}));
     }
 
     /** By the window's close control, or by any other way of making it disappear. */
@@ -217,7 +213,7 @@ private Q_SLOTS:
         expected.sort();
         story.sort();
         QVERIFY2(story == expected, run.problem());
-        QCOMPARE(run.registrations(), QVector<bool>({true, false}));
+        QCOMPARE(run.argumentsOf(registration, "handler"), QJsonArray({true, false}));
         QCOMPARE(run.boxTexts(), QStringList());
     }
 
@@ -287,7 +283,7 @@ private Q_SLOTS:
         QCOMPARE(choices(run),
                  isChosen ? QStringList(QString("select portNum[main]:%1").arg(row.portNum))
                           : QStringList());
-        QCOMPARE(connectedTo(run), QVector<int>{row.serialNumber});
+        QCOMPARE(connectedTo(run), QJsonArray{row.serialNumber});
         const QStringList all = {"VARNE-1(USB,Serial#01000001)",
                                  "VARNE-1(192.168.0.20,Serial#01000002)",
                                  "VARNE-1(USB,Serial#01000003)"};
@@ -310,7 +306,7 @@ private Q_SLOTS:
         QCOMPARE(choices(run), QStringList("select portNum[main]:0"));
         QCOMPARE(run.state(messageBox)["icon"].toInt(), int{QMessageBox::Critical});
         QVERIFY(run.debugLines().contains("conect error \n"));
-        QCOMPARE(connectedTo(run), QVector<int>());
+        QCOMPARE(connectedTo(run), QJsonArray());
         compareNoInstrument(run.state(settingsDialog));
     }
 

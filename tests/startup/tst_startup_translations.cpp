@@ -102,14 +102,6 @@ QVector<TranslationRow> starts() {
     return rows;
 }
 
-/** The program with the marked files. */
-struct MarkedTree : ProgramTree {
-    MarkedTree() {
-        writeResource(english, markedEnglish);
-        writeResource(japanese, markedJapanese);
-    }
-};
-
 } // namespace
 
 /** The start with files of translations that are missing, damaged or lost, and the entry point's
@@ -121,7 +113,9 @@ private Q_SLOTS:
     void start_data() { addRows(starts()); }
     void start() {
         const auto row = rowOf<TranslationRow>();
-        const MarkedTree tree;
+        const ProgramTree tree;
+        tree.writeResource(english, markedEnglish);
+        tree.writeResource(japanese, markedJapanese);
         for (const QString& name : row.missing)
             tree.removeResource(name);
         if (!row.written.isEmpty())

@@ -9,31 +9,11 @@
 
 // ---- What a window shows
 
-inline QJsonObject applicationFont() {
-    const QFont font = QApplication::font();
-    return {{"family", font.family()},
-            {"pointSize", font.pointSize()},
-            {"weight", font.weight()},
-            {"isItalic", font.italic()}};
-}
-
 inline QJsonArray widths(const QIcon& icon) {
     QJsonArray array;
     for (const QSize& size : icon.availableSizes())
         array.append(size.width());
     return array;
-}
-
-inline QString textOf(const QWidget* widget) {
-    if (const auto* label = qobject_cast<const QLabel*>(widget))
-        return label->text();
-    if (const auto* button = qobject_cast<const QAbstractButton*>(widget))
-        return button->text();
-    if (const auto* group = qobject_cast<const QGroupBox*>(widget))
-        return group->title();
-    if (const auto* edit = qobject_cast<const QLineEdit*>(widget))
-        return edit->text();
-    return {};
 }
 
 inline void addWidgets(QJsonObject& state, const QWidget& window) {
@@ -44,9 +24,9 @@ inline void addWidgets(QJsonObject& state, const QWidget& window) {
         const QString name = widget->objectName();
         if (name.isEmpty() || name.startsWith("qt_"))
             continue;
-        texts.insert(name, textOf(widget));
-        const auto* button = qobject_cast<const QAbstractButton*>(widget);
-        if (button && button->isChecked())
+        const bool isGroup = qobject_cast<const QGroupBox*>(widget) != nullptr;
+        texts.insert(name, widget->property(isGroup ? "title" : "text").toString());
+        if (widget->property("checked").toBool())
             checked.append(name);
         if (!widget->isEnabled())
             disabled.append(name);
@@ -56,29 +36,15 @@ inline void addWidgets(QJsonObject& state, const QWidget& window) {
     state.insert("disabled", disabled);
 }
 
-inline void addList(QJsonObject& state, const QListWidget& list) {
-    QJsonArray rows;
-    for (int row = 0; row < list.count(); ++row)
-        rows.append(list.item(row)->text());
-    state.insert("rows", rows);
-    state.insert("currentRow", list.currentRow());
-}
-
-inline void addBox(QJsonObject& state, const QMessageBox& box) {
-    state.insert("text", box.text());
-    state.insert("icon", box.icon());
-    state.insert("buttons", static_cast<int>(box.standardButtons()));
-}
-
 /**
  * What a window shows, as JSON: "class", "title", "flags" (`Qt::WindowFlags`), "isModal",
  * "hasParent", "ownIcon" (one was given to the window itself), "iconWidths" and
- * "applicationIconWidths" (pixels), "width" and "height" (pixels), "isFixed" (its size), "font" (of
- * the application), "windowFontFamily", "focus" (object name), and by object name the "texts", the
- * "checked" and the "disabled" widgets; of a list "rows" and "currentRow"; of a message box "text",
- * "icon" and "buttons" (`QMessageBox::…`).
+ * "applicationIconWidths" (pixels), "font" (of the application), "windowFontFamily", "focus"
+ * (object name), and by object name the "texts", the "checked" and the "disabled" widgets; of a
+ * list "rows" and "currentRow"; of a message box "text", "icon" and "buttons" (`QMessageBox::…`).
  */
 inline QJsonObject windowState(const QWidget& window) {
+    const QFont font = QApplication::font();
     QJsonObject state = {
         {"class", window.metaObject()->className()},
         {"title", window.windowTitle()},
@@ -88,19 +54,27 @@ inline QJsonObject windowState(const QWidget& window) {
         {"ownIcon", window.testAttribute(Qt::WA_SetWindowIcon)},
         {"iconWidths", widths(window.windowIcon())},
         {"applicationIconWidths", widths(QApplication::windowIcon())},
-        {"width", window.width()},
-        {"height", window.height()},
-        {"isFixed", window.minimumSize() == window.maximumSize()},
-        {"font", applicationFont()},
+        {"font", QJsonObject{{"family", font.family()},
+                             {"pointSize", font.pointSize()},
+                             {"weight", font.weight()},
+                             {"isItalic", font.italic()}}},
         {"windowFontFamily", window.font().family()},
     };
     if (const QWidget* focus = window.focusWidget())
         state.insert("focus", focus->objectName());
     addWidgets(state, window);
-    if (const auto* list = window.findChild<QListWidget*>())
-        addList(state, *list);
-    if (const auto* box = qobject_cast<const QMessageBox*>(&window))
-        addBox(state, *box);
+    if (const auto* list = window.findChild<QListWidget*>()) {
+        QJsonArray rows;
+        for (int row = 0; row < list->count(); ++row)
+            rows.append(list->item(row)->text());
+        state.insert("rows", rows);
+        state.insert("currentRow", list->currentRow());
+    }
+    if (const auto* box = qobject_cast<const QMessageBox*>(&window)) {
+        state.insert("text", box->text());
+        state.insert("icon", box->icon());
+        state.insert("buttons", static_cast<int>(box->standardButtons()));
+    }
     return state;
 }
 
@@ -113,9 +87,9 @@ inline QJsonObject windowState(const QWidget& window) {
  * A step is {"window": class, "action": ..., "value": ...}. Actions and their values: "click" (the
  * object name of a button), "press" (Ok, of a message box), "select" (a row of its list), "page"
  * (an index, of its tabs), "fill" (the object names of edits and their texts), "choose" (a path, in
- * a file dialog), "key" (`Qt::Key`), "close" (the window's close control), "reject", "hide",
- * "removeFile" (a path). What the window shows is noted before each step. A step that cannot be
- * taken ends the program with the exit status 3.
+ * a file dialog), "key" (`Qt::Key`), "removeFile" (a path), "close" (the window's close control);
+ * any other is a slot of the window. What the window shows is noted before each step. A step that
+ * cannot be taken ends the program with the exit status 3.
  */
 class Driver : public QObject {
 public:
@@ -154,20 +128,15 @@ private:
     void watchDialogs() {
         const QWidgetList windows = QApplication::topLevelWidgets();
         for (const QWidget* window : windows) {
-            const bool isDialog = qobject_cast<const QDialog*>(window) != nullptr &&
-                                  qobject_cast<const QMessageBox*>(window) == nullptr;
-            if (isDialog && !m_watched.contains(window))
-                watch(*window);
+            const QString name = window->metaObject()->className();
+            if (!window->inherits("QDialog") || name == "QMessageBox" || m_watched.contains(window))
+                continue;
+            m_watched.append(window);
+            connect(window, &QObject::destroyed, this, [this, name](const QObject* object) {
+                m_watched.removeOne(object);
+                m_record.add("destroyed", {{"window", name}});
+            });
         }
-    }
-
-    void watch(const QWidget& dialog) {
-        m_watched.append(&dialog);
-        const QString name = dialog.metaObject()->className();
-        connect(&dialog, &QObject::destroyed, this, [this, name](const QObject* object) {
-            m_watched.removeOne(object);
-            m_record.add("destroyed", {{"window", name}});
-        });
     }
 
     void tick() {
@@ -229,14 +198,14 @@ private:
             strike(window, static_cast<Qt::Key>(value.toInt()));
         else if (action == "removeFile")
             require(QFile::remove(value.toString()));
-        else if (action == "reject")
-            dynamic_cast<QDialog&>(window).reject();
-        else if (action == "hide")
-            window.hide();
         else if (action == "close")
             window.windowHandle()->close(); // as from the window manager
         else
-            require(false);
+            call(window, action);
+    }
+
+    void call(QWidget& window, const QString& slot) {
+        require(QMetaObject::invokeMethod(&window, slot.toLatin1(), Qt::DirectConnection));
     }
 
     void press(QAbstractButton* button) {
@@ -266,8 +235,7 @@ private:
 
     void choose(QWidget& window, const QString& path) {
         fill(window, {{"fileNameEdit", path}});
-        // QFileDialog makes accept() protected; the slot is the same one that its button calls.
-        require(QMetaObject::invokeMethod(&window, "accept", Qt::DirectConnection));
+        call(window, "accept"); // which its button calls
     }
 
     void strike(QWidget& window, Qt::Key key) {

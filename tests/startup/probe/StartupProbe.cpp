@@ -26,24 +26,13 @@ public:
           m_driver(m_record, QJsonDocument::fromJson(qgetenv("STARTUP_PROBE_SCRIPT")).array()) {
         if (qEnvironmentVariableIsSet("STARTUP_PROBE_ENCODING"))
             QTextCodec::setCodecForLocale(QTextCodec::codecForName(::nl_langinfo(CODESET)));
-        s_current = this;
-        qAddPostRoutine(noteEnd);
     }
-    ~Probe() override { s_current = nullptr; }
+    ~Probe() override { m_record.add("application ends", {}); }
 
 private:
-    static void noteEnd() {
-        if (s_current)
-            s_current->m_record.add("application ends", {});
-    }
-
-    static Probe* s_current;
-
     Record m_record;
     Driver m_driver;
 };
-
-Probe* Probe::s_current = nullptr;
 
 } // namespace
 
