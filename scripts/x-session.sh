@@ -11,7 +11,8 @@ root=$PWD
 bin=${VQTL4_BIN:-$root/build/release/bin}
 program='' server='' manager='' main_window='' window='' picture=0
 
-x_session() {
+# speak LANGUAGE: en or jp. What the titles of the windows are from now on.
+speak() {
     case "$1" in
     en) locale=en_US.UTF-8 language_title="Select Language" instruments_title="Select Device" title="Spectrophotometer Configuration Tool VQ-TL4" ;;
     jp) locale=ja_JP.UTF-8 language_title="言語の選択" instruments_title="測定器の選択" title="分光測色計設定ツール VQ-TL4" ;;
@@ -20,6 +21,10 @@ x_session() {
         exit 2
         ;;
     esac
+}
+
+x_session() {
+    speak "$1"
     pictures=$2
     mkdir -p "$pictures"
     rm -f "$pictures"/[0-9][0-9]-*.png "$pictures/failure.png" # those of an earlier run
@@ -287,6 +292,25 @@ choose_instrument() {
 await_main() {
     await "$title"
     main_window=$window
+}
+
+# connect_to ROW: from the choice of the language to the settings dialog.
+connect_to() {
+    choose_language
+    await "$instruments_title"
+    choose_instrument "$1"
+    await_main
+}
+
+# leave: in order, from the connected state. leave_by CLOSE: by that command.
+leave() {
+    press_disconnect
+    leave_by press_close
+}
+
+leave_by() {
+    "$1"
+    expect_end
 }
 
 # Places below are in the settings dialog's own coordinates.

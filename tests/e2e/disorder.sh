@@ -13,10 +13,9 @@ topmost() {
 }
 
 press_somewhere() {
-    local WIDTH=100 HEIGHT=100 X=0 Y=0 WINDOW=0 SCREEN=0
-    eval "$(xdotool getwindowgeometry --shell "$window" 2>/dev/null || true)"
-    : "$X" "$Y" "$WINDOW" "$SCREEN"
-    xdotool mousemove --window "$window" $((RANDOM % WIDTH)) $((RANDOM % HEIGHT)) \
+    local width height
+    read -r width height < <(size_of "$window") || return 0
+    xdotool mousemove --window "$window" $((RANDOM % width)) $((RANDOM % height)) \
         click --repeat $((1 + RANDOM % 3)) --delay 20 1 2>/dev/null || true
 }
 

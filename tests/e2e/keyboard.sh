@@ -31,10 +31,10 @@ scenario_keyboard_language() {
     await "$language_title"
     if [ "$locale" = en_US.UTF-8 ]; then
         keys Down Return
-        instruments_title="測定器の選択" title="分光測色計設定ツール VQ-TL4"
+        speak jp
     else
         keys Up Return
-        instruments_title="Select Device" title="Spectrophotometer Configuration Tool VQ-TL4"
+        speak en
     fi
     await "$instruments_title"
     keys Return
@@ -46,6 +46,7 @@ scenario_keyboard_language() {
 was_disconnected() { [ "$(count_calls KVA_Disconnect KVA_SUCCESS)" -eq 1 ]; }
 
 scenario_keyboard() {
+    local octet
     mkdir -p "$work/Documents"
     cp docs/samples/* "$work/Documents"
     # The pointer is out of the way: nothing happens because of where it is.
@@ -63,15 +64,12 @@ scenario_keyboard() {
     tab 2
     retype Showroom
     tab 3 # the key, DHCP, the first octet
-    retype 10
-    tab
-    retype 20
-    tab
-    retype 30
-    tab
-    retype 40
+    for octet in 10 20 30 40; do
+        retype "$octet"
+        tab
+    done
     shoot network
-    tab 16
+    tab 15
     keys space
     answer network-written
     expect_held .network.pending.SSID Showroom

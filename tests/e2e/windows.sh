@@ -11,18 +11,18 @@ scenario_language_closed() { language_closed close_by_manager; }
 scenario_language_closed_by_mouse() { language_closed click_close_button; }
 
 scenario_other_language() {
-    local other_title="分光測色計設定ツール VQ-TL4" y=114
-    [ "$locale" = en_US.UTF-8 ] || other_title="Spectrophotometer Configuration Tool VQ-TL4" y=60
+    local other=jp y=114
+    [ "$locale" = en_US.UTF-8 ] || other=en y=60
     start_tool
     await "$language_title"
     click 36 "$y" # the radio button that is not checked: English is the first one
     shoot chosen
     click 285 90
     expect_gone "$window"
-    await_dialog
+    speak "$other"
+    await "$instruments_title"
     shoot instruments
     choose_instrument 0
-    title=$other_title
     await_main
     leave
 }

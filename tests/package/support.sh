@@ -1,10 +1,21 @@
 # What the tests of the Debian packages share. Sourced after scripts/x-session.sh, not run.
 # shellcheck shell=bash disable=SC2154
 
-# find_packages FOLDER VERSION: sets $tool and $simulator, the files of the two packages there.
+# quietly WHAT COMMAND...: its output is shown where it fails.
+quietly() {
+    local what=$1
+    shift
+    "$@" >"$work/output" 2>&1 || {
+        tail -n 30 "$work/output" >&2
+        stop "$what"
+    }
+}
+
+# find_packages FOLDER: sets $tool and $simulator, the files there of the two packages of $build.
 find_packages() {
     local ending
-    ending=_$2_$(dpkg --print-architecture).deb
+    ending=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")/\1/p' "$build/CPackConfig.cmake")
+    ending=_${ending}_$(dpkg --print-architecture).deb
     tool=$1/vq-tl4$ending
     simulator=$1/vq-tl4-simulator$ending
     [ -f "$tool" ] || stop "there is no ${tool##*/}"
@@ -24,13 +35,8 @@ refuse() {
 
 # take_session: the started tool, from the choice of the language to its end with status 0.
 take_session() {
-    choose_language
-    await "$instruments_title"
-    choose_instrument 1
-    await_main
+    connect_to 1
     press_read_body
     answer read
-    press_disconnect
-    press_close
-    expect_end
+    leave
 }
