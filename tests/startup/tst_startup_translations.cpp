@@ -6,8 +6,7 @@ using namespace Steps;
 
 namespace {
 
-/** The texts of a file are marked with its language, here "en: " or "jp: "; nothing: the source
-    text, untranslated. */
+/** The texts of a file are marked with its language; without a mark they are the source texts. */
 using Mark = QString;
 const Mark none;
 const Mark en = "en: ";
@@ -17,21 +16,12 @@ const QString defaultFailed = "Failed to set default language.";
 const QString englishFailed = "Failed to set select(English) language.";
 const QString japaneseFailed = "Failed to set select(japanese) language.";
 
-const QStringList complete;
-const QStringList noEn = {english};
-const QStringList noJp = {japanese};
-const QStringList neither = {english, japanese};
-
 /** A start with changed files of translations. */
 struct TranslationRow {
     QByteArray name;
     QString locale;
-    QStringList missing; ///< files
-    QJsonObject choice;  ///< of the language
-    QString boxBefore;   ///< text of the box before the language dialog; empty: none comes
-    Mark before;         ///< of that dialog
-    QString boxAfter;
-    Mark after;           ///< of the settings dialog
+    QStringList missing;  ///< files
+    QJsonObject choice;   ///< of the language
     QString written = {}; ///< a file that is written in addition
     QByteArray content = {};
     QString lost = {};    ///< a file that is removed while the language dialog is open
@@ -49,57 +39,34 @@ const QByteArray markedEnglish = contentOf(MARKED_TRANSLATIONS "/marked_en.qm");
 const QByteArray markedJapanese = contentOf(MARKED_TRANSLATIONS "/marked_jp.qm");
 
 QVector<TranslationRow> starts() {
-    QVector<TranslationRow> rows = {
-        // The chosen translation takes the place of the default one.
-        {"English to English", unitedStates, complete, chooseEnglish, "", en, "", en},
-        {"English to Japanese", unitedStates, complete, chooseJapanese, "", en, "", jp},
-        {"Japanese to Japanese", japan, complete, chooseJapanese, "", jp, "", jp},
-        {"Japanese to English", japan, complete, chooseEnglish, "", jp, "", en},
-        {"ja, no jp, jp", japan, noJp, chooseJapanese, defaultFailed, none, japaneseFailed, none},
-        {"ja, no jp, en", japan, noJp, chooseEnglish, defaultFailed, none, "", en},
-        {"ja, no en, jp", japan, noEn, chooseJapanese, "", jp, "", jp},
-        {"ja, no en, en", japan, noEn, chooseEnglish, "", jp, jp + englishFailed, jp},
-        {"en, no en, en", unitedStates, noEn, chooseEnglish, defaultFailed, none, englishFailed,
-         none},
-        {"en, no en, jp", unitedStates, noEn, chooseJapanese, defaultFailed, none, "", jp},
-        {"en, no jp, en", unitedStates, noJp, chooseEnglish, "", en, "", en},
-        {"en, no jp, jp", unitedStates, noJp, chooseJapanese, "", en, en + japaneseFailed, en},
-        {"ja, none, jp", japan, neither, chooseJapanese, defaultFailed, none, japaneseFailed, none},
-        {"ja, none, en", japan, neither, chooseEnglish, defaultFailed, none, englishFailed, none},
-        {"en, none, jp", unitedStates, neither, chooseJapanese, defaultFailed, none, japaneseFailed,
-         none},
-        {"en, none, en", unitedStates, neither, chooseEnglish, defaultFailed, none, englishFailed,
-         none},
+    const QStringList noJp = {japanese};
+    const QStringList neither = {english, japanese};
+    const std::pair<QByteArray, QStringList> missing[] = {
+        {"all", {}}, {"no en", {english}}, {"no jp", noJp}, {"none", neither}};
+    QVector<TranslationRow> rows;
+    for (const auto& [files, names] : missing) {
+        for (const QString& locale : {unitedStates, japan}) {
+            const QByteArray start = locale.left(2).toLatin1() + ", " + files;
+            rows.append({start + ", en", locale, names, chooseEnglish});
+            rows.append({start + ", jp", locale, names, chooseJapanese});
+        }
+    }
+    const QVector<TranslationRow> others = {
+        {"empty", japan, noJp, chooseJapanese, japanese, ""},
+        {"text", japan, noJp, chooseJapanese, japanese, "not a translation\n"},
+        {"zeros", japan, noJp, chooseJapanese, japanese, QByteArray(4096, '\0')},
+        // A file of a similar name never serves instead.
+        {"without its ending", japan, noJp, chooseJapanese, "jp", markedJapanese},
+        {"with one ending more", japan, noJp, chooseJapanese, "jp.qm.qm", markedJapanese},
+        // The chosen file is read even when it is the default one, which stays in use when
+        // it fails.
+        {"English, lost meanwhile", unitedStates, {}, chooseEnglish, "", "", english},
+        {"Japanese, lost meanwhile", japan, {}, chooseJapanese, "", "", japanese},
+        {"no enumeration, in English", japan, {}, chooseEnglish, "", "", "", false},
+        {"no enumeration, in Japanese", unitedStates, {}, chooseJapanese, "", "", "", false},
+        {"no enumeration, untranslated", unitedStates, neither, chooseEnglish, "", "", "", false},
     };
-    // Files that are damaged, have a similar name, or go while the program runs.
-    const auto withoutJapanese = [&](const char* name, const QString& file,
-                                     const QByteArray& content) {
-        rows.append({name, japan, noJp, chooseJapanese, defaultFailed, none, japaneseFailed, none,
-                     file, content});
-    };
-    withoutJapanese("empty", japanese, "");
-    withoutJapanese("text", japanese, "not a translation\n");
-    withoutJapanese("zeros", japanese, QByteArray(4096, '\0'));
-    // A file of a similar name never serves instead.
-    withoutJapanese("without its ending", "jp", markedJapanese);
-    withoutJapanese("with one ending more", "jp.qm.qm", markedJapanese);
-    // The chosen file is read even when it is the default one, which stays in use when it fails.
-    rows.append({"English, lost meanwhile", unitedStates, complete, chooseEnglish, "", en,
-                 en + englishFailed, en, "", "", english});
-    rows.append({"Japanese, lost meanwhile", japan, complete, chooseJapanese, "", jp,
-                 jp + japaneseFailed, jp, "", "", japanese});
-    // Instruments that cannot be listed.
-    const auto unlisted = [&](const char* name, const QString& locale, const QStringList& missing,
-                              const QJsonObject& choice, const QString& boxBefore,
-                              const Mark& before, const QString& boxAfter, const Mark& after) {
-        rows.append(
-            {name, locale, missing, choice, boxBefore, before, boxAfter, after, "", "", "", false});
-    };
-    unlisted("no enumeration, in English", japan, complete, chooseEnglish, "", jp, "", en);
-    unlisted("no enumeration, in Japanese", unitedStates, complete, chooseJapanese, "", en, "", jp);
-    unlisted("no enumeration, untranslated", unitedStates, neither, chooseEnglish, defaultFailed,
-             none, englishFailed, none);
-    return rows;
+    return rows + others;
 }
 
 } // namespace
@@ -124,41 +91,51 @@ private Q_SLOTS:
         ProgramRun run({}, benchOf(1, row.isListed ? QJsonArray() : faults));
         run.program = tree.program();
         run.locale = row.locale;
+        QStringList missing = row.missing;
         QStringList windows;
         QStringList titles; // of the message boxes
-        const auto expectBox = [&](const Mark& mark, const QString& text) {
-            windows.append(boxNamed(text));
+        Mark mark;          // of what is shown
+        const auto expectBox = [&](const QString& text) {
+            windows.append(boxNamed(mark + text));
             titles.append(mark + "Spectrophotometer Configuration Tool VQ-TL4");
             run.steps.append(dismissBox);
         };
-        if (!row.boxBefore.isEmpty())
-            expectBox(none, row.boxBefore);
+        // What cannot be loaded leaves the language as it is.
+        const auto load = [&](bool isEnglish, const QString& failure) {
+            const QString file = isEnglish ? english : japanese;
+            if (missing.contains(file))
+                expectBox(failure);
+            else
+                mark = isEnglish ? en : jp;
+        };
+        load(row.locale == unitedStates, defaultFailed);
+        const Mark before = mark; // of the language dialog
         windows.append(languageDialog);
-        if (!row.lost.isEmpty())
+        if (!row.lost.isEmpty()) {
             run.steps.append(step(languageDialog, "removeFile", tree.resource(row.lost)));
+            missing.append(row.lost);
+        }
         run.steps.append(row.choice);
         run.steps.append(confirmLanguage);
-        if (!row.boxAfter.isEmpty())
-            expectBox(row.before, row.boxAfter);
+        const bool isEnglish = row.choice == chooseEnglish;
+        load(isEnglish, isEnglish ? englishFailed : japaneseFailed);
         if (row.isListed)
             run.steps.append(disconnectInstrument);
         else
-            expectBox(row.after, row.after + notConnected);
+            expectBox(notConnected);
         windows.append(settingsDialog);
         run.steps.append(pressClose);
 
         QVERIFY2(run.run(), run.problem());
 
         QCOMPARE(run.shownWindows(), windows);
-        QCOMPARE(run.debugLines().value(0),
-                 row.choice == chooseEnglish ? "select English:1" : "select japanese:2");
-        QCOMPARE(textIn(run.state(languageDialog), "langselgrpBox"), row.before + "LanguageType");
+        QCOMPARE(run.debugLines().value(0), isEnglish ? "select English:1" : "select japanese:2");
+        QCOMPARE(textIn(run.state(languageDialog), "langselgrpBox"), before + "LanguageType");
         const QJsonObject settings = run.state(settingsDialog);
-        QCOMPARE(textIn(settings, "ConnectPushBtn"), row.after + "Connect");
+        QCOMPARE(textIn(settings, "ConnectPushBtn"), mark + "Connect");
         // Each of these is in one of the two files only.
-        QCOMPARE(textIn(settings, "ClosePushBtn"), (row.after == en ? en : none) + "Close");
-        QCOMPARE(textIn(settings, "disConnectPushBtn"),
-                 (row.after == jp ? jp : none) + "Disconnect");
+        QCOMPARE(textIn(settings, "ClosePushBtn"), (mark == en ? en : none) + "Close");
+        QCOMPARE(textIn(settings, "disConnectPushBtn"), (mark == jp ? jp : none) + "Disconnect");
         QCOMPARE(run.states(messageBox).size(), titles.size());
         for (const QJsonObject& box : run.states(messageBox)) {
             QCOMPARE(box["title"].toString(), titles.takeFirst());
