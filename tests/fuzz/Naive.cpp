@@ -18,12 +18,11 @@ std::string lower(std::string text) {
     return text;
 }
 
-std::string trim(std::string text) {
-    while (!text.empty() && (text.front() == ' ' || text.front() == '\t'))
-        text.erase(0, 1);
-    while (!text.empty() && (text.back() == ' ' || text.back() == '\t'))
-        text.pop_back();
-    return text;
+std::string trim(const std::string& text) {
+    const std::size_t first = text.find_first_not_of(" \t");
+    return first == std::string::npos
+               ? ""
+               : text.substr(first, text.find_last_not_of(" \t") - first + 1);
 }
 
 std::string dropLastCr(std::string text) {

@@ -96,9 +96,8 @@ public:
     /** @param record  must outlive this object */
     Driver(Record& record, const QJsonArray& steps) : m_record(record), m_steps(steps) {
         qApp->installEventFilter(this);
-        connect(&m_timer, &QTimer::timeout, this, &Driver::tick);
-        m_timer.start(interval);
         m_waiting.start();
+        tick();
     }
 
     bool eventFilter(QObject* watched, QEvent* event) override {
@@ -140,33 +139,20 @@ private:
     }
 
     void tick() {
-        if (m_isActing)
-            return;
+        // A timer of its own for each tick: a step may open a message box, and return after it.
+        QTimer::singleShot(interval, this, &Driver::tick);
         const QJsonObject step = m_steps.at(m_next).toObject();
-        const QString className = step.value("window").toString();
-        QPointer<QWidget> window = usableWindow(className);
-        if (!window) {
-            if (m_waiting.elapsed() > patience)
-                fail(m_next < m_steps.size()
-                         ? QString("step %1: no %2 to be used").arg(m_next).arg(className)
-                         : "the program does not end after the last step");
-            return;
+        const QString className = step["window"].toString();
+        if (QWidget* window = usableWindow(className)) {
+            m_record.add("step", {{"state", windowState(*window)}});
+            ++m_next;
+            m_waiting.restart();
+            perform(step, *window);
+        } else if (m_waiting.elapsed() > patience) {
+            fail(m_next < m_steps.size()
+                     ? QString("step %1: no %2 to be used").arg(m_next).arg(className)
+                     : "the program does not end after the last step");
         }
-        m_isActing = true;
-        // Not from here: a timer does not fire while its slot runs, and a step may open a message
-        // box.
-        QMetaObject::invokeMethod(
-            this,
-            [this, step, window] {
-                if (!window)
-                    fail(QString("step %1: the window is gone").arg(m_next));
-                m_record.add("step", {{"state", windowState(*window)}});
-                ++m_next;
-                m_isActing = false;
-                m_waiting.restart();
-                perform(step, *window);
-            },
-            Qt::QueuedConnection);
     }
 
     QWidget* usableWindow(const QString& className) const {
@@ -261,8 +247,6 @@ private:
     Record& m_record;
     QJsonArray m_steps;
     int m_next = 0;
-    bool m_isActing = false; ///< a step was begun and not yet taken
-    QTimer m_timer;
     QElapsedTimer m_waiting;
     QVector<const QObject*> m_watched; ///< dialogs whose destruction will be noted
 };
