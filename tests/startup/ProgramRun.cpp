@@ -37,12 +37,7 @@ bool isForTheChildAlone(const QString& variable) {
 
 QJsonObject instrument(int serialNumber, const QString& portName) {
     return {{"serialNumber", serialNumber},
-            {"plugged", true},
             {"port", QJsonObject{{"type", portName.isEmpty() ? 1 : 2}, {"name", portName}}},
-            {"device", QJsonObject{{"serialNumber", serialNumber},
-                                   {"firmware", QJsonArray{1, 2, 3}},
-                                   {"macAddress", "02:00:00:0a:0b:0c"}}},
-            {"wirelessModule", true},
             {"powerOffMode", 2}};
 }
 

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <fstream>
 #include <sstream>
-#include <system_error>
 
 using namespace Steps;
 
@@ -22,42 +21,6 @@ const Japanese folderName = {"測定", QByteArray::fromHex("c2acc4ea")};
 const Japanese fileName = {"設定", QByteArray::fromHex("c0dfc4ea")};
 const Japanese ssid = {"計測室", QByteArray::fromHex("b7d7c2acbcbc")};
 const Japanese key = {"光の鍵", QByteArray::fromHex("b8f7a4ceb8b0")};
-
-/** A file in a folder, both with names in EUC-JP. The test itself runs in UTF-8, where Qt does not
-    find such names. */
-class EucFile {
-public:
-    explicit EucFile(const QString& suffix)
-        : m_suffix(suffix), m_path(m_parent.path().toStdString()) {
-        m_path /= folderName.bytes.toStdString();
-        std::filesystem::create_directory(m_path);
-        m_path /= (fileName.bytes + suffix.toLatin1()).toStdString();
-    }
-    ~EucFile() {
-        std::error_code ignored;
-        std::filesystem::remove_all(m_path.parent_path(), ignored);
-    }
-    EucFile(const EucFile&) = delete;
-    EucFile& operator=(const EucFile&) = delete;
-
-    /** What a user types who is in such a session. */
-    QString typed() const {
-        return m_parent.filePath(folderName.text + '/' + fileName.text + m_suffix);
-    }
-    bool write(const QByteArray& content) const {
-        return bool(std::ofstream(m_path, std::ios::binary) << content.constData() << std::flush);
-    }
-    QByteArray read() const {
-        std::ostringstream content;
-        content << std::ifstream(m_path, std::ios::binary).rdbuf();
-        return QByteArray::fromStdString(content.str());
-    }
-
-private:
-    QTemporaryDir m_parent;
-    QString m_suffix;
-    std::filesystem::path m_path;
-};
 
 QStringList inJapanese(std::initializer_list<const char*> texts) {
     QStringList list;
@@ -94,16 +57,19 @@ private Q_SLOTS:
     void initTestCase() {
         const QByteArray problem = makeLocale(m_folder.path(), eucJapan);
         QVERIFY2(problem.isEmpty(), problem);
+        std::filesystem::create_directory(m_file.parent_path());
     }
 
+    /** Not by Qt: under UTF-8 it does not find such names. */
+    void cleanupTestCase() { std::filesystem::remove_all(m_folder.path().toStdString()); }
+
     void networkSettings() {
-        const EucFile file(".ini");
         const auto button = [](const QString& name) { return click(settingsDialog, name); };
         const QJsonObject texts = {{"SSIDlineEdit", ssid.text}, {"passwdlineEdit", key.text}};
         ProgramRun run({confirmLanguage, step(settingsDialog, "fill", texts),
                         button("writeBodyPushBtn"), dismissBox, button("writeFilePushBtn"),
-                        choose(file), dismissBox, button("readToFilePushBtn"), choose(file),
-                        dismissBox, closeWindow(settingsDialog)},
+                        chooseFile, dismissBox, button("readToFilePushBtn"), chooseFile, dismissBox,
+                        closeWindow(settingsDialog)},
                        benchOf(1));
         useLocale(run);
 
@@ -113,7 +79,9 @@ private Q_SLOTS:
                  inJapanese({"Write successful. To reflect, after [Disconnect], turn the power "
                              "supply of the measuring instrument OFF -> ON.",
                              "Successful file writing.", "Successful read file data."}));
-        const QByteArray content = file.read();
+        std::ostringstream file;
+        file << std::ifstream(m_file).rdbuf();
+        const QByteArray content = QByteArray::fromStdString(file.str());
         QVERIFY2(content.contains("\nSSID=" + ssid.bytes + "\nEncryptKey=" + key.bytes + '\n'),
                  content);
         const QJsonArray written = run.argumentsOf("KVA_SetNetworkInfo", "network");
@@ -126,11 +94,12 @@ private Q_SLOTS:
     void valueFile_data() { addRows(valueFiles); }
     void valueFile() {
         const auto row = rowOf<ValueFileRow>();
-        const EucFile file(".csv");
-        QVERIFY(file.write("\n\n" + row.serialNumber + '\n' +
-                           QByteArray("0.25,").repeated(row.valueCount) + '\n'));
+        const QByteArray values = QByteArray("0.25,").repeated(row.valueCount);
+        QVERIFY(std::ofstream(m_file) << "\n\n"
+                                      << row.serialNumber.data() << '\n'
+                                      << values.data() << std::endl);
         ProgramRun run({confirmLanguage, step(settingsDialog, "page", row.page),
-                        click(settingsDialog, row.chooseButton), choose(file), dismissBox,
+                        click(settingsDialog, row.chooseButton), chooseFile, dismissBox,
                         click(settingsDialog, row.writeButton), dismissBox,
                         closeWindow(settingsDialog)},
                        benchOf(1));
@@ -146,10 +115,6 @@ private Q_SLOTS:
     }
 
 private:
-    static QJsonObject choose(const EucFile& file) {
-        return step("QFileDialog", "choose", file.typed());
-    }
-
     void useLocale(ProgramRun& run) const {
         run.locale = eucJapan;
         run.environment.insert("LOCPATH", m_folder.path());
@@ -158,6 +123,12 @@ private:
     }
 
     TestFolder m_folder;
+    /** A file in a folder, both with names in EUC-JP. */
+    const std::filesystem::path m_file = m_folder.path().toStdString() + '/' +
+                                         (folderName.bytes + '/' + fileName.bytes + ".csv").data();
+    /** What a user does who is in such a session. */
+    const QJsonObject chooseFile = step(
+        "QFileDialog", "choose", m_folder.path(folderName.text + '/' + fileName.text + ".csv"));
 };
 
 TEST_CLASS(TestStartupLocale)

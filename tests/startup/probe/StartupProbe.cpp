@@ -41,9 +41,7 @@ class StartupProbePlugin : public QGenericPlugin {
     Q_PLUGIN_METADATA(IID QGenericPluginFactoryInterface_iid FILE "startup_probe.json")
 
 public:
-    QObject* create(const QString& key, const QString& options) override {
-        Q_UNUSED(key)
-        Q_UNUSED(options)
+    QObject* create(const QString& /*key*/, const QString& /*options*/) override {
         return std::make_unique<Probe>().release();
     }
 };
