@@ -1,5 +1,6 @@
 #include "tests/fuzz/Naive.h"
 
+#include <cctype>
 #include <cstdlib>
 #include <cstring>
 #include <sstream>
@@ -11,10 +12,8 @@ constexpr std::size_t maxIniLine = 64 * 1024;
 constexpr std::size_t maxCsvLine = 1024 * 1024;
 
 std::string lower(std::string text) {
-    for (char& c : text) {
-        if (c >= 'A' && c <= 'Z')
-            c = static_cast<char>(c + 32);
-    }
+    for (char& c : text)
+        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
     return text;
 }
 

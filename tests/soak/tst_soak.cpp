@@ -80,8 +80,6 @@ QString growthOver(SettingsFixture& f, int rounds, const Allowance& allowance, c
     return growth(start, end, allowance);
 }
 
-// ---- The controller's rounds
-
 /** Settings that are not those of the rounds before, in length neither. */
 KVA_NETWORKINFO settingsOfRound(int round) {
     KVA_NETWORKINFO info = {};
@@ -118,8 +116,6 @@ bool write(CKvaSdk_Ctrl& controller, int round) {
     controller.m_networkInfo = settingsOfRound(round);
     return controller.SetNetworkInfo() && controller.SetShutdownTime(powerOffModeOfRound(round));
 }
-
-// ---- The dialog's registrations
 
 /** Chooses the file, writes it to the instrument, answers what comes up. False unless all of it
     went well. */

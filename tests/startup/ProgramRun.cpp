@@ -35,18 +35,16 @@ bool isForTheChildAlone(const QString& variable) {
            variable.startsWith("QT_") || variable.startsWith("KVASIM_");
 }
 
-QJsonObject instrument(int serialNumber, const QString& portName) {
-    return {{"serialNumber", serialNumber},
-            {"port", QJsonObject{{"type", portName.isEmpty() ? 1 : 2}, {"name", portName}}},
-            {"powerOffMode", 2}};
-}
-
 } // namespace
 
 QJsonObject benchOf(int instruments, const QJsonArray& faults) {
     QJsonArray attached;
-    for (int i = 1; i <= instruments; ++i)
-        attached.append(instrument(1000000 + i, i == 2 ? "192.168.0.20" : ""));
+    for (int i = 1; i <= instruments; ++i) {
+        const QJsonObject network = {{"type", 2}, {"name", "192.168.0.20"}};
+        attached.append(QJsonObject{{"serialNumber", 1000000 + i},
+                                    {"port", i == 2 ? network : QJsonObject{{"type", 1}}},
+                                    {"powerOffMode", 2}});
+    }
     return {{"version", 1}, {"instruments", attached}, {"faults", faults}};
 }
 

@@ -60,7 +60,6 @@ public:
     QStringList story() const;
     /** The windows of the story that were shown, in order. */
     QStringList shownWindows() const { return told("shown"); }
-    /** The debug lines of the story. */
     QStringList debugLines() const { return told("log"); }
     /** The calls of libKVASDK to the very end, as its trace has them. */
     QStringList calledFunctions() const;
@@ -71,7 +70,6 @@ public:
     QVector<QJsonObject> states(const QString& className) const;
     /** The first of them; empty when there was none. */
     QJsonObject state(const QString& className) const { return states(className).value(0); }
-    /** The texts of the message boxes, in order. */
     QStringList boxTexts() const;
 
     QJsonArray steps;
@@ -107,18 +105,15 @@ public:
     }
 
     QString program() const { return m_folder.path("bin/" + QFileInfo(VQTL4_PROGRAM).fileName()); }
-    /** The path of a file in the folder of the resources. */
     QString resource(const QString& name) const { return m_folder.path("Resources/" + name); }
 
     void removeResource(const QString& name) const {
         if (!QFile::remove(resource(name)))
             giveUp(resource(name) + " cannot be removed");
     }
-    /** Writes a resource that holds just these bytes. */
     void writeResource(const QString& name, const QByteArray& content) const {
         m_folder.write("Resources/" + name, content);
     }
-    /** Puts a copy of another library in the place of libKVASDK. */
     void replaceLibrary(const QString& source) const {
         copy(source, m_folder.path("lib/" + QFileInfo(VQTL4_LIBRARY).fileName()));
     }

@@ -6,7 +6,6 @@ using namespace Steps;
 
 namespace {
 
-/** The serial numbers that the program opened a connection to. */
 QJsonArray connectedTo(const ProgramRun& run) {
     return run.argumentsOf("KVA_Connect", "serialNumber");
 }
@@ -61,7 +60,6 @@ const FailureRow failures[] = {
     {"a bench that cannot be read", {{"version", "none"}}, 1},
 };
 
-/** The settings dialog without an instrument. */
 void compareNoInstrument(const QJsonObject& settings) {
     QVERIFY(namesIn(settings, "disabled").contains("disConnectPushBtn"));
     QVERIFY(!namesIn(settings, "disabled").contains("ConnectPushBtn"));
