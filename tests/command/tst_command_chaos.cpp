@@ -3,8 +3,8 @@
  * killed: plans are applied, and recovered, until each is done. What a run says is compared with
  * the bench, and what the journal keeps with the library's log.
  *
- *     VQTL4_CHAOS_SECONDS=600  40 instruments and so many seconds, in place of 5 and two plans;
- * with QTEST_FUNCTION_TIMEOUT=3600000 VQTL4_CHAOS_SEED=n       other faults than those of seed 1
+ * VQTL4_CHAOS_SECONDS=600 takes 40 instruments and that time in place of 5 and four plans; it needs
+ * QTEST_FUNCTION_TIMEOUT=3600000. VQTL4_CHAOS_SEED=n takes other faults than those of seed 1.
  */
 #include "WantedBench.h"
 #include "tests/support/TestMain.h"
