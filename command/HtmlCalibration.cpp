@@ -46,8 +46,8 @@ std::optional<int> decimalPlaces(const std::vector<float>& values) {
         const QString text = FieldTexts::value(value);
         if (text.contains(QLatin1Char('e')) || text.contains(QLatin1Char('x')))
             return std::nullopt;
-        const int point = text.indexOf(QLatin1Char('.'));
-        places = std::max(places, point < 0 ? 0 : text.size() - point - 1);
+        const int point = static_cast<int>(text.indexOf(QLatin1Char('.')));
+        places = std::max(places, point < 0 ? 0 : static_cast<int>(text.size()) - point - 1);
     }
     return places;
 }

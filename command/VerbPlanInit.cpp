@@ -58,7 +58,7 @@ QStringList cellsOf(const InstrumentState& state) {
         cells << flagCell(info.APConnectUse) << textCell(info.SSID, sizeof info.SSID) << QString()
               << flagCell(info.DHCPUse) << addressCells(info);
     }
-    const int networkColumns = planColumns().indexOf(QStringLiteral("power_off")) - 1;
+    const auto networkColumns = planColumns().indexOf(QStringLiteral("power_off")) - 1;
     while (cells.size() < networkColumns)
         cells.append(QString());
     const QString powerOff = FieldTexts::powerOff(state.powerOffMode);

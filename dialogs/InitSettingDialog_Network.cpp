@@ -32,7 +32,7 @@ bool InitSettingDialog::ValidateAddressEdits() {
 }
 
 bool InitSettingDialog::IsDigitsOnly(const QString& text) {
-    qDebug("length:%d\n", text.length());
+    qDebug("length:%d\n", static_cast<int>(text.length())); // Qt 6 counts in more than an int
     for (const QChar character : text) {
         qDebug("%s", qUtf8Printable(QString(character)));
         if (character < QLatin1Char('0') || character > QLatin1Char('9'))

@@ -15,7 +15,7 @@ install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose"
 install(FILES macos/VQ_TL4.icns DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(DIRECTORY macos/en.lproj macos/ja.lproj DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 
-get_target_property(qmake Qt5::qmake IMPORTED_LOCATION)
+get_target_property(qmake Qt::qmake IMPORTED_LOCATION)
 get_filename_component(qt_programs "${qmake}" DIRECTORY)
 find_program(MACDEPLOYQT macdeployqt HINTS "${qt_programs}" REQUIRED)
 set(VQTL4_SIGNING_IDENTITY "-" CACHE STRING "Who signs the bundle; -: ad hoc, for this computer alone")

@@ -15,7 +15,7 @@ Elements elementsOf(const QByteArray& page) {
             Element element = {reader.name().toString(), {}, {}, open};
             for (const QXmlStreamAttribute& attribute : reader.attributes())
                 element.attributes[attribute.name().toString()] = attribute.value().toString();
-            open.append(elements.size());
+            open.append(int(elements.size()));
             elements.append(element);
         } else if (reader.isEndElement()) {
             open.removeLast();

@@ -188,7 +188,7 @@ void TestCommand::honoursInterrupts() {
              QString());
     // Whatever was staged was committed.
     QStringList writing = run.writingCalls();
-    const int staged = writing.indexOf("KVA_JIG_SetFactoryCalib_CALREFDATA");
+    const auto staged = writing.indexOf("KVA_JIG_SetFactoryCalib_CALREFDATA");
     QVERIFY(staged < 0 || writing.value(staged + 1) == commit);
     QVERIFY(!run.isMarked());
 }

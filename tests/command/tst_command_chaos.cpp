@@ -137,7 +137,7 @@ QJsonObject Chaos::randomLie() {
     static const int sizes[] = {24, 104, 1, 2508};
     QJsonObject what = {{"function", oneOf(changes)}, {"dropped", true}};
     if (happens(60)) {
-        const int reading = below(readings.size());
+        const int reading = below(int(readings.size()));
         const int offset = reading == 0 ? 0 : below(sizes[reading]);
         what = {{"function", readings[reading]},
                 {"corrupted", QJsonObject{{"offset", offset}, {"xor", 1 << below(8)}}}};
@@ -297,7 +297,7 @@ void Chaos::compareWrites() {
         const QByteArray trace = m_run.read(process.trace);
         const std::vector<WritingCall> made = writesIn(trace);
         // The last commit of each proof answers so; no rule does.
-        m_counts.failedCalls += trace.count("\"result\":-") - trace.count("KVA_ERROR_NO_DATA");
+        m_counts.failedCalls += int(trace.count("\"result\":-") - trace.count("KVA_ERROR_NO_DATA"));
         m_counts.writes += made.size();
         std::vector<WritingCall> ofRun;
         if (next != runs.end() && (*next)[1].toLongLong() == process.id)

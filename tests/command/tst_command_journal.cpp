@@ -361,9 +361,9 @@ void TestCommandJournal::outlivesDamage() {
     for (int round = 0; round < rounds; ++round) {
         QByteArray bytes = whole;
         for (int flips = 1 + below(20); flips > 0; --flips)
-            bytes[below(bytes.size())] = static_cast<char>(below(256));
+            bytes[below(int(bytes.size()))] = static_cast<char>(below(256));
         if (below(10) == 0)
-            bytes.truncate(below(bytes.size()));
+            bytes.truncate(below(int(bytes.size())));
         overwrite(path, bytes);
         Text problem;
         const auto reader = JournalReader::open(path, problem);

@@ -121,7 +121,7 @@ void TestCommandRecover::endsAnUnfinishedRecovery() {
     whole.run(whole.applyAll(), {preload, kill});
     whole.clearTrace();
     whole.run(recover);
-    const int lastWrite = whole.calls().lastIndexOf("KVA_SetNetworkInfo") + 1;
+    const auto lastWrite = whole.calls().lastIndexOf("KVA_SetNetworkInfo") + 1;
     const CommandRun run;
     run.run(run.applyAll(), {preload, kill});
     const QString late = QString("SHIM_KILL=after:%1").arg(lastWrite);

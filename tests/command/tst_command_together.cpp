@@ -26,7 +26,7 @@ public:
     explicit Halfway(const CommandRun& run) {
         const CommandRun whole;
         whole.run(whole.applyAll());
-        const int call = whole.calls().indexOf("KVA_SetShutdownTime") + 1;
+        const auto call = whole.calls().indexOf("KVA_SetShutdownTime") + 1;
         m_process = run.start(run.applyAll(), {preload, QString("SHIM_STOP=before:%1").arg(call)});
         m_process->closeWriteChannel();
     }

@@ -191,7 +191,7 @@ void TestCommandUnfinished::endsWhatWasKilledAtACall() {
     const CommandRun whole;
     const CommandResult ended = whole.run(kind.begin(whole).arguments);
     QVERIFY2(ended.exitStatus == 0, ended.text());
-    const int count = whole.calls().size();
+    const int count = int(whole.calls().size());
     const std::size_t stride = isFullSweep() ? 1 : static_cast<std::size_t>(kind.callStride);
     const QStringList tried = moments("SHIM_KILL=before:%1", count, stride) +
                               moments("SHIM_KILL=after:%1", count, stride);

@@ -163,7 +163,7 @@ QByteArray ProgramRun::findProblem(const QProcess& process) const {
         return "The program crashed or did not end by itself.";
     if (process.exitCode() != 0)
         return "The exit status is " + QByteArray::number(process.exitCode()) + '.';
-    int position = 0;
+    decltype(m_standardError.size()) position = 0;
     for (const QJsonObject& event : m_events) {
         if (!isToolLine(event))
             continue;

@@ -1,5 +1,6 @@
 #include "tests/startup/ProgramRun.h"
 #include "tests/support/MadeLocale.h"
+#include "tests/support/QtInUse.h"
 
 #include <filesystem>
 #include <fstream>
@@ -11,16 +12,19 @@ namespace {
 
 const QString eucJapan = "ja_JP.EUC-JP";
 
-/** A text, and its bytes in EUC-JP. */
+/** A text, and its bytes in the local encoding: in EUC-JP where Qt takes that of the locale. */
 struct Japanese {
+    Japanese(const char* utf8, const char* eucHex)
+        : text(utf8),
+          bytes(QtInUse::isAlwaysUtf8 ? QByteArray(utf8) : QByteArray::fromHex(eucHex)) {}
     QString text;
     QByteArray bytes;
 };
 
-const Japanese folderName = {"測定", QByteArray::fromHex("c2acc4ea")};
-const Japanese fileName = {"設定", QByteArray::fromHex("c0dfc4ea")};
-const Japanese ssid = {"計測室", QByteArray::fromHex("b7d7c2acbcbc")};
-const Japanese key = {"光の鍵", QByteArray::fromHex("b8f7a4ceb8b0")};
+const Japanese folderName("測定", "c2acc4ea");
+const Japanese fileName("設定", "c0dfc4ea");
+const Japanese ssid("計測室", "b7d7c2acbcbc");
+const Japanese key("光の鍵", "b8f7a4ceb8b0");
 
 QStringList inJapanese(std::initializer_list<const char*> texts) {
     QStringList list;

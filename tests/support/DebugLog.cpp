@@ -26,13 +26,13 @@ DebugLog::~DebugLog() {
 
 QStringList DebugLog::lines() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_askedLines = m_lines.size();
+    m_askedLines = static_cast<int>(m_lines.size());
     return m_lines;
 }
 
 QStringList DebugLog::others() const {
     const std::lock_guard<std::mutex> lock(m_mutex);
-    m_askedOthers = m_others.size();
+    m_askedOthers = static_cast<int>(m_others.size());
     return m_others;
 }
 

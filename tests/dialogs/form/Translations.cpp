@@ -8,11 +8,11 @@ TranslationEntry readEntry(QXmlStreamReader& xml, const QString& context) {
     TranslationEntry entry;
     entry.context = context;
     while (xml.readNextStartElement()) {
-        if (xml.name() == "source") {
+        if (xml.name() == QLatin1String("source")) {
             entry.source = xml.readElementText();
-        } else if (xml.name() == "comment") {
+        } else if (xml.name() == QLatin1String("comment")) {
             entry.comment = xml.readElementText();
-        } else if (xml.name() == "translation") {
+        } else if (xml.name() == QLatin1String("translation")) {
             entry.type = xml.attributes().value("type").toString();
             entry.translation = xml.readElementText(QXmlStreamReader::IncludeChildElements);
         } else {
@@ -39,9 +39,9 @@ QVector<TranslationEntry> readTranslationSource(const QString& path) {
     while (!xml.atEnd()) {
         if (xml.readNext() != QXmlStreamReader::StartElement)
             continue;
-        if (xml.name() == "name")
+        if (xml.name() == QLatin1String("name"))
             context = xml.readElementText();
-        else if (xml.name() == "message")
+        else if (xml.name() == QLatin1String("message"))
             entries.append(readEntry(xml, context));
     }
     return xml.hasError() ? QVector<TranslationEntry>() : entries;

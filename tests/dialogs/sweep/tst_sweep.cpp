@@ -165,7 +165,7 @@ private Q_SLOTS:
                                              .arg(kind.name, place.function)
                                              .arg(place.call)
                                              .arg(isOnwards ? "onwards" : "once");
-                    rows.append({name.toLatin1(), &kind, place, isOnwards, rows.size()});
+                    rows.append({name.toLatin1(), &kind, place, isOnwards, int(rows.size())});
                 }
             }
         }

@@ -4,15 +4,15 @@
  *
  * STARTUP_PROBE_SCRIPT holds the steps to take, a JSON array, see Driver.h; STARTUP_PROBE_RECORD
  * names the file that everything is noted in, see Record.h. STARTUP_PROBE_ENCODING, with any value,
- * makes the encoding of the locale Qt's local one: of itself Qt takes UTF-8 under every locale
- * where ICU was built for UTF-8, as distributions do.
+ * makes the encoding of the locale Qt's local one, where Qt can: of itself Qt 5 takes UTF-8 under
+ * every locale where ICU was built for UTF-8, as distributions do.
  */
 #include "tests/startup/probe/Driver.h"
+#include "tests/support/QtInUse.h"
 
 #include <QGenericPlugin>
 #include <QtWidgets>
 
-#include <langinfo.h>
 #include <memory>
 
 namespace {
@@ -25,7 +25,7 @@ public:
                    qEnvironmentVariable("KVASIM_TRACE")),
           m_driver(m_record, QJsonDocument::fromJson(qgetenv("STARTUP_PROBE_SCRIPT")).array()) {
         if (qEnvironmentVariableIsSet("STARTUP_PROBE_ENCODING"))
-            QTextCodec::setCodecForLocale(QTextCodec::codecForName(::nl_langinfo(CODESET)));
+            QtInUse::takeEncodingOfLocale();
     }
     ~Probe() override { m_record.add("application ends", {}); }
 

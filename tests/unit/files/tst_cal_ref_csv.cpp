@@ -96,7 +96,7 @@ private Q_SLOTS:
             {"one too few", [](QByteArray right) { return right.left(right.lastIndexOf(',')); }},
             {"one too many", [](QByteArray right) { return right + ",1"; }},
             {"as many as the other kind",
-             [](QByteArray right) { return sampleLine(112 - right.count(',')); }},
+             [](QByteArray right) { return sampleLine(112 - int(right.count(','))); }},
             {"empty line", [](QByteArray) { return QByteArray(); }},
             {"one value", [](QByteArray) { return QByteArray("1"); }},
             {"empty cell more", [](QByteArray right) { return "," + right; }, true},
@@ -230,7 +230,7 @@ private Q_SLOTS:
 
 private:
     static QByteArray stretched(const QByteArray& line, int length) {
-        const int at = line.lastIndexOf(',') + 1;
+        const auto at = line.lastIndexOf(',') + 1;
         return line.left(at) + QByteArray(length - line.size(), ' ') + line.mid(at);
     }
 

@@ -58,7 +58,7 @@ ReadHook* ReadHook::current = nullptr;
 struct DisturbedRow {
     QByteArray name;
     QByteArray content;
-    int offset;
+    qint64 offset;
     void (*change)(const QByteArray& other); ///< of the file; null: reading fails
     QByteArray (*read)();
     QByteArray expected;
@@ -72,7 +72,7 @@ void write(const char* path, QIODevice::OpenMode mode, const QByteArray& content
         giveUp("the file cannot be changed");
 }
 
-void resize(int size) {
+void resize(qint64 size) {
     if (!QFile::resize("file", size))
         giveUp("the file cannot be resized");
 }
@@ -107,7 +107,7 @@ Rows calibrationRows(bool adapter) {
         calRefFile(adapter).replace(adapter ? "74.25" : "37.25", "87.6543") + "end\n";
     const QByteArray wrongSerialNo = QByteArray(file).replace("12345678", "123456789");
     Rows rows;
-    const auto addFailure = [&](const char* name, const QByteArray& content, int offset) {
+    const auto addFailure = [&](const char* name, const QByteArray& content, qint64 offset) {
         rows.append({kind + name, content, offset, nullptr, read, refusedCalRef(adapter)});
     };
     addFailure("first byte", file, 0);

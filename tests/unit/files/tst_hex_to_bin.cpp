@@ -75,7 +75,7 @@ private Q_SLOTS:
     void everyPair() {
         const QByteArray digits("0123456789abcdefABCDEF");
         const auto valueOf = [&digits](int c) {
-            const int place = digits.indexOf(static_cast<char>(c));
+            const int place = int(digits.indexOf(static_cast<char>(c)));
             return place < 16 ? place : place - 6;
         };
         for (int first = 0; first < 256; ++first) {
@@ -127,7 +127,7 @@ private Q_SLOTS:
         for (int i = 0; i < 100000; ++i)
             bytes.append(static_cast<char>(i % 251));
         QByteArray out(bytes.size() + 1, '\xA5');
-        QCOMPARE(convert(bytes.toHex(), out, 0, bytes.size()), 1);
+        QCOMPARE(convert(bytes.toHex(), out, 0, int(bytes.size())), 1);
         QVERIFY(out == bytes + '\xA5');
     }
 

@@ -184,8 +184,8 @@ private Q_SLOTS:
             {"no room", 0},
             {"room for half a line", 5},
             {"room for some lines", 100},
-            {"room for all but the last byte", sampleNetworkIni().size() - 1},
-            {"just enough", sampleNetworkIni().size()},
+            {"room for all but the last byte", int(sampleNetworkIni().size()) - 1},
+            {"just enough", int(sampleNetworkIni().size())},
             {"no room for another", 0, "old settings"},
             {"some room for another", 100, QByteArray(1000, 'o')},
         });
