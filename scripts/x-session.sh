@@ -164,12 +164,13 @@ await() {
     until_true "the window \"$1\" did not become active" is_active "$window"
 }
 
-# await_dialog [KNOWN...]: the same for whatever the settings dialog has opened.
+# await_dialog [KNOWN...]: the same for whatever the settings dialog has opened. The list of
+# completions of a file dialog may be there a moment longer than the dialog.
 await_dialog() {
     until_true "no window opened" other_window "$@"
-    window=$(other_window "$@")
-    until_true "the opened window did not become active" is_active "$window"
+    until_true "the opened window did not become active" is_other_active "$@"
 }
+is_other_active() { window=$(other_window "$@") && is_active "$window"; }
 
 expect_gone() { until_true "the window did not close" is_gone "$1"; }
 

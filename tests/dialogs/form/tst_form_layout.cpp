@@ -27,10 +27,14 @@ QWidget* newWidget(const QByteArray& className, QWidget* parent) {
 }
 
 /** A property's value so that it compares with a row's: enumerations and flags as their number, of
-    a size policy what a form sets. */
+    a size policy what a form sets, of a picture its key, as pictures do not compare. */
 QVariant comparable(const QVariant& value, bool isEnumeration) {
     if (isEnumeration && QMetaType::sizeOf(value.userType()) == int(sizeof(int)))
         return *static_cast<const int*>(value.constData());
+    if (value.userType() == QMetaType::QIcon)
+        return value.value<QIcon>().cacheKey();
+    if (value.userType() == QMetaType::QPixmap)
+        return value.value<QPixmap>().cacheKey();
     if (value.userType() != QMetaType::QSizePolicy)
         return value;
     const auto policy = value.value<QSizePolicy>();
