@@ -11,12 +11,8 @@
 #include <QTest>
 
 #include <any>
-#include <array>
 #include <functional>
 #include <memory>
-#include <optional>
-#include <string>
-#include <vector>
 
 /**
  * Several test classes in one program. The program's first argument names the class to run, by its

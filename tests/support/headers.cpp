@@ -1,4 +1,0 @@
-// Nothing but the precompiled headers.
-int main() {
-    return 0;
-}
