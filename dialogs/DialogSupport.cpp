@@ -1,6 +1,7 @@
 #include "dialogs/DialogSupport.h"
 
 #include <QApplication>
+#include <QCloseEvent>
 #include <QDir>
 #include <QIcon>
 #include <QKeyEvent>
@@ -50,8 +51,11 @@ void DialogSupport::waitUntil(const std::function<bool()>& isFinished) {
 
 void DialogSupport::waitUntilLeft(QWidget& window, const bool& isFinished) {
     waitUntil([&] {
-        if (!isFinished && window.isHidden())
-            window.close();
+        if (!isFinished && window.isHidden() && window.close() && !isFinished) {
+            // Qt 6 gives a close event only to a window that is shown.
+            QCloseEvent event;
+            QCoreApplication::sendEvent(&window, &event);
+        }
         return isFinished;
     });
 }

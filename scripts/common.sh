@@ -51,15 +51,39 @@ install_homebrew() {
     done
 }
 
+# The presets of the release and of the tests, for run and test. On macOS these names stand for Qt 6
+# as well where Homebrew gives no other.
+# shellcheck disable=SC2034
+qt=5 release=release development=dev
+# shellcheck disable=SC2034
+take_qt6() { qt=6 release=release-qt6 development=qt6; }
+
+# install_homebrew_qt: sets `formula` to that of the Qt which is then installed.
+install_homebrew_qt() {
+    formula=qt
+    if [ "$qt" = 5 ]; then
+        if (install_homebrew qt@5); then
+            formula=qt@5
+            return
+        fi
+        say "Homebrew does not give qt@5: taking Qt 6"
+    fi
+    install_homebrew qt
+}
+
 install_build_needs() {
+    local formula needs
     if is_macos; then
-        install_homebrew cmake ninja nlohmann-json cli11 libcsv qt@5
-        CMAKE_PREFIX_PATH="$(brew --prefix qt@5)${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
+        install_homebrew cmake ninja nlohmann-json cli11 libcsv
+        install_homebrew_qt
+        CMAKE_PREFIX_PATH="$(brew --prefix "$formula")${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
         export CMAKE_PREFIX_PATH
     elif command -v apt-get >/dev/null; then
+        needs=(qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools qttranslations5-l10n)
+        [ "$qt" = 5 ] || needs=(qt6-base-dev libqt6sql6-sqlite qt6-tools-dev qt6-tools-dev-tools
+            qt6-l10n-tools qt6-translations-l10n)
         install_debian build-essential cmake ninja-build nlohmann-json3-dev \
-            libcli11-dev libcsv-dev qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools \
-            qttranslations5-l10n
+            libcli11-dev libcsv-dev "${needs[@]}"
     else
         say "Neither Debian, Ubuntu nor macOS: taking what is installed"
     fi

@@ -1,4 +1,5 @@
 #include "tests/startup/ProgramRun.h"
+#include "tests/support/QtInUse.h"
 
 #include <QMessageBox>
 
@@ -221,8 +222,10 @@ private Q_SLOTS:
 
         QVERIFY2(run.run(), run.problem());
 
-        const QJsonObject font = {
-            {"family", "San Francisco"}, {"pointSize", 13}, {"weight", 50}, {"isItalic", false}};
+        const QJsonObject font = {{"family", "San Francisco"},
+                                  {"pointSize", 13},
+                                  {"weight", QtInUse::normalWeight},
+                                  {"isItalic", false}};
         const QJsonArray widths = {16, 32, 48, 64, 128, 256};
         for (const QString& window :
              {languageDialog, instrumentDialog, messageBox, settingsDialog}) {
