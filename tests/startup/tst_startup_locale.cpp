@@ -92,8 +92,9 @@ private Q_SLOTS:
         QCOMPARE(written.size(), 1);
         // The trace has bytes that are not UTF-8 as hexadecimal: all of the field.
         const QString field(ssid.bytes.leftJustified(33, '\0').toHex());
-        QCOMPARE(written[0]["SSID"],
-                 QtInUse::isAlwaysUtf8 ? QJsonValue(ssid.text) : QJsonObject{{"hex", field}});
+        const QJsonValue expected =
+            QtInUse::isAlwaysUtf8 ? QJsonValue(ssid.text) : QJsonObject{{"hex", field}};
+        QCOMPARE(written[0]["SSID"], expected);
     }
 
     void valueFile_data() { addRows(valueFiles); }
