@@ -49,7 +49,7 @@ bool RadioKeys::eventFilter(QObject* watched, QEvent* event) {
     const QPointer<QRadioButton> button =
         isInRow && isAlone(key) ? m_buttons[static_cast<std::size_t>(next)] : nullptr;
     if (button) {
-        button->setFocus(step > 0 ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        button->setFocus(Qt::TabFocusReason);
         button->click();
     } else {
         event->ignore(); // the parent gets it, not the button, which would move the focus
