@@ -109,7 +109,15 @@ private:
         std::optional<WithoutPrivileges> guard;
         if (row.isForbidden)
             guard.emplace();
+        const int free = lowestDescriptor();
         read(row.path.constData());
+        QCOMPARE(lowestDescriptor(), free); // nothing is left open
+    }
+
+    static int lowestDescriptor() {
+        const int file = ::dup(STDIN_FILENO);
+        ::close(file);
+        return file;
     }
 };
 
