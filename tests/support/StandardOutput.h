@@ -24,9 +24,9 @@ public:
     }
     Q_DISABLE_COPY(StandardOutput)
 
-    /** What was written since the last call, or since the start. */
+    /** What was written since the last call, or since the start. What is not flushed is not there.
+     */
     QByteArray take() {
-        std::fflush(stdout);
         QFile file(m_file.fileName());
         if (!file.open(QIODevice::ReadOnly) || !file.seek(m_taken))
             return {};

@@ -69,7 +69,7 @@ private Q_SLOTS:
             {"blanks around", "  a b\t", "a b"},
             {"carriage return", "a\r", "a"},
             {"blank before the carriage return", "abc \r", "abc "},
-            {"signs", "=a=", "=a="},
+            {"signs", "=~a~=~", "=~a~=~"},
             {"brackets", "[a]", "[a]"},
             {"semicolon", ";a", ";a"},
             {"high bytes", "\xE6\x97\xA5\xFF", "\xE6\x97\xA5\xFF"},

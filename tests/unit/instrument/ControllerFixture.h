@@ -56,11 +56,12 @@ inline QByteArray localFile(const TestFolder& folder, const QByteArray& content)
     return folder.localPath(name);
 }
 
-/** Whether the texts of the network settings are as a failed read leaves them. */
-inline bool hasNoNetworkTexts(const CKvaSdk_Ctrl& controller) {
-    return controller.m_ssid.isEmpty() && controller.m_encryptKey.isEmpty() &&
-           controller.m_ipAddress.isEmpty() && controller.m_subnetMask.isEmpty() &&
-           controller.m_defaultGateway.isEmpty() && controller.m_dns.isEmpty();
+/** Whether the network settings are as a failed read leaves them. */
+inline bool hasNoNetwork(const CKvaSdk_Ctrl& controller) {
+    return !controller.m_apConnectUse && !controller.m_dhcpUse && controller.m_ssid.isEmpty() &&
+           controller.m_encryptKey.isEmpty() && controller.m_ipAddress.isEmpty() &&
+           controller.m_subnetMask.isEmpty() && controller.m_defaultGateway.isEmpty() &&
+           controller.m_dns.isEmpty();
 }
 
 /** The addresses with bars: IP address, subnet mask, gateway, DNS. */

@@ -172,7 +172,7 @@ private Q_SLOTS:
         QCOMPARE(controller.m_serialNo + controller.m_firmVersion + controller.m_macAddress, "");
         QVERIFY(!controller.GetNetworkInfo());
         QCOMPARE(controller.m_lastResult, -9798);
-        QVERIFY(hasNoNetworkTexts(controller));
+        QVERIFY(hasNoNetwork(controller));
         // The record holds what the library left.
         QCOMPARE(controller.m_networkInfo.SSID, "press-hall");
         QVERIFY(!controller.GetCalRefSerialNo());

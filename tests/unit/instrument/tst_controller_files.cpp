@@ -127,16 +127,13 @@ QVector<FileRow> unreadableRows() {
     serial number. */
 QVector<FileRow> shortRows() {
     const QByteArray headings = "heading\nheading\n";
-    const QStringList white = checkLines(12345678, zeros(38));
-    const QStringList ambient = checkLines(12345, zeros(75));
-    QVector<FileRow> rows = {
-        {"white", whitePlate, headings + "12345678\n", "12345678", white, {}, true},
-        {"white, no line end", whitePlate, headings + "12345678", "12345678", white, {}, true},
-        {"adapter", adapter, headings + "00012345\n", "00012345", ambient, {}, true},
-        {"adapter, no line end", adapter, headings + "00012345", "00012345", ambient, {}, true},
-    };
+    QVector<FileRow> rows;
     for (const Accessory& a : accessories) {
         const QByteArray name = a.name;
+        const QByteArray number = a.valueCount == 38 ? "12345678" : "00012345";
+        const QStringList all = checkLines(number.toInt(), zeros(a.valueCount));
+        rows.append({name, a, headings + number + '\n', number, all, {}, true});
+        rows.append({name + ", no line end", a, headings + number, number, all, {}, true});
         const QStringList lines = checkLines(0, zeros(a.valueCount));
         rows.append({name + ", empty", a, "", "", lines, {}, false});
         rows.append({name + ", one line", a, "heading\n", "", lines, {}, false});
@@ -206,7 +203,7 @@ private Q_SLOTS:
         const QByteArray path = localFile(m_folder, row.content);
         LoggedController controller;
         QVERIFY(!controller.ReadNetworkInfoFile(path));
-        QVERIFY(hasNoNetworkTexts(controller));
+        QVERIFY(hasNoNetwork(controller));
         if (row.lines.isEmpty()) {
             QCOMPARE(controller.m_networkInfo.APConnectUse, row.apConnectUse);
             QCOMPARE(controller.m_networkInfo.DHCPUse, row.dhcpUse);
@@ -218,10 +215,12 @@ private Q_SLOTS:
     }
 
     void failedReadReplacesTheInstrumentsSettings() {
+        TestBench::set(R"({"network": {"active": {"DHCPUse": 1}}})");
         ConnectedController controller;
         QVERIFY(controller.GetNetworkInfo());
+        QVERIFY(controller.m_apConnectUse && controller.m_dhcpUse);
         QVERIFY(!controller.ReadNetworkInfoFile(localFile(m_folder, {})));
-        QVERIFY(hasNoNetworkTexts(controller));
+        QVERIFY(hasNoNetwork(controller));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
     }
 

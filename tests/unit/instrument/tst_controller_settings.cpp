@@ -95,7 +95,7 @@ private Q_SLOTS:
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
         QVERIFY(!controller.m_apConnectUse);
         QVERIFY(!controller.m_dhcpUse);
-        QVERIFY(hasNoNetworkTexts(controller));
+        QVERIFY(hasNoNetwork(controller));
     }
 
     void readsSettings() {
@@ -164,7 +164,7 @@ private Q_SLOTS:
         QVERIFY(controller.GetNetworkInfo());
         TestBench::answer("KVA_GetNetworkInfo");
         QVERIFY(!controller.GetNetworkInfo());
-        QVERIFY(hasNoNetworkTexts(controller));
+        QVERIFY(hasNoNetwork(controller));
         QCOMPARE(TestBench::bytesOf(controller.m_networkInfo), QByteArray(124, '\0'));
     }
 
