@@ -1,5 +1,4 @@
 #include "tests/startup/ProgramRun.h"
-#include "tests/support/QtInUse.h"
 
 #include <QMessageBox>
 
@@ -224,7 +223,7 @@ private Q_SLOTS:
 
         const QJsonObject font = {{"family", "San Francisco"},
                                   {"pointSize", 13},
-                                  {"weight", QtInUse::normalWeight},
+                                  {"weight", int{QFont::Normal}},
                                   {"isItalic", false}};
         const QJsonArray widths = {16, 32, 48, 64, 128, 256};
         for (const QString& window :

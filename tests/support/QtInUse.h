@@ -15,9 +15,6 @@ namespace QtInUse {
 /** Qt 6 takes UTF-8 for the local encoding, under each locale. */
 constexpr bool isAlwaysUtf8 = QT_VERSION_MAJOR > 5;
 
-/** The weight of a normal font, as a number: Qt 6 counts as CSS does. */
-constexpr int normalWeight = QT_VERSION_MAJOR > 5 ? 400 : 50;
-
 /** Blocks of the heap that come and go from look to look, without growing, where nothing else is
     different: 10,406 to 10,410 in 8,000 rounds with Qt 6.4. */
 constexpr int movingBlocks = QT_VERSION_MAJOR > 5 ? 8 : 0;

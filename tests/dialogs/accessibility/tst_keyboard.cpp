@@ -51,8 +51,7 @@ class KeyCount : public QObject {
 public:
     explicit KeyCount(QWidget& window) { window.installEventFilter(this); }
 
-    bool eventFilter(QObject* watched, QEvent* event) override {
-        Q_UNUSED(watched)
+    bool eventFilter(QObject* /*watched*/, QEvent* event) override {
         if (event->type() != QEvent::KeyPress)
             return false;
         const int key = static_cast<QKeyEvent*>(event)->key();
@@ -128,8 +127,7 @@ private Q_SLOTS:
         QCOMPARE(back, expected);
     }
 
-    /** A button that is disabled while it works loses the focus, and the next Space would
-     * disconnect.
+    /** A button that is disabled while it works loses the focus; the next Space would disconnect.
      */
     void focusComesBack() {
         for (const char* button : {"writeBodyPushBtn", "getAutoPWOffPushBtn", "setAutoPWOffPushBtn",

@@ -17,11 +17,13 @@ struct ModeAndSwitches {
     int dhcp;
 };
 
+enum Connected { Never, Before, Now, Failing }; ///< the last: now, and Disconnect fails
+
 struct Closing {
     const char* name;
+    Connected connected;
     bool isByTitleBar;
-    bool isAfterDisconnect;
-    bool fails;
+    QStringList records = {};
 };
 
 } // namespace
@@ -136,64 +138,50 @@ private Q_SLOTS:
         QCOMPARE(f.everything(), before);
     }
 
-    void closesWithoutConnection_data() {
-        addRows(QVector<Closing>{{"button", false, false, false},
-                                 {"title bar", true, false, false},
-                                 {"button, after Disconnect", false, true, false},
-                                 {"title bar, after Disconnect", true, true, false}});
+    void closes_data() {
+        const QStringList failure = {"error: Failed to disconnect device.", disconnectCall,
+                                     disconnectLine};
+        addRows(QVector<Closing>{{"never connected, button", Never, false},
+                                 {"never connected, title bar", Never, true},
+                                 {"button, after Disconnect", Before, false},
+                                 {"title bar, after Disconnect", Before, true},
+                                 {"title bar", Now, true, {disconnectCall}},
+                                 {"title bar, Disconnect fails", Failing, true, failure},
+                                 {"slot", Now, false, {disconnectCall}},
+                                 {"slot, Disconnect fails", Failing, false, failure}});
     }
 
-    void closesWithoutConnection() {
+    void closes() {
         const auto row = rowOf<Closing>();
         SettingsFixture f;
-        if (row.isAfterDisconnect) {
+        if (row.connected != Never)
             QVERIFY(f.connectFirst());
-            f.click(disconnectButton);
-        } else {
-            f.dialog.connectDevice(-1, false);
-            f.dialog.show();
-        }
-        f.clearRecords();
-        const QSignalSpy finished(&f.dialog, &QDialog::finished);
-        if (row.isByTitleBar)
-            QVERIFY(f.dialog.close());
         else
-            f.click("ClosePushBtn");
-
-        QVERIFY(f.dialog.isFinished);
-        QVERIFY(!f.dialog.isVisible());
-        QCOMPARE(finished.count(), 1); // closed as any dialog is
-        QCOMPARE(f.records(), QStringList());
-    }
-
-    void closesWhileConnected_data() {
-        addRows(QVector<Closing>{{"title bar", true, false, false},
-                                 {"title bar, Disconnect fails", true, false, true},
-                                 {"slot", false, false, false},
-                                 {"slot, Disconnect fails", false, false, true}});
-    }
-
-    void closesWhileConnected() {
-        const auto row = rowOf<Closing>();
-        ConnectedFixture f;
-        if (row.fails)
+            f.dialog.connectDevice(-1, false);
+        f.dialog.show();
+        if (row.connected == Before)
+            f.click(disconnectButton);
+        f.clearRecords();
+        if (row.connected == Failing)
             TestBench::answer(disconnectCall);
         bool isOpenBehindTheBox = false;
         f.answers.onBox = [&](QMessageBox&) {
             isOpenBehindTheBox = f.dialog.isVisible() && !f.dialog.isFinished;
         };
+        const QSignalSpy finished(&f.dialog, &QDialog::finished);
         if (row.isByTitleBar)
             QVERIFY(f.dialog.close());
+        else if (row.connected == Now || row.connected == Failing)
+            f.invoke("on_ClosePushBtn_clicked"); // its button is disabled
         else
-            f.invoke("on_ClosePushBtn_clicked");
+            f.click("ClosePushBtn");
 
         QVERIFY(f.dialog.isFinished);
         QVERIFY(!f.dialog.isVisible());
         QVERIFY(!watchOf(f.dialog).isActive());
-        const QStringList failure = {"error: Failed to disconnect device.", disconnectCall,
-                                     disconnectLine};
-        QCOMPARE(f.records(), row.fails ? failure : QStringList(disconnectCall));
-        QCOMPARE(isOpenBehindTheBox, row.fails);
+        QCOMPARE(finished.count(), 1); // closed as any dialog is
+        QCOMPARE(f.records(), row.records);
+        QCOMPARE(isOpenBehindTheBox, row.connected == Failing);
 
         // Closed once and for all: nothing is left to disconnect.
         f.clearRecords();

@@ -38,8 +38,12 @@ struct BodyButton {
 const QStringList bothButtons = words("getAutoPWOffPushBtn setAutoPWOffPushBtn");
 const QStringList choices = words("invalidradioBtn fifteenRadioBtn thirtyRadioBtn sixtyRadioBtn");
 
+const QString readSuccess = "information: Successful read body data.";
+const QString writeSuccess = "information: Successful device writing.";
+
 struct Mode {
     const char* name;
+    bool isWritten; ///< or read
     int before;
     int mode;
     QStringList checked;
@@ -180,44 +184,44 @@ private Q_SLOTS:
         QCOMPARE(f.everything(), SettingsFixture::nothing());
     }
 
-    void reads_data() {
+    void powerOffTime_data() {
         addRows(QVector<Mode>{
-            {"disabled", 3, 0, {choices[0]}},
-            {"15 minutes", 0, 1, {choices[1]}},
-            {"30 minutes", 1, 2, {choices[2]}},
-            {"60 minutes", 2, 3, {choices[3]}},
-            {"no change", 2, 2, {choices[2]}},
-            {"unknown mode leaves the choice", 1, 4, {choices[1]}},
-            {"last unknown mode leaves the choice", 3, 255, {choices[3]}},
-            {"unknown mode without a choice", 200, 4, {}},
-            {"first choice", 200, 3, {choices[3]}},
+            {"read, disabled", false, 3, 0, {choices[0]}},
+            {"read, 15 minutes", false, 0, 1, {choices[1]}},
+            {"read, 30 minutes", false, 1, 2, {choices[2]}},
+            {"read, 60 minutes", false, 2, 3, {choices[3]}},
+            {"no change", false, 2, 2, {choices[2]}},
+            {"unknown mode leaves the choice", false, 1, 4, {choices[1]}},
+            {"last unknown mode leaves the choice", false, 3, 255, {choices[3]}},
+            {"unknown mode without a choice", false, 200, 4, {}},
+            {"first choice", false, 200, 3, {choices[3]}},
+            {"written, disabled", true, 3, 0, {choices[0]}},
+            {"written, 15 minutes", true, 0, 1, {choices[1]}},
+            {"written, 30 minutes", true, 1, 2, {choices[2]}},
+            {"written, 60 minutes", true, 2, 3, {choices[3]}},
+            {"in place of an unknown mode", true, 9, 0, {choices[0]}},
         });
     }
 
-    void reads() {
+    void powerOffTime() {
         const auto row = rowOf<Mode>();
         ConnectedFixture f(SettingsFixture::PowerOff, patch(row.before));
-        TestBench::set(patch(row.mode));
-        press(f, row, "getAutoPWOffPushBtn", "information: Successful read body data.",
-              "KVA_GetShutdownTime");
-    }
+        if (row.isWritten)
+            f.click(choices[row.mode]);
+        else
+            TestBench::set(patch(row.mode));
+        const QString call = row.isWritten ? "KVA_SetShutdownTime" : "KVA_GetShutdownTime";
+        QJsonObject expected = TestBench::state();
+        expected["powerOffMode"] = row.mode;
+        f.click(row.isWritten ? "setAutoPWOffPushBtn" : "getAutoPWOffPushBtn");
 
-    void writes_data() {
-        addRows(QVector<Mode>{
-            {"disabled", 3, 0, {choices[0]}},
-            {"15 minutes", 0, 1, {choices[1]}},
-            {"30 minutes", 1, 2, {choices[2]}},
-            {"60 minutes", 2, 3, {choices[3]}},
-            {"in place of an unknown mode", 9, 0, {choices[0]}},
-        });
-    }
-
-    void writes() {
-        const auto row = rowOf<Mode>();
-        ConnectedFixture f(SettingsFixture::PowerOff, patch(row.before));
-        f.click(choices[row.mode]);
-        press(f, row, "setAutoPWOffPushBtn", "information: Successful device writing.",
-              "KVA_SetShutdownTime");
+        QCOMPARE(f.records(),
+                 (QStringList{row.isWritten ? writeSuccess : readSuccess, call,
+                              call + QString("() success[mode:%1].\n").arg(row.mode)}));
+        QCOMPARE(TestBench::state(), expected);
+        QCOMPARE(choiceIn(f), row.checked);
+        QCOMPARE(f.busyAtBox(), bothButtons);
+        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
     }
 
     void writesNothingWithoutAChoice() {
@@ -232,23 +236,8 @@ private Q_SLOTS:
     }
 
 private:
-    static void press(ConnectedFixture& f, const Mode& row, const char* button, const char* box,
-                      const QString& call) {
-        QJsonObject expected = TestBench::state();
-        expected["powerOffMode"] = row.mode;
-        f.click(button);
-        QCOMPARE(f.records(),
-                 (QStringList{box, call, call + QString("() success[mode:%1].\n").arg(row.mode)}));
-        QCOMPARE(TestBench::state(), expected);
-        QCOMPARE(choiceIn(f), row.checked);
-        QCOMPARE(f.busyAtBox(), bothButtons);
-        QCOMPARE(f.disabled(), SettingsFixture::disabledWhenConnected);
-    }
-
     static void addButtons() {
         using F = SettingsFixture;
-        const QString readSuccess = "information: Successful read body data.";
-        const QString writeSuccess = "information: Successful device writing.";
         const QStringList checks = F::digitLines(octetsOf(networkValues()));
         addRows(QVector<BodyButton>{
             {"network read", F::Network, "readBodyPushBtn", "KVA_GetNetworkInfo", readSuccess,

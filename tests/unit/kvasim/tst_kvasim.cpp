@@ -65,6 +65,8 @@ private Q_SLOTS:
             QVERIFY(
                 kvasim((QByteArray(command) + " --reveal").constData()).output.contains(secret));
         }
+        const json shown = json::parse(kvasim("show 1000001 --json --reveal").output.toStdString());
+        QVERIFY(shown == instrument(usbSerial));
     }
 
     void showAsTable() {
@@ -84,11 +86,6 @@ private Q_SLOTS:
         QCOMPARE(row("CALIBRATION"), "CALIBRATION COMMITTED STAGED");
         QCOMPARE(row("white serial"), "white serial number 10000001 -");
         QVERIFY(!row("adapter value 74").isEmpty());
-    }
-
-    void showAsJson() {
-        const json shown = json::parse(kvasim("show 1000001 --json --reveal").output.toStdString());
-        QVERIFY(shown == instrument(usbSerial));
     }
 
     void plugging() {

@@ -18,6 +18,8 @@ const ReadyRow readyRows[] = {
     {"no-wireless", 1, 0}, {"faulty-cable", 1, 0},    {"factory-line", 0, 50},
 };
 
+const QByteArray whiteNumber = "calibration.committed.white.serialNumber";
+
 // Changes of an instrument, and the path of what is refused.
 const NamedText inInstrument[] = {
     {R"([])", "the document"},
@@ -64,6 +66,14 @@ const NamedText inInstrument[] = {
     {R"({"network": {"pending": {"padding": 7}}})", "network.pending.padding"},
     {R"({"powerOffMode": 256})", "powerOffMode"},
     {R"({"powerOffMode": -1})", "powerOffMode"},
+    {R"({"calibration": {"staged": []}})", "calibration.staged"},
+    {R"({"calibration": {"committed": {"white": {"serialNumber": 12345678}}}})", whiteNumber},
+    {R"({"calibration": {"committed": {"white": {"serialNumber": "1234567a"}}}})", whiteNumber},
+    {R"({"calibration": {"committed": {"white": {"serialNumber": "1234567"}}}})", whiteNumber},
+    {R"({"calibration": {"committed": {"white": {"values": [1, 2]}}}})",
+     "calibration.committed.white.values"},
+    {R"({"calibration": {"committed": {"reserved": {"hex": "00"}}}})",
+     "calibration.committed.reserved.hex"},
 };
 
 // Changes with a key in them.
@@ -77,19 +87,6 @@ const NamedText keys[] = {
     {"without quotes", R"({"network": {"active": {"EncryptKey": secret}}})"},
     {"other end", R"({"network": {"active": {"EncryptKey": "secret" "secret"}}})"},
     {"no UTF-8", "{\"network\": {\"active\": {\"EncryptKey\": \"secret\xFF\"}}}"},
-};
-
-const QByteArray whiteNumber = "calibration.committed.white.serialNumber";
-
-const NamedText inCalibration[] = {
-    {R"({"calibration": {"staged": []}})", "calibration.staged"},
-    {R"({"calibration": {"committed": {"white": {"serialNumber": 12345678}}}})", whiteNumber},
-    {R"({"calibration": {"committed": {"white": {"serialNumber": "1234567a"}}}})", whiteNumber},
-    {R"({"calibration": {"committed": {"white": {"serialNumber": "1234567"}}}})", whiteNumber},
-    {R"({"calibration": {"committed": {"white": {"values": [1, 2]}}}})",
-     "calibration.committed.white.values"},
-    {R"({"calibration": {"committed": {"reserved": {"hex": "00"}}}})",
-     "calibration.committed.reserved.hex"},
 };
 
 } // namespace
@@ -157,9 +154,6 @@ private Q_SLOTS:
         const auto row = rowOf<NamedText>();
         refuses(row.name, row.value);
     }
-
-    void refusedInCalibration_data() { addRows(inCalibration); }
-    void refusedInCalibration() { refusedInInstrument(); }
 
     void refusedValue_data() {
         addNames({"value null", "value true", "value [1]", R"(value "1.5")", R"(value "0x7fc0000")",
@@ -234,10 +228,8 @@ private Q_SLOTS:
                  KvaSim_LastError());
         QVERIFY(!KvaSim_LoadJson("// a bench\n{\"version\": 1, /* none\n at all */\n,}"));
         QVERIFY2(lastError().startsWith("line 4, column 1: "), KvaSim_LastError());
-    }
 
-    void commentsAreNotForPatches() {
-        QVERIFY(loadJson(benchOf({usbSerial})));
+        QVERIFY(loadJson(benchOf({usbSerial}))); // not in what changes it
         QVERIFY(!KvaSim_Set(usbSerial, "{} // now"));
         QVERIFY(!KvaSim_AddFault(R"({"function": "*", "result": 0} // now)"));
     }

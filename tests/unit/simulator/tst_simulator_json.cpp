@@ -45,10 +45,10 @@ json staged() {
     return instrument(usbSerial)["calibration"]["staged"];
 }
 
-/** The bits of a value, and its form in the bench. */
+/** The bits of a value, and its form in the bench where that is looked at. */
 using FloatCase = Case<std::uint32_t, QByteArray>;
 
-const FloatCase floats[] = {
+const FloatCase floatForms[] = {
     {"zero", 0x00000000U, "0.0"},
     {"tenth", 0x3DCCCCCDU, "0.1"},
     {"half", 0x3F000000U, "0.5"},
@@ -111,34 +111,26 @@ private Q_SLOTS:
         QCOMPARE(connectTo(usbSerial), KVA_SUCCESS);
     }
 
-    void floatPatterns_data() {
+    void floats_data() {
         const std::uint32_t patterns[] = {
             0x00000000, 0x80000000, 0x00000001, 0x80000001, 0x007FFFFF, 0x00800000, 0x80800000,
             0x3DCCCCCD, 0x3F800000, 0x3F800001, 0x3F7FFFFF, 0xBF800000, 0x42AE0000, 0x42BDEB85,
             0x4B7FFFFF, 0x4B800001, 0x7F7FFFFF, 0xFF7FFFFF, 0x7F7FFFFE, 0x7F800000, 0xFF800000,
             0x7FC00000, 0x7FC00001, 0xFFC00000, 0x7F800001, 0xFFFFFFFF, 0x7FBFFFFF, 0x15AE43FD};
-        QVector<FloatCase> rows;
+        QVector<FloatCase> rows(std::begin(floatForms), std::end(floatForms));
         for (const std::uint32_t bits : patterns)
             rows.append({QByteArray::number(bits, 16), bits});
         addRows(rows);
     }
-    void floatPatterns() {
-        const std::uint32_t bits = rowOf<FloatCase>().given;
-        KVA_JIG_CALREFDATA data{};
-        std::memcpy(&data.rfWhite.spcData[0], &bits, sizeof bits);
-        std::memcpy(&data.rfWhite.spcData[37], &bits, sizeof bits);
-        std::memcpy(&data.ambAdp.spcData[0], &bits, sizeof bits);
-        std::memcpy(&data.ambAdp.spcData[74], &bits, sizeof bits);
-        QVERIFY(passes(data));
-    }
-
-    void floatForms_data() { addRows(floats); }
-    void floatForms() {
+    void floats() {
         const auto row = rowOf<FloatCase>();
         KVA_JIG_CALREFDATA data{};
-        std::memcpy(&data.rfWhite.spcData[5], &row.given, sizeof row.given);
-        QCOMPARE(send(KVA_JIG_SetFactoryCalib_CALREFDATA, data), KVA_SUCCESS);
-        QCOMPARE(staged()["white"]["values"][5].dump(), row.expected.toStdString());
+        for (float* value : {&data.rfWhite.spcData[0], &data.rfWhite.spcData[37],
+                             &data.ambAdp.spcData[0], &data.ambAdp.spcData[74]})
+            std::memcpy(value, &row.given, sizeof row.given);
+        QVERIFY(passes(data));
+        if (!row.expected.isEmpty())
+            QCOMPARE(staged()["white"]["values"][37].dump(), row.expected.toStdString());
     }
 
     void randomRecords() {
@@ -273,16 +265,14 @@ private Q_SLOTS:
         QVERIFY(state()["faults"] == json::array());
     }
 
-    void pendingTakesLeftOutFieldsOfActive() {
+    void leftOutFieldsAreThoseInUse() {
         QVERIFY(set(usbSerial, {{"network",
                                  {{"active", {{"SSID", "one"}, {"DNS", "1.2.3.4"}}},
                                   {"pending", {{"SSID", "two"}}}}}}));
         const json pending = instrument(usbSerial)["network"]["pending"];
         QVERIFY(pending["SSID"] == "two");
         QVERIFY(pending["DNS"] == "1.2.3.4");
-    }
 
-    void stagedTakesLeftOutFieldsOfCommitted() {
         const json staged = {{"white", {{"serialNumber", "55555555"}}}};
         QVERIFY(set(usbSerial, {{"calibration", {{"staged", staged}}}}));
         const json calibration = instrument(usbSerial)["calibration"];

@@ -149,12 +149,13 @@ QByteArray answer(KVA_RESULT result, const Number& given) {
     return result < 0 ? text : text + '/' + QByteArray::number(given);
 }
 
+void addFaults(const json& rules) {
+    for (const json& rule : rules)
+        QVERIFY2(addFault(rule), KvaSim_LastError());
+}
+
 /** Performs these, each named by a word. @return what they answer, joined by blanks; 0: done */
 QByteArray answersTo(const QByteArray& operations, const char* rules = "") {
-    const auto addRules = [rules] {
-        for (const json& rule : json::parse(std::string("[") + rules + ']'))
-            QVERIFY2(addFault(rule), KvaSim_LastError());
-    };
     const std::map<QByteArray, std::function<int()>> numbers = {
         {"connect", [] { return connectTo(usbSerial); }},
         {"connect-other", [] { return connectTo(networkSerial); }},
@@ -180,7 +181,7 @@ QByteArray answersTo(const QByteArray& operations, const char* rules = "") {
     std::uint8_t mode = 99;
     for (const QByteArray& operation : operations.simplified().split(' ')) {
         if (operation == "rules")
-            addRules();
+            addFaults(json::parse(std::string("[") + rules + ']'));
         else if (operation == "info")
             answers += answer(KVA_GetDeviceInfo(&info), info.serialNumber);
         else if (operation == "mode")
