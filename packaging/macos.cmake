@@ -1,6 +1,7 @@
 # VQ-TL4.app, with Qt and libKVASDK inside, signed, on a disk image: cmake --preset bundle, then cpack.
 if(NOT VQTL4_BUNDLE)
-    install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" DESTINATION "${VQTL4_PROGRAM_DESTINATION}")
+    install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" vq-tl4-scaled
+        DESTINATION "${VQTL4_PROGRAM_DESTINATION}")
     return()
 endif()
 
@@ -10,7 +11,7 @@ set_target_properties(vq-tl4 PROPERTIES
     MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_SOURCE_DIR}/macos/Info.plist.in"
     OUTPUT_NAME VQ-TL4
     INSTALL_RPATH "@executable_path/../Frameworks")
-install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose"
+install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" vq-tl4-scaled
     DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(FILES macos/VQ_TL4.icns DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(DIRECTORY macos/en.lproj macos/ja.lproj DESTINATION "${VQTL4_RESOURCES_DESTINATION}")

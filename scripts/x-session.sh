@@ -5,6 +5,7 @@
 # VQTL4_BIN    folder of vq-tl4 and kvasim (build/release/bin)
 # x_session LANGUAGE PICTURES sets it up: en or jp, and the folder that pictures are kept in.
 # VQTL4_WORK   a folder to work in, made and removed again; pictures of file dialogs show its name
+# VQTL4_SCREEN the size of the screen (1280x840)
 # VQTL4_PLAIN_NAMES  when set, the pictures' names have no number
 
 root=$PWD
@@ -60,7 +61,7 @@ step() { printf '\n%s\n' "* $*"; }
 
 start_server() {
     local display
-    Xvfb -displayfd 3 -screen 0 1280x840x24 -nolisten tcp 3>"$work/display" 2>/dev/null &
+    Xvfb -displayfd 3 -screen 0 "${VQTL4_SCREEN:-1280x840}x24" -nolisten tcp 3>"$work/display" 2>/dev/null &
     server=$!
     until_true "the X server did not start" test -s "$work/display"
     display=$(cat "$work/display")
@@ -71,7 +72,7 @@ start_server() {
     # What Qt's file dialogs remember is not the user's; the fonts that are known already are.
     export XDG_CACHE_HOME="${XDG_CACHE_HOME:-$HOME/.cache}" HOME="$work" XDG_CONFIG_HOME="$work/config"
     unset KVASIM_BENCH WAYLAND_DISPLAY QT_QPA_PLATFORM QT_QPA_PLATFORMTHEME
-    unset QT_SCALE_FACTOR QT_STYLE_OVERRIDE QT_LOGGING_RULES
+    unset QT_SCALE_FACTOR QT_SCREEN_SCALE_FACTORS GDK_SCALE XDG_SESSION_TYPE QT_STYLE_OVERRIDE QT_LOGGING_RULES
     until_true "the window manager did not start" manage
 }
 
