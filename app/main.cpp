@@ -11,6 +11,7 @@
 #include <QTranslator>
 #include <QtDebug>
 
+#include <cstdlib>
 #include <memory>
 
 namespace {
@@ -27,6 +28,19 @@ bool load(QTranslator& translator, const Language& language) {
     // Empty, not null: null means Qt's default suffix and delimiters, which lead to other files.
     const QString none = QStringLiteral("");
     return translator.load(path, none, none, none);
+}
+
+/** Qt calls exit() within an event when macOS' Quit is chosen while no event loop runs, and when
+   the X server is gone. No window is closed then. After a usual end there is no controller any
+   more. */
+void disconnectAtExit(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl) {
+    static std::weak_ptr<CKvaSdk_Ctrl> controller;
+    controller = ctrl;
+    std::atexit([] {
+        const std::shared_ptr<CKvaSdk_Ctrl> left = controller.lock();
+        if (left && left->m_connected)
+            left->Disconnect();
+    });
 }
 
 void showStartUpMessage(const StartUp& startUp, const QString& text) {
@@ -91,6 +105,7 @@ void configureInstrument(const std::shared_ptr<CKvaSdk_Ctrl>& ctrl, const StartU
 int main(int argc, char* argv[]) {
     const QApplication application(argc, argv);
     const std::shared_ptr<CKvaSdk_Ctrl> ctrl(new CKvaSdk_Ctrl);
+    disconnectAtExit(ctrl);
     const QFont font(QStringLiteral("San Francisco"), 13, QFont::Normal, false);
     QApplication::setFont(font);
     QTranslator defaultTranslator;

@@ -152,6 +152,15 @@ const LeaveRow leaves[] = {{"closed", closeWindow(settingsDialog)},
                            {"rejected", step(settingsDialog, "reject")},
                            {"hidden", step(settingsDialog, "hide")}};
 
+/** What the user does before the process is ended within an event. */
+struct ExitRow {
+    const char* name;
+    QJsonArray before;
+};
+
+const ExitRow exits[] = {{"connected", {confirmLanguage}},
+                         {"disconnected", {confirmLanguage, disconnectInstrument}}};
+
 /** How another libKVASDK comes to be used, and what it shows for. */
 struct LibraryRow {
     const char* name;
@@ -213,6 +222,21 @@ private Q_SLOTS:
         QVERIFY2(story == expected, run.problem());
         QCOMPARE(run.argumentsOf(registration, "handler"), QJsonArray({true, false}));
         QCOMPARE(run.boxTexts(), QStringList());
+    }
+
+    /** Qt ends the process itself: no window is closed, no object of main destroyed. */
+    void exitedWithin_data() { addRows(exits); }
+    void exitedWithin() {
+        const auto row = rowOf<ExitRow>();
+        ProgramRun run(row.before, benchOf(1));
+        run.steps.append(step(settingsDialog, "exit", 0));
+
+        QVERIFY2(run.run(), run.problem());
+
+        QCOMPARE(run.calledFunctions().filter("onnect"),
+                 QStringList({"KVA_Connect", "KVA_Disconnect"}));
+        QCOMPARE(run.debugLines().filter("diconect"), QStringList());
+        QCOMPARE(run.argumentsOf(registration, "handler"), QJsonArray({true}));
     }
 
     void fontAndIconOfTheApplication() {

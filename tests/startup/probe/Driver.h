@@ -87,9 +87,11 @@ inline QJsonObject windowState(const QWidget& window) {
  * A step is {"window": class, "action": ..., "value": ...}. Actions and their values: "click" (the
  * object name of a button), "press" (Ok, of a message box), "select" (a row of its list), "page"
  * (an index, of its tabs), "fill" (the object names of edits and their texts), "choose" (a path, in
- * a file dialog), "key" (`Qt::Key`), "removeFile" (a path), "close" (the window's close control);
- * any other is a slot of the window. What the window shows is noted before each step. A step that
- * cannot be taken ends the program with the exit status 3.
+ * a file dialog), "key" (`Qt::Key`), "removeFile" (a path), "close" (the window's close control),
+ * "exit" (a status, with which exit() is called, as Qt does within an event when macOS' Quit is
+ * chosen while no event loop runs, and when the X server is gone); any other is a slot of the
+ * window. What the window shows is noted before each step. A step that cannot be taken ends the
+ * program with the exit status 3.
  */
 class Driver : public QObject {
 public:
@@ -186,6 +188,8 @@ private:
             require(QFile::remove(value.toString()));
         else if (action == "close")
             window.windowHandle()->close(); // as from the window manager
+        else if (action == "exit")
+            std::exit(value.toInt());
         else
             call(window, action);
     }
