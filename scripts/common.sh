@@ -51,8 +51,8 @@ install_homebrew() {
     done
 }
 
-# The presets of the release and of the tests, for run and test. On macOS these names stand for Qt 6
-# as well where Homebrew gives no other.
+# The presets of the release and of the tests, for run and test. These names stand for Qt 6 as well
+# where the system gives no other.
 # shellcheck disable=SC2034
 qt=5 release=release development=dev
 # shellcheck disable=SC2034
@@ -71,19 +71,29 @@ install_homebrew_qt() {
     install_homebrew qt
 }
 
+# install_debian_qt: the same on Debian.
+install_debian_qt() {
+    if [ "$qt" = 5 ]; then
+        if (install_debian qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools \
+            qttranslations5-l10n); then
+            return
+        fi
+        say "apt does not give Qt 5: taking Qt 6"
+    fi
+    install_debian qt6-base-dev libqt6sql6-sqlite qt6-tools-dev qt6-tools-dev-tools qt6-l10n-tools \
+        qt6-translations-l10n
+}
+
 install_build_needs() {
-    local formula needs
+    local formula
     if is_macos; then
         install_homebrew cmake ninja nlohmann-json cli11 libcsv
         install_homebrew_qt
         CMAKE_PREFIX_PATH="$(brew --prefix "$formula")${CMAKE_PREFIX_PATH:+:$CMAKE_PREFIX_PATH}"
         export CMAKE_PREFIX_PATH
     elif command -v apt-get >/dev/null; then
-        needs=(qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools qttranslations5-l10n)
-        [ "$qt" = 5 ] || needs=(qt6-base-dev libqt6sql6-sqlite qt6-tools-dev qt6-tools-dev-tools
-            qt6-l10n-tools qt6-translations-l10n)
-        install_debian build-essential cmake ninja-build nlohmann-json3-dev \
-            libcli11-dev libcsv-dev "${needs[@]}"
+        install_debian build-essential cmake ninja-build nlohmann-json3-dev libcli11-dev libcsv-dev
+        install_debian_qt
     else
         say "Neither Debian, Ubuntu nor macOS: taking what is installed"
     fi
@@ -96,11 +106,13 @@ install_virtual_needs() {
 
 # build PRESET [OPTION...]: configures and builds into build/PRESET; the options go to the build.
 build() {
-    say "Building ($1)"
+    local preset=$1
+    shift
+    say "Building ($preset)"
     mkdir -p build
-    cmake --preset "$1" >"build/configure-$1.log" 2>&1 || {
-        cat "build/configure-$1.log" >&2
+    cmake --preset "$preset" >"build/configure-$preset.log" 2>&1 || {
+        cat "build/configure-$preset.log" >&2
         fail "The build could not be configured"
     }
-    cmake --build --preset "$1" --parallel "${@:2}"
+    cmake --build --preset "$preset" --parallel "$@"
 }
