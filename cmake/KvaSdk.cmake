@@ -3,11 +3,19 @@
 add_library(KVASDK_in_use INTERFACE)
 if(KVASDK_ROOT)
     find_library(KVASDK_LIBRARY KVASDK PATHS "${KVASDK_ROOT}/lib" NO_DEFAULT_PATH REQUIRED)
-    # By name, not by path: a library without a SONAME would be recorded with its path otherwise.
-    target_link_directories(KVASDK_in_use INTERFACE "${KVASDK_ROOT}/lib")
-    target_link_libraries(KVASDK_in_use INTERFACE -lKVASDK)
     file(COPY "${KVASDK_LIBRARY}" DESTINATION "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}"
         FOLLOW_SYMLINK_CHAIN)
+    if(APPLE)
+        # The programs record the name that the library gives itself, which may be any path. By this
+        # one it is found in lib/. A changed library has to be signed anew.
+        file(REAL_PATH "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}/libKVASDK.dylib" copy)
+        execute_process(COMMAND install_name_tool -id @rpath/libKVASDK.dylib "${copy}"
+            COMMAND_ERROR_IS_FATAL ANY)
+        execute_process(COMMAND codesign --force --sign - "${copy}" COMMAND_ERROR_IS_FATAL ANY)
+    endif()
+    # By name, not by path: a library without a SONAME would be recorded with its path otherwise.
+    target_link_directories(KVASDK_in_use INTERFACE "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
+    target_link_libraries(KVASDK_in_use INTERFACE -lKVASDK)
     # In no Debian package: vq-tl4 is the tool alone, whichever library it was built with.
     install(FILES "${KVASDK_LIBRARY}" DESTINATION "${VQTL4_LIBRARY_DESTINATION}" COMPONENT plain)
 else()

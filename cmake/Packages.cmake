@@ -1,13 +1,16 @@
 # What is installed where, and in which package. Each component is a Debian package: "tool" (also
 # what names none) is vq-tl4, "simulator" is vq-tl4-simulator. See packaging/CMakeLists.txt.
 set(CMAKE_INSTALL_DEFAULT_COMPONENT_NAME tool)
-set(VQTL4_PROGRAM_DESTINATION bin)
 if(APPLE AND VQTL4_BUNDLE)
+    set(VQTL4_PROGRAM_DESTINATION VQ-TL4.app/Contents/MacOS)
     set(VQTL4_LIBRARY_DESTINATION VQ-TL4.app/Contents/Frameworks)
     set(VQTL4_RESOURCES_DESTINATION VQ-TL4.app/Contents/Resources)
+    set(VQTL4_DATA_DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 else()
+    set(VQTL4_PROGRAM_DESTINATION bin)
     set(VQTL4_LIBRARY_DESTINATION lib)
     set(VQTL4_RESOURCES_DESTINATION Resources)
+    set(VQTL4_DATA_DESTINATION "${CMAKE_INSTALL_DATADIR}")
 endif()
 
 # The packages put these destinations into a folder of their own.
@@ -33,9 +36,9 @@ function(vqtl4_install_completions component bash zsh)
     vqtl4_install_system("${component}" usr/share/bash-completion/completions FILES "${bash}")
     vqtl4_install_system("${component}" usr/share/zsh/vendor-completions FILES "${zsh}")
     # Below the prefix of a plain install. The component is in no package.
-    install(FILES "${bash}" DESTINATION "${CMAKE_INSTALL_DATADIR}/bash-completion/completions"
+    install(FILES "${bash}" DESTINATION "${VQTL4_DATA_DESTINATION}/bash-completion/completions"
         COMPONENT plain)
-    install(FILES "${zsh}" DESTINATION "${CMAKE_INSTALL_DATADIR}/zsh/site-functions" COMPONENT plain)
+    install(FILES "${zsh}" DESTINATION "${VQTL4_DATA_DESTINATION}/zsh/site-functions" COMPONENT plain)
 endfunction()
 
 # vqtl4_install_compressed(<component> <folder> <file> [<name>]): into a folder of the system, by
