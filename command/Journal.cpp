@@ -24,11 +24,15 @@ QString jsonText(const QStringList& texts) {
 
 /** An empty text for a null one, which would be stored as NULL. */
 QString present(const QString& text) {
-    return text.isNull() ? QStringLiteral("") : text;
+    if (text.isNull())
+        return QStringLiteral("");
+    return text;
 }
 
 QByteArray present(const QByteArray& bytes) {
-    return bytes.isNull() ? QByteArray("") : bytes;
+    if (bytes.isNull())
+        return QByteArray("");
+    return bytes;
 }
 
 bool isWriting(const char* function) {
@@ -59,6 +63,16 @@ QByteArray withMaskedKey(const QByteArray& content) {
 
 const char unfinishedReason[] = "The program ended before anything was written to the instrument.";
 
+JournalRow outcomeRow(qint64 instrument, Outcome outcome, const QStringList& reasons,
+                      std::int32_t warnings) {
+    return JournalRow("outcome")
+        .with("instrument", instrument)
+        .with("word", QString::fromLatin1(outcomeWord(outcome)))
+        .with("reasons", jsonText(reasons))
+        .with("warnings", warnings)
+        .with("ended", JournalDatabase::now());
+}
+
 } // namespace
 
 JournalInput journalInput(const QString& role, const InputFile& file) {
@@ -77,24 +91,25 @@ std::unique_ptr<Journal> Journal::open(const QString& path, Text& problem) {
 Text Journal::beginRun(const std::vector<JournalInput>& inputs) {
     return m_database->atomically(Sync::Durable, [&] {
         Text problem = m_database->insert(
-            "run",
-            {QStringLiteral("started"), QStringLiteral("arguments"), QStringLiteral("user"),
-             QStringLiteral("host"), QStringLiteral("process"), QStringLiteral("tool_version"),
-             QStringLiteral("library_path"), QStringLiteral("library_sha256")},
-            {JournalDatabase::now(), jsonText(QCoreApplication::arguments().mid(1)),
-             present(Provenance::user()), present(Provenance::host()),
-             static_cast<qint64>(::getpid()), Provenance::toolVersion(),
-             present(Provenance::libraryPath()), QString::fromLatin1(Provenance::librarySha256())},
+            JournalRow("run")
+                .with("started", JournalDatabase::now())
+                .with("arguments", jsonText(QCoreApplication::arguments().mid(1)))
+                .with("user", present(Provenance::user()))
+                .with("host", present(Provenance::host()))
+                .with("process", static_cast<qint64>(::getpid()))
+                .with("tool_version", Provenance::toolVersion())
+                .with("library_path", present(Provenance::libraryPath()))
+                .with("library_sha256", QString::fromLatin1(Provenance::librarySha256())),
             &m_run);
         for (const JournalInput& input : inputs) {
             if (problem.isEmpty())
-                problem = m_database->insert(
-                    "input_file",
-                    {QStringLiteral("run"), QStringLiteral("role"), QStringLiteral("path"),
-                     QStringLiteral("sha256"), QStringLiteral("content"),
-                     QStringLiteral("is_masked")},
-                    {m_run, input.role, present(input.path), QString::fromLatin1(input.sha256),
-                     present(input.content), input.isMasked ? 1 : 0});
+                problem = m_database->insert(JournalRow("input_file")
+                                                 .with("run", m_run)
+                                                 .with("role", input.role)
+                                                 .with("path", present(input.path))
+                                                 .with("sha256", QString::fromLatin1(input.sha256))
+                                                 .with("content", present(input.content))
+                                                 .with("is_masked", input.isMasked ? 1 : 0));
         }
         return problem;
     });
@@ -102,17 +117,17 @@ Text Journal::beginRun(const std::vector<JournalInput>& inputs) {
 
 Text Journal::endRun(int exitStatus) {
     return m_database->atomically(Sync::Durable, [&] {
-        return m_database->insert(
-            "run_end",
-            {QStringLiteral("run"), QStringLiteral("ended"), QStringLiteral("exit_status")},
-            {m_run, JournalDatabase::now(), exitStatus});
+        return m_database->insert(JournalRow("run_end")
+                                      .with("run", m_run)
+                                      .with("ended", JournalDatabase::now())
+                                      .with("exit_status", exitStatus));
     });
 }
 
 Text Journal::closeEarlierRuns() {
     const auto collect = [&](const char* statement, std::vector<qint64>& ids) {
-        return m_database->select(
-            QString::fromLatin1(statement), {m_run},
+        return m_database->selectFor(
+            m_run, QString::fromLatin1(statement),
             [&](const QSqlQuery& row) { ids.push_back(row.value(0).toLongLong()); });
     };
     return m_database->atomically(Sync::Durable, [&] {
@@ -128,20 +143,15 @@ Text Journal::closeEarlierRuns() {
                               runs);
         for (const qint64 id : instruments) {
             if (problem.isEmpty())
-                problem = m_database->insert(
-                    "outcome",
-                    {QStringLiteral("instrument"), QStringLiteral("word"),
-                     QStringLiteral("reasons"), QStringLiteral("warnings"),
-                     QStringLiteral("ended")},
-                    {id, QString::fromLatin1(outcomeWord(Outcome::Unchanged)),
-                     jsonText({QString::fromLatin1(unfinishedReason)}), 0, JournalDatabase::now()});
+                problem = m_database->insert(outcomeRow(
+                    id, Outcome::Unchanged, QStringList(QString::fromLatin1(unfinishedReason)), 0));
         }
         for (const qint64 id : runs) {
             if (problem.isEmpty())
-                problem = m_database->insert(
-                    "run_end",
-                    {QStringLiteral("run"), QStringLiteral("ended"), QStringLiteral("found_by")},
-                    {id, JournalDatabase::now(), m_run});
+                problem = m_database->insert(JournalRow("run_end")
+                                                 .with("run", id)
+                                                 .with("ended", JournalDatabase::now())
+                                                 .with("found_by", m_run));
         }
         return problem;
     });
@@ -149,20 +159,21 @@ Text Journal::closeEarlierRuns() {
 
 Text Journal::addVerification(qint64 instrument, const QString& word) {
     return m_database->atomically(Sync::Durable, [&] {
-        return m_database->insert(
-            "verification",
-            {QStringLiteral("instrument"), QStringLiteral("at"), QStringLiteral("word")},
-            {instrument, JournalDatabase::now(), word});
+        return m_database->insert(JournalRow("verification")
+                                      .with("instrument", instrument)
+                                      .with("at", JournalDatabase::now())
+                                      .with("word", word));
     });
 }
 
 JournalEntry::JournalEntry(Journal& journal, std::int32_t serialNumber)
     : m_database(journal.database()), m_serialNumber(serialNumber) {
     note(m_database.atomically(Sync::Process, [&] {
-        return m_database.insert(
-            "instrument",
-            {QStringLiteral("run"), QStringLiteral("serial_number"), QStringLiteral("began")},
-            {journal.run(), serialNumber, JournalDatabase::now()}, &m_id);
+        return m_database.insert(JournalRow("instrument")
+                                     .with("run", journal.run())
+                                     .with("serial_number", serialNumber)
+                                     .with("began", JournalDatabase::now()),
+                                 &m_id);
     }));
 }
 
@@ -173,9 +184,11 @@ void JournalEntry::note(const Text& problem) {
 
 void JournalEntry::stepBegins(const char* name) {
     note(m_database.atomically(Sync::Process, [&] {
-        return m_database.insert(
-            "step", {QStringLiteral("instrument"), QStringLiteral("name"), QStringLiteral("began")},
-            {m_id, QString::fromLatin1(name), JournalDatabase::now()}, &m_step);
+        return m_database.insert(JournalRow("step")
+                                     .with("instrument", m_id)
+                                     .with("name", QString::fromLatin1(name))
+                                     .with("began", JournalDatabase::now()),
+                                 &m_step);
     }));
 }
 
@@ -183,11 +196,11 @@ Text JournalEntry::addChanges(const FieldChanges& changes) {
     if (m_hasChanges)
         return {};
     for (const FieldChange& change : changes) {
-        Text problem = m_database.insert(
-            "field_change",
-            {QStringLiteral("instrument"), QStringLiteral("field"), QStringLiteral("old"),
-             QStringLiteral("new")},
-            {m_id, change.field, present(change.oldText), present(change.newText)});
+        Text problem = m_database.insert(JournalRow("field_change")
+                                             .with("instrument", m_id)
+                                             .with("field", change.field)
+                                             .with("old", present(change.oldText))
+                                             .with("new", present(change.newText)));
         if (!problem.isEmpty())
             return problem;
     }
@@ -200,11 +213,11 @@ Text JournalEntry::writingBegins(const Snapshot& before, const QString& path,
     if (!m_problem.isEmpty())
         return m_problem;
     const auto addSnapshot = [&](const char* kind, const Snapshot& snapshot, const QString& file) {
-        return m_database.insert(
-            "snapshot",
-            {QStringLiteral("instrument"), QStringLiteral("kind"), QStringLiteral("path"),
-             QStringLiteral("content")},
-            {m_id, QString::fromLatin1(kind), present(file), snapshot.toJson()});
+        return m_database.insert(JournalRow("snapshot")
+                                     .with("instrument", m_id)
+                                     .with("kind", QString::fromLatin1(kind))
+                                     .with("path", present(file))
+                                     .with("content", snapshot.toJson()));
     };
     return m_database.atomically(Sync::Durable, [&] {
         Text problem = addSnapshot("before", before, path);
@@ -212,18 +225,19 @@ Text JournalEntry::writingBegins(const Snapshot& before, const QString& path,
             problem = addSnapshot("wanted", Snapshot::of(wanted), {});
         if (problem.isEmpty())
             problem = addChanges(changes);
-        return problem.isEmpty() ? m_database.insert("mark", {QStringLiteral("instrument")}, {m_id})
-                                 : problem;
+        if (problem.isEmpty())
+            problem = m_database.insert(JournalRow("mark").with("instrument", m_id));
+        return problem;
     });
 }
 
 Text JournalEntry::addCall(const char* function, Sync sync) {
     return m_database.atomically(sync, [&] {
-        return m_database.insert("call",
-                                 {QStringLiteral("step"), QStringLiteral("function"),
-                                  QStringLiteral("writes"), QStringLiteral("began")},
-                                 {m_step, QString::fromLatin1(function),
-                                  isWriting(function) ? 1 : 0, JournalDatabase::now()},
+        return m_database.insert(JournalRow("call")
+                                     .with("step", m_step)
+                                     .with("function", QString::fromLatin1(function))
+                                     .with("writes", isWriting(function) ? 1 : 0)
+                                     .with("began", JournalDatabase::now()),
                                  &m_call);
     });
 }
@@ -250,10 +264,10 @@ void JournalEntry::callEnded(const CallResult& result) {
     if (m_call == 0)
         return; // a problem was reported already
     note(m_database.atomically(Sync::Process, [&] {
-        return m_database.insert(
-            "call_result",
-            {QStringLiteral("call"), QStringLiteral("code"), QStringLiteral("microseconds")},
-            {m_call, result.code, static_cast<qint64>(taken.count())});
+        return m_database.insert(JournalRow("call_result")
+                                     .with("call", m_call)
+                                     .with("code", result.code)
+                                     .with("microseconds", static_cast<qint64>(taken.count())));
     }));
     m_call = 0;
 }
@@ -268,24 +282,20 @@ Text JournalEntry::ends(const Verdict& verdict, bool isSettled) {
     return m_database.atomically(Sync::Durable, [&] {
         Text problem = addChanges(verdict.changes);
         if (problem.isEmpty())
-            problem = m_database.insert(
-                "outcome",
-                {QStringLiteral("instrument"), QStringLiteral("word"), QStringLiteral("reasons"),
-                 QStringLiteral("warnings"), QStringLiteral("ended")},
-                {m_id, QString::fromLatin1(outcomeWord(verdict.outcome)), jsonText(reasons),
-                 verdict.warnings, JournalDatabase::now()});
+            problem =
+                m_database.insert(outcomeRow(m_id, verdict.outcome, reasons, verdict.warnings));
         if (problem.isEmpty() && isSettled)
-            problem = m_database.select(
+            problem = m_database.selectFor(
+                m_serialNumber,
                 QStringLiteral("SELECT mark.instrument FROM mark"
                                " JOIN instrument ON instrument.id = mark.instrument"
                                " WHERE instrument.serial_number = ?"
                                " AND mark.instrument NOT IN (SELECT mark FROM mark_end)"),
-                {m_serialNumber},
                 [&](const QSqlQuery& row) { marks.push_back(row.value(0).toLongLong()); });
         for (const qint64 mark : marks) {
             if (problem.isEmpty())
                 problem = m_database.insert(
-                    "mark_end", {QStringLiteral("mark"), QStringLiteral("ended_by")}, {mark, m_id});
+                    JournalRow("mark_end").with("mark", mark).with("ended_by", m_id));
         }
         return problem;
     });

@@ -43,6 +43,20 @@ Text makePrivate(const QString& path) {
 
 } // namespace
 
+JournalRow& JournalRow::with(const char* column, const QVariant& value) {
+    m_columns.append(QString::fromLatin1(column));
+    m_values.append(value);
+    return *this;
+}
+
+QString JournalRow::statement() const {
+    QStringList places;
+    for (int i = 0; i < m_columns.size(); ++i)
+        places.append(QStringLiteral("?"));
+    return QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+        .arg(m_table, m_columns.join(QLatin1Char(',')), places.join(QLatin1Char(',')));
+}
+
 JournalDatabase::JournalDatabase(QString path)
     : m_path(std::move(path)), m_name(QUuid::createUuid().toString()) {}
 
@@ -83,9 +97,10 @@ Text JournalDatabase::openFile(Access access) {
                          !QFileInfo::exists(m_path + QStringLiteral("-wal"));
     QUrl url = QUrl::fromLocalFile(m_path);
     url.setQuery(QStringLiteral("immutable=1"));
-    return isFixed ? connect(url.toString(QUrl::FullyEncoded),
-                             QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"))
-                   : connect(m_path, busyTimeout);
+    if (!isFixed)
+        return connect(m_path, busyTimeout);
+    return connect(url.toString(QUrl::FullyEncoded),
+                   QStringLiteral("QSQLITE_OPEN_URI;QSQLITE_OPEN_READONLY"));
 }
 
 Text JournalDatabase::open(Access access, bool& isThere) {
@@ -138,7 +153,7 @@ Text JournalDatabase::prepareToWrite() {
     if (id != JournalSchema::applicationId && !isNew)
         return {}; // another program's database: refused later, and not changed
     QString mode;
-    problem = select(QStringLiteral("PRAGMA journal_mode = WAL"), {},
+    problem = select(QStringLiteral("PRAGMA journal_mode = WAL"),
                      [&](const QSqlQuery& row) { mode = row.value(0).toString(); });
     if (problem.isEmpty() && mode != QLatin1String("wal"))
         problem = failure(QStringLiteral("journal_mode = ") + mode);
@@ -173,7 +188,7 @@ Text JournalDatabase::check(int& version) {
     if (!problem.isEmpty())
         return problem;
     QString found;
-    problem = select(QStringLiteral("PRAGMA integrity_check(1)"), {},
+    problem = select(QStringLiteral("PRAGMA integrity_check(1)"),
                      [&](const QSqlQuery& row) { found = row.value(0).toString(); });
     if (problem.isEmpty() && found != QLatin1String("ok"))
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The journal %1 is damaged: %2"),
@@ -184,7 +199,7 @@ Text JournalDatabase::check(int& version) {
 /** Compares all tables and triggers with those of a new journal of that version. */
 Text JournalDatabase::checkSchema(int version) {
     const auto schemaOf = [](JournalDatabase& database, QStringList& schema) {
-        return database.select(schemaQuery, {}, [&](const QSqlQuery& row) {
+        return database.select(schemaQuery, [&](const QSqlQuery& row) {
             for (int column = 0; column < 4; ++column)
                 schema.append(row.value(column).toString());
         });
@@ -243,45 +258,50 @@ Text JournalDatabase::atomically(Sync sync, const std::function<Text()>& changes
     return problem;
 }
 
-Text JournalDatabase::insert(const char* table, const QStringList& columns,
-                             const QVariantList& values, qint64* id) {
-    QStringList places;
-    for (int i = 0; i < columns.size(); ++i)
-        places.append(QStringLiteral("?"));
-    const QString statement = QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                  .arg(QString::fromLatin1(table), columns.join(QLatin1Char(',')),
-                                       places.join(QLatin1Char(',')));
+Text JournalDatabase::insert(const JournalRow& row, qint64* id) {
     QSqlQuery query(m_database);
-    bool done = query.prepare(statement);
+    if (!run(query, row.statement(), row.values()))
+        return failure(query.lastError().text());
+    if (id != nullptr)
+        *id = query.lastInsertId().toLongLong();
+    return {};
+}
+
+bool JournalDatabase::run(QSqlQuery& query, const QString& statement, const QVariantList& values) {
+    const bool isPrepared = query.prepare(statement);
     for (const QVariant& value : values)
         query.addBindValue(value);
-    done = done && query.exec();
-    if (done && id != nullptr)
-        *id = query.lastInsertId().toLongLong();
-    return done ? Text() : failure(query.lastError().text());
+    return isPrepared && query.exec();
 }
 
 Text JournalDatabase::select(const QString& statement, const QVariantList& values,
-                             const std::function<void(const QSqlQuery& row)>& take) {
+                             const Take& take) {
     QSqlQuery query(m_database);
     query.setForwardOnly(true);
-    const bool prepared = query.prepare(statement);
-    for (const QVariant& value : values)
-        query.addBindValue(value);
-    if (!prepared || !query.exec())
+    if (!run(query, statement, values))
         return failure(query.lastError().text());
     while (query.next())
         take(query);
-    return query.lastError().isValid() ? failure(query.lastError().text()) : Text();
+    if (query.lastError().isValid())
+        return failure(query.lastError().text());
+    return {};
+}
+
+Text JournalDatabase::selectFor(qint64 number, const QString& statement, const Take& take) {
+    QVariantList values;
+    values.append(number);
+    return select(statement, values, take);
 }
 
 Text JournalDatabase::execute(const QString& statement) {
     QSqlQuery query(m_database);
-    return query.exec(statement) ? Text() : failure(query.lastError().text());
+    if (!query.exec(statement))
+        return failure(query.lastError().text());
+    return {};
 }
 
 Text JournalDatabase::number(const QString& statement, int& value) {
-    return select(statement, {}, [&](const QSqlQuery& row) { value = row.value(0).toInt(); });
+    return select(statement, [&](const QSqlQuery& row) { value = row.value(0).toInt(); });
 }
 
 Text JournalDatabase::failure(const QString& reason) const {

@@ -13,6 +13,22 @@
 
 class QSqlQuery;
 
+/** A row to be inserted: its columns with their values. */
+class JournalRow {
+public:
+    /** @param table  a literal, as are the columns' names */
+    explicit JournalRow(const char* table) : m_table(QString::fromLatin1(table)) {}
+    JournalRow& with(const char* column, const QVariant& value);
+
+    QString statement() const;
+    const QVariantList& values() const { return m_values; }
+
+private:
+    QString m_table;
+    QStringList m_columns;
+    QVariantList m_values;
+};
+
 /**
  * A connection to a journal's file, whose content has been checked completely. Each function that
  * returns a text returns an empty one on success, and the reason of the failure otherwise. One
@@ -43,11 +59,13 @@ public:
     Text atomically(Sync sync, const std::function<Text()>& changes);
 
     /** Adds a row. @param id  set to its number */
-    Text insert(const char* table, const QStringList& columns, const QVariantList& values,
-                qint64* id = nullptr);
+    Text insert(const JournalRow& row, qint64* id = nullptr);
+    using Take = std::function<void(const QSqlQuery& row)>;
     /** Runs a query, and calls @p take for each row of the result. */
-    Text select(const QString& statement, const QVariantList& values,
-                const std::function<void(const QSqlQuery& row)>& take);
+    Text select(const QString& statement, const Take& take) { return select(statement, {}, take); }
+    Text select(const QString& statement, const QVariantList& values, const Take& take);
+    /** The same for a statement with one place, for a number. */
+    Text selectFor(qint64 number, const QString& statement, const Take& take);
 
     /** The present time in the form that the journal stores. */
     static QString now();
@@ -66,6 +84,7 @@ private:
     Text migrate(int version);
     Text execute(const QString& statement);
     Text number(const QString& statement, int& value);
+    static bool run(QSqlQuery& query, const QString& statement, const QVariantList& values);
     Text failure(const QString& reason) const;
 
     QString m_path;

@@ -68,16 +68,19 @@ const char instrumentQuery[] =
 struct JournalReader::Parts {
     JournalDatabase& database;
 
-    Text select(const char* before, const QString& after, const QVariantList& values,
-                std::vector<JournalInstrument>& parts) const {
-        return database.select(QString::fromLatin1(before) + after, values,
-                               [&](const QSqlQuery& row) { parts.push_back(instrumentFrom(row)); });
+    /** @param number  for the one place in @p which */
+    Text addInstruments(qint64 number, const QString& which,
+                        std::vector<JournalInstrument>& parts) const {
+        return database.selectFor(
+            number, QString::fromLatin1(instrumentQuery) + which,
+            [&](const QSqlQuery& row) { parts.push_back(instrumentFrom(row)); });
     }
 
     Text addSnapshots(JournalInstrument& part) const {
-        return database.select(
+        return database.selectFor(
+            part.id,
             QStringLiteral("SELECT kind, path, content FROM snapshot WHERE instrument = ?"),
-            {part.id}, [&](const QSqlQuery& row) {
+            [&](const QSqlQuery& row) {
                 const bool isBefore = row.value(0).toString() == QLatin1String("before");
                 (isBefore ? part.before : part.wanted) = row.value(2).toByteArray();
                 if (isBefore)
@@ -86,22 +89,24 @@ struct JournalReader::Parts {
     }
 
     Text addChanges(JournalInstrument& part) const {
-        return database.select(
+        return database.selectFor(
+            part.id,
             QStringLiteral("SELECT field, old, new FROM field_change WHERE instrument = ?"
                            " ORDER BY id"),
-            {part.id}, [&](const QSqlQuery& row) {
+            [&](const QSqlQuery& row) {
                 part.changes.push_back(
                     {row.value(0).toString(), row.value(1).toString(), row.value(2).toString()});
             });
     }
 
     Text addCalls(JournalInstrument& part) const {
-        return database.select(
+        return database.selectFor(
+            part.id,
             QStringLiteral("SELECT name, function, writes, call.began, code, microseconds FROM call"
                            " JOIN step ON step.id = call.step"
                            " LEFT JOIN call_result ON call_result.call = call.id"
                            " WHERE step.instrument = ? ORDER BY call.id"),
-            {part.id}, [&](const QSqlQuery& row) {
+            [&](const QSqlQuery& row) {
                 JournalCall call;
                 call.step = row.value(0).toString();
                 call.function = row.value(1).toString();
@@ -116,19 +121,21 @@ struct JournalReader::Parts {
     }
 
     Text addVerifications(JournalInstrument& part) const {
-        return database.select(
+        return database.selectFor(
+            part.id,
             QStringLiteral("SELECT at, word FROM verification WHERE instrument = ? ORDER BY id"),
-            {part.id}, [&](const QSqlQuery& row) {
+            [&](const QSqlQuery& row) {
                 part.verifications.push_back(
                     {JournalDatabase::time(row.value(0)), row.value(1).toString()});
             });
     }
 
     Text addInputs(JournalRun& run) const {
-        return database.select(
+        return database.selectFor(
+            run.id,
             QStringLiteral("SELECT role, path, sha256, content, is_masked FROM input_file"
                            " WHERE run = ? ORDER BY id"),
-            {run.id}, [&](const QSqlQuery& row) {
+            [&](const QSqlQuery& row) {
                 run.inputs.push_back({row.value(0).toString(), row.value(1).toString(),
                                       row.value(2).toByteArray(), row.value(3).toByteArray(),
                                       row.value(4).toInt() != 0});
@@ -136,7 +143,7 @@ struct JournalReader::Parts {
     }
 
     Text serialNumbers(const char* statement, std::vector<std::int32_t>& serials) const {
-        return database.select(QString::fromLatin1(statement), {}, [&](const QSqlQuery& row) {
+        return database.select(QString::fromLatin1(statement), [&](const QSqlQuery& row) {
             serials.push_back(row.value(0).toInt());
         });
     }
@@ -173,25 +180,24 @@ Text JournalReader::runs(const JournalFilter& filter, std::vector<JournalRun>& r
     const Parts parts = {m_database};
     for (JournalRun& run : runs) {
         if (problem.isEmpty())
-            problem = parts.select(instrumentQuery,
-                                   QStringLiteral("WHERE run = ? ORDER BY instrument.id"), {run.id},
-                                   run.instruments);
+            problem = parts.addInstruments(
+                run.id, QStringLiteral("WHERE run = ? ORDER BY instrument.id"), run.instruments);
     }
     return problem;
 }
 
 Text JournalReader::run(qint64 id, std::optional<JournalRun>& run) {
     run.reset();
-    Text problem = m_database.select(QString::fromLatin1(runQuery) + QStringLiteral("WHERE id = ?"),
-                                     {id}, [&](const QSqlQuery& row) { run = runFrom(row); });
+    Text problem =
+        m_database.selectFor(id, QString::fromLatin1(runQuery) + QStringLiteral("WHERE id = ?"),
+                             [&](const QSqlQuery& row) { run = runFrom(row); });
     if (!problem.isEmpty() || !run)
         return problem;
     const Parts parts = {m_database};
     problem = parts.addInputs(*run);
     if (problem.isEmpty())
-        problem =
-            parts.select(instrumentQuery, QStringLiteral("WHERE run = ? ORDER BY instrument.id"),
-                         {id}, run->instruments);
+        problem = parts.addInstruments(id, QStringLiteral("WHERE run = ? ORDER BY instrument.id"),
+                                       run->instruments);
     for (JournalInstrument& part : run->instruments) {
         for (const auto add : {&Parts::addSnapshots, &Parts::addChanges, &Parts::addCalls,
                                &Parts::addVerifications}) {
@@ -205,11 +211,12 @@ Text JournalReader::run(qint64 id, std::optional<JournalRun>& run) {
 Text JournalReader::unfinished(std::int32_t serialNumber, std::vector<JournalInstrument>& found) {
     found.clear();
     const Parts parts = {m_database};
-    Text problem = parts.select(instrumentQuery,
-                                QStringLiteral("WHERE serial_number = ? AND mark.instrument IS NOT"
-                                               " NULL AND mark_end.mark IS NULL"
-                                               " ORDER BY instrument.id"),
-                                {serialNumber}, found);
+    Text problem =
+        parts.addInstruments(serialNumber,
+                             QStringLiteral("WHERE serial_number = ? AND mark.instrument IS NOT"
+                                            " NULL AND mark_end.mark IS NULL"
+                                            " ORDER BY instrument.id"),
+                             found);
     for (JournalInstrument& part : found) {
         if (problem.isEmpty())
             problem = parts.addSnapshots(part);
@@ -232,11 +239,12 @@ Text JournalReader::lastWritten(std::int32_t serialNumber, std::optional<Journal
     part.reset();
     std::vector<JournalInstrument> found;
     const Parts parts = {m_database};
-    Text problem = parts.select(instrumentQuery,
-                                QStringLiteral("WHERE serial_number = ? AND mark.instrument IS NOT"
-                                               " NULL AND ifnull(word, '') <> 'refused'"
-                                               " ORDER BY instrument.id DESC LIMIT 1"),
-                                {serialNumber}, found);
+    Text problem =
+        parts.addInstruments(serialNumber,
+                             QStringLiteral("WHERE serial_number = ? AND mark.instrument IS NOT"
+                                            " NULL AND ifnull(word, '') <> 'refused'"
+                                            " ORDER BY instrument.id DESC LIMIT 1"),
+                             found);
     if (!problem.isEmpty() || found.empty())
         return problem;
     part = found.front();
