@@ -11,7 +11,7 @@
 
 namespace {
 
-QString translated(const char* source, const QStringList& arguments = {}) {
+QString translated(const char* source, std::initializer_list<QStringView> arguments = {}) {
     return Text(source, arguments).translated();
 }
 
@@ -53,16 +53,21 @@ std::optional<int> decimalPlaces(const std::vector<float>& values) {
 }
 
 QString valueText(float value, std::optional<int> places) {
-    return places ? QString::number(double(value), 'f', *places) : FieldTexts::value(value);
+    if (!places)
+        return FieldTexts::value(value);
+    return QString::number(double(value), 'f', *places);
 }
 
 QString differenceText(float before, float after, std::optional<int> places) {
     const double difference = double(after) - double(before);
     if (!std::isfinite(difference))
         return QStringLiteral("-");
-    const QString text =
-        places ? QString::number(difference, 'f', *places) : QString::number(difference, 'g', 4);
-    return difference > 0 ? QLatin1Char('+') + text : text;
+    QString text = QString::number(difference, 'g', 4);
+    if (places)
+        text = QString::number(difference, 'f', *places);
+    if (difference > 0)
+        text.prepend(QLatin1Char('+'));
+    return text;
 }
 
 /** "from 85.5 to 92.9" of the values that are numbers. */
@@ -166,17 +171,13 @@ HtmlWriter::Table HtmlCalibration::table(std::size_t first, std::size_t end) con
     std::vector<float> all = m_before;
     all.insert(all.end(), m_after.begin(), m_after.end());
     const std::optional<int> places = decimalPlaces(all);
-    HtmlWriter::Table table = {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Values %1 to %2"),
-                                          {QString::number(first), QString::number(end - 1)}),
-                               {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Index")), m_beforeName,
-                                m_afterName,
-                                translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Difference"))},
-                               {},
-                               "values"};
+    HtmlWriter::Table table(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Values %1 to %2"),
+                                       {QString::number(first), QString::number(end - 1)}),
+                            {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Index")), m_beforeName,
+                             m_afterName, translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Difference"))},
+                            "values");
     for (std::size_t i = first; i < end; ++i)
-        table.rows.push_back(
-            {{QString::number(i), valueText(m_before[i], places), valueText(m_after[i], places),
-              differenceText(m_before[i], m_after[i], places)},
-             {}});
+        table.add({QString::number(i), valueText(m_before[i], places),
+                   valueText(m_after[i], places), differenceText(m_before[i], m_after[i], places)});
     return table;
 }

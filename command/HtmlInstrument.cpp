@@ -11,7 +11,7 @@
 
 namespace {
 
-QString translated(const char* source, const QStringList& arguments = {}) {
+QString translated(const char* source, std::initializer_list<QStringView> arguments = {}) {
     return Text(source, arguments).translated();
 }
 
@@ -89,8 +89,8 @@ private:
 
     /** "After" only if the wanted state was verified. */
     QString afterName() const {
-        return isVerified() ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "After"))
-                            : translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Wanted"));
+        return translated(isVerified() ? QT_TRANSLATE_NOOP("vq-tl4ctl", "After")
+                                       : QT_TRANSLATE_NOOP("vq-tl4ctl", "Wanted"));
     }
 
     QString verdictText() const {
@@ -107,9 +107,7 @@ private:
     void writeVerdict() const {
         const bool isQuiet = isVerified() || m_instrument.outcome() ==
                                                  QLatin1String(outcomeWord(Outcome::Unchanged));
-        m_html.element(
-            "p", verdictText(),
-            {{"class", isQuiet ? QStringLiteral("verdict") : QStringLiteral("verdict grave")}});
+        m_html.element("p", verdictText(), {{"class", isQuiet ? u"verdict" : u"verdict grave"}});
         if (m_part.isUnfinished)
             paragraph(QT_TRANSLATE_NOOP("vq-tl4ctl", "What the write came to is not known yet: run "
                                                      "vq-tl4ctl recover."));
@@ -133,10 +131,10 @@ private:
     }
 
     void writeIdentity() const {
-        HtmlWriter::Table table = {
-            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Identity and course")), {}, {}, "facts"};
+        HtmlWriter::Table table(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Identity and course")),
+                                {}, "facts");
         const auto add = [&](const char* name, const QString& value) {
-            table.rows.push_back({{translated(name), HtmlTexts::orNone(value)}, {}});
+            table.add({translated(name), HtmlTexts::orNone(value)});
         };
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Serial number"), serialText(m_part.serialNumber));
         if (m_instrument.before) {
@@ -145,23 +143,24 @@ private:
             add(QT_TRANSLATE_NOOP("vq-tl4ctl", "MAC address"),
                 FieldTexts::macAddress(state.device));
             add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Wireless module"),
-                state.wirelessModule != 0
-                    ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "fitted and enabled"))
-                    : translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "none, or disabled")));
+                translated(state.wirelessModule != 0
+                               ? QT_TRANSLATE_NOOP("vq-tl4ctl", "fitted and enabled")
+                               : QT_TRANSLATE_NOOP("vq-tl4ctl", "none, or disabled")));
         }
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began"), FieldTexts::time(m_part.began));
-        add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended"),
-            m_part.outcome ? FieldTexts::time(m_part.outcome->ended) : QString());
+        QString ended;
+        QStringList warnings;
+        if (m_part.outcome) {
+            ended = FieldTexts::time(m_part.outcome->ended);
+            for (const char* name : warningNames(m_part.outcome->warnings))
+                warnings.append(QString::fromLatin1(name));
+        }
+        add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended"), ended);
         const auto writes = std::count_if(m_part.calls.begin(), m_part.calls.end(),
                                           [](const JournalCall& call) { return call.writes; });
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Calls of the library"),
             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1, of which %2 write"),
                        {QString::number(m_part.calls.size()), QString::number(writes)}));
-        QStringList warnings;
-        if (m_part.outcome) {
-            for (const char* name : warningNames(m_part.outcome->warnings))
-                warnings.append(QString::fromLatin1(name));
-        }
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Warnings of the library"),
             warnings.join(QStringLiteral(", ")));
         add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Snapshot of the state before"), m_part.snapshotPath);
@@ -184,19 +183,16 @@ private:
             paragraph(QT_TRANSLATE_NOOP("vq-tl4ctl", "None."));
             return;
         }
-        HtmlWriter::Table table = {
-            isVerified() ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Before and after"))
-                         : translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Before and wanted")),
+        HtmlWriter::Table table(
+            translated(isVerified() ? QT_TRANSLATE_NOOP("vq-tl4ctl", "Before and after")
+                                    : QT_TRANSLATE_NOOP("vq-tl4ctl", "Before and wanted")),
             {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Field")),
              translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Before")), afterName()},
-            {},
-            "changes"};
+            "changes");
         for (const FieldChange& change : m_part.changes) {
             if (!isShownBelow(change.field))
-                table.rows.push_back(
-                    {{nameOf(change.field, fieldNames), HtmlTexts::orNone(change.oldText),
-                      HtmlTexts::orNone(change.newText) + changeNote(change)},
-                     {}});
+                table.add({nameOf(change.field, fieldNames), HtmlTexts::orNone(change.oldText),
+                           HtmlTexts::orNone(change.newText) + changeNote(change)});
         }
         if (table.rows.empty())
             paragraph(QT_TRANSLATE_NOOP("vq-tl4ctl", "Calibration values alone, below."));
@@ -235,14 +231,13 @@ private:
         if (m_part.verifications.empty())
             return;
         m_html.element("h3", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Looked at again")));
-        HtmlWriter::Table table = {
+        HtmlWriter::Table table(
             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "What vq-tl4ctl verify found later")),
             {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Time")),
              translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Outcome"))},
-            {},
-            "changes"};
+            "changes");
         for (const JournalVerification& verification : m_part.verifications)
-            table.rows.push_back({{FieldTexts::time(verification.at), verification.word}, {}});
+            table.add({FieldTexts::time(verification.at), verification.word});
         m_html.table(table);
     }
 
@@ -255,7 +250,9 @@ private:
 } // namespace
 
 QString HtmlInstrument::outcome() const {
-    return part.outcome ? part.outcome->word : QStringLiteral("unfinished");
+    if (!part.outcome)
+        return QStringLiteral("unfinished");
+    return part.outcome->word;
 }
 
 void HtmlInstrument::write(HtmlWriter& html) const {
@@ -263,19 +260,19 @@ void HtmlInstrument::write(HtmlWriter& html) const {
 }
 
 QString HtmlTexts::orNone(const QString& text) {
-    return text.isEmpty() ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "(none)")) : text;
+    if (text.isEmpty())
+        return translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "(none)"));
+    return text;
 }
 
 HtmlWriter::Table HtmlTexts::inputs(const std::vector<JournalInput>& inputs, bool isOfRun) {
-    HtmlWriter::Table table = {
-        isOfRun ? translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Input files of the run"))
-                : translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Input files for this instrument")),
+    HtmlWriter::Table table(
+        translated(isOfRun ? QT_TRANSLATE_NOOP("vq-tl4ctl", "Input files of the run")
+                           : QT_TRANSLATE_NOOP("vq-tl4ctl", "Input files for this instrument")),
         {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Kind")),
          translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "File")), QStringLiteral("SHA-256")},
-        {},
-        "files"};
+        "files");
     for (const JournalInput& input : inputs)
-        table.rows.push_back(
-            {{nameOf(input.role, roleNames), input.path, QString::fromLatin1(input.sha256)}, {}});
+        table.add({nameOf(input.role, roleNames), input.path, QString::fromLatin1(input.sha256)});
     return table;
 }

@@ -41,19 +41,22 @@ QString outcomeCounts(const std::vector<HtmlInstrument>& instruments) {
 
 HtmlWriter::Table runTable(const JournalRun& run, const QString& journal,
                            const std::vector<HtmlInstrument>& instruments) {
-    HtmlWriter::Table table = {
-        Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run")).translated(), {}, {}, "facts"};
+    HtmlWriter::Table table(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run")).translated(), {}, "facts");
     const auto add = [&](const char* name, const QString& value) {
-        table.rows.push_back({{Text(name).translated(), HtmlTexts::orNone(value)}, {}});
+        table.add({Text(name).translated(), HtmlTexts::orNone(value)});
     };
+    QString ended;
+    QString exitStatus;
+    if (run.ended)
+        ended = FieldTexts::time(*run.ended);
+    if (run.exitStatus)
+        exitStatus = QString::number(*run.exitStatus);
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Outcomes"), outcomeCounts(instruments));
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Command"),
         QStringLiteral("vq-tl4ctl ") + run.arguments.join(QLatin1Char(' ')));
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began"), FieldTexts::time(run.started));
-    add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended"),
-        run.ended ? FieldTexts::time(*run.ended) : QString());
-    add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Exit status"),
-        run.exitStatus ? QString::number(*run.exitStatus) : QString());
+    add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended"), ended);
+    add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Exit status"), exitStatus);
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "User"), run.user);
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Host"), run.host);
     add(QT_TRANSLATE_NOOP("vq-tl4ctl", "Version of vq-tl4ctl"), run.toolVersion);
@@ -67,25 +70,22 @@ HtmlWriter::Table runTable(const JournalRun& run, const QString& journal,
 }
 
 HtmlWriter::Table instrumentTable(const std::vector<HtmlInstrument>& instruments) {
-    HtmlWriter::Table table = {
+    HtmlWriter::Table table(
         Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instruments")).translated(),
         {Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Serial number")).translated(),
          Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Outcome")).translated(),
          Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Changed fields")).translated(),
          Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Last verification")).translated()},
-        {},
-        ""};
+        "");
     for (const HtmlInstrument& instrument : instruments) {
         const auto& verifications = instrument.part.verifications;
-        const QString last =
-            verifications.empty()
-                ? QString()
-                : QStringLiteral("%1, %2").arg(verifications.back().word,
-                                               FieldTexts::time(verifications.back().at));
-        table.rows.push_back(
-            {{serialText(instrument.part.serialNumber), instrument.outcome(),
-              QString::number(instrument.part.changes.size()), HtmlTexts::orNone(last)},
-             QLatin1Char('#') + instrument.id});
+        QString last;
+        if (!verifications.empty())
+            last = QStringLiteral("%1, %2").arg(verifications.back().word,
+                                                FieldTexts::time(verifications.back().at));
+        table.add({serialText(instrument.part.serialNumber), instrument.outcome(),
+                   QString::number(instrument.part.changes.size()), HtmlTexts::orNone(last)},
+                  QLatin1Char('#') + instrument.id);
     }
     return table;
 }

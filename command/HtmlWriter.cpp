@@ -5,10 +5,26 @@ namespace {
 void begin(QXmlStreamWriter& writer, const char* name, HtmlWriter::Attributes attributes) {
     writer.writeStartElement(QString::fromLatin1(name));
     for (const auto& [attribute, value] : attributes)
-        writer.writeAttribute(QString::fromLatin1(attribute), HtmlWriter::visible(value));
+        writer.writeAttribute(QString::fromLatin1(attribute),
+                              HtmlWriter::visible(value.toString()));
+}
+
+QStringList listOf(std::initializer_list<QStringView> texts) {
+    QStringList list;
+    for (const QStringView text : texts)
+        list.append(text.toString());
+    return list;
 }
 
 } // namespace
+
+HtmlWriter::Table::Table(QString title, std::initializer_list<QStringView> columns,
+                         const char* name)
+    : caption(std::move(title)), headings(listOf(columns)), style(name) {}
+
+void HtmlWriter::Table::add(std::initializer_list<QStringView> cells, const QString& link) {
+    rows.push_back(Row{listOf(cells), link});
+}
 
 HtmlWriter::HtmlWriter(QByteArray* target) : m_writer(target) {
     m_writer.setAutoFormatting(true);

@@ -14,7 +14,8 @@
     unprintable characters are made visible. */
 class HtmlWriter {
 public:
-    using Attributes = std::initializer_list<std::pair<const char*, QString>>;
+    /** Names and values. The values need to exist only during the call. */
+    using Attributes = std::initializer_list<std::pair<const char*, QStringView>>;
 
     /** @param target  must outlive the object; complete once each element is closed */
     explicit HtmlWriter(QByteArray* target);
@@ -45,10 +46,17 @@ public:
         QString link;      ///< target of the heading's link; empty for none
     };
     struct Table {
+        /** @param columns  their headings; none if the rows' headings are enough
+            @param name     a class */
+        Table(QString title, std::initializer_list<QStringView> columns, const char* name);
+        /** @param cells  the first is the row's heading
+            @param link   target of the heading's link; empty for none */
+        void add(std::initializer_list<QStringView> cells, const QString& link = {});
+
         QString caption;
-        QStringList headings; ///< of the columns; none if the rows' headings are enough
+        QStringList headings;
         std::vector<Row> rows;
-        const char* style = ""; ///< a class
+        const char* style;
     };
     void table(const Table& table);
 

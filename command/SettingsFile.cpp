@@ -38,7 +38,7 @@ void storeFlag(FileCheck& check, const char* key, std::string_view value, KVA_NE
     else
         check.add(value.data(),
                   Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has to be 0 or 1, not \"%2\""),
-                       {QLatin1String(key), FileCheck::quoted(value)}));
+                       {QString::fromLatin1(key), FileCheck::quoted(value)}));
 }
 
 template <std::uint8_t (KVA_NETWORKINFO::*Field)[4]>
@@ -49,7 +49,7 @@ void storeAddress(FileCheck& check, const char* key, std::string_view value,
         check.add(wrong,
                   Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has to be four numbers from 0 to "
                                                       "255, such as 192.168.0.10, not \"%2\""),
-                       {QLatin1String(key), FileCheck::quoted(value)}));
+                       {QString::fromLatin1(key), FileCheck::quoted(value)}));
 }
 
 template <std::size_t Size, char (KVA_NETWORKINFO::*Field)[Size]>
@@ -57,10 +57,10 @@ void storeText(FileCheck& check, const char* key, std::string_view value, KVA_NE
     if (value.size() < Size)
         std::memcpy(info.*Field, value.data(), value.size());
     else // the message does not quote the text: it may be the security key
-        check.add(
-            value.data(),
-            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has %2 bytes, at most %3 are allowed"),
-                 {QLatin1String(key), QString::number(value.size()), QString::number(Size - 1)}));
+        check.add(value.data(),
+                  Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has %2 bytes, at most %3 are allowed"),
+                       {QString::fromLatin1(key), QString::number(value.size()),
+                        QString::number(Size - 1)}));
 }
 
 struct NetworkKey {
@@ -123,13 +123,13 @@ void checkKey(FileCheck& check, std::size_t begin, const NetworkKey& key, KVA_NE
     if (line.empty()) {
         check.addAtLine(begin,
                         Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The section has no %1 with a value"),
-                             {QLatin1String(key.name)}));
+                             {QString::fromLatin1(key.name)}));
     } else if (value.empty()) {
         check.add(line.data(), Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has no value"),
-                                    {QLatin1String(key.name)}));
+                                    {QString::fromLatin1(key.name)}));
     } else if (line.size() > IniLine::maxSize || value.size() > longest) {
         check.add(value.data(), Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The value of %1 is too long"),
-                                     {QLatin1String(key.name)}));
+                                     {QString::fromLatin1(key.name)}));
     } else if (check.isText(value)) {
         key.store(check, key.name, value, info);
     }

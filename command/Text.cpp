@@ -21,11 +21,19 @@ QString filled(const QString& source, const QStringList& arguments) {
 
 } // namespace
 
+Text::Text(const char* source, std::initializer_list<QStringView> arguments) : m_source(source) {
+    for (const QStringView argument : arguments)
+        m_arguments.append(argument.toString());
+}
+
 QString Text::english() const {
-    return m_source ? filled(QString::fromUtf8(m_source), m_arguments) : QString();
+    if (isEmpty())
+        return {};
+    return filled(QString::fromUtf8(m_source), m_arguments);
 }
 
 QString Text::translated() const {
-    return m_source ? filled(QCoreApplication::translate("vq-tl4ctl", m_source), m_arguments)
-                    : QString();
+    if (isEmpty())
+        return {};
+    return filled(QCoreApplication::translate("vq-tl4ctl", m_source), m_arguments);
 }

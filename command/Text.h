@@ -4,6 +4,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <initializer_list>
 #include <utility>
 
 /**
@@ -23,6 +24,7 @@ public:
                           as it is, and so does a place without an argument */
     explicit Text(const char* source, QStringList arguments = {})
         : m_source(source), m_arguments(std::move(arguments)) {}
+    explicit Text(const char* source, std::initializer_list<QStringView> arguments);
 
     bool isEmpty() const { return !m_source; }
     QString english() const;
