@@ -120,12 +120,16 @@ KVA_NETWORKINFO normalized(const KVA_NETWORKINFO& info) {
     return result;
 }
 
+QString resultText(std::int32_t code) {
+    const std::string name = resultName(code);
+    if (name.empty())
+        return QString::number(code);
+    return QString::fromStdString(name);
+}
+
 Text callFailure(const CallResult& result) {
-    const std::string name = resultName(result.code);
-    const QString number = QString::number(result.code);
     return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 answered %2."),
-                {QString::fromLatin1(result.function),
-                 name.empty() ? number : QString::fromStdString(name)});
+                {QString::fromLatin1(result.function), resultText(result.code)});
 }
 
 QString serialText(std::int32_t serialNumber) {
@@ -134,17 +138,17 @@ QString serialText(std::int32_t serialNumber) {
 
 Text openInstrument(InstrumentAccess& access, std::int32_t serialNumber) {
     const InstrumentAccess::Opened opened = access.open(serialNumber);
-    const QStringList serial = {serialText(serialNumber)};
     switch (opened.state) {
     case InstrumentAccess::Opening::Open:
         break;
     case InstrumentAccess::Opening::CallFailed:
         return callFailure(opened.last);
     case InstrumentAccess::Opening::NotListed:
-        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."), serial);
+        return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."),
+                    {serialText(serialNumber)});
     case InstrumentAccess::Opening::ListedTwice:
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is listed more than once."),
-                    serial);
+                    {serialText(serialNumber)});
     case InstrumentAccess::Opening::OtherIdentity:
         return otherIdentity(serialNumber);
     }
@@ -163,7 +167,9 @@ Text readTwice(InstrumentAccess& access, std::int32_t serialNumber, InstrumentSt
     if (function != nullptr)
         return differingAnswers(function);
     const bool isSame = state.device.serialNumber == static_cast<std::uint32_t>(serialNumber);
-    return isSame ? Text() : otherIdentity(serialNumber);
+    if (!isSame)
+        return otherIdentity(serialNumber);
+    return {};
 }
 
 Text requireCalibration(InstrumentAccess& access, const KVA_JIG_CALREFDATA& expected) {

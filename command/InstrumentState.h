@@ -32,6 +32,8 @@ KVA_NETWORKINFO normalized(const KVA_NETWORKINFO& info);
 
 /** "KVA_… answered KVA_ERROR_…". */
 Text callFailure(const CallResult& result);
+/** The name of a result code; its number if it has none. */
+QString resultText(std::int32_t code);
 
 /** A serial number with at least eight decimal digits. */
 QString serialText(std::int32_t serialNumber);

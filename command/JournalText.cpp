@@ -3,40 +3,66 @@
 #include "command/FieldTexts.h"
 #include "command/InstrumentState.h"
 #include "command/Report.h"
-#include "instrument/ResultNames.h"
-
-#include <QJsonArray>
 
 namespace {
 
 QJsonValue timeJson(const std::optional<QDateTime>& time) {
-    return time ? QJsonValue(time->toString(Qt::ISODateWithMs)) : QJsonValue(QJsonValue::Null);
+    if (!time)
+        return QJsonValue::Null;
+    return time->toString(Qt::ISODateWithMs);
 }
 
-QString resultText(std::int32_t code) {
-    const std::string name = resultName(code);
-    return name.empty() ? QString::number(code) : QString::fromStdString(name);
+/** Null for nothing. */
+template <typename Number>
+QJsonValue numberJson(const std::optional<Number>& number) {
+    if (!number)
+        return QJsonValue::Null;
+    return *number;
 }
 
 /** The word for its outcome; "unfinished" if that is not known. */
 QString outcomeOf(const JournalInstrument& part) {
-    return part.isUnfinished || !part.outcome ? QStringLiteral("unfinished") : part.outcome->word;
+    if (part.isUnfinished || !part.outcome)
+        return QStringLiteral("unfinished");
+    return part.outcome->word;
 }
 
 QJsonObject callJson(const JournalCall& call) {
-    const QJsonValue none(QJsonValue::Null);
-    return {{QStringLiteral("step"), call.step},
-            {QStringLiteral("function"), call.function},
-            {QStringLiteral("writes"), call.writes},
-            {QStringLiteral("began"), timeJson(call.began)},
-            {QStringLiteral("result"), call.result ? QJsonValue(resultText(*call.result)) : none},
-            {QStringLiteral("microseconds"),
-             call.microseconds ? QJsonValue(*call.microseconds) : none}};
+    QJsonObject object;
+    object[QStringLiteral("step")] = call.step;
+    object[QStringLiteral("function")] = call.function;
+    object[QStringLiteral("writes")] = call.writes;
+    object[QStringLiteral("began")] = timeJson(call.began);
+    object[QStringLiteral("result")] = QJsonValue::Null;
+    if (call.result)
+        object[QStringLiteral("result")] = resultText(*call.result);
+    object[QStringLiteral("microseconds")] = numberJson(call.microseconds);
+    return object;
 }
 
 QJsonObject summaryOf(const JournalInstrument& part) {
-    return {{QStringLiteral("serialNumber"), serialText(part.serialNumber)},
-            {QStringLiteral("outcome"), outcomeOf(part)}};
+    QJsonObject object;
+    object[QStringLiteral("serialNumber")] = serialText(part.serialNumber);
+    object[QStringLiteral("outcome")] = outcomeOf(part);
+    return object;
+}
+
+QJsonObject verificationJson(const JournalVerification& verification) {
+    QJsonObject object;
+    object[QStringLiteral("at")] = timeJson(verification.at);
+    object[QStringLiteral("outcome")] = verification.word;
+    return object;
+}
+
+void addOutcome(QJsonObject& object, const std::optional<JournalOutcome>& outcome) {
+    object[QStringLiteral("ended")] = QJsonValue::Null;
+    object[QStringLiteral("reason")] = QString();
+    object[QStringLiteral("warnings")] = QJsonArray();
+    if (!outcome)
+        return;
+    object[QStringLiteral("ended")] = timeJson(outcome->ended);
+    object[QStringLiteral("reason")] = outcome->reasons.join(QLatin1Char(' '));
+    object[QStringLiteral("warnings")] = warningsJson(outcome->warnings);
 }
 
 QJsonObject wholeOf(const JournalInstrument& part) {
@@ -47,24 +73,13 @@ QJsonObject wholeOf(const JournalInstrument& part) {
     QJsonArray calls;
     for (const JournalCall& call : part.calls)
         calls.append(callJson(call));
-    QJsonArray warnings;
     QJsonArray verifications;
-    if (part.outcome) {
-        for (const char* name : warningNames(part.outcome->warnings))
-            warnings.append(QString::fromLatin1(name));
-    }
     for (const JournalVerification& verification : part.verifications)
-        verifications.append(QJsonObject{{QStringLiteral("at"), timeJson(verification.at)},
-                                         {QStringLiteral("outcome"), verification.word}});
+        verifications.append(verificationJson(verification));
+    addOutcome(object, part.outcome);
     object[QStringLiteral("began")] = timeJson(part.began);
-    object[QStringLiteral("ended")] =
-        timeJson(part.outcome ? std::make_optional(part.outcome->ended) : std::nullopt);
-    object[QStringLiteral("reason")] =
-        part.outcome ? part.outcome->reasons.join(QLatin1Char(' ')) : QString();
     object[QStringLiteral("changes")] = changes;
-    object[QStringLiteral("snapshot")] =
-        part.snapshotPath.isEmpty() ? QJsonValue(QJsonValue::Null) : QJsonValue(part.snapshotPath);
-    object[QStringLiteral("warnings")] = warnings;
+    object[QStringLiteral("snapshot")] = pathJson(part.snapshotPath);
     object[QStringLiteral("calls")] = calls;
     object[QStringLiteral("verifications")] = verifications;
     return object;
@@ -75,15 +90,27 @@ QJsonObject runJson(const JournalRun& run, const ToJson& toJson) {
     QJsonArray instruments;
     for (const JournalInstrument& part : run.instruments)
         instruments.append(toJson(part));
-    return {{QStringLiteral("run"), run.id},
-            {QStringLiteral("started"), timeJson(run.started)},
-            {QStringLiteral("ended"), timeJson(run.ended)},
-            {QStringLiteral("exitStatus"),
-             run.exitStatus ? QJsonValue(*run.exitStatus) : QJsonValue(QJsonValue::Null)},
-            {QStringLiteral("arguments"), QJsonArray::fromStringList(run.arguments)},
-            {QStringLiteral("user"), run.user},
-            {QStringLiteral("host"), run.host},
-            {QStringLiteral("instruments"), instruments}};
+    QJsonObject object;
+    object[QStringLiteral("run")] = run.id;
+    object[QStringLiteral("started")] = timeJson(run.started);
+    object[QStringLiteral("ended")] = timeJson(run.ended);
+    object[QStringLiteral("exitStatus")] = numberJson(run.exitStatus);
+    object[QStringLiteral("arguments")] = QJsonArray::fromStringList(run.arguments);
+    object[QStringLiteral("user")] = run.user;
+    object[QStringLiteral("host")] = run.host;
+    object[QStringLiteral("instruments")] = instruments;
+    return object;
+}
+
+/** A mark before a call that writes. */
+QString markOf(const JournalCall& call) {
+    return call.writes ? QStringLiteral("*") : QStringLiteral(" ");
+}
+
+QString answerOf(const JournalCall& call) {
+    if (call.result)
+        return resultText(*call.result);
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "(no answer)")).translated();
 }
 
 void printInstrument(const JournalInstrument& part) {
@@ -98,18 +125,25 @@ void printInstrument(const JournalInstrument& part) {
         print(
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "  The state before is in %1"), {part.snapshotPath})
                 .translated());
-    for (const JournalCall& call : part.calls) {
-        const QString result =
-            call.result ? resultText(*call.result)
-                        : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "(no answer)")).translated();
+    for (const JournalCall& call : part.calls)
         print(QStringLiteral("  %1 %2  %3: %4")
-                  .arg(call.writes ? QStringLiteral("*") : QStringLiteral(" "),
-                       FieldTexts::time(call.began), call.function, result));
-    }
+                  .arg(markOf(call), FieldTexts::time(call.began), call.function, answerOf(call)));
     for (const JournalVerification& verification : part.verifications)
         print(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "  %1  looked at again: %2"),
                    {FieldTexts::time(verification.at), verification.word})
                   .translated());
+}
+
+QString endOf(const JournalRun& run) {
+    if (run.ended)
+        return FieldTexts::time(*run.ended);
+    return QStringLiteral("-");
+}
+
+QString exitStatusOf(const JournalRun& run) {
+    if (run.exitStatus)
+        return QString::number(*run.exitStatus);
+    return QStringLiteral("-");
 }
 
 } // namespace
@@ -131,10 +165,13 @@ QJsonObject JournalText::summary(const JournalRun& run) {
 QJsonObject JournalText::whole(const JournalRun& run) {
     QJsonObject object = runJson(run, wholeOf);
     QJsonArray inputs;
-    for (const JournalInput& input : run.inputs)
-        inputs.append(QJsonObject{{QStringLiteral("role"), input.role},
-                                  {QStringLiteral("path"), input.path},
-                                  {QStringLiteral("sha256"), QString::fromLatin1(input.sha256)}});
+    for (const JournalInput& input : run.inputs) {
+        QJsonObject file;
+        file[QStringLiteral("role")] = input.role;
+        file[QStringLiteral("path")] = input.path;
+        file[QStringLiteral("sha256")] = QString::fromLatin1(input.sha256);
+        inputs.append(file);
+    }
     object[QStringLiteral("process")] = run.process;
     object[QStringLiteral("toolVersion")] = run.toolVersion;
     object[QStringLiteral("libraryPath")] = run.libraryPath;
@@ -151,10 +188,8 @@ void JournalText::printWhole(const JournalRun& run) {
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Command:       %1"),
           run.arguments.join(QLatin1Char(' ')));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Began:         %1"), FieldTexts::time(run.started));
-    field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended:         %1"),
-          run.ended ? FieldTexts::time(*run.ended) : QStringLiteral("-"));
-    field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Exit status:   %1"),
-          run.exitStatus ? QString::number(*run.exitStatus) : QStringLiteral("-"));
+    field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ended:         %1"), endOf(run));
+    field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Exit status:   %1"), exitStatusOf(run));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "User, host:    %1"),
           run.user + QStringLiteral(", ") + run.host);
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "vq-tl4ctl:     %1"), run.toolVersion);

@@ -4,7 +4,6 @@
 #include "command/Terminal.h"
 #include "instrument/ResultNames.h"
 
-#include <QJsonArray>
 #include <QJsonDocument>
 
 #include <cstdio>
@@ -73,8 +72,9 @@ QString changeLine(const FieldChange& change) {
 QString changeNote(const FieldChange& change) {
     const bool isMasked =
         change.field == QLatin1String("network.key") && change.oldText == change.newText;
-    return isMasked ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", " (another key)")).translated()
-                    : QString();
+    if (!isMasked)
+        return {};
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", " (another key)")).translated();
 }
 
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value) {
@@ -113,9 +113,24 @@ void sayDifference(std::int32_t serialNumber, const FieldChanges& changes) {
 }
 
 QJsonObject toJson(const FieldChange& change) {
-    return {{QStringLiteral("field"), change.field},
-            {QStringLiteral("old"), change.oldText},
-            {QStringLiteral("new"), change.newText}};
+    QJsonObject object;
+    object[QStringLiteral("field")] = change.field;
+    object[QStringLiteral("old")] = change.oldText;
+    object[QStringLiteral("new")] = change.newText;
+    return object;
+}
+
+QJsonArray warningsJson(std::int32_t warnings) {
+    QJsonArray names;
+    for (const char* name : warningNames(warnings))
+        names.append(QString::fromLatin1(name));
+    return names;
+}
+
+QJsonValue pathJson(const QString& path) {
+    if (path.isEmpty())
+        return QJsonValue::Null;
+    return path;
 }
 
 QJsonObject toJson(const Verdict& verdict) {
@@ -125,16 +140,14 @@ QJsonObject toJson(const Verdict& verdict) {
     QJsonArray changes;
     for (const FieldChange& change : verdict.changes)
         changes.append(toJson(change));
-    QJsonArray warnings;
-    for (const char* name : warningNames(verdict.warnings))
-        warnings.append(QString::fromLatin1(name));
-    return {{QStringLiteral("serialNumber"), serialText(verdict.serialNumber)},
-            {QStringLiteral("outcome"), QString::fromLatin1(outcomeWord(verdict.outcome))},
-            {QStringLiteral("reason"), reasons.join(QLatin1Char(' '))},
-            {QStringLiteral("changes"), changes},
-            {QStringLiteral("snapshot"), verdict.snapshot.isEmpty() ? QJsonValue(QJsonValue::Null)
-                                                                    : QJsonValue(verdict.snapshot)},
-            {QStringLiteral("warnings"), warnings}};
+    QJsonObject object;
+    object[QStringLiteral("serialNumber")] = serialText(verdict.serialNumber);
+    object[QStringLiteral("outcome")] = QString::fromLatin1(outcomeWord(verdict.outcome));
+    object[QStringLiteral("reason")] = reasons.join(QLatin1Char(' '));
+    object[QStringLiteral("changes")] = changes;
+    object[QStringLiteral("snapshot")] = pathJson(verdict.snapshot);
+    object[QStringLiteral("warnings")] = warningsJson(verdict.warnings);
+    return object;
 }
 
 void sayVerdict(const Verdict& verdict) {

@@ -5,6 +5,7 @@
 #include "command/Plausibility.h"
 #include "command/Verdict.h"
 
+#include <QJsonArray>
 #include <QJsonObject>
 #include <QString>
 
@@ -30,6 +31,10 @@ Text implausibleText(const CalibrationAccessory& accessory, const Implausible& v
 void sayDifference(std::int32_t serialNumber, const FieldChanges& changes);
 
 QJsonObject toJson(const FieldChange& change);
+/** The names of the library's warnings. */
+QJsonArray warningsJson(std::int32_t warnings);
+/** Null for an empty path. */
+QJsonValue pathJson(const QString& path);
 QJsonObject toJson(const Verdict& verdict);
 /** The meaning of an outcome, as a sentence. @param serial  of the instrument */
 Text outcomeSentence(Outcome outcome, const QString& serial);

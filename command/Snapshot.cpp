@@ -27,25 +27,29 @@ QJsonObject readableAccessory(const CalibrationAccessory& accessory,
     QJsonArray values;
     for (std::size_t i = 0; i < accessory.valueCount; ++i)
         values.append(FieldTexts::jsonValue(accessory.values(record)[i]));
-    return {
-        {QStringLiteral("serialNumber"), FieldTexts::accessorySerial(record.*accessory.serialNo)},
-        {QStringLiteral("values"), values}};
+    QJsonObject object;
+    object[QStringLiteral("serialNumber")] =
+        FieldTexts::accessorySerial(record.*accessory.serialNo);
+    object[QStringLiteral("values")] = values;
+    return object;
 }
 
 QJsonValue readableNetwork(const std::optional<KVA_NETWORKINFO>& network, bool showKey) {
     if (!network)
         return QJsonValue::Null;
-    const QString key = showKey ? FieldTexts::text(network->EncryptKey, sizeof network->EncryptKey)
-                                : maskedKey(*network);
-    return QJsonObject{
-        {QStringLiteral("wireless"), FieldTexts::onOff(network->APConnectUse)},
-        {QStringLiteral("dhcp"), FieldTexts::onOff(network->DHCPUse)},
-        {QStringLiteral("ipAddress"), FieldTexts::address(network->IPAddress)},
-        {QStringLiteral("subnetMask"), FieldTexts::address(network->SubnetMask)},
-        {QStringLiteral("defaultGateway"), FieldTexts::address(network->DefaultGateway)},
-        {QStringLiteral("dns"), FieldTexts::address(network->DNS)},
-        {QStringLiteral("ssid"), FieldTexts::text(network->SSID, sizeof network->SSID)},
-        {QStringLiteral("key"), key}};
+    QJsonObject object;
+    object[QStringLiteral("wireless")] = FieldTexts::onOff(network->APConnectUse);
+    object[QStringLiteral("dhcp")] = FieldTexts::onOff(network->DHCPUse);
+    object[QStringLiteral("ipAddress")] = FieldTexts::address(network->IPAddress);
+    object[QStringLiteral("subnetMask")] = FieldTexts::address(network->SubnetMask);
+    object[QStringLiteral("defaultGateway")] = FieldTexts::address(network->DefaultGateway);
+    object[QStringLiteral("dns")] = FieldTexts::address(network->DNS);
+    object[QStringLiteral("ssid")] = FieldTexts::text(network->SSID, sizeof network->SSID);
+    object[QStringLiteral("key")] = maskedKey(*network);
+    if (showKey)
+        object[QStringLiteral("key")] =
+            FieldTexts::text(network->EncryptKey, sizeof network->EncryptKey);
+    return object;
 }
 
 template <typename Record>
@@ -76,10 +80,11 @@ QJsonObject contentOf(const Snapshot& snapshot) {
     content[versionKey] = currentVersion;
     content[createdKey] = snapshot.created.toString(Qt::ISODate);
     content[hasKeyKey] = snapshot.hasKey;
-    QJsonObject records = {{QStringLiteral("device"), recordText(state.device)},
-                           {QStringLiteral("wirelessModule"), state.wirelessModule},
-                           {QStringLiteral("powerOffMode"), state.powerOffMode},
-                           {QStringLiteral("calibration"), recordText(state.calibration)}};
+    QJsonObject records;
+    records[QStringLiteral("device")] = recordText(state.device);
+    records[QStringLiteral("wirelessModule")] = state.wirelessModule;
+    records[QStringLiteral("powerOffMode")] = state.powerOffMode;
+    records[QStringLiteral("calibration")] = recordText(state.calibration);
     if (state.network)
         records[QStringLiteral("network")] = recordText(*state.network);
     content[recordsKey] = records;
@@ -131,22 +136,26 @@ Text problemOf(const QJsonObject& content) {
 } // namespace
 
 QString maskedKey(const KVA_NETWORKINFO& info) {
-    return info.EncryptKey[0] == '\0' ? QString() : QStringLiteral("********");
+    if (info.EncryptKey[0] == '\0')
+        return {};
+    return QStringLiteral("********");
 }
 
 QJsonObject readableState(const InstrumentState& state, bool showKey) {
     const KVA_DEVICEINFO& device = state.device;
-    return {{QStringLiteral("serialNumber"),
-             serialText(static_cast<std::int32_t>(device.serialNumber))},
-            {QStringLiteral("firmware"), FieldTexts::firmware(device)},
-            {QStringLiteral("macAddress"), FieldTexts::macAddress(device)},
-            {QStringLiteral("wirelessModule"), state.wirelessModule != 0},
-            {QStringLiteral("network"), readableNetwork(state.network, showKey)},
-            {QStringLiteral("powerOff"), FieldTexts::powerOff(state.powerOffMode)},
-            {QStringLiteral("whitePlate"),
-             readableAccessory(CalibrationAccessory::whitePlate, state.calibration)},
-            {QStringLiteral("ambientAdapter"),
-             readableAccessory(CalibrationAccessory::ambientAdapter, state.calibration)}};
+    QJsonObject object;
+    object[QStringLiteral("serialNumber")] =
+        serialText(static_cast<std::int32_t>(device.serialNumber));
+    object[QStringLiteral("firmware")] = FieldTexts::firmware(device);
+    object[QStringLiteral("macAddress")] = FieldTexts::macAddress(device);
+    object[QStringLiteral("wirelessModule")] = state.wirelessModule != 0;
+    object[QStringLiteral("network")] = readableNetwork(state.network, showKey);
+    object[QStringLiteral("powerOff")] = FieldTexts::powerOff(state.powerOffMode);
+    object[QStringLiteral("whitePlate")] =
+        readableAccessory(CalibrationAccessory::whitePlate, state.calibration);
+    object[QStringLiteral("ambientAdapter")] =
+        readableAccessory(CalibrationAccessory::ambientAdapter, state.calibration);
+    return object;
 }
 
 Snapshot Snapshot::of(const InstrumentState& state) {
@@ -190,8 +199,10 @@ Text Snapshot::writeTo(const QString& folder, QString& path) const {
     const QByteArray content = toJson();
     bool isTaken = true;
     for (int counter = 1; isTaken; ++counter) {
-        const QString suffix = counter == 1 ? QString() : QStringLiteral("-%1").arg(counter);
-        path = name + suffix + QStringLiteral(".json");
+        path = name;
+        if (counter > 1)
+            path += QStringLiteral("-%1").arg(counter);
+        path += QStringLiteral(".json");
         Text problem = DurableFile::create(path, content, isTaken);
         if (!problem.isEmpty())
             return problem;

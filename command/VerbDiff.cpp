@@ -53,7 +53,9 @@ std::optional<Side> readSide(const QString& name, Faults& faults) {
 }
 
 Text readInstrumentOf(Side& side, CallWatch& watch) {
-    return side.serialNumber ? readInstrument(watch, *side.serialNumber, side.state) : Text();
+    if (!side.serialNumber)
+        return {};
+    return readInstrument(watch, *side.serialNumber, side.state);
 }
 
 Text compare(const Side& left, const Side& right, FieldChanges& changes) {
@@ -98,7 +100,9 @@ ExitStatus diff(const DiffOptions& options) {
         else
             print(changeLine(change));
     }
+    QJsonObject object;
+    object[QStringLiteral("changes")] = array;
     if (options.asJson)
-        print(QJsonObject{{QStringLiteral("changes"), array}});
+        print(object);
     return changes.empty() ? Done : DifferentStatus;
 }

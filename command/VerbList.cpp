@@ -15,12 +15,19 @@ QString portText(const KVA_PORTINFO& port) {
                                static_cast<int>(::strnlen(port.portName, sizeof port.portName)));
 }
 
+QJsonObject toJson(const KVA_PORTINFO& port, bool isUnfinished) {
+    QJsonObject object;
+    object[QStringLiteral("serialNumber")] = serialText(port.serialNumber);
+    object[QStringLiteral("port")] = portText(port);
+    object[QStringLiteral("unfinished")] = isUnfinished;
+    return object;
+}
+
 void printLine(const KVA_PORTINFO& port, bool isUnfinished) {
-    const QStringList arguments = {serialText(port.serialNumber), portText(port)};
-    print((isUnfinished
-               ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1  %2  (an unfinished write)"), arguments)
-               : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1  %2"), arguments))
-              .translated());
+    const char* source = isUnfinished
+                             ? QT_TRANSLATE_NOOP("vq-tl4ctl", "%1  %2  (an unfinished write)")
+                             : QT_TRANSLATE_NOOP("vq-tl4ctl", "%1  %2");
+    print(Text(source, {serialText(port.serialNumber), portText(port)}).translated());
 }
 
 } // namespace
@@ -37,9 +44,7 @@ ExitStatus list(const ListOptions& options) {
     for (const KVA_PORTINFO& port : ports) {
         const bool isUnfinished = UnfinishedMark(port.serialNumber).exists();
         if (options.asJson)
-            print(QJsonObject{{QStringLiteral("serialNumber"), serialText(port.serialNumber)},
-                              {QStringLiteral("port"), portText(port)},
-                              {QStringLiteral("unfinished"), isUnfinished}});
+            print(toJson(port, isUnfinished));
         else
             printLine(port, isUnfinished);
     }

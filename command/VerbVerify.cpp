@@ -49,7 +49,7 @@ std::optional<Snapshot> leftBehind(const JournalInstrument& part) {
 
 /** Compares what the instrument holds with what was written last. */
 void compare(const InstrumentState& held, const InstrumentState& written, Finding& finding) {
-    const QStringList serial = {serialText(finding.serialNumber)};
+    const QString serial = serialText(finding.serialNumber);
     const Parts parts = differingParts(written, held);
     finding.changes = difference(written, held);
     const bool isWaiting =
@@ -59,25 +59,25 @@ void compare(const InstrumentState& held, const InstrumentState& written, Findin
         finding.sentence =
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: held. It answers what was written last, in "
                                                 "every byte."),
-                 serial);
+                 {serial});
     } else if (isWaiting && parts.network && !parts.calibration && !parts.powerOff) {
         finding.word = "waits";
         finding.sentence =
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: waits. Its network settings come into use "
                                                 "when it has been switched off and on."),
-                 serial);
+                 {serial});
     } else {
         finding.word = "differs";
         finding.sentence = Text(
             QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: differs. It does not hold what was written last."),
-            serial);
+            {serial});
     }
 }
 
 Finding verifyOne(JournalReader& reader, std::int32_t serialNumber) {
     Finding finding;
     finding.serialNumber = serialNumber;
-    const QStringList serial = {serialText(serialNumber)};
+    const QString serial = serialText(serialNumber);
     const UnfinishedMark mark(serialNumber);
     finding.sentence = reader.lastWritten(serialNumber, finding.part);
     if (!finding.sentence.isEmpty())
@@ -87,43 +87,52 @@ Finding verifyOne(JournalReader& reader, std::int32_t serialNumber) {
         finding.sentence =
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unfinished. An earlier write did not end: "
                                                 "run vq-tl4ctl recover."),
-                 serial);
+                 {serial});
         return finding;
     }
     if (!finding.part) {
         finding.word = "unwritten";
         finding.sentence =
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unwritten. The journal has no write to it."),
-                 serial);
+                 {serial});
         return finding;
     }
     const auto written = leftBehind(*finding.part);
     CallWatch watch;
     InstrumentState held;
-    finding.sentence =
-        written
-            ? readInstrument(watch, serialNumber, held)
-            : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: its snapshot in the journal is damaged."),
-                   serial);
+    if (!written) {
+        finding.sentence =
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: its snapshot in the journal is damaged."),
+                 {serial});
+        return finding;
+    }
+    finding.sentence = readInstrument(watch, serialNumber, held);
     if (finding.sentence.isEmpty())
         compare(held, written->state, finding);
     return finding;
 }
 
+QJsonObject toJson(const Finding& finding) {
+    QJsonArray changes;
+    for (const FieldChange& change : finding.changes)
+        changes.append(::toJson(change));
+    QJsonObject object;
+    object[QStringLiteral("serialNumber")] = serialText(finding.serialNumber);
+    object[QStringLiteral("outcome")] = QString::fromLatin1(finding.word);
+    object[QStringLiteral("reason")] = finding.sentence.english();
+    object[QStringLiteral("run")] = QJsonValue::Null;
+    if (finding.part)
+        object[QStringLiteral("run")] = finding.part->run;
+    object[QStringLiteral("changes")] = changes;
+    return object;
+}
+
 void report(const Finding& finding, bool asJson) {
     sayToUser(finding.sentence);
-    QJsonArray changes;
-    for (const FieldChange& change : finding.changes) {
+    for (const FieldChange& change : finding.changes)
         sayToUser(changeLine(change));
-        changes.append(toJson(change));
-    }
     if (asJson)
-        print(QJsonObject{{QStringLiteral("serialNumber"), serialText(finding.serialNumber)},
-                          {QStringLiteral("outcome"), QString::fromLatin1(finding.word)},
-                          {QStringLiteral("reason"), finding.sentence.english()},
-                          {QStringLiteral("run"), finding.part ? QJsonValue(finding.part->run)
-                                                               : QJsonValue(QJsonValue::Null)},
-                          {QStringLiteral("changes"), changes}});
+        print(toJson(finding));
 }
 
 /** Adds the attached instruments. One that was written to and is not attached is added too if all
