@@ -24,7 +24,9 @@ QByteArray readAnswer() {
             return {};
         answer += character;
     }
-    return answer.endsWith('\n') ? answer.trimmed().toLower() : QByteArray();
+    if (!answer.endsWith('\n'))
+        return {};
+    return answer.trimmed().toLower();
 }
 
 } // namespace

@@ -41,7 +41,9 @@ QString DataFolder::lockFile() {
 }
 
 QString DataFolder::journal() {
-    return namedJournal().isEmpty() ? usualJournal() : namedJournal();
+    if (!namedJournal().isEmpty())
+        return namedJournal();
+    return usualJournal();
 }
 
 QString DataFolder::usualJournal() {

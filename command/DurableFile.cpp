@@ -74,6 +74,13 @@ QByteArray writeBeside(const QString& path, const QByteArray& content) {
     return name;
 }
 
+/** Empty on success. @param path  what was changed in the folder */
+Text syncedFolder(const QString& folder, const QString& path) {
+    if (!syncFolder(folder))
+        return DurableFile::writeFailure(path, errno);
+    return {};
+}
+
 } // namespace
 
 Text DurableFile::writeFailure(const QString& path, int error) {
@@ -100,7 +107,7 @@ Text DurableFile::create(const QString& path, const QByteArray& content, bool& i
     }
     if (!named)
         return writeFailure(path, error);
-    return syncFolder(folder) ? Text() : writeFailure(path, errno);
+    return syncedFolder(folder, path);
 }
 
 Text DurableFile::remove(const QString& path) {
@@ -109,7 +116,7 @@ Text DurableFile::remove(const QString& path) {
     const QString folder = QFileInfo(path).path();
     if (!QFileInfo::exists(folder))
         return {};
-    return syncFolder(folder) ? Text() : writeFailure(path, errno);
+    return syncedFolder(folder, path);
 }
 
 Text DurableFile::makeFolder(const QString& path) {
@@ -123,5 +130,5 @@ Text DurableFile::makeFolder(const QString& path) {
     }
     if (::mkdir(QFile::encodeName(path).constData(), 0700) != 0 && errno != EEXIST)
         return writeFailure(path, errno);
-    return syncFolder(parent) ? Text() : writeFailure(path, errno);
+    return syncedFolder(parent, path);
 }

@@ -39,14 +39,18 @@ QString bitPattern(float value) {
 
 QString FieldTexts::value(float value) {
     const QByteArray number = shortestDecimal(value);
-    return number.isEmpty() ? bitPattern(value) : QString::fromLatin1(number);
+    if (number.isEmpty())
+        return bitPattern(value);
+    return QString::fromLatin1(number);
 }
 
 QJsonValue FieldTexts::jsonValue(float value) {
     // Qt's JSON writer has no -0.
     const bool isNegativeZero = value == 0.0F && std::signbit(value);
-    const QByteArray number = isNegativeZero ? QByteArray() : shortestDecimal(value);
-    return number.isEmpty() ? QJsonValue(bitPattern(value)) : QJsonValue(number.toDouble());
+    const QByteArray number = shortestDecimal(value);
+    if (number.isEmpty() || isNegativeZero)
+        return bitPattern(value);
+    return number.toDouble();
 }
 
 QString FieldTexts::accessorySerial(const std::uint8_t (&serialNo)[4]) {
@@ -54,14 +58,14 @@ QString FieldTexts::accessorySerial(const std::uint8_t (&serialNo)[4]) {
 }
 
 const QStringList& FieldTexts::powerOffWords() {
-    static const QStringList words = {QStringLiteral("off"), QStringLiteral("15"),
-                                      QStringLiteral("30"), QStringLiteral("60")};
+    static const QStringList words = QStringLiteral("off 15 30 60").split(QLatin1Char(' '));
     return words;
 }
 
 QString FieldTexts::powerOff(std::uint8_t mode) {
-    return mode < powerOffWords().size() ? powerOffWords()[mode]
-                                         : QStringLiteral("mode %1").arg(mode);
+    if (mode < powerOffWords().size())
+        return powerOffWords()[mode];
+    return QStringLiteral("mode %1").arg(mode);
 }
 
 QString FieldTexts::onOff(std::uint32_t flag) {
@@ -99,13 +103,15 @@ const char* FieldTexts::parseAddress(std::string_view text, std::uint8_t* octets
 
 QString FieldTexts::text(const char* field, std::size_t size) {
     const QByteArray bytes(field, static_cast<int>(::strnlen(field, size)));
-    const QString text = QString::fromUtf8(bytes);
+    QString text = QString::fromUtf8(bytes);
     const bool isPrintable = std::all_of(text.begin(), text.end(), [](QChar character) {
         return character.isPrint() || character.isSurrogate();
     });
     // A text that looks like bytes is written as bytes, so that the two differ.
     const bool isText = text.toUtf8() == bytes && isPrintable && !bytes.startsWith("0x");
-    return isText ? text : QStringLiteral("0x") + QString::fromLatin1(bytes.toHex());
+    if (isText)
+        return text;
+    return QStringLiteral("0x") + QString::fromLatin1(bytes.toHex());
 }
 
 QString FieldTexts::firmware(const KVA_DEVICEINFO& device) {

@@ -12,7 +12,7 @@ namespace {
 
 QStringList texts(const QVariant& json) {
     QStringList result;
-    for (const QJsonValue& text : QJsonDocument::fromJson(json.toString().toUtf8()).array())
+    for (const QJsonValue text : QJsonDocument::fromJson(json.toString().toUtf8()).array())
         result.append(text.toString());
     return result;
 }

@@ -70,7 +70,8 @@ bool ManyOrders::isConfirmed() {
         if (!mayAsk || verdict.outcome != Outcome::WouldChange)
             continue;
         verdict.outcome = Outcome::Refused;
-        verdict.reasons = {Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The change was not confirmed."))};
+        verdict.reasons.assign(
+            1, Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The change was not confirmed.")));
     }
     keepAll(found);
     return false;

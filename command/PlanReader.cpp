@@ -99,9 +99,11 @@ char PlanReader::delimiterOf(std::string_view content) {
 // ---- Faults
 
 QString PlanReader::cellName(std::size_t column) const {
-    const QString letters = columnLetters(column);
+    QString letters = columnLetters(column);
     const bool hasName = column < m_names.size() && !m_names[column].isEmpty();
-    return hasName ? QStringLiteral("%1 (%2)").arg(letters, m_names[column]) : letters;
+    if (hasName)
+        return QStringLiteral("%1 (%2)").arg(letters, m_names[column]);
+    return letters;
 }
 
 Fault PlanReader::faultAt(const Place& place, Text text) const {

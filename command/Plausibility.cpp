@@ -221,13 +221,12 @@ Text whyUnlike(double value, double expected) {
 
 Implausible implausible(const Row& row, const Row& held, const NeighbourCheck::Finding& finding) {
     const std::size_t i = finding.index;
-    Text expected =
-        held.empty()
-            ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "about %1"), {numberText(finding.expected)})
-            : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "about %1; the instrument holds %2"),
-                   {numberText(finding.expected), numberText(held[i])});
-    return {i, static_cast<float>(row[i]), whyUnlike(row[i], finding.expected),
-            std::move(expected)};
+    const QString about = numberText(finding.expected);
+    Text expected(QT_TRANSLATE_NOOP("vq-tl4ctl", "about %1"), {about});
+    if (!held.empty())
+        expected = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "about %1; the instrument holds %2"),
+                        {about, numberText(held[i])});
+    return {i, static_cast<float>(row[i]), whyUnlike(row[i], finding.expected), expected};
 }
 
 } // namespace

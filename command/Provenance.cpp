@@ -13,7 +13,9 @@
 
 QString Provenance::user() {
     const struct passwd* entry = ::getpwuid(::geteuid());
-    return entry != nullptr ? QString::fromLocal8Bit(entry->pw_name) : QString::number(::geteuid());
+    if (entry == nullptr)
+        return QString::number(::geteuid());
+    return QString::fromLocal8Bit(entry->pw_name);
 }
 
 QString Provenance::host() {

@@ -38,7 +38,7 @@ Verdict Run::lookAt(const Order& order, TransactionObserver& observer) {
     if (!m_problem.isEmpty()) {
         Verdict verdict;
         verdict.serialNumber = order.serialNumber;
-        verdict.reasons = {m_problem};
+        verdict.reasons.push_back(m_problem);
         return verdict;
     }
     Order dry = order;
@@ -65,7 +65,9 @@ void Run::note(const Verdict& verdict) {
 
 ExitStatus Run::end(ExitStatus least) {
     m_status = graver(m_status, least);
-    const Text problem = m_journal ? m_journal->endRun(m_status) : Text();
+    Text problem;
+    if (m_journal)
+        problem = m_journal->endRun(m_status);
     if (!problem.isEmpty())
         sayToUser(problem);
     return m_status;

@@ -101,8 +101,9 @@ void RunScreen::show() const {
     const auto filled = static_cast<int>(width * m_done / m_count);
     const QString bar = QStringLiteral("[%1]").arg(
         QString(filled, QLatin1Char('#')).leftJustified(int{width}, QLatin1Char('-')));
-    QStringList parts = {bar, QStringLiteral("%1/%2").arg(m_done + 1).arg(m_count),
-                         serialText(m_serialNumber), m_step, timeLeft()};
+    QStringList parts;
+    parts << bar << QStringLiteral("%1/%2").arg(m_done + 1).arg(m_count)
+          << serialText(m_serialNumber) << m_step << timeLeft();
     parts.removeAll({});
     Terminal::setStatus(parts.join(QStringLiteral("  ")));
 }

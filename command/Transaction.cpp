@@ -25,11 +25,11 @@ Verdict Transaction::run() {
                          {"find-difference", &Transaction::findDifference}},
                         Until::Interrupted);
     if (!problem.isEmpty())
-        return end(Outcome::Refused, {problem});
+        return endSaying(Outcome::Refused, problem);
     if (!m_parts.any())
-        return end(Outcome::Unchanged, {});
+        return end(Outcome::Unchanged);
     if (m_order.isDryRun)
-        return end(Outcome::WouldChange, {});
+        return end(Outcome::WouldChange);
 
     problem = make({{"ask", &Transaction::ask},
                     {"keep-snapshot", &Transaction::keepSnapshot},
@@ -44,7 +44,7 @@ Verdict Transaction::run() {
                        Until::Interrupted);
     }
     if (!problem.isEmpty() && !m_mayBeWritten.any())
-        return end(Outcome::Refused, {problem});
+        return endSaying(Outcome::Refused, problem);
 
     Interrupt::setPhase(Interrupt::Phase::TakingBack);
     if (problem.isEmpty())
@@ -52,22 +52,22 @@ Verdict Transaction::run() {
     if (!problem.isEmpty())
         return takeBack(problem);
     if (!m_networkWaits)
-        return end(m_order.takesBack ? Outcome::RolledBack : Outcome::Verified, {});
-    return end(Outcome::Waits,
-               {Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                       "The network settings are stored, and the instrument still "
-                                       "answers the old ones, as it may until it has been switched "
-                                       "off and on."))});
+        return end(m_order.takesBack ? Outcome::RolledBack : Outcome::Verified);
+    return endSaying(Outcome::Waits,
+                     Text(QT_TRANSLATE_NOOP(
+                         "vq-tl4ctl", "The network settings are stored, and the instrument still "
+                                      "answers the old ones, as it may until it has been switched "
+                                      "off and on.")));
 }
 
 Verdict Transaction::takeBack(const Text& failure) {
     if (m_wasUnfinished)
-        return end(Outcome::Unknown, {failure, nextStep()});
+        return endSaying(Outcome::Unknown, failure, nextStep());
     if (!m_order.rollsBack)
-        return end(Outcome::Unknown,
-                   {failure,
-                    Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "It was left as it is, as was asked.")),
-                    nextStep()});
+        return endSaying(
+            Outcome::Unknown, failure,
+            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "It was left as it is, as was asked.")),
+            nextStep());
     m_target = &m_held;
     m_parts = m_mayBeWritten;
     Text problem = make({{"reconnect", &Transaction::reconnect},
@@ -77,14 +77,13 @@ Verdict Transaction::takeBack(const Text& failure) {
                          {"verify-put-back", &Transaction::verifyHeld}},
                         Until::Done);
     if (problem.isEmpty())
-        return end(Outcome::RolledBack, {failure});
-    return end(Outcome::Unknown,
-               {failure,
-                Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The old state could not be put back.")),
-                problem, nextStep()});
+        return endSaying(Outcome::RolledBack, failure);
+    return endSaying(Outcome::Unknown, failure,
+                     Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The old state could not be put back.")),
+                     problem, nextStep());
 }
 
-Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
+Verdict Transaction::end(Outcome outcome) {
     // A connection lost from here on does not change the outcome.
     m_log.stepBegins("end");
     m_access.reset();
@@ -92,7 +91,6 @@ Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
                           (outcome == Outcome::RolledBack && m_order.takesBack);
     const bool isSettled = outcome != Outcome::Unknown && (m_wasUnfinished ? hasEnded : m_isMarked);
     m_verdict.outcome = outcome;
-    m_verdict.reasons.insert(m_verdict.reasons.end(), reasons.begin(), reasons.end());
     m_verdict.warnings = m_watch.warnings();
     const Text unkept = m_log.ends(m_verdict, isSettled);
     if (!unkept.isEmpty())
@@ -102,7 +100,9 @@ Verdict Transaction::end(Outcome outcome, std::vector<Text> reasons) {
         m_verdict.outcome = Outcome::Unknown;
         m_verdict.reasons.push_back(nextStep());
     }
-    const Text unremoved = unkept.isEmpty() && isSettled ? m_mark.removeFile() : Text();
+    Text unremoved;
+    if (unkept.isEmpty() && isSettled)
+        unremoved = m_mark.removeFile();
     if (!unremoved.isEmpty())
         m_verdict.reasons.push_back(unremoved);
     return m_verdict;
@@ -167,7 +167,9 @@ Text Transaction::refuseUnfit() {
                                       "All bytes of the calibration record to be written are 0x00 "
                                       "or 0xFF: that is no record."));
     Text problem = refuseNetwork();
-    return problem.isEmpty() ? refuseLowBattery() : problem;
+    if (problem.isEmpty())
+        problem = refuseLowBattery();
+    return problem;
 }
 
 Text Transaction::refuseNetwork() const {
@@ -207,22 +209,21 @@ Text Transaction::judgePlausibility() {
         for (const Implausible& value : findImplausible(accessory, file.values.data(), held)) {
             m_observer.foundImplausible(accessory, value);
             const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
-            fields.append(
-                QStringLiteral("%1.values[%2]")
-                    .arg(isPlate ? QStringLiteral("whitePlate") : QStringLiteral("ambientAdapter"))
-                    .arg(value.index));
+            fields.append(QStringLiteral("%1.values[%2]")
+                              .arg(QLatin1String(isPlate ? "whitePlate" : "ambientAdapter"))
+                              .arg(value.index));
         }
     }
     if (fields.isEmpty())
         return {};
-    const QStringList list = {fields.join(QStringLiteral(", "))};
+    const QString list = fields.join(QStringLiteral(", "));
     if (!m_order.acceptsImplausible)
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                       "Implausible values: %1. If they are right, accept them "
                                       "with --accept-implausible."),
-                    list);
-    m_verdict.reasons.emplace_back(
-        QT_TRANSLATE_NOOP("vq-tl4ctl", "Implausible values were accepted: %1."), list);
+                    {list});
+    m_verdict.reasons.push_back(
+        Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Implausible values were accepted: %1."), {list}));
     return {};
 }
 
@@ -243,9 +244,9 @@ Text Transaction::findDifference() {
 }
 
 Text Transaction::ask() {
-    return m_observer.confirms()
-               ? Text()
-               : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The change was not confirmed."));
+    if (m_observer.confirms())
+        return {};
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The change was not confirmed."));
 }
 
 Text Transaction::keepSnapshot() {
@@ -261,7 +262,9 @@ Text Transaction::fetchOnceMore() {
     if (!m_parts.calibration)
         return {};
     Text problem = requireCalibration(*m_access, m_held.calibration);
-    return problem.isEmpty() ? refuseLowBattery() : problem;
+    if (problem.isEmpty())
+        problem = refuseLowBattery();
+    return problem;
 }
 
 Text Transaction::markUnfinished() {

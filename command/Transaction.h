@@ -98,7 +98,12 @@ private:
 
     Text refuseLowBattery() const;
     Verdict takeBack(const Text& failure);
-    Verdict end(Outcome outcome, std::vector<Text> reasons);
+    Verdict end(Outcome outcome);
+    template <typename... Reasons>
+    Verdict endSaying(Outcome outcome, const Reasons&... reasons) {
+        (m_verdict.reasons.push_back(reasons), ...);
+        return end(outcome);
+    }
     Text nextStep() const;
 
     const Order& m_order;

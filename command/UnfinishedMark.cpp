@@ -22,12 +22,17 @@ QString quotedForShell(const QString& path) {
     return QLatin1Char('\'') + quoted + QLatin1Char('\'');
 }
 
+/** Empty for the usual journal, which a command need not name. */
+QString nameForUser(const QString& journal) {
+    if (journal == DataFolder::usualJournal())
+        return {};
+    return journal;
+}
+
 } // namespace
 
 UnfinishedMark::UnfinishedMark(std::int32_t serialNumber, JournalDatabase* database)
-    : m_serialNumber(serialNumber),
-      m_journal(DataFolder::journal() == DataFolder::usualJournal() ? QString()
-                                                                    : DataFolder::journal()) {
+    : m_serialNumber(serialNumber), m_journal(nameForUser(DataFolder::journal())) {
     lookIntoFile();
     lookInto(DataFolder::journal(), database);
     // `--journal` does not hide a mark in the usual journal.
@@ -45,8 +50,11 @@ void UnfinishedMark::lookIntoFile() {
 
 void UnfinishedMark::lookInto(const QString& journal, JournalDatabase* database) {
     Text problem;
-    const auto reader = database != nullptr ? std::make_unique<JournalReader>(*database)
-                                            : JournalReader::open(journal, problem);
+    std::unique_ptr<JournalReader> reader;
+    if (database != nullptr)
+        reader = std::make_unique<JournalReader>(*database);
+    else
+        reader = JournalReader::open(journal, problem);
     std::vector<JournalInstrument> parts;
     if (reader)
         problem = reader->unfinished(m_serialNumber, parts);
@@ -55,7 +63,7 @@ void UnfinishedMark::lookInto(const QString& journal, JournalDatabase* database)
         m_exists = true;
     } else if (!parts.empty()) {
         m_exists = true;
-        m_journal = journal == DataFolder::usualJournal() ? QString() : journal;
+        m_journal = nameForUser(journal);
         // The state before the first part: the later ones began from an unknown state.
         if (m_snapshot.isEmpty())
             m_snapshot = parts.front().snapshotPath;
@@ -67,9 +75,9 @@ Text UnfinishedMark::removeFile() const {
 }
 
 QString UnfinishedMark::withJournal(const QString& command) const {
-    return m_journal.isEmpty()
-               ? command
-               : command + QStringLiteral(" --journal ") + quotedForShell(m_journal);
+    if (m_journal.isEmpty())
+        return command;
+    return command + QStringLiteral(" --journal ") + quotedForShell(m_journal);
 }
 
 Text UnfinishedMark::told() const {
@@ -82,6 +90,9 @@ Text UnfinishedMark::told() const {
 
 QString UnfinishedMark::restoreCommand(const QString& snapshot) const {
     const QString path = m_snapshot.isEmpty() ? snapshot : m_snapshot;
+    QString file = QStringLiteral("SNAPSHOT");
+    if (!path.isEmpty())
+        file = quotedForShell(path);
     return withJournal(QStringLiteral("vq-tl4ctl restore %1 ").arg(serialText(m_serialNumber)) +
-                       (path.isEmpty() ? QStringLiteral("SNAPSHOT") : quotedForShell(path)));
+                       file);
 }

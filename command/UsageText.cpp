@@ -48,8 +48,9 @@ public:
         const std::string group = "Subcommands";
         std::string text = CLI::Formatter::make_subcommands(app, mode);
         const std::size_t place = text.find(group + ":\n");
-        return place == std::string::npos ? text
-                                          : text.replace(place, group.size(), get_label(group));
+        if (place != std::string::npos)
+            text.replace(place, group.size(), get_label(group));
+        return text;
     }
 };
 
@@ -74,13 +75,12 @@ std::shared_ptr<CLI::Formatter> UsageText::formatter() {
 }
 
 std::string UsageText::failure(const CLI::App* app, const CLI::Error& error) {
-    const QString message = QString::fromLocal8Bit(error.what());
+    QString message = QString::fromLocal8Bit(error.what());
     const Text text = textOf(message);
+    if (!text.isEmpty())
+        message = text.translated();
     const QString help = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run with %1 for more information."),
                               {QString::fromStdString(app->get_help_ptr()->get_name())})
                              .translated();
-    return ((text.isEmpty() ? message : text.translated()) + QLatin1Char('\n') + help +
-            QLatin1Char('\n'))
-        .toLocal8Bit()
-        .toStdString();
+    return (message + QLatin1Char('\n') + help + QLatin1Char('\n')).toLocal8Bit().toStdString();
 }

@@ -14,9 +14,10 @@ void addValues(const QString& path, const CalibrationAccessory& accessory, const
     if (path.isEmpty())
         return;
     const auto file = InputFile::read(path, faults);
-    if (file)
-        inputs.push_back(journalInput(QString::fromLatin1(role), *file));
-    const auto values = file ? ValueFile::check(*file, accessory, faults) : std::nullopt;
+    if (!file)
+        return;
+    inputs.push_back(journalInput(QString::fromLatin1(role), *file));
+    const auto values = ValueFile::check(*file, accessory, faults);
     if (values)
         change.accessories.push_back(*values);
 }
@@ -84,7 +85,8 @@ ExitStatus applyPlan(const ApplyOptions& options) {
     const ExitStatus status = requirePlan(options.plan, false, *only, checked);
     if (status != Done)
         return status;
-    std::vector<JournalInput> inputs = {Plan::journalInput(checked.file)};
+    std::vector<JournalInput> inputs;
+    inputs.push_back(Plan::journalInput(checked.file));
     std::vector<Order> orders;
     for (PlanRow& row : checked.plan.rows) {
         inputs.insert(inputs.end(), row.inputs.begin(), row.inputs.end());
@@ -101,11 +103,12 @@ std::vector<Text> problemsOf(const std::vector<std::int32_t>& serials,
     std::vector<Text> problems;
     for (auto serial = serials.begin(); serial != serials.end(); ++serial) {
         if (std::find(attached.begin(), attached.end(), *serial) == attached.end())
-            problems.emplace_back(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."),
-                                  QStringList{serialText(*serial)});
+            problems.push_back(
+                Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."),
+                     {serialText(*serial)}));
         if (std::find(serials.begin(), serial, *serial) != serial)
-            problems.emplace_back(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is named twice."),
-                                  QStringList{serialText(*serial)});
+            problems.push_back(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is named twice."),
+                                    {serialText(*serial)}));
     }
     if (serials.size() < 2)
         return problems;

@@ -7,18 +7,17 @@ namespace {
 
 /** The kind of a valid file, as a sentence; empty if the file has faults. */
 Text checkFile(const QString& path, Faults& faults) {
-    const QStringList name = {path};
     const auto file = InputFile::read(path, faults);
     if (!file)
         return {};
     switch (kindOf(*file)) {
     case FileKind::Settings:
         if (SettingsFile::check(*file, faults))
-            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: network settings, no fault"), name);
+            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: network settings, no fault"), {path});
         break;
     case FileKind::Snapshot:
         if (Snapshot::check(*file, faults))
-            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a snapshot, no fault"), name);
+            return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a snapshot, no fault"), {path});
         break;
     case FileKind::Plan:
         if (const auto plan = Plan::check(*file, {}, faults)) {
@@ -30,12 +29,11 @@ Text checkFile(const QString& path, Faults& faults) {
         const CalibrationAccessory& accessory = ValueFile::likelyAccessory(*file);
         const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
         if (ValueFile::check(*file, accessory, faults))
-            return isPlate ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                                    "%1: values of a white plate, no fault"),
-                                  name)
-                           : Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                                    "%1: values of an ambient adapter, no fault"),
-                                  name);
+            return Text(
+                isPlate
+                    ? QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: values of a white plate, no fault")
+                    : QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: values of an ambient adapter, no fault"),
+                {path});
         break;
     }
     return {};

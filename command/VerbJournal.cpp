@@ -15,10 +15,12 @@ ExitStatus refuse(const Text& problem) {
 /** A date means local midnight; a time without a zone is local. */
 std::optional<QDateTime> parseTime(const QString& text) {
     const QDate day = QDate::fromString(text, Qt::ISODate);
-    const QDateTime time = day.isValid() && text.size() == 10
-                               ? day.startOfDay()
-                               : QDateTime::fromString(text, Qt::ISODate);
-    return time.isValid() ? std::optional<QDateTime>(time) : std::nullopt;
+    QDateTime time = QDateTime::fromString(text, Qt::ISODate);
+    if (day.isValid() && text.size() == 10)
+        time = day.startOfDay();
+    if (!time.isValid())
+        return std::nullopt;
+    return time;
 }
 
 } // namespace
@@ -91,5 +93,7 @@ ExitStatus journalSnapshot(const JournalSnapshotOptions& options) {
         return RefusedStatus;
     }
     problem = createFile(options.file, part->before);
-    return problem.isEmpty() ? Done : refuse(problem);
+    if (!problem.isEmpty())
+        return refuse(problem);
+    return Done;
 }

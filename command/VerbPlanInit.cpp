@@ -21,17 +21,21 @@ QByteArray lineOf(const QStringList& cells) {
 /** The text as a cell; empty, which changes nothing, if a spreadsheet or the plan's reader would
     change the text, for instance because it begins like a formula. */
 QString textCell(const char* field, std::size_t size) {
-    const QString text = FieldTexts::text(field, size);
+    QString text = FieldTexts::text(field, size);
     const QByteArray bytes = text.toUtf8();
     const bool isWhole = bytes == QByteArray(field, static_cast<int>(::strnlen(field, size)));
     const bool isFormula = !text.isEmpty() && QStringLiteral("=+-@'").contains(text[0]);
     const std::string_view cell(bytes.constData(), static_cast<std::size_t>(bytes.size()));
-    return isWhole && !isFormula && !PlanCells::isShortenedNumber(cell) ? text : QString();
+    if (!isWhole || isFormula || PlanCells::isShortenedNumber(cell))
+        return {};
+    return text;
 }
 
 /** "on" or "off"; empty for any other value. */
 QString flagCell(std::uint32_t flag) {
-    return flag > 1 ? QString() : FieldTexts::onOff(flag);
+    if (flag > 1)
+        return {};
+    return FieldTexts::onOff(flag);
 }
 
 /** Why a plan with the instrument's own addresses would be refused; empty where it would not. */
@@ -41,12 +45,9 @@ Text addressFault(const KVA_NETWORKINFO& info) {
     return changedAddressFault(other, info);
 }
 
-/** The four columns of addresses; empty where they are not used, or would be refused. */
-QStringList addressCells(const KVA_NETWORKINFO& info) {
-    if (info.DHCPUse != eDHCP_OFF || !addressFault(info).isEmpty())
-        return {QString(), QString(), QString(), QString()};
-    return {FieldTexts::address(info.IPAddress), FieldTexts::address(info.SubnetMask),
-            FieldTexts::address(info.DefaultGateway), FieldTexts::address(info.DNS)};
+/** Whether the row names the addresses: not where they are not used, or would be refused. */
+bool namesAddresses(const KVA_NETWORKINFO& info) {
+    return info.DHCPUse == eDHCP_OFF && addressFault(info).isEmpty();
 }
 
 /** The cells in the order of `planColumns`, from the one after the serial number to the power-off
@@ -56,13 +57,18 @@ QStringList cellsOf(const InstrumentState& state) {
     if (state.network) {
         const KVA_NETWORKINFO& info = *state.network;
         cells << flagCell(info.APConnectUse) << textCell(info.SSID, sizeof info.SSID) << QString()
-              << flagCell(info.DHCPUse) << addressCells(info);
+              << flagCell(info.DHCPUse);
+        if (namesAddresses(info))
+            cells << FieldTexts::address(info.IPAddress) << FieldTexts::address(info.SubnetMask)
+                  << FieldTexts::address(info.DefaultGateway) << FieldTexts::address(info.DNS);
     }
     const auto networkColumns = planColumns().indexOf(QStringLiteral("power_off")) - 1;
     while (cells.size() < networkColumns)
         cells.append(QString());
     const QString powerOff = FieldTexts::powerOff(state.powerOffMode);
-    return cells << (FieldTexts::powerOffWords().contains(powerOff) ? powerOff : QString());
+    if (FieldTexts::powerOffWords().contains(powerOff))
+        cells << powerOff;
+    return cells;
 }
 
 /** The comment cell. It begins with a fixed word, so it is never a formula. */
@@ -94,7 +100,9 @@ QString comment(const InstrumentState& state) {
 
 /** Says why the addresses that an instrument holds are not in its row. */
 void sayLeftOut(std::int32_t serialNumber, const InstrumentState& state) {
-    const Text fault = state.network ? addressFault(*state.network) : Text();
+    if (!state.network)
+        return;
+    const Text fault = addressFault(*state.network);
     if (!fault.isEmpty())
         sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: its addresses are left out: %2"),
                        {serialText(serialNumber), fault.translated()}));
@@ -102,22 +110,26 @@ void sayLeftOut(std::int32_t serialNumber, const InstrumentState& state) {
 
 /** Adds the instrument's row. @return why it could not be read; empty if it was */
 Text addRow(std::int32_t serialNumber, bool fillsIn, QByteArray& content) {
-    QStringList cells = {serialText(serialNumber)};
+    QStringList cells(serialText(serialNumber));
     InstrumentState state;
     CallWatch watch;
-    Text problem =
-        UnfinishedMark(serialNumber).exists()
-            ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unfinished. An earlier write did not end: "
-                                                  "run vq-tl4ctl recover."),
-                   {serialText(serialNumber)})
-            : readInstrument(watch, serialNumber, state);
+    Text problem;
+    if (UnfinishedMark(serialNumber).exists())
+        problem = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: unfinished. An earlier write did not "
+                                                      "end: run vq-tl4ctl recover."),
+                       {serialText(serialNumber)});
+    else
+        problem = readInstrument(watch, serialNumber, state);
     if (problem.isEmpty() && fillsIn) {
         cells += cellsOf(state);
         sayLeftOut(serialNumber, state);
     }
     while (cells.size() < planColumns().size())
         cells.append(QString());
-    cells.append(problem.isEmpty() ? comment(state) : problem.english());
+    if (problem.isEmpty())
+        cells.append(comment(state));
+    else
+        cells.append(problem.english());
     content += lineOf(cells);
     return problem;
 }
@@ -133,7 +145,7 @@ ExitStatus planInit(const PlanInitOptions& options) {
         problem = creationProblem(options.file);
     // With a byte-order mark, as some spreadsheets otherwise assume another encoding.
     QByteArray content =
-        "\xEF\xBB\xBF" + lineOf(planColumns() + QStringList{QStringLiteral("# now")});
+        "\xEF\xBB\xBF" + lineOf(QStringList(planColumns()) << QStringLiteral("# now"));
     ExitStatus status = Done;
     for (const std::int32_t serial : serials) {
         if (!problem.isEmpty())

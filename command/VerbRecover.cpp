@@ -17,7 +17,9 @@ struct Ends {
 };
 
 std::optional<Snapshot> snapshotFrom(const InputFile& file, Faults& faults) {
-    return file.content.isEmpty() ? std::nullopt : Snapshot::check(file, faults);
+    if (file.content.isEmpty())
+        return std::nullopt;
+    return Snapshot::check(file, faults);
 }
 
 /** From the journal, or from a mark file's snapshot if the journal has nothing. */
@@ -45,24 +47,19 @@ bool isHeld(const InstrumentState& held, const std::optional<Snapshot>& snapshot
 
 /** Reports what the instrument holds, and makes the order that ends the unfinished write. */
 Order orderFor(std::int32_t serialNumber, const Ends& ends, const InstrumentState& held) {
-    const QStringList serial = {serialText(serialNumber)};
     Order order;
     // An earlier recovery that did not end may have wanted the old state.
     const bool isOld = isHeld(held, ends.old);
     order.takesBack = isOld || !isHeld(held, ends.wanted);
-    sayToUser(
-        !order.takesBack
-            ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                     "%1 answers what was wanted. It is written once more, "
-                                     "so that it is in its memory."),
-                   serial)
-        : isOld
-            ? Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 answers the old state. It is written once "
-                                                  "more, so that it is in its memory."),
-                   serial)
-            : Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 answers neither what was wanted nor the old "
-                                                  "state. The old state is put back."),
-                   serial));
+    const char* found = QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 answers neither what was wanted nor the "
+                                                       "old state. The old state is put back.");
+    if (!order.takesBack)
+        found = QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 answers what was wanted. It is written once "
+                                               "more, so that it is in its memory.");
+    else if (isOld)
+        found = QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 answers the old state. It is written once "
+                                               "more, so that it is in its memory.");
+    sayToUser(Text(found, {serialText(serialNumber)}));
     const InstrumentState& state = order.takesBack ? ends.old->state : ends.wanted->state;
     order.serialNumber = serialNumber;
     order.isRestore = true;
@@ -76,7 +73,7 @@ Order orderFor(std::int32_t serialNumber, const Ends& ends, const InstrumentStat
 Verdict refused(std::int32_t serialNumber, const Text& reason) {
     Verdict verdict;
     verdict.serialNumber = serialNumber;
-    verdict.reasons = {reason};
+    verdict.reasons.push_back(reason);
     return verdict;
 }
 
@@ -119,7 +116,8 @@ Verdict recoverOne(Run& run, std::int32_t serialNumber, const RecoverOptions& op
 Text findInstruments(JournalReader& reader, std::vector<std::int32_t>& serials) {
     Text problem = reader.withoutVerdict(serials);
     const QDir folder(DataFolder::unfinishedMarks());
-    for (const QString& name : folder.entryList({QStringLiteral("*.json")}, QDir::Files)) {
+    for (const QString& name :
+         folder.entryList(QStringList(QStringLiteral("*.json")), QDir::Files)) {
         const auto serial = parseSerial(name.chopped(5));
         if (serial && std::find(serials.begin(), serials.end(), *serial) == serials.end())
             serials.push_back(*serial);

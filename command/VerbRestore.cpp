@@ -61,9 +61,8 @@ Text problemOf(const Snapshot& snapshot, const Order& order, const RestoreOption
 } // namespace
 
 const QStringList& restorableParts() {
-    static const QStringList parts = {QStringLiteral("network"), QStringLiteral("power-off"),
-                                      QStringLiteral("white-plate"),
-                                      QStringLiteral("ambient-adapter")};
+    static const QStringList parts =
+        QStringLiteral("network power-off white-plate ambient-adapter").split(QLatin1Char(' '));
     return parts;
 }
 
@@ -73,7 +72,9 @@ ExitStatus restore(const RestoreOptions& options) {
         return Usage;
     Faults faults;
     const auto file = InputFile::read(options.snapshot, faults);
-    const auto snapshot = file ? Snapshot::check(*file, faults) : std::nullopt;
+    std::optional<Snapshot> snapshot;
+    if (file)
+        snapshot = Snapshot::check(*file, faults);
     if (!snapshot) {
         sayToUser(faults);
         return Usage;
@@ -88,7 +89,9 @@ ExitStatus restore(const RestoreOptions& options) {
         sayToUser(Fault{options.snapshot, 0, 0, problem}.toString());
         return Usage;
     }
-    return canBeConfirmed(options)
-               ? carryOut(order, options, {journalInput(QStringLiteral("snapshot"), *file)})
-               : Usage;
+    if (!canBeConfirmed(options))
+        return Usage;
+    std::vector<JournalInput> inputs;
+    inputs.push_back(journalInput(QStringLiteral("snapshot"), *file));
+    return carryOut(order, options, inputs);
 }

@@ -48,8 +48,10 @@ FileKind kindOf(const InputFile& file) {
 
 Text readInstrument(CallWatch& watch, std::int32_t serialNumber, InstrumentState& state) {
     InstrumentAccess access(watch);
-    const Text problem = openInstrument(access, serialNumber);
-    return problem.isEmpty() ? readTwice(access, serialNumber, state) : problem;
+    Text problem = openInstrument(access, serialNumber);
+    if (problem.isEmpty())
+        problem = readTwice(access, serialNumber, state);
+    return problem;
 }
 
 Text attachedInstruments(std::vector<std::int32_t>& serials) {
@@ -59,14 +61,19 @@ Text attachedInstruments(std::vector<std::int32_t>& serials) {
     const CallResult result = access.list(ports);
     for (const KVA_PORTINFO& port : ports)
         serials.push_back(port.serialNumber);
-    return result.failed() ? callFailure(result) : Text();
+    if (result.failed())
+        return callFailure(result);
+    return {};
 }
 
 ExitStatus requirePlan(const QString& path, bool isOffline, const std::vector<std::int32_t>& only,
                        CheckedPlan& plan) {
-    PlanNeeds needs{std::nullopt, only};
+    PlanNeeds needs;
+    needs.only = only;
     std::vector<std::int32_t> attached;
-    const Text problem = isOffline ? Text() : attachedInstruments(attached);
+    Text problem;
+    if (!isOffline)
+        problem = attachedInstruments(attached);
     if (!problem.isEmpty()) {
         sayToUser(problem);
         return RefusedStatus;
@@ -75,7 +82,9 @@ ExitStatus requirePlan(const QString& path, bool isOffline, const std::vector<st
         needs.attached = attached;
     Faults faults;
     auto file = InputFile::read(path, faults);
-    auto checked = file ? Plan::check(*file, needs, faults) : std::nullopt;
+    std::optional<Plan> checked;
+    if (file)
+        checked = Plan::check(*file, needs, faults);
     if (!checked) {
         sayToUser(faults);
         return Usage;
@@ -138,7 +147,9 @@ Text creationProblem(const QString& path) {
     const QFileInfo target(path);
     if (target.exists())
         return alreadyThere(path);
-    return target.absoluteDir().exists() ? Text() : DurableFile::writeFailure(path, ENOENT);
+    if (!target.absoluteDir().exists())
+        return DurableFile::writeFailure(path, ENOENT);
+    return {};
 }
 
 Text createFile(const QString& path, const QByteArray& content) {
@@ -146,5 +157,7 @@ Text createFile(const QString& path, const QByteArray& content) {
     Text problem = creationProblem(path);
     if (problem.isEmpty())
         problem = DurableFile::create(QFileInfo(path).absoluteFilePath(), content, isTaken);
-    return isTaken ? alreadyThere(path) : problem;
+    if (isTaken)
+        return alreadyThere(path);
+    return problem;
 }
