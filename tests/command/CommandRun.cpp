@@ -5,8 +5,10 @@
 #include <QJsonDocument>
 #include <QProcessEnvironment>
 #include <QSqlDatabase>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QtTest>
 
 namespace {
 
@@ -259,6 +261,24 @@ QByteArray valueFile(const QJsonObject& accessory) {
         values.append(QString::number(value.toDouble(), 'f', 4));
     return "Values\nSerial number, values\n" + accessory["serialNumber"].toString().toLatin1() +
            '\n' + values.join(',').toLatin1() + '\n';
+}
+
+void editSnapshots(const QString& journal) {
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "edit");
+        database.setDatabaseName(journal);
+        QVERIFY(database.open());
+        QSqlQuery query(database);
+        QVERIFY(query.exec("SELECT sql FROM sqlite_master WHERE name = 'snapshot_update'"));
+        QVERIFY(query.next());
+        const QString guard = query.value(0).toString();
+        query.finish();
+        for (const QString& statement :
+             {QString("DROP TRIGGER snapshot_update"),
+              QString("UPDATE snapshot SET content = replace(content, '-room', '-hall')"), guard})
+            QVERIFY2(query.exec(statement), qPrintable(query.lastError().text()));
+    }
+    QSqlDatabase::removeDatabase("edit");
 }
 
 QString differenceBetween(const QJsonObject& instrument, const QJsonObject& expected) {

@@ -2,18 +2,11 @@
 // nothing else, and draws the values as they are.
 #include "CommandRun.h"
 #include "PageReader.h"
-#include "command/CalibrationPlot.h"
-#include "command/HtmlReport.h"
-#include "command/Snapshot.h"
-#include "instrument/CalibrationAccessory.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
 #include <QFileInfo>
-#include <QSqlError>
-#include <QSqlQuery>
 
-#include <cfloat>
 #include <cmath>
 
 namespace {
@@ -45,27 +38,6 @@ QVector<double> lessOf(const QVector<double>& left, const QVector<double>& right
     return result;
 }
 
-/** Changes the snapshots in a journal behind the back of the program and of the journal's guards.
- */
-void editSnapshots(const QString& journal) {
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase("QSQLITE", "edit");
-        database.setDatabaseName(journal);
-        QVERIFY(database.open());
-        QSqlQuery query(database);
-        QVERIFY(query.exec("SELECT sql FROM sqlite_master WHERE name = 'snapshot_update'"));
-        QVERIFY(query.next());
-        const QString guard = query.value(0).toString();
-        query.finish();
-        for (const QString& statement :
-             {QString("DROP TRIGGER snapshot_update"),
-              QString("UPDATE snapshot SET content = replace(content, 'first-room', 'third-room')"),
-              guard})
-            QVERIFY2(query.exec(statement), qPrintable(query.lastError().text()));
-    }
-    QSqlDatabase::removeDatabase("edit");
-}
-
 constexpr int wrongIndex = 40;
 
 } // namespace
@@ -91,18 +63,10 @@ private Q_SLOTS:
     void refuses_data();
     void refuses();
     void writesAllOrNothing();
-    void namesTheFilesOfEachInstrument();
-    void takesAnyText();
-    void refusesADamagedSnapshot();
-    void drawsAnyNumbers_data();
-    void drawsAnyNumbers();
 
 private:
     static void addPages();
     QByteArray pageOf(const CommandRun& run, const QString& number, const QString& language);
-    /** All of the first run, from its journal. */
-    JournalRun readRun() const;
-
     CommandRun m_done; ///< after an `apply` of all four things, and a `verify`
     QMap<QString, QByteArray> m_pages;
     QJsonObject m_held;
@@ -385,129 +349,6 @@ void TestCommandReport::writesAllOrNothing() {
     }
     QVERIFY2(got.exitStatus == 0 && refused > 0, got.text());
     QVERIFY(!elementsOf(m_done.read("data/reports/one.html")).isEmpty());
-}
-
-JournalRun TestCommandReport::readRun() const {
-    Text problem;
-    const auto reader = JournalReader::open(m_done.journal(), problem);
-    std::optional<JournalRun> run;
-    if (reader)
-        problem = reader->run(1, run);
-    return run.value_or(JournalRun());
-}
-
-void TestCommandReport::namesTheFilesOfEachInstrument() {
-    JournalRun run = readRun();
-    QCOMPARE(run.instruments.size(), std::size_t(1));
-    // A second one, which got nothing of the plate.
-    run.instruments.push_back(run.instruments[0]);
-    JournalInstrument& second = run.instruments[1];
-    Faults faults;
-    auto wanted = Snapshot::check({"", second.wanted}, faults);
-    const auto before = Snapshot::check({"", second.before}, faults);
-    QVERIFY(wanted && before);
-    CalibrationAccessory::whitePlate.merge(
-        before->state.calibration.whiteSerialNo,
-        CalibrationAccessory::whitePlate.values(before->state.calibration),
-        wanted->state.calibration);
-    second.wanted = wanted->toJson();
-    const auto page = HtmlReport::make(run, "journal", faults);
-    QVERIFY(page);
-    const Elements elements = elementsOf(*page);
-    QStringList cells[2];
-    for (const Element& cell : named(elements, "td")) {
-        if (isWithin(elements, cell, "section"))
-            cells[elements[cell.within[3]]["id"] == "instrument-1" ? 0 : 1].append(cell.text);
-    }
-    for (const JournalInput& input : run.inputs) {
-        const QString hash = QString::fromLatin1(input.sha256);
-        QCOMPARE(cells[0].count(hash), 1);
-        QCOMPARE(cells[1].count(hash), input.role == "white-plate" ? 0 : 1);
-    }
-}
-
-void TestCommandReport::takesAnyText() {
-    JournalRun run = readRun();
-    const QString hostile = QString::fromUtf8("a\x1b[31m\n\r\t</td><b>\"'&amp;]]>") +
-                            QChar(0x202E) + QChar(0xD800) + QChar(0xFFFE) + QChar(0);
-    run.user = run.host = run.libraryPath = run.toolVersion = hostile;
-    run.librarySha256 = hostile.toUtf8();
-    run.arguments = QStringList{hostile};
-    run.inputs[0].path = run.inputs[0].role = hostile;
-    JournalInstrument& part = run.instruments[0];
-    part.snapshotPath = hostile;
-    part.changes.push_back({hostile, hostile, hostile});
-    part.outcome = JournalOutcome{hostile, {hostile}, -1, {}};
-    part.verifications = {{{}, hostile}};
-    Faults faults;
-    const auto page = HtmlReport::make(run, hostile, faults);
-    QVERIFY(page);
-    const Elements elements = elementsOf(*page);
-    QVERIFY(!elements.isEmpty());
-    QVERIFY(named(elements, "b").isEmpty());
-    const QString shown = QString::fromUtf8("a\\u{1b}[31m\\u{a}\\u{d}\\u{9}</td><b>\"'&amp;"
-                                            "]]>\\u{202e}\uFFFD\\u{fffe}\\u{0}");
-    QCOMPARE(texts(elements).count(shown), 16);
-}
-
-void TestCommandReport::refusesADamagedSnapshot() {
-    const JournalRun whole = readRun();
-    for (QByteArray JournalInstrument::*snapshot :
-         {&JournalInstrument::before, &JournalInstrument::wanted}) {
-        JournalRun run = whole;
-        (run.instruments[0].*snapshot).replace("first-room", "third-room").replace("script", "x");
-        Faults faults;
-        QVERIFY(!HtmlReport::make(run, "journal", faults));
-        QCOMPARE(faults.size(), std::size_t(1));
-    }
-    const CommandRun run;
-    QVERIFY(QDir().mkpath(run.dataFolder()));
-    QVERIFY(QFile::copy(m_done.journal(), run.journal()));
-    editSnapshots(run.journal());
-    const CommandResult got = run.run({"report", "1", "--to", run.path("new.html")});
-    QVERIFY2(got.exitStatus == 3, got.text());
-    QVERIFY2(got.standardError.contains("The snapshot is damaged or was edited"), got.text());
-    QVERIFY(!QFileInfo::exists(run.path("new.html")));
-}
-
-void TestCommandReport::drawsAnyNumbers_data() {
-    QTest::addColumn<QVector<float>>("before");
-    QTest::addColumn<QVector<float>>("after");
-    QTest::addColumn<int>("lines"); ///< pieces of both curves, beside the legend's two
-    const auto add = [](const char* name, const QVector<float>& before, const QVector<float>& after,
-                        int lines) { QTest::newRow(name) << before << after << lines; };
-    const float nan = std::nanf("");
-    add("all zero", {0, 0, 0}, {0, 0, 0}, 2);
-    add("all equal", {7, 7, 7}, {7, 7, 7}, 2);
-    add("negative", {-5, -3, -4}, {-5, -5, -5}, 2);
-    add("the largest", {FLT_MAX, -FLT_MAX, 0}, {-FLT_MAX, FLT_MAX, 1}, 2);
-    add("the smallest", {FLT_TRUE_MIN, 0, 0}, {0, FLT_TRUE_MIN, 0}, 2);
-    add("close together", {1, 1, 1}, {1, std::nextafter(1.0F, 2.0F), 1}, 2);
-    add("a gap", {1, 2, nan, 3, 4}, {1, 2, 3, INFINITY, 5}, 3);
-    add("no numbers", {nan, nan}, {nan, -INFINITY}, 0);
-}
-
-void TestCommandReport::drawsAnyNumbers() {
-    QFETCH(QVector<float>, before);
-    QFETCH(QVector<float>, after);
-    QFETCH(int, lines);
-    const std::vector<float> old(before.begin(), before.end());
-    const std::vector<float> now(after.begin(), after.end());
-    QByteArray page;
-    HtmlWriter html(&page);
-    CalibrationPlot{"plot", "title", "description", "before", "after", old, now, {}}.write(html);
-    const Elements elements = elementsOf(page);
-    QVERIFY(!elements.isEmpty());
-    const QRectF picture(0, 0, 720, 386);
-    for (const Element& element : elements) {
-        const QString places = element["points"] + element["d"];
-        QVERIFY2(!places.contains("nan") && !places.contains("inf"), qPrintable(places));
-        for (const QPointF& point : pointsOf(element["points"]))
-            QVERIFY2(picture.contains(point), qPrintable(places));
-        if (element["class"] == "tick")
-            QVERIFY2(std::isfinite(element.text.toDouble()), qPrintable(element.text));
-    }
-    QCOMPARE(named(elements, "polyline").size(), lines + 2);
 }
 
 TEST_CLASS(TestCommandReport)
