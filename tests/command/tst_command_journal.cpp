@@ -1,5 +1,5 @@
-// The journal of vq-tl4ctl, through the program: what it keeps, what it shows, and that no run
-// writes to an instrument without it.
+// The journal of vq-tl4ctl, through the program: what it keeps, and that no run writes to an
+// instrument without it.
 #include "CommandRun.h"
 #include "command/Journal.h"
 #include "tests/support/TestMain.h"
@@ -81,10 +81,6 @@ private Q_SLOTS:
     void refusesBeforeAnyCall();
     void keepsNothingOfADryRun();
     void migratesVersion1();
-    void lists_data();
-    void lists();
-    void showsARun();
-    void givesTheSnapshotBack();
     void outlivesDamage();
 
 private:
@@ -277,73 +273,6 @@ void TestCommandJournal::migratesVersion1() {
     QCOMPARE(run.run({"recover", "--yes", "--json"}).outcome(), QString("rolled-back"));
     QCOMPARE(differenceBetween(run.instrument(), CommandRun::initialInstrument()), QString());
     QVERIFY(!run.isMarked());
-}
-
-void TestCommandJournal::lists_data() {
-    QTest::addColumn<QStringList>("options");
-    QTest::addColumn<int>("exitStatus");
-    QTest::addColumn<int>("lines");
-    const auto now = QDateTime::currentDateTime();
-    QTest::newRow("all") << QStringList() << 0 << 1;
-    QTest::newRow("its instrument") << QStringList{"--serial", "01000001"} << 0 << 1;
-    QTest::newRow("another") << QStringList{"--serial", "7"} << 0 << 0;
-    QTest::newRow("since a day") << QStringList{"--since",
-                                                now.addDays(-1).date().toString(Qt::ISODate)}
-                                 << 0 << 1;
-    QTest::newRow("since a time to come")
-        << QStringList{"--since", now.addDays(1).toString(Qt::ISODate)} << 0 << 0;
-    QTest::newRow("since nonsense") << QStringList{"--since", "yesterday"} << 2 << 0;
-    QTest::newRow("no number") << QStringList{"--serial", "x"} << 2 << 0;
-}
-
-void TestCommandJournal::lists() {
-    QFETCH(QStringList, options);
-    QFETCH(int, exitStatus);
-    QFETCH(int, lines);
-    for (const bool asJson : {false, true}) {
-        QStringList arguments = QStringList{"journal"} + options;
-        if (asJson)
-            arguments += "--json";
-        const CommandResult got = m_done.run(arguments);
-        QVERIFY2(got.exitStatus == exitStatus, got.text());
-        QVERIFY2(got.standardOutput.count('\n') == lines, got.text());
-    }
-}
-
-void TestCommandJournal::showsARun() {
-    const QJsonObject shown = m_done.run({"journal", "show", "1", "--json"}).object();
-    const QJsonObject part = shown["instruments"].toArray()[0].toObject();
-    QCOMPARE(part["outcome"].toString(), QString("verified"));
-    QCOMPARE(part["calls"].toArray().size(), m_done.calls().size());
-    QVERIFY(part["changes"].toArray().size() > 100);
-    QCOMPARE(shown["inputs"].toArray().size(), 3);
-    const CommandResult text = m_done.run({"journal", "show", "1"});
-    QVERIFY2(text.standardOutput.contains("01000001: verified"), text.text());
-    for (const char* key : CommandRun::keys)
-        QVERIFY(!text.text().contains(key));
-    for (const QStringList& verb : {QStringList{"journal"}, QStringList{"journal", "show", "1"}}) {
-        const CommandResult told = m_done.run(verb, {"TZ=JST-9"});
-        QVERIFY2(told.standardOutput.contains("+09:00  "), told.text());
-    }
-    const CommandResult missing = m_done.run({"journal", "show", "2"});
-    QCOMPARE(missing.exitStatus, 3);
-    QVERIFY2(missing.standardError.contains("has no run 2"), missing.text());
-}
-
-void TestCommandJournal::givesTheSnapshotBack() {
-    CommandRun run;
-    QVERIFY(run.run(run.applyAll()).exitStatus == 0);
-    QVERIFY(QFile::remove(run.snapshots().value(0)));
-    const QString file = run.path("again.json");
-    const QStringList arguments = {"journal", "snapshot", "1", serial, "--to", file};
-    QCOMPARE(run.run(arguments).exitStatus, 0);
-    QCOMPARE(mode(file), 0600U);
-    const CommandResult again = run.run(arguments);
-    QCOMPARE(again.exitStatus, 3);
-    QVERIFY2(again.standardError.contains("is there already"), again.text());
-    QCOMPARE(run.run({"journal", "snapshot", "1", "2", "--to", file + "2"}).exitStatus, 3);
-    QCOMPARE(run.run({"restore", serial, file, "--yes", "--json"}).outcome(), QString("verified"));
-    QCOMPARE(differenceBetween(run.instrument(), CommandRun::initialInstrument()), QString());
 }
 
 /** Bytes of a journal changed at random: it is refused, or read to its end. */
