@@ -50,7 +50,12 @@ private Q_SLOTS:
     void verifies();
     void verifiesWhatIsAttached_data();
     void verifiesWhatIsAttached();
+    void verifiesWhatWasPutBack();
     void seesTheMarkOfTheUsualJournal();
+    void namesAnotherJournal();
+    void keepsWhatItCannotEnd();
+    void readsNoDamagedSnapshot();
+    void saysThatTheMarkStays();
 };
 
 void TestCommandRecover::saysWhatIsHeld_data() {
@@ -246,6 +251,92 @@ void TestCommandRecover::seesTheMarkOfTheUsualJournal() {
     const CommandResult refused = run.run(run.applyAll() + other);
     QVERIFY2(refused.outcome() == "refused", refused.text());
     QCOMPARE(run.calls(), QStringList());
+}
+
+void TestCommandRecover::verifiesWhatWasPutBack() {
+    CommandRun run;
+    const QJsonObject fault = {{"result", "KVA_ERROR_NAK"}};
+    run.setFaults({rule("KVA_SetShutdownTime", "1", fault)});
+    QCOMPARE(run.run(run.applyAll()).outcome(), QString("rolled-back"));
+    run.setFaults({});
+    CommandResult got = run.run({"verify", "1000001", "--json"});
+    QVERIFY2(got.object()["outcome"].toString() == "held", got.text());
+    // What a recovery put back is what it wanted.
+    run.run(run.applyAll(), {preload, killAt("after", "KVA_SetShutdownTime")});
+    QCOMPARE(run.run({"recover", "--yes", "--json"}).outcome(), QString("rolled-back"));
+    got = run.run({"verify", "1000001", "--json"});
+    QVERIFY2(got.object()["outcome"].toString() == "held", got.text());
+}
+
+/** In a form that a shell takes as it is. */
+void TestCommandRecover::namesAnotherJournal() {
+    CommandRun run;
+    const QStringList other = {"--journal", run.path("it's here.sqlite")};
+    run.run(run.applyAll() + other, {preload, "SHIM_KILL=before:20"});
+    const CommandResult refused = run.run(run.applyAll() + other);
+    QVERIFY2(refused.outcome() == "refused", refused.text());
+    const QString named = " --journal '" + run.path("it'\\''s here.sqlite") + "'";
+    const QString reason = refused.object()["reason"].toString();
+    QVERIFY2(reason.contains("run vq-tl4ctl recover" + named + ". "), refused.text());
+    QVERIFY2(reason.endsWith(run.snapshots().value(0) + named), refused.text());
+}
+
+void TestCommandRecover::keepsWhatItCannotEnd() {
+    CommandRun run;
+    const QStringList recover = {"recover", "--yes", "--json"};
+    run.run(run.applyAll(), {preload, killAt("after", "KVA_SetShutdownTime")});
+    const QJsonObject instrument = run.instrument();
+    run.setBench(QJsonArray());
+    CommandResult got = run.run(recover);
+    QVERIFY2(got.outcome() == "refused" && got.exitStatus == 3, got.text());
+    QVERIFY2(got.standardError.contains("Instrument 01000001 is not attached."), got.text());
+    QVERIFY(run.isMarked());
+    // Another failure does not lead back: the state before this run is not known.
+    run.setBench(instrument, {rule("KVA_SetShutdownTime", "1", {{"result", "KVA_ERROR_NAK"}})});
+    got = run.run(recover);
+    QVERIFY2(got.outcome() == "unknown" && got.exitStatus == 5, got.text());
+    QVERIFY2(got.object()["reason"].toString().contains(
+                 "KVA_SetShutdownTime answered KVA_ERROR_NAK. To put the state before back, run: "),
+             got.text());
+    QVERIFY(run.isMarked());
+    run.setFaults({});
+    QCOMPARE(run.run(recover).outcome(), QString("rolled-back"));
+    QCOMPARE(fromInitial(run), QString());
+}
+
+void TestCommandRecover::readsNoDamagedSnapshot() {
+    CommandRun run;
+    QCOMPARE(run.run(run.applyAll()).outcome(), QString("verified"));
+    editSnapshots(run.journal());
+    CommandResult got = run.run({"verify", "1000001", "--json"});
+    QVERIFY2(got.object()["outcome"].toString() == "refused" && got.exitStatus == 3, got.text());
+    QVERIFY2(got.standardError.contains("01000001: its snapshot in the journal is damaged."),
+             got.text());
+
+    CommandRun marked;
+    marked.run(marked.applyAll(), {preload, killAt("after", "KVA_SetShutdownTime")});
+    editSnapshots(marked.journal());
+    marked.clearTrace();
+    got = marked.run({"recover", "--yes", "--json"});
+    QVERIFY2(got.outcome() == "refused" && got.exitStatus == 3, got.text());
+    QVERIFY2(got.standardError.contains("The snapshot is damaged or was edited"), got.text());
+    QVERIFY2(got.standardError.contains("The snapshot of the state before cannot be used."),
+             got.text());
+    QCOMPARE(marked.calls(), QStringList());
+    QVERIFY(marked.isMarked());
+}
+
+/** A mark that is no file cannot be removed. */
+void TestCommandRecover::saysThatTheMarkStays() {
+    CommandRun run;
+    const CommandResult backup = run.run({"backup", "1000001", "--to", run.path("kept")});
+    const QString snapshot = QString::fromUtf8(backup.standardOutput.trimmed());
+    QVERIFY(QDir().mkpath(run.dataFolder() + "/unfinished/01000001.json"));
+    const CommandResult got = run.run({"restore", "1000001", snapshot, "--yes", "--json"});
+    QVERIFY2(got.outcome() == "verified", got.text());
+    QVERIFY2(got.standardError.contains("01000001.json cannot be written: Is a directory"),
+             got.text());
+    QVERIFY(run.run({"list", "--json"}).object()["unfinished"].toBool());
 }
 
 TEST_CLASS(TestCommandRecover)
