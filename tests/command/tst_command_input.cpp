@@ -91,6 +91,10 @@ void TestCommandInput::refusesSnapshots_data() {
     QTest::newRow("edited, with a hash that fits")
         << QByteArray("\"powerOff\": \"15\"") << QByteArray("\"powerOff\": \"30\"") << true
         << QByteArray("do not say the same");
+    for (const char* record : {"device", "calibration", "network"})
+        QTest::addRow("a byte too many in %s", record)
+            << QByteArray(record) + "\": \"" << QByteArray(record) + "\": \"00" << true
+            << QByteArray("do not say the same");
     QTest::newRow("newer") << QByteArray("\"version\": 1") << QByteArray("\"version\": 2") << true
                            << QByteArray("newer");
     QTest::newRow("something else") << QByteArray("vq-tl4ctl snapshot") << QByteArray("recipe")

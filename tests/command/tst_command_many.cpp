@@ -40,6 +40,7 @@ private Q_SLOTS:
     void appliesAPlan();
     void refusesTheSameForSeveral_data();
     void refusesTheSameForSeveral();
+    void saysWhatIsImplausible();
     void givesTheSameToSeveral();
     void goesOnAfterAnInterrupt();
     void asksOnceForAll_data();
@@ -211,6 +212,19 @@ void TestCommandMany::refusesTheSameForSeveral() {
     QFETCH(QByteArray, said);
     QVERIFY2(result.standardError.contains(said), result.text());
     QVERIFY(!run.calls().contains("KVA_Connect"));
+}
+
+void TestCommandMany::saysWhatIsImplausible() {
+    CommandRun run;
+    setBench(run);
+    run.write("plate.csv", run.read("plate.csv").replace("85.8000", "8.5800"));
+    run.write("plan.csv", "serial,white_plate\n1000001,plate.csv\n");
+    const CommandResult result =
+        run.run({"apply", "--plan", run.path("plan.csv"), "--yes", "--json"});
+    QCOMPARE(outcomes(result), QString("refused"));
+    QVERIFY2(result.standardError.count("White plate, value 2 of 38, values[1]: 8.58") == 1,
+             result.text());
+    QCOMPARE(run.writingCalls(), QStringList());
 }
 
 void TestCommandMany::givesTheSameToSeveral() {
