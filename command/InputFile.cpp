@@ -3,6 +3,7 @@
 #include <QCryptographicHash>
 #include <QFile>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <fcntl.h>
@@ -15,11 +16,17 @@ QString systemError(int error) {
     return QString::fromLocal8Bit(std::strerror(error));
 }
 
-/** Reads up to one byte more than the limit. False, with `errno`, after a read error. */
-bool readAll(int descriptor, QByteArray& content) {
-    content.resize(InputFile::maxSize + 1);
+/** Reads up to one byte more than the limit. False, with `errno`, after a read error.
+    @param expected  the file's size, which may change meanwhile */
+bool readAll(int descriptor, off_t expected, QByteArray& content) {
+    constexpr int most = InputFile::maxSize + 1;
+    constexpr int least = 4096;
     int size = 0;
-    while (size < content.size()) {
+    // One byte more than expected, to find the end.
+    content.resize(static_cast<int>(std::min<off_t>(expected, InputFile::maxSize)) + 1);
+    while (size < most) {
+        if (size == content.size())
+            content.resize(std::clamp(2 * size, least, most));
         const ssize_t count = ::read(descriptor, content.data() + size,
                                      static_cast<std::size_t>(content.size() - size));
         if (count < 0 && errno == EINTR)
@@ -31,6 +38,7 @@ bool readAll(int descriptor, QByteArray& content) {
         size += static_cast<int>(count);
     }
     content.resize(size);
+    content.squeeze(); // a plan keeps all the files that it names
     return true;
 }
 
@@ -45,7 +53,7 @@ Text readRegularFile(const QString& path, QByteArray& content) {
     struct stat status = {};
     const bool known = ::fstat(descriptor, &status) == 0;
     const bool regular = known && S_ISREG(status.st_mode);
-    const bool whole = regular && readAll(descriptor, content);
+    const bool whole = regular && readAll(descriptor, status.st_size, content);
     const int error = errno;
     ::close(descriptor);
     if (known && !regular)
