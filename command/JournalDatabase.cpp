@@ -61,6 +61,7 @@ JournalDatabase::JournalDatabase(QString path)
     : m_path(std::move(path)), m_name(QUuid::createUuid().toString()) {}
 
 JournalDatabase::~JournalDatabase() {
+    m_prepared.clear();
     m_database.close();
     m_database = {};
     QSqlDatabase::removeDatabase(m_name);
@@ -121,6 +122,9 @@ Text JournalDatabase::open(Access access, bool& isThere) {
         problem = migrate(version);
     if (problem.isEmpty() && access == Access::Read)
         problem = execute(QStringLiteral("PRAGMA query_only = ON"));
+    // In KiB. A writer adds rows at the end of each table: it needs few pages again.
+    if (problem.isEmpty() && access == Access::Write)
+        problem = execute(QStringLiteral("PRAGMA cache_size = -256"));
     return problem;
 }
 
@@ -243,28 +247,32 @@ Text JournalDatabase::migrate(int version) {
     });
 }
 
-Text JournalDatabase::atomically(Sync sync, const std::function<Text()>& changes) {
+Text JournalDatabase::setSync(Sync sync) {
+    if (sync == m_sync)
+        return {};
     Text problem = execute(sync == Sync::Durable ? QStringLiteral("PRAGMA synchronous = FULL")
                                                  : QStringLiteral("PRAGMA synchronous = NORMAL"));
     if (problem.isEmpty())
-        problem = execute(QStringLiteral("BEGIN IMMEDIATE"));
+        m_sync = sync;
+    return problem;
+}
+
+Text JournalDatabase::atomically(Sync sync, const std::function<Text()>& changes) {
+    Text problem = setSync(sync);
+    if (problem.isEmpty())
+        problem = executeAgain(QStringLiteral("BEGIN IMMEDIATE"));
     if (!problem.isEmpty())
         return problem;
     problem = changes();
     if (problem.isEmpty())
-        problem = execute(QStringLiteral("COMMIT"));
+        problem = executeAgain(QStringLiteral("COMMIT"));
     if (!problem.isEmpty())
         execute(QStringLiteral("ROLLBACK")); // SQLite may have done this already
     return problem;
 }
 
 Text JournalDatabase::insert(const JournalRow& row, qint64* id) {
-    QSqlQuery query(m_database);
-    if (!run(query, row.statement(), row.values()))
-        return failure(query.lastError().text());
-    if (id != nullptr)
-        *id = query.lastInsertId().toLongLong();
-    return {};
+    return executeAgain(row.statement(), row.values(), id);
 }
 
 bool JournalDatabase::run(QSqlQuery& query, const QString& statement, const QVariantList& values) {
@@ -298,6 +306,23 @@ Text JournalDatabase::execute(const QString& statement) {
     if (!query.exec(statement))
         return failure(query.lastError().text());
     return {};
+}
+
+Text JournalDatabase::executeAgain(const QString& statement, const QVariantList& values,
+                                   qint64* id) {
+    const auto [found, isNew] = m_prepared.try_emplace(statement, m_database);
+    QSqlQuery& query = found->second;
+    bool done = !isNew || query.prepare(statement);
+    for (int i = 0; i < values.size(); ++i)
+        query.bindValue(i, values[i]);
+    done = done && query.exec();
+    if (done && id != nullptr)
+        *id = query.lastInsertId().toLongLong();
+    if (done)
+        return {};
+    Text problem = failure(query.lastError().text());
+    m_prepared.erase(found);
+    return problem;
 }
 
 Text JournalDatabase::number(const QString& statement, int& value) {

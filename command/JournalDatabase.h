@@ -5,13 +5,14 @@
 
 #include <QDateTime>
 #include <QSqlDatabase>
+#include <QSqlQuery>
 #include <QString>
 #include <QVariant>
 
 #include <functional>
+#include <map>
 #include <memory>
-
-class QSqlQuery;
+#include <optional>
 
 /** A row to be inserted: its columns with their values. */
 class JournalRow {
@@ -82,7 +83,11 @@ private:
     Text check(int& version);
     Text checkSchema(int version);
     Text migrate(int version);
+    Text setSync(Sync sync);
     Text execute(const QString& statement);
+    /** The same for a statement that is made often: it is prepared only once. */
+    Text executeAgain(const QString& statement, const QVariantList& values = {},
+                      qint64* id = nullptr);
     Text number(const QString& statement, int& value);
     static bool run(QSqlQuery& query, const QString& statement, const QVariantList& values);
     Text failure(const QString& reason) const;
@@ -90,6 +95,8 @@ private:
     QString m_path;
     QString m_name; ///< of the connection
     QSqlDatabase m_database;
+    std::map<QString, QSqlQuery> m_prepared; ///< by their texts
+    std::optional<Sync> m_sync; ///< none: as SQLite was built
 };
 
 #endif
