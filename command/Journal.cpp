@@ -219,7 +219,8 @@ Text JournalEntry::writingBegins(const Snapshot& before, const QString& path,
                                      .with("path", present(file))
                                      .with("content", snapshot.toJson()));
     };
-    return m_database.atomically(Sync::Durable, [&] {
+    // `writeBegins` syncs it, together with the call, before anything is written.
+    return m_database.atomically(Sync::Process, [&] {
         Text problem = addSnapshot("before", before, path);
         if (problem.isEmpty())
             problem = addSnapshot("wanted", Snapshot::of(wanted), {});

@@ -13,8 +13,8 @@ public:
     virtual ~TransactionLog() = default;
 
     virtual void stepBegins(const char* /*name*/) {}
-    /** Writing is about to begin: from here on the instrument is unfinished. Synced to the disk
-        when it returns.
+    /** Writing is about to begin: from here on the instrument is unfinished. Synced to the disk by
+        the `writeBegins` that follows.
         @param path  of the file that has @p before */
     virtual Text writingBegins(const Snapshot& /*before*/, const QString& /*path*/,
                                const InstrumentState& /*wanted*/, const FieldChanges& /*changes*/) {

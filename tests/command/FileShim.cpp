@@ -1,7 +1,10 @@
 // The shim's other half: what the program does to its files in the data folder.
 #include "tests/command/Shim.h"
 
+#include <algorithm>
 #include <cerrno>
+#include <fstream>
+#include <set>
 #include <unistd.h>
 
 namespace {
@@ -11,11 +14,28 @@ bool isOurs(const std::string& path) {
     return !folder.empty() && path.compare(0, folder.size(), folder) == 0;
 }
 
-bool isOurs(int descriptor) {
+std::string pathOf(int descriptor) {
     const std::string link = "/proc/self/fd/" + std::to_string(descriptor);
     char path[4096];
     const ssize_t size = ::readlink(link.c_str(), path, sizeof path);
-    return size > 0 && isOurs(std::string(path, static_cast<std::size_t>(size)));
+    return {path, static_cast<std::size_t>(size > 0 ? size : 0)};
+}
+
+bool isOurs(int descriptor) {
+    return isOurs(pathOf(descriptor));
+}
+
+/** Paths in the data folder that were changed since they were synced. */
+std::set<std::string>& unsynced() {
+    static std::set<std::string> paths;
+    return paths;
+}
+
+void changes(const std::string& path) {
+    // The lock and the index of the write-ahead log mean nothing after a power failure.
+    const std::string ending = path.substr(path.size() - std::min<std::size_t>(path.size(), 4));
+    if (*setting("SHIM_UNSYNCED") != '\0' && isOurs(path) && ending != "lock" && ending != "-shm")
+        unsynced().insert(path);
 }
 
 template <typename File>
@@ -29,6 +49,7 @@ void countStep(const File& file) {
 bool isFull(int descriptor) {
     static int writes = 0;
     countStep(descriptor);
+    changes(pathOf(descriptor));
     if (*setting("SHIM_FULL") == '\0' || !isOurs(descriptor) ||
         ++writes < std::atoi(setting("SHIM_FULL")))
         return false;
@@ -37,6 +58,17 @@ bool isFull(int descriptor) {
 }
 
 } // namespace
+
+void noteUnsynced(const char* function) {
+    const std::string path = setting("SHIM_UNSYNCED");
+    if (path.empty())
+        return;
+    std::ofstream file(path, std::ios::app);
+    file << function;
+    for (const std::string& name : unsynced())
+        file << ' ' << name;
+    file << '\n';
+}
 
 extern "C" {
 
@@ -54,16 +86,19 @@ ssize_t pwrite64(int descriptor, const void* bytes, size_t size, off64_t offset)
 
 int fsync(int descriptor) {
     countStep(descriptor);
+    unsynced().erase(pathOf(descriptor));
     return NEXT(fsync)(descriptor);
 }
 
 int fdatasync(int descriptor) {
     countStep(descriptor);
+    unsynced().erase(pathOf(descriptor));
     return NEXT(fdatasync)(descriptor);
 }
 
 int link(const char* from, const char* to) noexcept {
     countStep(std::string(to));
+    changes(std::string(to).substr(0, std::string(to).rfind('/')));
     return NEXT(link)(from, to);
 }
 

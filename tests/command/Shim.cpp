@@ -16,6 +16,8 @@
  *
  *     SHIM_KILL=file:7        SIGKILL before the seventh write, sync, link or removal
  *     SHIM_FULL=7             the disk is full from the seventh write on
+ *     SHIM_UNSYNCED=FILE      to this file: each call that writes, with the files and folders that
+ *                             were written and not synced when it begins
  */
 #include "tests/command/Shim.h"
 #include "instrument/KvaSdk.h"
@@ -40,6 +42,8 @@ void announce(const char* function) {
 template <typename Call>
 KVA_RESULT between(const char* function, const Call& call) {
     announce(function);
+    if (std::strstr(function, "_Set") != nullptr)
+        noteUnsynced(function);
     const int number = ++calls;
     killIfDue("before", number);
     const KVA_RESULT result = call();

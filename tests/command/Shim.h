@@ -27,4 +27,7 @@ inline void killIfDue(const char* moment, int call) {
         std::raise(SIGSTOP);
 }
 
+/** See `SHIM_UNSYNCED`. */
+void noteUnsynced(const char* function);
+
 #endif

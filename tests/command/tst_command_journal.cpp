@@ -73,6 +73,7 @@ private Q_SLOTS:
     void initTestCase() { QVERIFY(m_done.run(m_done.applyAll()).exitStatus == 0); }
     void keepsWhatWasDone();
     void keepsEveryCallWithItsAnswer();
+    void syncsBeforeEachCallThatWrites();
     void keepsWhatWasGiven();
     void isForItsOwnerAlone();
     void neverChangesRows_data();
@@ -121,6 +122,15 @@ void TestCommandJournal::keepsEveryCallWithItsAnswer() {
             answers.append(QJsonDocument::fromJson(line).object()["result"].toVariant().toString());
     }
     QCOMPARE(words(m_done.ask("SELECT code FROM call_result ORDER BY call")), answers);
+}
+
+/** So that a power failure loses nothing about what may have been written. */
+void TestCommandJournal::syncsBeforeEachCallThatWrites() {
+    const CommandRun run;
+    const QString file = run.path("unsynced");
+    const QStringList environment = {"LD_PRELOAD=" COMMAND_SHIM, "SHIM_UNSYNCED=" + file};
+    QCOMPARE(run.run(run.applyAll(), environment).exitStatus, 0);
+    QCOMPARE(QString(run.read("unsynced")), run.writingCalls().join('\n') + '\n');
 }
 
 void TestCommandJournal::keepsWhatWasGiven() {
