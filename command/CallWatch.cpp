@@ -11,7 +11,7 @@ CallWatch::~CallWatch() {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_isEnding = true;
     }
-    m_changed.notify_one();
+    m_ending.notify_one();
     m_thread.join();
 }
 
@@ -23,7 +23,6 @@ void CallWatch::callBegins(const char* function) {
         m_function = function;
         m_begin = std::chrono::steady_clock::now();
     }
-    m_changed.notify_one();
 }
 
 void CallWatch::callEnded(const CallResult& result) {
@@ -31,7 +30,6 @@ void CallWatch::callEnded(const CallResult& result) {
         const std::lock_guard<std::mutex> lock(m_mutex);
         m_function = nullptr;
     }
-    m_changed.notify_one();
     if (result.code > 0)
         m_warnings |= result.code;
     if (m_next != nullptr)
@@ -42,18 +40,23 @@ void CallWatch::watch() {
     // This thread makes no library calls that a signal could interrupt.
     Interrupt::receiveHere();
     std::unique_lock<std::mutex> lock(m_mutex);
+    auto begin = m_begin;
+    auto told = patience;
     while (!m_isEnding) {
-        if (m_function == nullptr) {
-            m_changed.wait(lock);
+        if (m_begin != begin) {
+            begin = m_begin;
+            told = patience;
+        }
+        const auto now = std::chrono::steady_clock::now();
+        // A call that begins while this thread waits is due after the wait. So calls do not wake
+        // it.
+        const auto due = (m_function == nullptr ? now + patience : begin + told);
+        if (now < due) {
+            m_ending.wait_until(lock, due);
             continue;
         }
-        const auto begin = m_begin;
-        auto told = patience;
-        const auto isOver = [&] { return m_isEnding || m_function == nullptr || m_begin != begin; };
-        while (!m_changed.wait_until(lock, begin + told, isOver)) {
-            sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has not answered for %2 s."),
-                           {QString::fromLatin1(m_function), QString::number(told.count())}));
-            told += patience;
-        }
+        sayToUser(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 has not answered for %2 s."),
+                       {QString::fromLatin1(m_function), QString::number(told.count())}));
+        told += patience;
     }
 }

@@ -34,7 +34,7 @@ private:
     KVA_RESULT m_warnings = 0;
 
     std::mutex m_mutex; ///< of what follows
-    std::condition_variable m_changed;
+    std::condition_variable m_ending;
     const char* m_function = nullptr; ///< of the call in progress
     std::chrono::steady_clock::time_point m_begin;
     bool m_isEnding = false;
