@@ -27,8 +27,10 @@ CsvReader::~CsvReader() {
 
 void CsvReader::takeCell(void* text, std::size_t size, void* self) noexcept {
     auto& reader = *static_cast<CsvReader*>(self);
-    reader.m_text.append(static_cast<const char*>(text), size);
-    reader.m_ends.push_back(reader.m_text.size());
+    // There is room: `parse` makes as much as the lines of the row have bytes.
+    std::copy_n(static_cast<const char*>(text), size, reader.m_text.data() + reader.m_textSize);
+    reader.m_textSize += size;
+    reader.m_ends.push_back(reader.m_textSize);
 }
 
 void CsvReader::endRow(int /*end*/, void* self) noexcept {
@@ -37,6 +39,9 @@ void CsvReader::endRow(int /*end*/, void* self) noexcept {
 
 bool CsvReader::parse(std::string_view line) {
     m_rowsInLine = 0;
+    m_rowSize += line.size();
+    if (m_text.size() < m_rowSize)
+        m_text.resize(m_rowSize);
     const std::size_t size = csv_parse(&m_parser, line.data(), line.size(), takeCell, endRow, this);
     if (size == line.size() && m_rowsInLine <= 1)
         return true;
@@ -55,7 +60,8 @@ bool CsvReader::parse(std::string_view line) {
 bool CsvReader::next() {
     if (!m_problem.isEmpty())
         return false;
-    m_text.clear();
+    m_textSize = 0;
+    m_rowSize = 0;
     m_ends.clear();
     while (!m_rest.empty()) {
         const std::size_t end = m_rest.find('\n');

@@ -47,7 +47,9 @@ private:
 
     csv_parser m_parser = {};
     std::string_view m_rest;
-    std::string m_text; ///< of all cells of the row
+    std::string m_text;         ///< of all cells of the row, and room for more
+    std::size_t m_textSize = 0; ///< of the cells in it
+    std::size_t m_rowSize = 0;  ///< of the row's lines so far
     std::vector<std::size_t> m_ends;
     std::vector<std::string_view> m_cells;
     int m_number = 0;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 #include <limits>
 
 namespace {
@@ -16,6 +17,9 @@ bool readsAs(const QByteArray& number, float value) {
     // NOLINTNEXTLINE(bugprone-suspicious-memory-comparison,cert-exp42-c,cert-flp37-c)
     return std::memcmp(&read, &value, sizeof value) == 0;
 }
+
+/** In the order of the modes. */
+constexpr std::string_view powerOffTexts[] = {"off", "15", "30", "60"};
 
 /** Empty if there is none. */
 QByteArray shortestDecimal(float value) {
@@ -58,8 +62,20 @@ QString FieldTexts::accessorySerial(const std::uint8_t (&serialNo)[4]) {
 }
 
 const QStringList& FieldTexts::powerOffWords() {
-    static const QStringList words = QStringLiteral("off 15 30 60").split(QLatin1Char(' '));
+    static const QStringList words = [] {
+        QStringList result;
+        for (const std::string_view word : powerOffTexts)
+            result.append(QString::fromLatin1(word.data(), static_cast<int>(word.size())));
+        return result;
+    }();
     return words;
+}
+
+std::optional<std::uint8_t> FieldTexts::powerOffMode(std::string_view word) {
+    const auto* const found = std::find(std::begin(powerOffTexts), std::end(powerOffTexts), word);
+    if (found == std::end(powerOffTexts))
+        return std::nullopt;
+    return static_cast<std::uint8_t>(found - std::begin(powerOffTexts));
 }
 
 QString FieldTexts::powerOff(std::uint8_t mode) {

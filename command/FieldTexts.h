@@ -10,6 +10,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <string_view>
 
 /** The texts of an instrument's fields, in snapshots, differences and on the terminal. */
@@ -28,6 +29,8 @@ QString accessorySerial(const std::uint8_t (&serialNo)[4]);
 QString powerOff(std::uint8_t mode);
 /** The words that `--power-off` takes, in the order of the modes. */
 const QStringList& powerOffWords();
+/** The mode of such a word. */
+std::optional<std::uint8_t> powerOffMode(std::string_view word);
 
 /** "off", "on"; otherwise the number. */
 QString onOff(std::uint32_t flag);

@@ -55,6 +55,8 @@ std::optional<Scientific> scientific(std::string_view cell) {
 } // namespace
 
 PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_t& serialNumber) {
+    if (isAllDigits(cell)) // the usual form
+        return toNumber(cell, serialNumber) ? SerialFault::None : SerialFault::NoNumber;
     if (const auto number = scientific(cell)) {
         const auto exponent = static_cast<std::size_t>(number->exponent);
         // A missing digit may have been any digit.
@@ -83,9 +85,9 @@ std::optional<std::uint32_t> PlanCells::onOff(std::string_view cell) {
             return a == b || (a >= 'A' && a <= 'Z' && a - 'A' + 'a' == b);
         });
     };
-    if (!is("on") && !is("off"))
-        return std::nullopt;
-    return is("on") ? 1 : 0;
+    if (is("on"))
+        return 1;
+    return is("off") ? std::optional<std::uint32_t>(0) : std::nullopt;
 }
 
 bool PlanCells::isShortenedNumber(std::string_view cell) {
