@@ -5,6 +5,7 @@
 #include "command/PlanReader.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -64,29 +65,23 @@ QString ipAddressText(const PlanRow& row) {
     return FieldTexts::address(octets);
 }
 
-bool contains(const std::vector<std::int32_t>& serials, std::int32_t serial) {
-    return std::find(serials.begin(), serials.end(), serial) != serials.end();
+bool contains(const std::vector<std::int32_t>& ascending, std::int32_t serial) {
+    return std::binary_search(ascending.begin(), ascending.end(), serial);
 }
 
 } // namespace
 
 void PlanReader::checkAddresses() {
-    const NetworkFields& fields = m_row.network;
+    const NetworkFields& fields = m_row->network;
     if (fields.dhcp == std::uint32_t{eDHCP_ON})
         return;
     for (const AddressFault& fault : addressFaults(fields.ip, fields.mask, fields.gateway)) {
         const bool isMask = fault.field == AddressFault::Field::Mask;
-        add({m_row.number, indexOf(isMask ? "mask" : "ip")}, fault.text);
+        add({m_row->number, indexOf(isMask ? "mask" : "ip")}, fault.text);
     }
 }
 
-void PlanReader::checkUnique(const Unique& what) {
-    std::vector<std::pair<std::uint32_t, const PlanRow*>> values;
-    for (const PlanRow& row : m_plan.rows) {
-        std::uint32_t value = 0;
-        if (what.valueOf(row, value))
-            values.emplace_back(value, &row);
-    }
+void PlanReader::checkUnique(const Unique& what, Values& values) {
     // By address, as the rows are in a vector: of equal values the first row comes first.
     if (!std::is_sorted(values.begin(), values.end()))
         std::sort(values.begin(), values.end());
@@ -117,36 +112,50 @@ void PlanReader::checkAllRows() {
          QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient adapter %1 is in row %2 as well"),
          accessorySerial<CalibrationAccessory::ambientAdapter>,
          accessoryText<CalibrationAccessory::ambientAdapter>}};
-    for (const Unique& what : uniques)
-        checkUnique(what);
-    checkAttached();
+    std::array<Values, std::size(uniques)> values;
+    // All rows once, as they are more than the processor's cache holds.
+    for (const PlanRow& row : m_plan.rows) {
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            std::uint32_t value = 0;
+            if (uniques[i].valueOf(row, value))
+                values[i].emplace_back(value, &row);
+        }
+    }
+    for (std::size_t i = 0; i < values.size(); ++i)
+        checkUnique(uniques[i], values[i]);
+    checkAttached(values.front());
 }
 
 bool PlanReader::isNeeded(std::int32_t serialNumber) const {
-    return m_needs.only.empty() || contains(m_needs.only, serialNumber);
+    return m_only.empty() || contains(m_only, serialNumber);
 }
 
 void PlanReader::keepNeeded() {
+    if (m_only.empty())
+        return;
     auto& rows = m_plan.rows;
     rows.erase(std::remove_if(rows.begin(), rows.end(),
                               [this](const PlanRow& row) { return !isNeeded(row.serialNumber); }),
                rows.end());
 }
 
-void PlanReader::checkAttached() {
-    const std::size_t column = indexOf("serial");
-    for (const PlanRow& row : m_plan.rows) {
-        if (row.serialNumber >= 0 && isNeeded(row.serialNumber) && m_needs.attached &&
-            !contains(*m_needs.attached, row.serialNumber))
-            add({row.number, column},
+void PlanReader::checkAttached(const Values& serials) {
+    std::vector<std::int32_t> attached = m_needs.attached.value_or(std::vector<std::int32_t>());
+    if (!std::is_sorted(attached.begin(), attached.end()))
+        std::sort(attached.begin(), attached.end());
+    for (const auto& [value, row] : serials) {
+        const auto serial = static_cast<std::int32_t>(value);
+        if (m_needs.attached && isNeeded(serial) && !contains(attached, serial))
+            add({row->number, m_serialColumn},
                 Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not attached."),
-                     {serialText(row.serialNumber)}));
+                     {serialText(serial)}));
     }
     for (const std::int32_t serial : m_needs.only) {
-        const bool isPlanned =
-            std::any_of(m_plan.rows.begin(), m_plan.rows.end(),
-                        [&](const PlanRow& row) { return row.serialNumber == serial; });
-        if (!isPlanned)
+        const auto value = static_cast<std::uint32_t>(serial);
+        const auto planned = std::lower_bound(
+            serials.begin(), serials.end(), value,
+            [](const auto& entry, std::uint32_t sought) { return entry.first < sought; });
+        if (planned == serials.end() || planned->first != value)
             m_found.push_back({{},
                                {QStringLiteral("--only"), 0, 0,
                                 Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instrument %1 is not in the "

@@ -19,8 +19,11 @@ QString toText(std::string_view bytes) {
 }
 
 bool isAscii(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+    // Without an end at the first other byte: the compiler then takes many bytes at once.
+    unsigned char all = 0;
+    for (const char c : text)
+        all |= static_cast<unsigned char>(c);
+    return all < 0x80;
 }
 
 bool hasControlCharacter(std::string_view text) {
@@ -72,7 +75,9 @@ const QStringList& planColumns() {
 }
 
 PlanReader::PlanReader(const InputFile& file, const PlanNeeds& needs, Faults& faults)
-    : m_file(file), m_needs(needs), m_faults(faults) {}
+    : m_file(file), m_needs(needs), m_only(needs.only), m_faults(faults) {
+    std::sort(m_only.begin(), m_only.end());
+}
 
 std::string_view PlanReader::withoutByteOrderMark(const InputFile& file) {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
@@ -121,7 +126,7 @@ void PlanReader::addHere(const char* message, std::string_view cell) {
 // ---- One cell
 
 void PlanReader::takeSerial(std::string_view cell) {
-    switch (PlanCells::parseSerial(cell, m_row.serialNumber)) {
+    switch (PlanCells::parseSerial(cell, m_row->serialNumber)) {
     case PlanCells::SerialFault::None:
         return;
     case PlanCells::SerialFault::NoNumber:
@@ -134,13 +139,13 @@ void PlanReader::takeSerial(std::string_view cell) {
                 cell);
         break;
     }
-    m_row.serialNumber = -1;
+    m_row->serialNumber = -1;
 }
 
 template <std::optional<std::uint32_t> NetworkFields::*Field>
 void PlanReader::takeOnOff(std::string_view cell) {
-    m_row.network.*Field = PlanCells::onOff(cell);
-    if (!(m_row.network.*Field))
+    m_row->network.*Field = PlanCells::onOff(cell);
+    if (!(m_row->network.*Field))
         addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "It has to be \"on\" or \"off\", not \"%1\""), cell);
 }
 
@@ -148,7 +153,7 @@ template <std::optional<NetworkFields::Address> NetworkFields::*Field>
 void PlanReader::takeAddress(std::string_view cell) {
     NetworkFields::Address address = {};
     if (FieldTexts::parseAddress(cell, address.data()) == nullptr)
-        m_row.network.*Field = address;
+        m_row->network.*Field = address;
     else
         addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "It has to be four numbers from 0 to 255, such as "
                                                "192.168.0.10, not \"%1\""),
@@ -171,7 +176,7 @@ void PlanReader::takeText(std::string_view cell) {
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The text has %1 bytes, at most %2 are allowed"),
                  {QString::number(cell.size()), QString::number(Size - 1)}));
     else
-        m_row.network.*Field = std::string(cell);
+        (m_row->network.*Field).emplace(cell);
     if (PlanCells::trimmed(cell).size() != cell.size())
         m_plan.notes.push_back(faultAt(
             m_place,
@@ -180,12 +185,8 @@ void PlanReader::takeText(std::string_view cell) {
 }
 
 void PlanReader::takePowerOff(std::string_view cell) {
-    const QLatin1String word(cell.data(), static_cast<int>(cell.size()));
-    const QStringList& words = FieldTexts::powerOffWords();
-    const auto mode = std::find(words.begin(), words.end(), word) - words.begin();
-    if (mode < words.size())
-        m_row.powerOffMode = static_cast<std::uint8_t>(mode);
-    else
+    m_row->powerOffMode = FieldTexts::powerOffMode(cell);
+    if (!m_row->powerOffMode)
         addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "It has to be off, 15, 30 or 60, not \"%1\""), cell);
 }
 
@@ -197,11 +198,11 @@ void PlanReader::takeValues(std::string_view cell) {
         QDir::cleanPath(QDir(QFileInfo(m_file.path).path()).filePath(name)), faults);
     auto values = file ? ValueFile::check(*file, Accessory, faults) : std::nullopt;
     if (values) {
-        m_row.accessories.push_back(std::move(*values));
+        m_row->accessories.push_back(std::move(*values));
         const bool isPlate = &Accessory == &CalibrationAccessory::whitePlate;
         const QString role =
             isPlate ? QStringLiteral("white-plate %1") : QStringLiteral("ambient-adapter %1");
-        m_row.inputs.push_back(::journalInput(role.arg(serialText(m_row.serialNumber)), *file));
+        m_row->inputs.push_back(::journalInput(role.arg(serialText(m_row->serialNumber)), *file));
         return;
     }
     addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "The file \"%1\" cannot be used:"), cell);
@@ -230,7 +231,8 @@ bool PlanReader::readHeader(const std::vector<std::string_view>& cells) {
                                                    "own begins with \"#\"."),
                     name);
     }
-    if (indexOf("serial") < cells.size())
+    m_serialColumn = indexOf("serial");
+    if (m_serialColumn < cells.size())
         return true;
     m_place.column = 0;
     addHere(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The header has no column \"serial\"")));
@@ -246,7 +248,7 @@ std::size_t PlanReader::indexOf(const char* column) const {
 }
 
 bool PlanReader::isUtf8(std::string_view cell) {
-    if (m_hasOnlyAscii || isAscii(cell))
+    if (isAscii(cell))
         return true;
     const QByteArray bytes(cell.data(), static_cast<int>(cell.size()));
     if (QString::fromUtf8(bytes).toUtf8() == bytes)
@@ -258,10 +260,12 @@ bool PlanReader::isUtf8(std::string_view cell) {
 
 void PlanReader::readCell(std::size_t column, std::string_view cell) {
     m_place.column = column;
-    if (cell.empty() || !isUtf8(cell) || (column < m_columns.size() && m_isComment[column]))
+    if (cell.empty() || (!m_hasOnlyAscii && !isUtf8(cell)))
         return;
     const Column* meaning = column < m_columns.size() ? m_columns[column] : nullptr;
     if (meaning == nullptr) {
+        if (column < m_columns.size() && m_isComment[column])
+            return;
         const bool isNamed = column < m_columns.size() && !m_names[column].isEmpty();
         if (!isNamed && !PlanCells::trimmed(cell).empty())
             addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "\"%1\" stands in a column without a name"),
@@ -278,22 +282,21 @@ void PlanReader::readRow(const CsvReader& reader) {
     const auto isNothing = [](std::string_view cell) { return PlanCells::trimmed(cell).empty(); };
     if (std::all_of(cells.begin(), cells.end(), isNothing))
         return;
-    m_row = {};
-    m_row.number = reader.number();
-    m_row.serialNumber = -1;
-    const std::size_t serial = indexOf("serial");
+    m_row = &m_plan.rows.emplace_back();
+    m_row->number = reader.number();
+    m_row->serialNumber = -1;
+    const std::size_t serial = m_serialColumn;
     // First, as the messages about the other cells name the serial number.
     if (serial < cells.size())
         readCell(serial, cells[serial]);
     if (serial >= cells.size() || isNothing(cells[serial]))
-        add({m_row.number, serial},
+        add({m_row->number, serial},
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The row has no serial number")));
     for (std::size_t i = 0; i < cells.size(); ++i) {
         if (i != serial)
             readCell(i, cells[i]);
     }
     checkAddresses();
-    m_plan.rows.push_back(std::move(m_row));
 }
 
 // ---- All rows

@@ -44,6 +44,7 @@ private:
         bool (*valueOf)(const PlanRow& row, std::uint32_t& value);
         QString (*textOf)(const PlanRow& row);
     };
+    using Values = std::vector<std::pair<std::uint32_t, const PlanRow*>>;
 
     bool readHeader(const std::vector<std::string_view>& cells);
     std::size_t indexOf(const char* column) const;
@@ -64,10 +65,12 @@ private:
 
     void checkAddresses();
     void checkAllRows();
-    void checkAttached();
+    /** @param serials  in ascending order */
+    void checkAttached(const Values& serials);
     bool isNeeded(std::int32_t serialNumber) const;
     void keepNeeded();
-    void checkUnique(const Unique& what);
+    /** Leaves the values in ascending order. */
+    void checkUnique(const Unique& what, Values& values);
     bool finish();
 
     QString cellName(std::size_t column) const;
@@ -79,6 +82,7 @@ private:
 
     const InputFile& m_file;
     const PlanNeeds& m_needs;
+    std::vector<std::int32_t> m_only; ///< of the needs, in ascending order
     Faults& m_faults;
     std::vector<std::pair<Place, Fault>> m_found;
     Plan m_plan;
@@ -87,8 +91,9 @@ private:
     std::vector<QString> m_names;
     std::vector<bool> m_isComment;
     bool m_hasOnlyAscii = false;
-    Place m_place; ///< of the present cell
-    PlanRow m_row; ///< the present one
+    Place m_place;            ///< of the present cell
+    PlanRow* m_row = nullptr; ///< the present one, the last in the plan
+    std::size_t m_serialColumn = 0;
 };
 
 #endif

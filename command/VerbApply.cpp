@@ -88,6 +88,7 @@ ExitStatus applyPlan(const ApplyOptions& options) {
     std::vector<JournalInput> inputs;
     inputs.push_back(Plan::journalInput(checked.file));
     std::vector<Order> orders;
+    orders.reserve(checked.plan.rows.size());
     for (PlanRow& row : checked.plan.rows) {
         inputs.insert(inputs.end(), row.inputs.begin(), row.inputs.end());
         orders.push_back(orderFor(row));

@@ -68,6 +68,8 @@ private Q_SLOTS:
     void masksKeysForTheJournal();
     void looksForInstruments_data();
     void looksForInstruments();
+    void takesWhatIsNeeded_data();
+    void takesWhatIsNeeded();
     void makesAPlan();
     void leavesAddressesOut();
 
@@ -339,6 +341,36 @@ void TestCommandPlan::looksForInstruments() {
     // Beside other files it is checked by itself.
     QCOMPARE(m_run.run({"check", m_run.path("plan.csv")}).exitStatus,
              content.contains(",x") ? 2 : 0);
+}
+
+void TestCommandPlan::takesWhatIsNeeded_data() {
+    using Serials = std::vector<std::int32_t>;
+    QTest::addColumn<Serials>("attached");
+    QTest::addColumn<Serials>("only");
+    QTest::addColumn<QStringList>("taken");
+    QTest::addColumn<QStringList>("faults");
+    const QStringList none;
+    QTest::newRow("all") << Serials{3, 1, 2} << Serials{} << QStringList{"2", "3", "1"} << none;
+    QTest::newRow("some") << Serials{3, 1} << Serials{3, 1} << QStringList{"3", "1"} << none;
+    QTest::newRow("missing") << Serials{3, 2} << Serials{} << none
+                             << QStringList{"row 4, column A (serial): Instrument 00000001 is not "
+                                            "attached."};
+    QTest::newRow("not planned") << Serials{3, 4, 2} << Serials{4, 2, 0} << none
+                                 << QStringList{"--only: Instrument 00000004 is not in the plan",
+                                                "--only: Instrument 00000000 is not in the plan"};
+}
+
+void TestCommandPlan::takesWhatIsNeeded() {
+    QFETCH(std::vector<std::int32_t>, attached);
+    QFETCH(std::vector<std::int32_t>, only);
+    const InputFile file = {"plan.csv", "serial,ip\n2,\n3,\n1,\n"};
+    Faults faults;
+    const auto plan = Plan::check(file, {attached, only}, faults);
+    QTEST(shown(faults, file.path), "faults");
+    QStringList taken;
+    for (const PlanRow& row : plan ? plan->rows : std::vector<PlanRow>())
+        taken.append(QString::number(row.serialNumber));
+    QTEST(taken, "taken");
 }
 
 void TestCommandPlan::makesAPlan() {
