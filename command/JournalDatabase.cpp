@@ -275,18 +275,14 @@ Text JournalDatabase::insert(const JournalRow& row, qint64* id) {
     return executeAgain(row.statement(), row.values(), id);
 }
 
-bool JournalDatabase::run(QSqlQuery& query, const QString& statement, const QVariantList& values) {
-    const bool isPrepared = query.prepare(statement);
-    for (const QVariant& value : values)
-        query.addBindValue(value);
-    return isPrepared && query.exec();
-}
-
 Text JournalDatabase::select(const QString& statement, const QVariantList& values,
                              const Take& take) {
     QSqlQuery query(m_database);
     query.setForwardOnly(true);
-    if (!run(query, statement, values))
+    const bool isPrepared = query.prepare(statement);
+    for (const QVariant& value : values)
+        query.addBindValue(value);
+    if (!isPrepared || !query.exec())
         return failure(query.lastError().text());
     while (query.next())
         take(query);

@@ -89,14 +89,13 @@ private:
     Text executeAgain(const QString& statement, const QVariantList& values = {},
                       qint64* id = nullptr);
     Text number(const QString& statement, int& value);
-    static bool run(QSqlQuery& query, const QString& statement, const QVariantList& values);
     Text failure(const QString& reason) const;
 
     QString m_path;
     QString m_name; ///< of the connection
     QSqlDatabase m_database;
     std::map<QString, QSqlQuery> m_prepared; ///< by their texts
-    std::optional<Sync> m_sync; ///< none: as SQLite was built
+    std::optional<Sync> m_sync;              ///< none: as SQLite was built
 };
 
 #endif
