@@ -43,6 +43,28 @@ class WorstFigure(Figure):
         return max(self.ratios())
 
 
+class EvenFigure(Figure):
+    """One whose values for several sizes must be alike. The ratio is that of their medians: of
+    values that scatter the highest of a run lies above the lowest though they are alike."""
+
+    def __init__(self, name, against, limit, unit):
+        super().__init__(name, against, limit, unit)
+        self._values = []
+
+    def add_sizes(self, values):
+        self._values.append(values)
+        self.add(max(values), min(values))
+
+    def medians(self):
+        return [statistics.median(values) for values in zip(*self._values)]
+
+    def ratio(self):
+        return max(self.medians()) / min(self.medians())
+
+    def median(self, key):
+        return max(self.medians()) if key == "measured" else min(self.medians())
+
+
 def in_turn(run, first, second):
     """Both results, each one first in every other run."""
     if run % 2 == 0:

@@ -8,7 +8,7 @@
 #include "tests/support/TestFolder.h"
 #include "tests/support/TestMain.h"
 
-#include <QFileInfo>
+#include <QFile>
 
 #include <cstring>
 #include <sys/stat.h>
