@@ -24,7 +24,7 @@ QString textCell(const char* field, std::size_t size) {
     QString text = FieldTexts::text(field, size);
     const QByteArray bytes = text.toUtf8();
     const bool isWhole = bytes == QByteArray(field, static_cast<int>(::strnlen(field, size)));
-    const bool isFormula = !text.isEmpty() && QStringLiteral("=+-@'").contains(text[0]);
+    const bool isFormula = !text.isEmpty() && QStringLiteral("=+-@'").contains(text.at(0));
     const std::string_view cell(bytes.constData(), static_cast<std::size_t>(bytes.size()));
     if (!isWhole || isFormula || PlanCells::isShortenedNumber(cell))
         return {};

@@ -52,6 +52,7 @@ private Q_SLOTS:
     void verifiesWhatIsAttached();
     void verifiesWhatWasPutBack();
     void seesTheMarkOfTheUsualJournal();
+    void refusesBesideADamagedJournal();
     void namesAnotherJournal();
     void keepsWhatItCannotEnd();
     void readsNoDamagedSnapshot();
@@ -266,6 +267,19 @@ void TestCommandRecover::verifiesWhatWasPutBack() {
     QCOMPARE(run.run({"recover", "--yes", "--json"}).outcome(), QString("rolled-back"));
     got = run.run({"verify", "1000001", "--json"});
     QVERIFY2(got.object()["outcome"].toString() == "held", got.text());
+}
+
+/** A usual journal that cannot be read may have a mark. */
+void TestCommandRecover::refusesBesideADamagedJournal() {
+    CommandRun run;
+    QVERIFY(QDir().mkpath(run.dataFolder()));
+    run.write("data/vq-tl4ctl/journal.sqlite", "This is no journal.");
+    const QStringList other = {"--journal", run.path("other.sqlite")};
+    const CommandResult got = run.run(run.applyAll() + other);
+    QVERIFY2(got.outcome() == "refused", got.text());
+    QVERIFY2(got.object()["reason"].toString().contains("file is not a database"), got.text());
+    QCOMPARE(run.calls(), QStringList());
+    QVERIFY(run.run({"list", "--json"}).object()["unfinished"].toBool());
 }
 
 /** In a form that a shell takes as it is. */
