@@ -20,9 +20,10 @@ sys.dont_write_bytecode = True  # the sources' folder is to hold sources
 
 import command_figures  # noqa: E402
 import figures  # noqa: E402
+import qt_versions  # noqa: E402
 from programs import Build, Failure, output  # noqa: E402
 
-GROUPS = figures.GROUPS + command_figures.GROUPS
+GROUPS = figures.GROUPS + command_figures.GROUPS + qt_versions.GROUPS
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
 
 
@@ -129,7 +130,7 @@ def measure(build, plan, only):
 def arguments():
     parser = argparse.ArgumentParser(description="Measures the tool against its peers.")
     parser.add_argument("--build", default=os.path.join(ROOT, "build", "bench"),
-                        help="the build tree (build/bench)")
+                        help="the build tree (build/bench); that with Qt 6 lies beside it (build/bench-qt6)")
     parser.add_argument("--quick", action="store_true",
                         help="fewer, shorter runs: whether it works, not how fast")
     parser.add_argument("--runs", type=int, help="how many (15)")

@@ -74,6 +74,21 @@ def in_turn(run, first, second):
     return first(), two
 
 
+def launched(build, command, platform=None):
+    """Milliseconds until the first window is painted."""
+    with Window(build, command, platform=platform, ends=True) as window:
+        launch_time = window.launch_time / 1e6
+    time.sleep(0.05)  # for the X server and the window manager to forget the window
+    return launch_time
+
+
+def peak(build, command, windows):
+    """MiB, when so many windows were painted one after the other."""
+    with Window(build, command, windows=windows) as window:
+        time.sleep(0.3)
+        return window.peak_memory() / 1024
+
+
 def launch(build, plan):
     peers = (("bare dialog, empty", "language", 1.10), ("bare dialog, same widgets", "choice", None))
 
@@ -82,16 +97,11 @@ def launch(build, plan):
         figure = Figure(name, against, limit, "ms")
         bare = [build.program("bare_dialog"), kind]
 
-        def started(command):
-            with Window(build, command, platform=platform, ends=True) as window:
-                launch_time = window.launch_time / 1e6
-            time.sleep(0.05)  # for the X server and the window manager to forget the window
-            return launch_time
-
         for command in ([build.tool], bare):
-            started(command)  # what a first start reads from the disk is not the program's
+            launched(build, command)  # what a first start reads from the disk is not the program's
         for run in range(plan.runs):
-            figure.add(*in_turn(run, lambda: started([build.tool]), lambda: started(bare)))
+            figure.add(*in_turn(run, lambda: launched(build, [build.tool], platform),
+                                lambda: launched(build, bare, platform)))
         return figure
 
     for peer in peers:
@@ -133,11 +143,6 @@ def idle(build, plan):
 
 
 def memory(build, plan):
-    def peak(command, windows):
-        with Window(build, command, windows=windows) as window:
-            time.sleep(0.3)
-            return window.peak_memory() / 1024
-
     kinds = (
         (Figure("peak memory, language dialog", "bare dialog, empty", 1.15, "MiB"), 1, "language"),
         (Figure("peak memory, language dialog", "bare dialog, same widgets", None, "MiB"), 1,
@@ -148,7 +153,8 @@ def memory(build, plan):
     for figure, windows, size in kinds:
         bare = [build.program("bare_dialog"), size]
         for run in range(plan.runs):
-            figure.add(*in_turn(run, lambda: peak([build.tool], windows), lambda: peak(bare, 1)))
+            figure.add(*in_turn(run, lambda: peak(build, [build.tool], windows),
+                                lambda: peak(build, bare, 1)))
         yield figure
 
 
