@@ -121,7 +121,7 @@
     </message>
     <message>
         <source>A plate or an adapter belongs to one instrument: its values are not registered in several.</source>
-        <translation>白色校正板や環境光アダプターは1台の測定器に属するため、その値を複数の測定器には登録しません。</translation>
+        <translation>白色校正板や環境光アダプターは1台の測定器に属するため、その校正値を複数の測定器には登録しません。</translation>
     </message>
     <message>
         <source>The settings have a fixed address, which only one instrument can have: use DHCP, or a plan.</source>
@@ -269,7 +269,7 @@
     </message>
     <message>
         <source>%1: a plan, no fault (instruments: %2)</source>
-        <translation>%1: 計画表、問題なし(測定器: %2台)</translation>
+        <translation>%1: 計画表、誤りなし(測定器: %2台)</translation>
     </message>
     <message>
         <source>the plan: a spreadsheet (.csv), a row for each instrument</source>
@@ -285,7 +285,7 @@
     </message>
     <message>
         <source>settings (.ini), values or a plan (.csv), snapshots (.json)</source>
-        <translation>設定ファイル(.ini)、値ファイルまたは計画表(.csv)、スナップショット(.json)</translation>
+        <translation>設定ファイル(.ini)、校正値ファイルまたは計画表(.csv)、スナップショット(.json)</translation>
     </message>
     <message>
         <source>compare two: a serial number, a snapshot, settings (.ini)</source>
@@ -325,11 +325,11 @@
     </message>
     <message>
         <source>values of the white calibration plate (.csv)</source>
-        <translation>白色校正板の値ファイル(.csv)</translation>
+        <translation>白色校正板の校正値ファイル(.csv)</translation>
     </message>
     <message>
         <source>values of the ambient light adapter (.csv)</source>
-        <translation>環境光アダプターの値ファイル(.csv)</translation>
+        <translation>環境光アダプターの校正値ファイル(.csv)</translation>
     </message>
     <message>
         <source>write values that look wrong</source>
@@ -469,7 +469,7 @@
     </message>
     <message>
         <source>It is %1 times what its neighbours suggest: is the decimal point missing or misplaced, or is it a percentage among ratios?</source>
-        <translation>前後の値から予想される値の %1 倍です。小数点の抜けや位置の誤り、または比率の中の百分率ではありませんか?</translation>
+        <translation>前後の値から予想される値の %1 倍です。小数点の抜けや位置の誤りはありませんか? または、比率の値に百分率が混ざっていませんか?</translation>
     </message>
     <message>
         <source>It does not go with its neighbours: are digits exchanged, doubled or lost?</source>
@@ -633,7 +633,7 @@
     </message>
     <message>
         <source>The change was not confirmed.</source>
-        <translation>変更が確認されませんでした。</translation>
+        <translation>変更は承認されませんでした。</translation>
     </message>
     <message>
         <source>The library reports a commit, and does not confirm that nothing is staged any more: the record may not be in the instrument&apos;s memory.</source>
@@ -697,11 +697,11 @@
     </message>
     <message>
         <source>%1: values of a white plate, no fault</source>
-        <translation>%1: 白色校正板の値、誤りなし</translation>
+        <translation>%1: 白色校正板の校正値、誤りなし</translation>
     </message>
     <message>
         <source>%1: values of an ambient adapter, no fault</source>
-        <translation>%1: 環境光アダプターの値、誤りなし</translation>
+        <translation>%1: 環境光アダプターの校正値、誤りなし</translation>
     </message>
     <message>
         <source>Only an instrument, a snapshot and network settings can be compared.</source>
@@ -797,7 +797,7 @@
     </message>
     <message>
         <source>Without a terminal nobody can be asked: confirm the change with --yes, or look at it with --dry-run.</source>
-        <translation>端末がないため確認できません。--yes で変更を確定するか、--dry-run で変更内容を表示してください。</translation>
+        <translation>ターミナルから実行されていないため、確認を求めることができません。--yes で変更を確定するか、--dry-run で変更内容を表示してください。</translation>
     </message>
     <message>
         <source>Another vq-tl4ctl is writing to an instrument: process %1.</source>
@@ -1037,7 +1037,7 @@
     </message>
     <message>
         <source>Without a terminal nobody can be asked: confirm the recovery with --yes.</source>
-        <translation>端末がないため確認できません。--yes で回復を確定してください。</translation>
+        <translation>ターミナルから実行されていないため、確認を求めることができません。--yes で回復を確定してください。</translation>
     </message>
     <message>
         <source>%1: held. It answers what was written last, in every byte.</source>
@@ -1053,7 +1053,7 @@
     </message>
     <message>
         <source>%1: unfinished. An earlier write did not end: run vq-tl4ctl recover.</source>
-        <translation>%1: unfinished(未完了)。以前の書き込みが完了していません。vq-tl4ctl recoverを実行してください。</translation>
+        <translation>%1: unfinished(未完了)。以前の書き込みが完了していません。vq-tl4ctl recover を実行してください。</translation>
     </message>
     <message>
         <source>%1: unwritten. The journal has no write to it.</source>
@@ -1101,7 +1101,7 @@
     </message>
     <message>
         <source>%1: from %2 to %3.</source>
-        <translation>%1: %2~%3。</translation>
+        <translation>%1: %2〜%3。</translation>
     </message>
     <message>
         <source>Before</source>
@@ -1121,7 +1121,7 @@
     </message>
     <message>
         <source>Values %1 to %2</source>
-        <translation>値 %1~%2</translation>
+        <translation>値 %1〜%2</translation>
     </message>
     <message>
         <source>Index</source>
@@ -1181,7 +1181,7 @@
     </message>
     <message>
         <source>What the write came to is not known yet: run vq-tl4ctl recover.</source>
-        <translation>書き込みの結果はまだ不明です。vq-tl4ctl recoverを実行してください。</translation>
+        <translation>書き込みの結果はまだ不明です。vq-tl4ctl recover を実行してください。</translation>
     </message>
     <message>
         <source>A later run settled what the instrument holds.</source>
