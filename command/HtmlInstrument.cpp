@@ -51,6 +51,22 @@ QString nameOf(const QString& word, const std::pair<const char*, const char*> (&
     return word;
 }
 
+/** Of a plan's value file the role has the serial number of the instrument that it is for. */
+QString serialOf(const JournalInput& input) {
+    return input.role.section(QLatin1Char(' '), 1);
+}
+
+/** @param withSerial  whether the serial number is told too */
+QString kindOf(const JournalInput& input, bool withSerial) {
+    const QString kind = input.role.section(QLatin1Char(' '), 0, 0);
+    const QString name = nameOf(kind, roleNames);
+    if (name == kind)
+        return input.role;
+    if (withSerial)
+        return name + input.role.mid(kind.size());
+    return name;
+}
+
 /** Writes one section. */
 class Section {
 public:
@@ -202,6 +218,9 @@ private:
 
     /** Whether the file concerns this instrument; a value file does if its values were wanted. */
     bool isFor(const JournalInput& input) const {
+        const QString serial = serialOf(input);
+        if (!serial.isEmpty())
+            return serial == serialText(m_part.serialNumber);
         if (m_instrument.run.instruments.size() == 1)
             return true;
         const CalibrationAccessory* accessory = HtmlCalibration::accessoryOf(input.role);
@@ -273,6 +292,6 @@ HtmlWriter::Table HtmlTexts::inputs(const std::vector<JournalInput>& inputs, boo
          translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "File")), QStringLiteral("SHA-256")},
         "files");
     for (const JournalInput& input : inputs)
-        table.add({nameOf(input.role, roleNames), input.path, QString::fromLatin1(input.sha256)});
+        table.add({kindOf(input, isOfRun), input.path, QString::fromLatin1(input.sha256)});
     return table;
 }

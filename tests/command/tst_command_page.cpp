@@ -62,14 +62,22 @@ void TestCommandPage::namesTheFilesOfEachInstrument() {
     run.instruments.push_back(run.instruments[0]);
     run.instruments[2].before.clear();
     run.instruments[2].wanted.clear();
+    // A file that a plan names for the second one.
+    run.instruments[1].serialNumber = 1000002;
+    const QByteArray ofPlan(64, 'f');
+    run.inputs.push_back({"ambient-adapter 01000002", "plate.csv", ofPlan, {}});
     const auto page = HtmlReport::make(run, "journal", faults);
     QVERIFY(page);
     const Elements elements = elementsOf(*page);
+    QCOMPARE(texts(named(elements, "th")).count("Ambient light adapter 01000002"), 1);
     QMap<QString, QStringList> cells; // by section
     for (const Element& cell : named(elements, "td")) {
         if (isWithin(elements, cell, "section"))
             cells[elements[cell.within[3]]["id"]].append(cell.text);
     }
+    QCOMPARE(cells["instrument-1"].count(ofPlan), 0);
+    QCOMPARE(cells["instrument-2"].count(ofPlan), 1);
+    run.inputs.pop_back();
     for (const JournalInput& input : run.inputs) {
         const QString hash = QString::fromLatin1(input.sha256);
         QCOMPARE(cells["instrument-1"].count(hash), 1);
