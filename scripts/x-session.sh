@@ -257,10 +257,24 @@ answer() {
 choose() {
     await_dialog
     shoot "$1" # before the typing: a list of completions would cover it
-    xdotool type --delay 10 "$2"
+    enter_path "$2"
+    window=$main_window
+}
+
+# enter_path PATH: into the file dialog $window. On a busy machine the dialog may take the folder alone,
+# and go there: the path is then typed again.
+enter_path() {
+    local tries
+    xdotool type --delay 10 "$1"
+    keys Return
+    for ((tries = 0; tries < 100; ++tries)); do
+        ! is_gone "$window" || return 0
+        sleep 0.05
+    done
+    keys ctrl+a
+    xdotool type --delay 10 "$1"
     keys Return
     expect_gone "$window"
-    window=$main_window
 }
 
 # close_by_manager: has the window manager close $window, as its menus and keys do. Not by such a

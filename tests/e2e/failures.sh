@@ -106,9 +106,7 @@ scenario_lost_with_message_open() {
 # lost_in_file_dialog PRESS PATH: the file chosen after the loss is left alone.
 lost_in_file_dialog() {
     lost_behind "$1"
-    xdotool type --delay 10 "$2"
-    keys Return
-    expect_gone "$window"
+    enter_path "$2"
     window=$main_window
     sleep 0.3
     shoot afterwards
