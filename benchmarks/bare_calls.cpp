@@ -33,7 +33,7 @@ bool writeAll(InstrumentAccess& access, std::int32_t serialNumber) {
 } // namespace
 
 int main(int argc, char** argv) {
-    const int count = argc == 2 ? std::atoi(argv[1]) : 0;
+    const long count = argc == 2 ? std::strtol(argv[1], nullptr, 10) : 0;
     Indifferent observer;
     for (int i = 1; i <= count; ++i) {
         InstrumentAccess access(observer);

@@ -59,11 +59,11 @@ QString serialOf(const JournalInput& input) {
 /** @param withSerial  whether the serial number is told too */
 QString kindOf(const JournalInput& input, bool withSerial) {
     const QString kind = input.role.section(QLatin1Char(' '), 0, 0);
-    const QString name = nameOf(kind, roleNames);
+    QString name = nameOf(kind, roleNames);
     if (name == kind)
         return input.role;
     if (withSerial)
-        return name + input.role.mid(kind.size());
+        name += input.role.mid(kind.size());
     return name;
 }
 
