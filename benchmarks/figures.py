@@ -98,7 +98,8 @@ def launch(build, plan):
         bare = [build.program("bare_dialog"), kind]
 
         for command in ([build.tool], bare):
-            launched(build, command)  # what a first start reads from the disk is not the program's
+            # What a first start reads from the disk is not the program's.
+            launched(build, command, platform)
         for run in range(plan.runs):
             figure.add(*in_turn(run, lambda: launched(build, [build.tool], platform),
                                 lambda: launched(build, bare, platform)))
