@@ -111,16 +111,19 @@ expect_end() {
 
 # ---- Waiting and looking
 
-# until_true WHAT COMMAND...: repeats the command until it succeeds, for twenty seconds.
-until_true() {
-    local what="$1" tries
+# comes_true TRIES COMMAND...: repeats the command until it succeeds, twenty times a second.
+comes_true() {
+    local tries=$1
     shift
-    for ((tries = 0; tries < 400; ++tries)); do
+    for ((; tries > 0; --tries)); do
         if "$@" >/dev/null 2>&1; then return 0; fi
         sleep 0.05
     done
-    stop "$what"
+    return 1
 }
+
+# until_true WHAT COMMAND...: waits for it for twenty seconds.
+until_true() { comes_true 400 "${@:2}" || stop "$1"; }
 
 windows() { xdotool search --onlyvisible --class vq-tl4 2>/dev/null || true; }
 
@@ -264,16 +267,13 @@ choose() {
 # enter_path PATH: into the file dialog $window. On a busy machine the dialog may take the folder alone,
 # and go there: the path is then typed again.
 enter_path() {
-    local tries
-    xdotool type --delay 10 "$1"
-    keys Return
-    for ((tries = 0; tries < 100; ++tries)); do
-        ! is_gone "$window" || return 0
-        sleep 0.05
+    local attempt
+    for attempt in first second; do
+        [ "$attempt" = first ] || keys ctrl+a
+        xdotool type --delay 10 "$1"
+        keys Return
+        ! comes_true 100 is_gone "$window" || return 0
     done
-    keys ctrl+a
-    xdotool type --delay 10 "$1"
-    keys Return
     expect_gone "$window"
 }
 
