@@ -24,8 +24,7 @@ public:
     }
     Q_DISABLE_COPY(StandardOutput)
 
-    /** What was written since the last call, or since the start. What is not flushed is not there.
-     */
+    /** What was written and flushed since the last call, or since the start. */
     QByteArray take() {
         QFile file(m_file.fileName());
         if (!file.open(QIODevice::ReadOnly) || !file.seek(m_taken))
