@@ -17,8 +17,8 @@
 
 namespace {
 
-std::string translated(const char* source) {
-    return Text(source).translated().toStdString();
+std::string help(const char* source) {
+    return translated(source).toStdString();
 }
 
 std::vector<std::string> words(const QStringList& list) {
@@ -83,30 +83,29 @@ const char serialHelp[] =
     QT_TRANSLATE_NOOP("vq-tl4ctl", "serial number, with leading zeros or without");
 
 CommandLine::CommandLine()
-    : m_app(translated(QT_TRANSLATE_NOOP(
+    : m_app(help(QT_TRANSLATE_NOOP(
                 "vq-tl4ctl", "Reads and changes the settings of instruments, and proves what it "
                              "changed.")),
             "vq-tl4ctl") {
     // Before the verbs are added, as they inherit it.
-    m_app.set_help_flag("-h,--help", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show this help")));
+    m_app.set_help_flag("-h,--help", help(QT_TRANSLATE_NOOP("vq-tl4ctl", "show this help")));
     m_app.formatter(UsageText::formatter());
     m_app.failure_message(UsageText::failure);
     m_app.require_subcommand(1);
     m_app.fallthrough();
     m_app.set_version_flag("--version", VQTL4_VERSION,
-                           translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show the version")));
+                           help(QT_TRANSLATE_NOOP("vq-tl4ctl", "show the version")));
     m_app
-        .add_option(
-            "--lang", m_language,
-            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "language of the messages, in place of the "
-                                                      "system's")))
+        .add_option("--lang", m_language,
+                    help(QT_TRANSLATE_NOOP("vq-tl4ctl", "language of the messages, in place of the "
+                                                        "system's")))
         ->check(CLI::IsMember({"en", "ja"}));
     m_app.add_option_function<std::string>(
         "--journal",
         [](const std::string& path) {
             DataFolder::useJournal(QString::fromLocal8Bit(path.c_str()));
         },
-        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "the journal, in place of the usual one")));
+        help(QT_TRANSLATE_NOOP("vq-tl4ctl", "the journal, in place of the usual one")));
     addReadingVerbs();
     addFileVerbs();
     addPlan();
@@ -120,7 +119,7 @@ CommandLine::CommandLine()
 
 CLI::App* CommandLine::addVerb(const char* name, const char* description,
                                std::function<ExitStatus()> verb) {
-    CLI::App* sub = m_app.add_subcommand(name, translated(description));
+    CLI::App* sub = m_app.add_subcommand(name, help(description));
     // A verb within this one has been called before.
     sub->callback([this, verb = std::move(verb)] {
         if (!m_verb)
@@ -134,7 +133,7 @@ void CommandLine::addText(CLI::App* verb, const std::string& name, QString& targ
     verb->add_option_function<std::string>(
             name,
             [&target](const std::string& text) { target = QString::fromLocal8Bit(text.c_str()); },
-            translated(description))
+            help(description))
         ->required(isRequired);
 }
 
@@ -146,7 +145,7 @@ void CommandLine::addTexts(CLI::App* verb, const std::string& name, QStringList&
                 for (const std::string& text : texts)
                     target.append(QString::fromLocal8Bit(text.c_str()));
             },
-            translated(description))
+            help(description))
         ->required(isRequired);
 }
 
@@ -154,27 +153,27 @@ void CommandLine::addReadingVerbs() {
     CLI::App* verb =
         addVerb("list", QT_TRANSLATE_NOOP("vq-tl4ctl", "list the attached instruments"),
                 [this] { return list(m_list); });
-    verb->add_flag("--json", m_list.asJson, translated(jsonHelp));
+    verb->add_flag("--json", m_list.asJson, help(jsonHelp));
 
     verb = addVerb("show", QT_TRANSLATE_NOOP("vq-tl4ctl", "show what an instrument holds"),
                    [this] { return show(m_show); });
     addText(verb, "SERIAL", m_show.serial, serialHelp, true);
-    verb->add_flag("--json", m_show.asJson, translated(jsonHelp));
-    verb->add_flag("--reveal-key", m_show.revealsKey,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                                "show the security key, not only that it is set")));
+    verb->add_flag("--json", m_show.asJson, help(jsonHelp));
+    verb->add_flag(
+        "--reveal-key", m_show.revealsKey,
+        help(QT_TRANSLATE_NOOP("vq-tl4ctl", "show the security key, not only that it is set")));
 
     verb = addVerb(
         "backup", QT_TRANSLATE_NOOP("vq-tl4ctl", "write a snapshot of each instrument to a folder"),
         [this] { return backup(m_backup); });
     addTexts(verb, "SERIAL", m_backup.serials, serialHelp, false);
     verb->add_flag("--all", m_backup.all,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments")))
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments")))
         ->excludes(verb->get_option("SERIAL"));
     addText(verb, "--to", m_backup.folder,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "the folder; it is made where it is missing"), true);
     verb->add_flag("--without-key", m_backup.withoutKey,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "leave the security key out")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "leave the security key out")));
     verb->parse_complete_callback([this] {
         if (!m_backup.all && m_backup.serials.isEmpty())
             throw CLI::RequiredError("SERIAL | --all");
@@ -196,49 +195,49 @@ void CommandLine::addFileVerbs() {
         [this] { return diff(m_diff); });
     addText(verb, "A", m_diff.left, QT_TRANSLATE_NOOP("vq-tl4ctl", "the one"), true);
     addText(verb, "B", m_diff.right, QT_TRANSLATE_NOOP("vq-tl4ctl", "the other"), true);
-    verb->add_flag("--json", m_diff.asJson, translated(jsonHelp));
+    verb->add_flag("--json", m_diff.asJson, help(jsonHelp));
 }
 
 void CommandLine::addPlan() {
     CLI::App* verb = m_app.add_subcommand(
-        "plan", translated(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                             "make or check a spreadsheet for many instruments")));
+        "plan",
+        help(QT_TRANSLATE_NOOP("vq-tl4ctl", "make or check a spreadsheet for many instruments")));
     verb->require_subcommand(1);
 
     CLI::App* part = verb->add_subcommand(
-        "init", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "make a plan to fill in, with a row for "
-                                                          "each attached instrument")));
+        "init", help(QT_TRANSLATE_NOOP("vq-tl4ctl", "make a plan to fill in, with a row for "
+                                                    "each attached instrument")));
     part->callback([this] { m_verb = [this] { return planInit(m_planInit); }; });
     addText(part, "PLAN", m_planInit.file,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "the file; one that is there is not written over"),
             true);
     part->add_flag("--all", m_planInit.fillsIn,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "fill in all that the instruments "
-                                                             "hold, but for the key")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "fill in all that the instruments "
+                                                       "hold, but for the key")));
 
     part = verb->add_subcommand(
-        "check", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "find every mistake in a plan")));
+        "check", help(QT_TRANSLATE_NOOP("vq-tl4ctl", "find every mistake in a plan")));
     part->callback([this] { m_verb = [this] { return planCheck(m_planCheck); }; });
     addText(part, "PLAN", m_planCheck.file, planHelp, true);
     part->add_flag("--offline", m_planCheck.isOffline,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "without looking whether the "
-                                                             "instruments are attached")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "without looking whether the "
+                                                       "instruments are attached")));
 }
 
 void CommandLine::addWriteOptions(CLI::App* verb, WriteOptions& options) {
     verb->add_flag(
         "--dry-run", options.isDryRun,
-        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "only show what would change: exit status 7")));
+        help(QT_TRANSLATE_NOOP("vq-tl4ctl", "only show what would change: exit status 7")));
     verb->add_flag("--yes", options.isSure,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write without asking")));
-    verb->add_flag("--json", options.asJson, translated(jsonHelp));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "write without asking")));
+    verb->add_flag("--json", options.asJson, help(jsonHelp));
     verb->add_flag("--allow-low-battery", options.allowsLowBattery,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write with an empty battery")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "write with an empty battery")));
     verb->add_option_function<std::string>(
             "--on-failure",
             [&options](const std::string& what) { options.leavesFailure = what == "leave"; },
-            translated(QT_TRANSLATE_NOOP("vq-tl4ctl",
-                                         "put the old state back (the default), or leave it")))
+            help(QT_TRANSLATE_NOOP("vq-tl4ctl",
+                                   "put the old state back (the default), or leave it")))
         ->check(CLI::IsMember({"rollback", "leave"}));
 }
 
@@ -248,7 +247,7 @@ void CommandLine::addApply() {
                 [this] { return apply(m_apply); });
     addTexts(verb, "SERIAL", m_apply.serials, serialHelp, false);
     verb->add_flag("--all", m_apply.all,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments")));
     addText(verb, "--plan", m_apply.plan, planHelp);
     verb->add_option_function<std::vector<std::string>>(
             "--only",
@@ -256,13 +255,13 @@ void CommandLine::addApply() {
                 for (const std::string& serial : serials)
                     m_apply.only.append(QString::fromStdString(serial));
             },
-            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "these instruments of the plan alone, with "
-                                                      "commas between")))
+            help(QT_TRANSLATE_NOOP("vq-tl4ctl", "these instruments of the plan alone, with "
+                                                "commas between")))
         ->delimiter(',')
         ->needs("--plan");
     verb->add_flag("--keep-going", m_apply.keepsGoing,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "go on with the other instruments "
-                                                             "when one fails")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "go on with the other instruments "
+                                                       "when one fails")));
     addWriteOptions(verb, m_apply);
     addApplyFiles(verb);
     verb->parse_complete_callback([verb] { requireApplyTarget(*verb); });
@@ -274,14 +273,14 @@ void CommandLine::addApplyFiles(CLI::App* verb) {
     verb->add_option_function<std::string>(
             "--power-off",
             [this](const std::string& word) { m_apply.powerOff = QString::fromStdString(word); },
-            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "automatic power-off, in minutes")))
+            help(QT_TRANSLATE_NOOP("vq-tl4ctl", "automatic power-off, in minutes")))
         ->check(CLI::IsMember(words(FieldTexts::powerOffWords())));
     addText(verb, "--white-plate", m_apply.whitePlate,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "values of the white calibration plate (.csv)"));
     addText(verb, "--ambient-adapter", m_apply.ambientAdapter,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "values of the ambient light adapter (.csv)"));
     verb->add_flag("--accept-implausible", m_apply.acceptsImplausible,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write values that look wrong")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "write values that look wrong")));
 }
 
 void CommandLine::requireApplyTarget(const CLI::App& verb) {
@@ -316,7 +315,7 @@ void CommandLine::addRestore() {
                 for (const std::string& part : parts)
                     m_restore.only.append(QString::fromStdString(part));
             },
-            translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "these parts alone, with commas between")))
+            help(QT_TRANSLATE_NOOP("vq-tl4ctl", "these parts alone, with commas between")))
         ->delimiter(',')
         ->check(CLI::IsMember(words(restorableParts())));
 }
@@ -327,10 +326,10 @@ void CommandLine::addRecover() {
         QT_TRANSLATE_NOOP("vq-tl4ctl", "end what an earlier run left unfinished, and prove it"),
         [this] { return recover(m_recover); });
     verb->add_flag("--yes", m_recover.isSure,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write without asking")));
-    verb->add_flag("--json", m_recover.asJson, translated(jsonHelp));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "write without asking")));
+    verb->add_flag("--json", m_recover.asJson, help(jsonHelp));
     verb->add_flag("--allow-low-battery", m_recover.allowsLowBattery,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write with an empty battery")));
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "write with an empty battery")));
 }
 
 void CommandLine::addVerify() {
@@ -341,10 +340,10 @@ void CommandLine::addVerify() {
                 [this] { return verify(m_verify); });
     addTexts(verb, "SERIAL", m_verify.serials, serialHelp, false);
     verb->add_flag("--all", m_verify.all,
-                   translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments, and all "
-                                                             "that were written to")))
+                   help(QT_TRANSLATE_NOOP("vq-tl4ctl", "all attached instruments, and all "
+                                                       "that were written to")))
         ->excludes(verb->get_option("SERIAL"));
-    verb->add_flag("--json", m_verify.asJson, translated(jsonHelp));
+    verb->add_flag("--json", m_verify.asJson, help(jsonHelp));
 }
 
 void CommandLine::addJournal() {
@@ -353,17 +352,17 @@ void CommandLine::addJournal() {
     addText(verb, "--serial", m_journal.serial, serialHelp);
     addText(verb, "--since", m_journal.since,
             QT_TRANSLATE_NOOP("vq-tl4ctl", "no run before that date or time"));
-    verb->add_flag("--json", m_journal.asJson, translated(jsonHelp));
+    verb->add_flag("--json", m_journal.asJson, help(jsonHelp));
 
-    CLI::App* part = verb->add_subcommand(
-        "show", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "show all of a run")));
+    CLI::App* part =
+        verb->add_subcommand("show", help(QT_TRANSLATE_NOOP("vq-tl4ctl", "show all of a run")));
     part->callback([this] { m_verb = [this] { return journalShow(m_journalShow); }; });
     addText(part, "RUN", m_journalShow.run, runHelp, true);
-    part->add_flag("--json", m_journalShow.asJson, translated(jsonHelp));
+    part->add_flag("--json", m_journalShow.asJson, help(jsonHelp));
 
-    part = verb->add_subcommand(
-        "snapshot", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "write what an instrument held "
-                                                              "before a run to a file")));
+    part = verb->add_subcommand("snapshot",
+                                help(QT_TRANSLATE_NOOP("vq-tl4ctl", "write what an instrument held "
+                                                                    "before a run to a file")));
     part->callback([this] { m_verb = [this] { return journalSnapshot(m_journalSnapshot); }; });
     addText(part, "RUN", m_journalSnapshot.run, runHelp, true);
     addText(part, "SERIAL", m_journalSnapshot.serial, serialHelp, true);

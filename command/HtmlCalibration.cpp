@@ -1,6 +1,7 @@
 #include "command/HtmlCalibration.h"
 
 #include "command/FieldTexts.h"
+#include "command/InputRole.h"
 #include "command/Report.h"
 
 #include <algorithm>
@@ -11,22 +12,14 @@
 
 namespace {
 
-QString translated(const char* source, std::initializer_list<QStringView> arguments = {}) {
-    return Text(source, arguments).translated();
-}
-
-/** The accessories: their names in the fields of a difference, and for people. */
+/** The accessories, with their names in the fields of a difference. */
 struct Accessory {
     const CalibrationAccessory& descriptor;
     const char* field;
-    const char* role; ///< of an input file
-    const char* name;
 };
 const Accessory accessories[] = {
-    {CalibrationAccessory::whitePlate, "whitePlate", "white-plate",
-     QT_TRANSLATE_NOOP("vq-tl4ctl", "White calibration plate")},
-    {CalibrationAccessory::ambientAdapter, "ambientAdapter", "ambient-adapter",
-     QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient light adapter")},
+    {CalibrationAccessory::whitePlate, "whitePlate"},
+    {CalibrationAccessory::ambientAdapter, "ambientAdapter"},
 };
 
 std::vector<float> valuesOf(const Accessory& accessory, const KVA_JIG_CALREFDATA& record) {
@@ -97,7 +90,7 @@ std::vector<HtmlCalibration> HtmlCalibration::changed(const KVA_JIG_CALREFDATA& 
                         part.m_before.size() * sizeof(float)) == 0)
             continue;
         part.m_accessory = &accessory.descriptor;
-        part.m_name = accessory.name;
+        part.m_name = InputRole::of(accessory.descriptor).name;
         part.m_field = QLatin1String(accessory.field) + QStringLiteral(".values[");
         part.m_beforeName = translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Before"));
         part.m_afterName = afterName;
@@ -108,14 +101,6 @@ std::vector<HtmlCalibration> HtmlCalibration::changed(const KVA_JIG_CALREFDATA& 
         parts.push_back(std::move(part));
     }
     return parts;
-}
-
-const CalibrationAccessory* HtmlCalibration::accessoryOf(const QString& role) {
-    for (const Accessory& accessory : accessories) {
-        if (role == QLatin1String(accessory.role))
-            return &accessory.descriptor;
-    }
-    return nullptr;
 }
 
 void HtmlCalibration::write(HtmlWriter& html, const QString& serial) const {

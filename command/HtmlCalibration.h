@@ -19,9 +19,6 @@ public:
                                                 const KVA_JIG_CALREFDATA& after,
                                                 const QString& afterName, const QString& id);
 
-    /** The accessory that an input file with this role is for; null if it is for none. */
-    static const CalibrationAccessory* accessoryOf(const QString& role);
-
     /** Whether a field of the difference is one of the values. */
     bool shows(const QString& field) const { return field.startsWith(m_field); }
 

@@ -2,6 +2,7 @@
 
 #include "command/FieldTexts.h"
 #include "command/HtmlCalibration.h"
+#include "command/InputRole.h"
 #include "command/Report.h"
 #include "command/ValueFile.h"
 #include "instrument/ResultNames.h"
@@ -10,10 +11,6 @@
 #include <iterator>
 
 namespace {
-
-QString translated(const char* source, std::initializer_list<QStringView> arguments = {}) {
-    return Text(source, arguments).translated();
-}
 
 /** The fields of a difference, with their names for people. */
 const std::pair<const char*, const char*> fieldNames[] = {
@@ -32,39 +29,24 @@ const std::pair<const char*, const char*> fieldNames[] = {
      QT_TRANSLATE_NOOP("vq-tl4ctl", "Serial number of the ambient light adapter")},
 };
 
-/** The kinds of input files, with their names for people. */
-const std::pair<const char*, const char*> roleNames[] = {
-    {"network", QT_TRANSLATE_NOOP("vq-tl4ctl", "Network settings")},
-    {"white-plate", QT_TRANSLATE_NOOP("vq-tl4ctl", "White calibration plate")},
-    {"ambient-adapter", QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient light adapter")},
-    {"snapshot", QT_TRANSLATE_NOOP("vq-tl4ctl", "Snapshot")},
-    {"plan", QT_TRANSLATE_NOOP("vq-tl4ctl", "Plan")},
-};
-
 /** The name for people, or the word itself if there is none, as for a single value. */
-template <std::size_t Size>
-QString nameOf(const QString& word, const std::pair<const char*, const char*> (&names)[Size]) {
-    for (const auto& [name, people] : names) {
-        if (word == QLatin1String(name))
+QString nameOf(const QString& field) {
+    for (const auto& [name, people] : fieldNames) {
+        if (field == QLatin1String(name))
             return translated(people);
     }
-    return word;
-}
-
-/** Of a plan's value file the role has the serial number of the instrument that it is for. */
-QString serialOf(const JournalInput& input) {
-    return input.role.section(QLatin1Char(' '), 1);
+    return field;
 }
 
 /** @param withSerial  whether the serial number is told too */
 QString kindOf(const JournalInput& input, bool withSerial) {
-    const QString kind = input.role.section(QLatin1Char(' '), 0, 0);
-    QString name = nameOf(kind, roleNames);
-    if (name == kind)
+    const InputRole* role = InputRole::stored(input.role);
+    if (!role)
         return input.role;
-    if (withSerial)
-        name += input.role.mid(kind.size());
-    return name;
+    const QString serial = InputRole::storedSerial(input.role);
+    if (!withSerial || serial.isEmpty())
+        return translated(role->name);
+    return translated(role->name) + QLatin1Char(' ') + serial;
 }
 
 /** Writes one section. */
@@ -207,7 +189,7 @@ private:
             "changes");
         for (const FieldChange& change : m_part.changes) {
             if (!isShownBelow(change.field))
-                table.add({nameOf(change.field, fieldNames), HtmlTexts::orNone(change.oldText),
+                table.add({nameOf(change.field), HtmlTexts::orNone(change.oldText),
                            HtmlTexts::orNone(change.newText) + changeNote(change)});
         }
         if (table.rows.empty())
@@ -218,16 +200,16 @@ private:
 
     /** Whether the file concerns this instrument; a value file does if its values were wanted. */
     bool isFor(const JournalInput& input) const {
-        const QString serial = serialOf(input);
+        const QString serial = InputRole::storedSerial(input.role);
         if (!serial.isEmpty())
             return serial == serialText(m_part.serialNumber);
         if (m_instrument.run.instruments.size() == 1)
             return true;
-        const CalibrationAccessory* accessory = HtmlCalibration::accessoryOf(input.role);
-        if (!accessory)
+        const InputRole* role = InputRole::stored(input.role);
+        if (!role || !role->accessory)
             return true;
         Faults faults;
-        const auto file = ValueFile::check({input.path, input.content}, *accessory, faults);
+        const auto file = ValueFile::check({input.path, input.content}, *role->accessory, faults);
         if (!file || !m_instrument.wanted)
             return false;
         KVA_JIG_CALREFDATA record = m_instrument.wanted->state.calibration;

@@ -1,6 +1,7 @@
 #include "command/Journal.h"
 
 #include "command/InputFile.h"
+#include "command/InputRole.h"
 #include "command/Provenance.h"
 #include "command/Snapshot.h"
 #include "files/IniLine.h"
@@ -75,10 +76,10 @@ JournalRow outcomeRow(qint64 instrument, Outcome outcome, const QStringList& rea
 
 } // namespace
 
-JournalInput journalInput(const QString& role, const InputFile& file) {
-    const bool isSettings = role == QLatin1String("network");
+JournalInput journalInput(const InputRole& role, const InputFile& file) {
+    const bool isSettings = &role == &InputRole::network;
     const QByteArray content = isSettings ? withMaskedKey(file.content) : file.content;
-    return {role, file.path, file.sha256(), content, isSettings};
+    return {role.toStore(), file.path, file.sha256(), content, isSettings};
 }
 
 std::unique_ptr<Journal> Journal::open(const QString& path, Text& problem) {

@@ -77,6 +77,6 @@ private:
 };
 
 /** What the journal stores of a file: the security key of a settings file is masked. */
-JournalInput journalInput(const QString& role, const struct InputFile& file);
+JournalInput journalInput(const struct InputRole& role, const struct InputFile& file);
 
 #endif

@@ -18,9 +18,7 @@ class JournalDatabase;
 
 /** A file that a run was given. */
 struct JournalInput {
-    /** "network", "white-plate", "ambient-adapter", "snapshot", "plan"; of a value file that a plan
-        names also the instrument's serial number, behind a blank. */
-    QString role;
+    QString role;       ///< as `InputRole::toStore` has it
     QString path;       ///< as the user gave it
     QByteArray sha256;  ///< of the original file, as 64 hexadecimal digits
     QByteArray content; ///< with the security key masked where `isMasked`

@@ -1,6 +1,7 @@
 #include "command/Plan.h"
 
 #include "command/CsvReader.h"
+#include "command/InputRole.h"
 #include "command/Journal.h"
 #include "command/PlanReader.h"
 
@@ -37,7 +38,7 @@ Text Plan::noFault(const QString& path) const {
 }
 
 JournalInput Plan::journalInput(const InputFile& file) {
-    JournalInput input = ::journalInput(QStringLiteral("plan"), file);
+    JournalInput input = ::journalInput(InputRole::plan, file);
     const std::string_view content = PlanReader::withoutByteOrderMark(file);
     const char delimiter = PlanReader::delimiterOf(content);
     input.content.clear();

@@ -2,6 +2,7 @@
 
 #include "command/FieldTexts.h"
 #include "command/FileCheck.h"
+#include "command/InputRole.h"
 #include "command/InstrumentState.h"
 #include "command/Journal.h"
 
@@ -199,10 +200,9 @@ void PlanReader::takeValues(std::string_view cell) {
     auto values = file ? ValueFile::check(*file, Accessory, faults) : std::nullopt;
     if (values) {
         m_row->accessories.push_back(std::move(*values));
-        const bool isPlate = &Accessory == &CalibrationAccessory::whitePlate;
-        const QString role =
-            isPlate ? QStringLiteral("white-plate %1") : QStringLiteral("ambient-adapter %1");
-        m_row->inputs.push_back(::journalInput(role.arg(serialText(m_row->serialNumber)), *file));
+        const InputRole& role = InputRole::of(Accessory);
+        m_row->inputs.push_back(::journalInput(role, *file));
+        m_row->inputs.back().role = role.toStore(m_row->serialNumber);
         return;
     }
     addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "The file \"%1\" cannot be used:"), cell);

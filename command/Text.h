@@ -35,4 +35,9 @@ private:
     QStringList m_arguments;
 };
 
+/** The translation of a text that only people get. */
+inline QString translated(const char* source, std::initializer_list<QStringView> arguments = {}) {
+    return Text(source, arguments).translated();
+}
+
 #endif

@@ -1,4 +1,5 @@
 #include "command/FieldTexts.h"
+#include "command/InputRole.h"
 #include "command/Journal.h"
 #include "command/ManyOrders.h"
 #include "command/Report.h"
@@ -9,14 +10,14 @@
 
 namespace {
 
-void addValues(const QString& path, const CalibrationAccessory& accessory, const char* role,
-               Change& change, std::vector<JournalInput>& inputs, Faults& faults) {
+void addValues(const QString& path, const CalibrationAccessory& accessory, Change& change,
+               std::vector<JournalInput>& inputs, Faults& faults) {
     if (path.isEmpty())
         return;
     const auto file = InputFile::read(path, faults);
     if (!file)
         return;
-    inputs.push_back(journalInput(QString::fromLatin1(role), *file));
+    inputs.push_back(journalInput(InputRole::of(accessory), *file));
     const auto values = ValueFile::check(*file, accessory, faults);
     if (values)
         change.accessories.push_back(*values);
@@ -29,17 +30,15 @@ Change changeFor(const ApplyOptions& options, std::vector<JournalInput>& inputs,
         const auto file = InputFile::read(options.network, faults);
         if (file) {
             change.network = SettingsFile::check(*file, faults);
-            inputs.push_back(journalInput(QStringLiteral("network"), *file));
+            inputs.push_back(journalInput(InputRole::network, *file));
         }
         change.namesNetwork = true;
     }
     if (!options.powerOff.isEmpty())
         change.powerOffMode =
             static_cast<std::uint8_t>(FieldTexts::powerOffWords().indexOf(options.powerOff));
-    addValues(options.whitePlate, CalibrationAccessory::whitePlate, "white-plate", change, inputs,
-              faults);
-    addValues(options.ambientAdapter, CalibrationAccessory::ambientAdapter, "ambient-adapter",
-              change, inputs, faults);
+    addValues(options.whitePlate, CalibrationAccessory::whitePlate, change, inputs, faults);
+    addValues(options.ambientAdapter, CalibrationAccessory::ambientAdapter, change, inputs, faults);
     return change;
 }
 

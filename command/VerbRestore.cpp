@@ -1,3 +1,4 @@
+#include "command/InputRole.h"
 #include "command/Journal.h"
 #include "command/Report.h"
 #include "command/Snapshot.h"
@@ -92,6 +93,6 @@ ExitStatus restore(const RestoreOptions& options) {
     if (!canBeConfirmed(options))
         return Usage;
     std::vector<JournalInput> inputs;
-    inputs.push_back(journalInput(QStringLiteral("snapshot"), *file));
+    inputs.push_back(journalInput(InputRole::snapshot, *file));
     return carryOut(order, options, inputs);
 }
