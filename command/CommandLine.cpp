@@ -91,6 +91,7 @@ CommandLine::CommandLine()
     m_app.set_help_flag("-h,--help", help(QT_TRANSLATE_NOOP("vq-tl4ctl", "show this help")));
     m_app.formatter(UsageText::formatter());
     m_app.failure_message(UsageText::failure);
+    m_app.option_defaults()->disable_flag_override();
     m_app.require_subcommand(1);
     m_app.fallthrough();
     m_app.set_version_flag("--version", VQTL4_VERSION,

@@ -33,6 +33,8 @@ const Wording messages[] = {
     {"(.+): \\d+ required .+ missing", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: a value is missing")},
     {"(.+): At Most 1 required but received \\d+",
      QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: it may be given only once")},
+    {"(.+) was given a disallowed flag override",
+     QT_TRANSLATE_NOOP("vq-tl4ctl", "--%1 takes no value")},
     {"(.+): (.+) not in \\{(.+)\\}", QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: %2 is none of %3")},
 };
 
@@ -76,6 +78,10 @@ std::shared_ptr<CLI::Formatter> UsageText::formatter() {
 
 std::string UsageText::failure(const CLI::App* app, const CLI::Error& error) {
     QString message = QString::fromLocal8Bit(error.what());
+    // The parser looks for a verb before it looks at what is left over: a mistyped one.
+    const std::vector<std::string> leftOver = app->remaining(true);
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr && !leftOver.empty())
+        message = QString::fromLocal8Bit(CLI::ExtrasError(leftOver).what());
     const Text text = textOf(message);
     if (!text.isEmpty())
         message = text.translated();

@@ -872,6 +872,10 @@
         <translation>%1: 指定できるのは1回だけです</translation>
     </message>
     <message>
+        <source>--%1 takes no value</source>
+        <translation>--%1 に値は指定できません</translation>
+    </message>
+    <message>
         <source>%1: %2 is none of %3</source>
         <translation>%1: %2 は指定できません(次のいずれか: %3)</translation>
     </message>

@@ -244,6 +244,13 @@ void TestCommandInput::tellsUsage_data() {
     row("help", {"--help"}, 0, "apply");
     row("help of a verb", {"apply", "--help"}, 0, "--accept-implausible");
     row("the version", {"--version"}, 0, ".");
+    row("a verb that is none", {"bogus"}, 2, "The following arguments were not expected: bogus\n");
+    japanese("a verb that is none, in Japanese", {"plan", "bogus"}, 2,
+             "次の引数は指定できません: bogus\n");
+    row("a value for a switch", {"apply", "1", "--power-off", "15", "--yes=maybe"}, 2,
+        "--yes takes no value\n");
+    japanese("a value for a switch, in Japanese", {"list", "--json=no"}, 2,
+             "--json に値は指定できません\n");
     row("nothing to apply", {"apply", "1000001", "--yes"}, 2, "--power-off");
     row("a power-off time that is none", {"apply", "1", "--power-off", "45", "--yes"}, 2, "45");
     row("a serial number that is none", {"apply", "1x", "--power-off", "15", "--yes"}, 2, "1x");
