@@ -109,8 +109,9 @@ Verdict Transaction::end(Outcome outcome) {
 }
 
 Text Transaction::nextStep() const {
-    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "To put the state before back, run: %1"),
-                {m_mark.restoreCommand(m_verdict.snapshot)});
+    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "To end it, run %1. To put the state before back in "
+                                               "any case, run: %2"),
+                {m_mark.recoverCommand(), m_mark.restoreCommand(m_verdict.snapshot)});
 }
 
 /** Runs the steps until one fails. Before each it checks whether the connection was lost, and, if

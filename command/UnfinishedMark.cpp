@@ -85,7 +85,11 @@ Text UnfinishedMark::told() const {
                                   "An earlier write to this instrument did not end: what it "
                                   "answers may not be in its memory. To end it, run %1. To put the "
                                   "state before back in any case, run: %2"),
-                {withJournal(QStringLiteral("vq-tl4ctl recover")), restoreCommand()});
+                {recoverCommand(), restoreCommand()});
+}
+
+QString UnfinishedMark::recoverCommand() const {
+    return withJournal(QStringLiteral("vq-tl4ctl recover"));
 }
 
 QString UnfinishedMark::restoreCommand(const QString& snapshot) const {

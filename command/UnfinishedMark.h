@@ -31,6 +31,8 @@ public:
 
     /** The meaning of the mark, with the commands that remove it. */
     Text told() const;
+    /** The shell command that finishes an unfinished write or takes it back. */
+    QString recoverCommand() const;
     /** The shell command that ends an unfinished write by restoring the state before.
         @param snapshot  used if the mark names none */
     QString restoreCommand(const QString& snapshot = {}) const;

@@ -592,8 +592,8 @@
         <translation>元の状態に戻せませんでした。</translation>
     </message>
     <message>
-        <source>To put the state before back, run: %1</source>
-        <translation>変更前の状態に戻すには、次を実行してください: %1</translation>
+        <source>To end it, run %1. To put the state before back in any case, run: %2</source>
+        <translation>完了させるには、%1 を実行してください。必ず変更前の状態に戻すには、次を実行してください: %2</translation>
     </message>
     <message>
         <source>It was interrupted.</source>

@@ -309,9 +309,11 @@ void TestCommandRecover::keepsWhatItCannotEnd() {
     run.setBench(instrument, {rule("KVA_SetShutdownTime", "1", {{"result", "KVA_ERROR_NAK"}})});
     got = run.run(recover);
     QVERIFY2(got.outcome() == "unknown" && got.exitStatus == 5, got.text());
-    QVERIFY2(got.object()["reason"].toString().contains(
-                 "KVA_SetShutdownTime answered KVA_ERROR_NAK. To put the state before back, run: "),
-             got.text());
+    QVERIFY2(
+        got.object()["reason"].toString().contains(
+            "KVA_SetShutdownTime answered KVA_ERROR_NAK. To end it, run vq-tl4ctl recover. To put "
+            "the state before back in any case, run: vq-tl4ctl restore 01000001 "),
+        got.text());
     QVERIFY(run.isMarked());
     run.setFaults({});
     QCOMPARE(run.run(recover).outcome(), QString("rolled-back"));
