@@ -172,8 +172,11 @@ void TestCommandPage::drawsAnyNumbers_data() {
     QTest::addColumn<QVector<float>>("before");
     QTest::addColumn<QVector<float>>("after");
     QTest::addColumn<int>("lines"); ///< pieces of both curves, beside the legend's two
+    QTest::addColumn<QVector<int>>("marked");
     const auto add = [](const char* name, const QVector<float>& before, const QVector<float>& after,
-                        int lines) { QTest::newRow(name) << before << after << lines; };
+                        int lines, const QVector<int>& marked = {}) {
+        QTest::newRow(name) << before << after << lines << marked;
+    };
     const float nan = std::nanf("");
     add("all zero", {0, 0, 0}, {0, 0, 0}, 2);
     add("all equal", {7, 7, 7}, {7, 7, 7}, 2);
@@ -183,17 +186,30 @@ void TestCommandPage::drawsAnyNumbers_data() {
     add("close together", {1, 1, 1}, {1, std::nextafter(1.0F, 2.0F), 1}, 2);
     add("a gap", {1, 2, nan, 3, 4}, {1, 2, 3, INFINITY, 5}, 3);
     add("no numbers", {nan, nan}, {nan, -INFINITY}, 0);
+    add("up to a million", {0, 250000}, {1000000, 500000}, 2);
+    add("in hundred-thousandths", {0, 2e-5F}, {1e-5F, 4e-5F}, 2);
+    QVector<float> old;
+    QVector<float> now;
+    for (int i = 0; i <= 50; ++i) {
+        old.append(float(0.5 + 0.4 * std::sin(i / 8.0)));
+        now.append(old.back() + (i == 20 ? 0.3F : i == 40 ? -0.2F : 0.01F));
+    }
+    add("marked", old, now, 2, {20, 40});
+    add("50 values", old.mid(1), now.mid(1), 2);
 }
 
 void TestCommandPage::drawsAnyNumbers() {
     QFETCH(QVector<float>, before);
     QFETCH(QVector<float>, after);
     QFETCH(int, lines);
+    QFETCH(QVector<int>, marked);
     const std::vector<float> old(before.begin(), before.end());
     const std::vector<float> now(after.begin(), after.end());
     QByteArray page;
     HtmlWriter html(&page);
-    CalibrationPlot{"plot", "title", "description", "before", "after", old, now, {}}.write(html);
+    CalibrationPlot{"plot",  "title", "description", "before",
+                    "after", old,     now,           {marked.begin(), marked.end()}}
+        .write(html);
     const Elements elements = elementsOf(page);
     QVERIFY(!elements.isEmpty());
     const QRectF picture(0, 0, 720, 386);
@@ -206,6 +222,12 @@ void TestCommandPage::drawsAnyNumbers() {
             QVERIFY2(std::isfinite(element.text.toDouble()), qPrintable(element.text));
     }
     QCOMPARE(named(elements, "polyline").size(), lines + 2);
+
+    // Each was looked at in a browser.
+    QFile seen(
+        QString(COMMAND_DATA "/plots/%1.svg").arg(QTest::currentDataTag()).replace(' ', '-'));
+    QVERIFY2(seen.open(QIODevice::ReadOnly), qPrintable(seen.fileName()));
+    QCOMPARE(page.trimmed(), seen.readAll().trimmed());
 }
 
 TEST_CLASS(TestCommandPage)
