@@ -192,7 +192,7 @@ void TestCommandPage::drawsAnyNumbers_data() {
     QVector<float> now;
     for (int i = 0; i <= 50; ++i) {
         old.append(float(0.5 + 0.4 * std::sin(i / 8.0)));
-        now.append(old.back() + (i == 20 ? 0.3F : i == 40 ? -0.2F : 0.01F));
+        now.append(old.back() + (i == 20 ? 0.75F : i == 40 ? -0.2F : 0.01F));
     }
     add("marked", old, now, 2, {20, 40});
     add("50 values", old.mid(1), now.mid(1), 2);
