@@ -164,8 +164,8 @@ std::optional<ByteRange> rangeOf(const Record& record, std::string_view name) {
     const std::size_t width = field->type->elementSize;
     std::size_t index = 0;
     const char* const end = std::from_chars(digits.begin(), digits.end(), index).ptr;
-    if (width == 0 || end == digits.begin() || std::string_view(end, digits.end() - end) != "]" ||
-        index >= field->bytes.size / width)
+    const std::string_view rest = digits.substr(std::size_t(end - digits.begin()));
+    if (width == 0 || end == digits.begin() || rest != "]" || index >= field->bytes.size / width)
         return std::nullopt;
     return ByteRange{field->bytes.offset + index * width, width};
 }

@@ -130,8 +130,8 @@ QStringList TestBench::valueTexts(int count) {
     return texts;
 }
 
-QStringList TestBench::checkLines(int serialNumber, const QStringList& values) {
-    QStringList lines(QString("SerialNo: %1 \n").arg(serialNumber));
+QStringList TestBench::checkLines(int serial, const QStringList& values) {
+    QStringList lines(QString("SerialNo: %1 \n").arg(serial));
     for (int i = 0; i < values.size(); ++i)
         lines.append(QString("rfWhite.spcData[%1]: %2 \n").arg(QString::number(i), values[i]));
     return lines;

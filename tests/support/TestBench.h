@@ -71,7 +71,7 @@ QByteArray valueFile(const QByteArray& serialLine, int count);
 QStringList valueTexts(int count);
 /** The debug lines of checking a file with this number and these values. The name in them is the
     same for both accessories. */
-QStringList checkLines(int serialNumber, const QStringList& values);
+QStringList checkLines(int serial, const QStringList& values);
 
 /** Every byte of a record. */
 template <typename Record>

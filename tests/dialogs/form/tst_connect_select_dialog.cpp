@@ -12,7 +12,7 @@ const QStringList two = {"VARNE-1(USB,Serial#1000007)", "VARNE-1(USB,Serial#1000
 class Dialog : public ConnectSelectDialog {
 public:
     /** Lists the devices, shows the window and clicks the row. @param row negative: none */
-    void open(const QStringList& devices, int row = -1) {
+    void offer(const QStringList& devices, int row = -1) {
         setDeviceList(devices);
         show();
         if (row >= 0)
@@ -51,7 +51,7 @@ private Q_SLOTS:
             dialog.setSdkCtrl(second);
             QCOMPARE(first.use_count(), 1L);
             QCOMPARE(second.use_count(), 2L);
-            dialog.open(three);
+            dialog.offer(three);
             dialog.choice.accept();
             QCOMPARE(second.use_count(), 2L);
         }
@@ -122,7 +122,7 @@ private Q_SLOTS:
 
     void selectionIsLogged() {
         Dialog dialog;
-        dialog.open(three);
+        dialog.offer(three);
         const DebugLog log;
         dialog.choice.select(2);
         QCOMPARE(dialog.portNum, 2);
@@ -136,7 +136,7 @@ private Q_SLOTS:
 
     void returnPressesOk() {
         Dialog dialog;
-        dialog.open(three);
+        dialog.offer(three);
         QVERIFY(QTest::qWaitForWindowActive(&dialog));
         QTest::keyClick(&dialog, Qt::Key_Return);
         QVERIFY(dialog.isFinished);
@@ -148,7 +148,7 @@ private Q_SLOTS:
         const auto row = rowOf<ListedRow>();
         const bool isEmpty = row.value.isEmpty();
         Dialog dialog;
-        dialog.open(three, 2);
+        dialog.offer(three, 2);
         dialog.choice.accept();
         QVERIFY(dialog.isFinished);
         QCOMPARE(dialog.portNum, 2);
@@ -171,7 +171,7 @@ private Q_SLOTS:
     void emptyOnFirstUse() {
         Dialog dialog;
         const DebugLog log;
-        dialog.open({});
+        dialog.offer({});
         QCOMPARE(dialog.choice.list.count(), 0);
         QCOMPARE(dialog.choice.list.currentRow(), -1);
         dialog.choice.accept();

@@ -13,7 +13,7 @@
 
 // The C library loses a list of folders whenever newlocale reads LOCPATH; leak checkers ask here.
 extern "C" const char* __lsan_default_suppressions() { // NOLINT
-    return "leak:__argz_add_sep";
+    return "leak:argz_add_sep";
 }
 
 /** Everything that is read and written under a locale with a decimal comma and a thousands point.

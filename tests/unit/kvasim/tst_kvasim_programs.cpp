@@ -232,7 +232,7 @@ private Q_SLOTS:
             const QString next = QString::number(++changes);
             QCOMPARE(kvasim({"set", "4", "device.serialNumber=" + next}).errors, "");
         }
-        std::array<std::array<int, 5>, 2> counts{}; // changes, plugs, events 0, losses, refusals
+        int counts[2][5] = {}; // changes, plugs, events 0, losses, refusals
         for (int index = 0; index < 2; ++index) {
             programs[index].closeWriteChannel();
             QVERIFY(programs[index].waitForFinished());
