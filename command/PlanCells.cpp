@@ -6,11 +6,6 @@
 
 namespace {
 
-bool isAllDigits(std::string_view text) {
-    return std::all_of(text.begin(), text.end(),
-                       [](char character) { return character >= '0' && character <= '9'; });
-}
-
 bool isAllZeros(std::string_view text) {
     return text.find_first_not_of('0') == std::string_view::npos;
 }
@@ -44,9 +39,9 @@ std::optional<Scientific> scientific(std::string_view cell) {
     if (hasFraction)
         result.fraction = mantissa.substr(1);
     std::int32_t number = 0;
-    if (!isAllDigits(cell.substr(0, 1)) || (!mantissa.empty() && !hasFraction) ||
-        !isAllDigits(result.fraction) || exponent.empty() || exponent.size() > 2 ||
-        !isAllDigits(exponent) || !toNumber(exponent, number))
+    if (!PlanCells::isAllDigits(cell.substr(0, 1)) || (!mantissa.empty() && !hasFraction) ||
+        !PlanCells::isAllDigits(result.fraction) || exponent.empty() || exponent.size() > 2 ||
+        !PlanCells::isAllDigits(exponent) || !toNumber(exponent, number))
         return std::nullopt;
     result.exponent = number;
     return result;
@@ -55,7 +50,7 @@ std::optional<Scientific> scientific(std::string_view cell) {
 } // namespace
 
 PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_t& serialNumber) {
-    if (isAllDigits(cell)) // the usual form
+    if (PlanCells::isAllDigits(cell)) // the usual form
         return toNumber(cell, serialNumber) ? SerialFault::None : SerialFault::NoNumber;
     if (const auto number = scientific(cell)) {
         const auto exponent = static_cast<std::size_t>(number->exponent);
@@ -75,7 +70,8 @@ PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_
             break;
         }
     }
-    const bool isNumber = !cell.empty() && isAllDigits(cell) && toNumber(cell, serialNumber);
+    const bool isNumber =
+        !cell.empty() && PlanCells::isAllDigits(cell) && toNumber(cell, serialNumber);
     return isNumber ? SerialFault::None : SerialFault::NoNumber;
 }
 
@@ -88,6 +84,11 @@ std::optional<std::uint32_t> PlanCells::onOff(std::string_view cell) {
     if (is("on"))
         return 1;
     return is("off") ? std::optional<std::uint32_t>(0) : std::nullopt;
+}
+
+bool PlanCells::isAllDigits(std::string_view cell) {
+    return std::all_of(cell.begin(), cell.end(),
+                       [](char character) { return character >= '0' && character <= '9'; });
 }
 
 bool PlanCells::isShortenedNumber(std::string_view cell) {

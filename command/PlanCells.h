@@ -22,6 +22,9 @@ SerialFault parseSerial(std::string_view cell, std::int32_t& serialNumber);
 /** "on" or "off" in upper or lower case, as spreadsheets change it. */
 std::optional<std::uint32_t> onOff(std::string_view cell);
 
+/** Whether it has nothing but digits; an empty one has. */
+bool isAllDigits(std::string_view cell);
+
 /** Whether a spreadsheet may have taken digits for a number and shortened them: 1.23457E+15. */
 bool isShortenedNumber(std::string_view cell);
 

@@ -183,6 +183,13 @@ void PlanReader::takeText(std::string_view cell) {
             m_place,
             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The text begins or ends with a blank, which "
                                                 "belongs to it"))));
+    // Once: a plan may have the same key in each row.
+    if (m_hasDigitsAlone || cell.empty() || !PlanCells::isAllDigits(cell))
+        return;
+    m_hasDigitsAlone = true;
+    m_plan.notes.push_back(faultAt(
+        m_place, Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The text has digits alone: a spreadsheet "
+                                                     "takes away zeros before them"))));
 }
 
 void PlanReader::takePowerOff(std::string_view cell) {

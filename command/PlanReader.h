@@ -91,8 +91,9 @@ private:
     std::vector<QString> m_names;
     std::vector<bool> m_isComment;
     bool m_hasOnlyAscii = false;
-    Place m_place;            ///< of the present cell
-    PlanRow* m_row = nullptr; ///< the present one, the last in the plan
+    bool m_hasDigitsAlone = false; ///< whether a text of digits was found
+    Place m_place;                 ///< of the present cell
+    PlanRow* m_row = nullptr;      ///< the present one, the last in the plan
     std::size_t m_serialColumn = 0;
 };
 

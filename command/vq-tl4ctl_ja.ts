@@ -212,6 +212,10 @@
         <translation>文字列の先頭または末尾に空白があります。空白も文字列の一部です</translation>
     </message>
     <message>
+        <source>The text has digits alone: a spreadsheet takes away zeros before them</source>
+        <translation>文字列が数字だけです。表計算ソフトは、先頭の0を取り除くことがあります</translation>
+    </message>
+    <message>
         <source>It has to be off, 15, 30 or 60, not &quot;%1&quot;</source>
         <translation>off、15、30、60のいずれかで指定してください(「%1」は不可)</translation>
     </message>

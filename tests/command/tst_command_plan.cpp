@@ -214,6 +214,8 @@ void TestCommandPlan::understands_data() {
         "serial,# a,ip,\n\n2,\"x\n\ny\",,\n,,,\n1\n", {"3|2|||||||||", "5|1|||||||||"});
     row("blanks that belong to a text", "serial,ssid,key\n1, a,\" b \"\n", {"2|1|| a| b ||||||"},
         2);
+    row("keys of digits, told of once", "serial,ssid,key\n1,7,12345678\n2,,12345678\n",
+        {"2|1||7|12345678||||||", "3|2|||12345678||||||"}, 1);
     row("apostrophes and formulas are texts", "serial,ssid,key\n1,'',=1+1\n",
         {"2|1||''|=1+1||||||"});
     row("other scripts", "serial,ssid\n1,\xE6\xB8\xAC\xE5\xAE\x9A\n", {"2|1||測定|||||||"});
