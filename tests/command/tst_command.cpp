@@ -128,7 +128,8 @@ void TestCommand::neverCommitsARefusedPlate() {
     const QStringList adapter = {"apply", "1000001", "--ambient-adapter", run.path("adapter.csv"),
                                  "--yes", "--json"};
     run.setFaults(ruleFor(commit, "1", result("KVA_ERROR_NAK")));
-    QCOMPARE(run.run(plate).outcome(), QString("rolled-back"));
+    QCOMPARE(run.run(plate + QStringList{"--on-failure", "rollback"}).outcome(),
+             QString("rolled-back"));
     run.setFaults({});
     QCOMPARE(run.run(adapter).outcome(), QString("verified"));
     const auto committed = [&](const QString& accessory) {
