@@ -212,6 +212,7 @@ void TestCommandPlan::understands_data() {
         2);
     row("keys of digits, told of once", "serial,ssid,key\n1,7,12345678\n2,,12345678\n",
         {"2|1||7|12345678||||||", "3|2|||12345678||||||"}, 1);
+    row("a semicolon in a heading", "serial,# a;b,ssid\n1,;,c;d\n", {"2|1||c;d|||||||"});
     row("apostrophes and formulas are texts", "serial,ssid,key\n1,'',=1+1\n",
         {"2|1||''|=1+1||||||"});
     row("other scripts", "serial,ssid\n1,\xE6\xB8\xAC\xE5\xAE\x9A\n", {"2|1||測定|||||||"});

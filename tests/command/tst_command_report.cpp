@@ -57,6 +57,7 @@ private Q_SLOTS:
     void tellsWhatWasDone();
     void drawsTheValues_data();
     void drawsTheValues();
+    void saysWhatWasRead();
     void saysWantedWhereNothingIsVerified();
     void drawsNothingThatDidNotChange();
     void tellsOfARunThatDidNotEnd();
@@ -253,6 +254,33 @@ void TestCommandReport::drawsTheValues() {
     QCOMPARE(drawn.marked, marked);
     // Fine enough to see what was changed.
     QVERIFY(drawn.resolution < distance(before, after));
+}
+
+/** All texts but those of plots and of their tables, as somebody has read them; what differs from
+   run to run is replaced by a word in capitals. */
+void TestCommandReport::saysWhatWasRead() {
+    const Elements elements = elementsOf(m_pages["en"]);
+    const QVariantList run =
+        m_done.ask("SELECT user, host, tool_version, library_path FROM run").at(0);
+    QStringList said;
+    for (const Element& element : elements) {
+        QString text = element.text.simplified();
+        if (text.isEmpty() || element.name == "style" || isWithin(elements, element, "svg") ||
+            isWithin(elements, element, "table", "values"))
+            continue;
+        text.replace(m_done.path(""), "FOLDER");
+        text.replace(QRegularExpression("[0-9a-f]{64}"), "HASH");
+        text.replace(QRegularExpression("[0-9]{4}-?[0-9]{2}-?[0-9]{2}[ T][0-9:]+Z"), "TIME");
+        const char* const replaced[] = {"USER", "HOST", "VERSION", "LIBRARY"};
+        for (int i = 0; i < run.size(); ++i) {
+            if (text == run[i].toString())
+                text = replaced[i];
+        }
+        said.append(element.name + ": " + text);
+    }
+    QFile read(COMMAND_DATA "/report.txt");
+    QVERIFY(read.open(QIODevice::ReadOnly));
+    QCOMPARE(said, QString::fromUtf8(read.readAll().trimmed()).split('\n'));
 }
 
 void TestCommandReport::saysWantedWhereNothingIsVerified() {

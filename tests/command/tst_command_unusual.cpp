@@ -1,10 +1,13 @@
 // Instruments, folders and languages that are unusual: what the command shows of them, and that it
 // takes nothing from them that it could not put back.
 #include "CommandRun.h"
+#include "command/InstrumentState.h"
 #include "tests/support/TestMain.h"
 
 #include <QDir>
 #include <QFileInfo>
+
+#include <cstring>
 
 namespace {
 
@@ -65,6 +68,7 @@ private Q_SLOTS:
     void restoresTheNetworkAlone();
     void ignoresARelativeDataFolder();
     void namesTheLanguageInOneWord();
+    void ignoresWhatStandsBehindATextsEnd();
 };
 
 void TestCommandUnusual::showsWhatNoSettingMeans_data() {
@@ -192,6 +196,27 @@ void TestCommandUnusual::namesTheLanguageInOneWord() {
     QVERIFY(run.run({}, {"LC_ALL=ja_JP.UTF-8"}).standardError.startsWith(japanese));
     QVERIFY(!run.run({"--lang=en"}, {"LC_ALL=ja_JP.UTF-8"}).standardError.startsWith(japanese));
     QCOMPARE(run.run({"list", "--lang"}).exitStatus, 2);
+}
+
+/** Of a network record the texts count up to their NUL, and the padding not at all. */
+void TestCommandUnusual::ignoresWhatStandsBehindATextsEnd() {
+    const auto record = [](char filler, const char* ssid) {
+        KVA_NETWORKINFO info;
+        std::memset(&info, filler, sizeof info);
+        info.DHCPUse = 1;
+        info.APConnectUse = 1;
+        for (auto* address : {&info.IPAddress, &info.SubnetMask, &info.DefaultGateway, &info.DNS})
+            std::memset(address, 7, sizeof *address);
+        qstrcpy(info.SSID, ssid);
+        qstrcpy(info.EncryptKey, "key");
+        return info;
+    };
+    const KVA_NETWORKINFO first = normalized(record('a', "room"));
+    QVERIFY(isSame(first, normalized(record('b', "room"))));
+    QVERIFY(!isSame(first, normalized(record('a', "rooms"))));
+    QCOMPARE(first.SSID, "room");
+    QCOMPARE(first.EncryptKey, "key");
+    QCOMPARE(first.IPAddress[3], std::uint8_t(7));
 }
 
 TEST_CLASS(TestCommandUnusual)
