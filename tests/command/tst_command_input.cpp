@@ -162,6 +162,7 @@ void TestCommandInput::restoresBitForBit() {
     QCOMPARE(run.run({"diff", "1000001", run.path(name)}).exitStatus, 0);
     QCOMPARE(QFileInfo(run.path(name)).permissions() & 0x777, QFile::Permissions(0x600));
     QVERIFY(run.read(name).contains(CommandRun::keys[0]));
+    QVERIFY(run.read(name).contains(QByteArray(CommandRun::keys[0]).toHex()));
 }
 
 void TestCommandInput::restoresParts() {
@@ -169,6 +170,7 @@ void TestCommandInput::restoresParts() {
     QCOMPARE(run.run({"backup", "--all", "--without-key", "--to", run.path("out")}).exitStatus, 0);
     const QString name = "out/" + QDir(run.path("out")).entryList(QDir::Files).value(0);
     QVERIFY(!run.read(name).contains(CommandRun::keys[0]));
+    QVERIFY(!run.read(name).contains(QByteArray(CommandRun::keys[0]).toHex()));
     QCOMPARE(run.run(run.applyAll()).outcome(), QString("verified"));
     const QStringList restore = {"restore", "1000001", run.path(name), "--yes", "--json"};
     QCOMPARE(run.run(restore).exitStatus, 2); // no key

@@ -131,6 +131,15 @@ void TestCommandJournalShow::showsWhatWentWrong() {
     QCOMPARE(verified["outcome"].toString(), QString("held"));
     QCOMPARE(verified["at"].toString(), run.ask("SELECT at FROM verification")[0][0].toString());
     QCOMPARE(shown["exitStatus"].toInt(), 4);
+    QStringList steps;
+    for (const QVariantList& step :
+         run.ask("SELECT name FROM step WHERE instrument = 1 ORDER BY id"))
+        steps.append(step[0].toString());
+    QCOMPARE(steps.join(' '),
+             QString("refuse-unfinished connect read-everything-twice refuse-unfit "
+                     "judge-plausibility find-difference ask keep-snapshot fetch-once-more "
+                     "mark-unfinished write-calibration reconnect put-back-calibration "
+                     "put-back-power-off put-back-network verify-put-back end"));
     const QByteArray text = run.run({"journal", "show", "1"}).standardOutput;
     QVERIFY2(text.contains("01000001: rolled-back\n  " + reason.toUtf8() + '\n'), text);
     QVERIFY2(text.contains("  The state before is in " + run.snapshots().value(0).toUtf8()), text);

@@ -309,6 +309,8 @@ void TestCommandMany::asksOnceForAll() {
     QCOMPARE(shown.count("Instrument 01000001, 1 change:"), 1);
     QCOMPARE(shown.count("network.ipAddress: \"192.168.7.12\" -> \"192.168.7.22\""), 1);
     QVERIFY2(shown.contains("[#############-------]  3/3  01000003  reading"), shown);
+    // Nothing of it is left at the end.
+    QVERIFY2(!shown.mid(shown.lastIndexOf("\r\033[K")).contains("]  "), shown);
 }
 
 void TestCommandMany::showsProgress_data() {

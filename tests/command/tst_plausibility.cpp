@@ -82,6 +82,10 @@ void TestPlausibility::rows_data() {
     };
     const float nan = std::numeric_limits<float>::quiet_NaN();
     row("smooth", smooth(), {});
+    Values narrow; // each value up to six times the one before
+    for (int i = 0; i < KVA_WHITE_PLATE_VALUES; ++i)
+        narrow.push_back(static_cast<float>(std::exp(-0.5 * std::pow((i - 19) / 2.5, 2))));
+    row("a narrow bell", narrow, {});
     row("smooth, against its like", smooth(), smooth(99));
     row("against a plate of all zeros", smooth(), constant(0));
     row("against what is no number", smooth(), with(3, nan, smooth(1)));
