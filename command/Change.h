@@ -12,8 +12,6 @@
 struct Change {
     std::optional<KVA_NETWORKINFO> network;
     NetworkFields networkFields; ///< some of them; without effect beside `network`
-    /** Whether the user asked for network settings, and not for everything. */
-    bool namesNetwork = false;
     std::optional<std::uint8_t> powerOffMode;
     std::optional<KVA_JIG_CALREFDATA> calibration; ///< the whole record
     std::vector<ValueFile> accessories;            ///< parts of the record

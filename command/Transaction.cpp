@@ -175,7 +175,7 @@ Text Transaction::refuseUnfit() {
 
 Text Transaction::refuseNetwork() const {
     const bool wantsNetwork =
-        m_order.change.namesNetwork || !isSame(m_held.network, m_wanted.network);
+        m_order.change.networkFields.any() || !isSame(m_held.network, m_wanted.network);
     if (wantsNetwork && m_held.wirelessModule == 0)
         return Text(QT_TRANSLATE_NOOP("vq-tl4ctl",
                                       "The instrument has no wireless module and takes no network "

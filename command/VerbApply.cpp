@@ -32,7 +32,6 @@ Change changeFor(const ApplyOptions& options, std::vector<JournalInput>& inputs,
             change.network = SettingsFile::check(*file, faults);
             inputs.push_back(journalInput(InputRole::network, *file));
         }
-        change.namesNetwork = true;
     }
     if (!options.powerOff.isEmpty())
         change.powerOffMode =
@@ -69,7 +68,6 @@ ExitStatus carryOut(std::vector<Order>& orders, const ApplyOptions& options,
 Order orderFor(PlanRow& row) {
     Order order;
     order.serialNumber = row.serialNumber;
-    order.change.namesNetwork = row.network.any();
     order.change.networkFields = std::move(row.network);
     order.change.powerOffMode = row.powerOffMode;
     order.change.accessories = std::move(row.accessories);

@@ -29,10 +29,8 @@ Change changeFor(const Snapshot& snapshot, const QStringList& only) {
         change.calibration = state.calibration;
         return change;
     }
-    if (only.contains(QLatin1String("network"))) {
+    if (only.contains(QLatin1String("network")))
         change.network = state.network;
-        change.namesNetwork = true;
-    }
     if (only.contains(QLatin1String("power-off")))
         change.powerOffMode = state.powerOffMode;
     if (only.contains(QLatin1String("white-plate")))

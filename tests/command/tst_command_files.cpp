@@ -134,6 +134,14 @@ void TestCommandFiles::valueFiles_data() {
                     "\" is not a decimal number such as 92.465";
         QTest::addRow("no number \"%s\"", text) << true << plateFile(text) << QByteArrayList{wrong};
     }
+    // Between two digits nothing else may stand than these.
+    for (char c = ' '; c <= '~'; ++c) {
+        const QByteArray text = QByteArray("1") + c + '5';
+        if (!QByteArray("0123456789.eE,").contains(c))
+            QTest::addRow("1%c5", c)
+                << true << plateFile(text)
+                << QByteArrayList{"4:1: \"" + text + "\" is not a decimal number such as 92.465"};
+    }
     row("too large", plateFile("1e39"), {"4:1: \"1e39\" is too large for single precision"});
     row("too large, negative", plateFile("-3.5e38"),
         {"4:1: \"-3.5e38\" is too large for single precision"});

@@ -126,9 +126,10 @@ void TestCommandRefusals::addFiles() {
         {"none.ini: " + missing, "none.json: " + missing});
     row("diff, bad settings", {"diff", "@bad.ini", "1000001"}, {"DHCPUse has to be 0 or 1"});
     row("diff, a bad snapshot", {"diff", "1000001", "@bad.json"}, {"it is not JSON"});
-    const QByteArrayList notCompared = {"Only an instrument, a snapshot and network settings can"};
-    row("diff, values", {"diff", "1000001", "@plate.csv"}, notCompared);
-    row("diff, a plan", {"diff", "@plan.csv", "1000001"}, notCompared);
+    row("diff, values", {"diff", "1000001", "@plate.csv"},
+        {"plate.csv: Only an instrument, a snapshot and network settings can"});
+    row("diff, a plan", {"diff", "@plan.csv", "1000001"},
+        {"plan.csv: Only an instrument, a snapshot and network settings can"});
     row("apply, files missing",
         {"apply", "1000001", "--network", "@none.ini", "--white-plate", "@none.csv", "--yes"},
         {"none.ini: " + missing, "none.csv: " + missing});

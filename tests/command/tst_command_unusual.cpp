@@ -123,6 +123,15 @@ void TestCommandUnusual::plansWithoutAModule() {
     QCOMPARE(row["power_off"], QString("15"));
     QVERIFY2(row["# now"].startsWith("no wireless module; power_off 15"), qPrintable(row["# now"]));
 
+    // It takes no network settings of a plan, and the others.
+    got =
+        run.run({"apply", "--plan", run.write("plan.csv", "serial,ssid\n1000001,Lab\n"), "--yes"});
+    QVERIFY2(got.exitStatus == 3 && got.standardError.contains("no wireless module"), got.text());
+    got = run.run(
+        {"apply", "--plan", run.write("plan.csv", "serial,power_off\n1000001,30\n"), "--yes"});
+    QVERIFY2(got.exitStatus == 0, got.text());
+    run.setBench(withValues(CommandRun::initialInstrument(), {{"wirelessModule", false}}));
+
     // One whose write did not end is not read.
     QVERIFY(QDir().mkpath(run.dataFolder() + "/unfinished"));
     run.write("data/vq-tl4ctl/unfinished/01000001.json", "{}");
