@@ -62,7 +62,6 @@ Order orderFor(std::int32_t serialNumber, const Ends& ends, const InstrumentStat
     sayToUser(Text(found, {serialText(serialNumber)}));
     const InstrumentState& state = order.takesBack ? ends.old->state : ends.wanted->state;
     order.serialNumber = serialNumber;
-    order.isRestore = true;
     order.restoresAll = true;
     order.change.network = state.network;
     order.change.powerOffMode = state.powerOffMode;

@@ -18,6 +18,7 @@ private Q_SLOTS:
     void refusesSnapshots();
     void restoresBitForBit();
     void restoresParts();
+    void restoresWhatLooksWrong();
     void readsWithoutWriting();
     void tellsUsage_data();
     void tellsUsage();
@@ -182,6 +183,29 @@ void TestCommandInput::restoresParts() {
              QString("verified"));
     QCOMPARE(differenceBetween(run.instrument(), CommandRun::initialInstrument()),
              QString("network"));
+}
+
+/** An instrument held these values before: they are its own, however they look. */
+void TestCommandInput::restoresWhatLooksWrong() {
+    CommandRun run;
+    QList<QByteArray> lines = run.read("adapter.csv").split('\n');
+    QList<QByteArray> values = lines[3].split(',');
+    values[40] = "1.3";
+    lines[3] = values.join(',');
+    const QStringList wrong = {
+        "apply", "1000001", "--ambient-adapter", run.write("wrong.csv", lines.join('\n')),
+        "--yes", "--json"};
+    QCOMPARE(run.run(wrong).outcome(), QString("refused"));
+    QCOMPARE(run.run(wrong + QStringList{"--accept-implausible"}).outcome(), QString("verified"));
+    const QJsonObject before = run.instrument();
+    QCOMPARE(run.run({"backup", "1000001", "--to", run.path("out")}).exitStatus, 0);
+    const QString name = "out/" + QDir(run.path("out")).entryList(QDir::Files).value(0);
+    QCOMPARE(run.run(run.applyAll()).outcome(), QString("verified"));
+    const QStringList restore = {"restore", "1000001", run.path(name), "--yes", "--json"};
+    QCOMPARE(run.run(restore + QStringList{"--only", "ambient-adapter"}).outcome(),
+             QString("verified"));
+    QCOMPARE(run.run(restore).outcome(), QString("verified"));
+    QCOMPARE(differenceBetween(run.instrument(), before), QString());
 }
 
 void TestCommandInput::readsWithoutWriting() {
