@@ -281,6 +281,14 @@ void editSnapshots(const QString& journal) {
     QSqlDatabase::removeDatabase("edit");
 }
 
+QByteArray withValue(const QByteArray& file, int index, const QByteArray& text) {
+    QList<QByteArray> lines = file.split('\n');
+    QList<QByteArray> values = lines[3].split(',');
+    values[index] = text;
+    lines[3] = values.join(',');
+    return lines.join('\n');
+}
+
 QString differenceBetween(const QJsonObject& instrument, const QJsonObject& expected) {
     QStringList differing;
     if (networkInForce(instrument) != networkInForce(expected))

@@ -93,6 +93,9 @@ QByteArray valueFile(const QJsonObject& accessory);
  */
 void editSnapshots(const QString& journal);
 
+/** The value file with another text for one of its values. */
+QByteArray withValue(const QByteArray& file, int index, const QByteArray& text);
+
 /** What of two instruments is not the same: settings in force after a power cycle, power-off mode,
     calibration record in memory; empty where all is. A record that is only staged is told of. */
 QString differenceBetween(const QJsonObject& instrument, const QJsonObject& expected);

@@ -188,13 +188,9 @@ void TestCommandInput::restoresParts() {
 /** An instrument held these values before: they are its own, however they look. */
 void TestCommandInput::restoresWhatLooksWrong() {
     CommandRun run;
-    QList<QByteArray> lines = run.read("adapter.csv").split('\n');
-    QList<QByteArray> values = lines[3].split(',');
-    values[40] = "1.3";
-    lines[3] = values.join(',');
+    const QByteArray file = withValue(run.read("adapter.csv"), 40, "1.3");
     const QStringList wrong = {
-        "apply", "1000001", "--ambient-adapter", run.write("wrong.csv", lines.join('\n')),
-        "--yes", "--json"};
+        "apply", "1000001", "--ambient-adapter", run.write("wrong.csv", file), "--yes", "--json"};
     QCOMPARE(run.run(wrong).outcome(), QString("refused"));
     QCOMPARE(run.run(wrong + QStringList{"--accept-implausible"}).outcome(), QString("verified"));
     const QJsonObject before = run.instrument();

@@ -86,11 +86,7 @@ void TestCommandReport::initTestCase() {
     QByteArray settings = m_done.read("wanted.ini").replace("second-room", ssid.toUtf8());
     m_done.write("wanted.ini", settings);
     m_done.write(plateFile, m_done.read("plate.csv"));
-    QList<QByteArray> lines = m_done.read("adapter.csv").split('\n');
-    QList<QByteArray> values = lines[3].split(',');
-    values[wrongIndex] = "1.3";
-    lines[3] = values.join(',');
-    m_done.write("adapter.csv", lines.join('\n'));
+    m_done.write("adapter.csv", withValue(m_done.read("adapter.csv"), wrongIndex, "1.3"));
     QStringList arguments = m_done.applyAll();
     arguments.replaceInStrings("plate.csv", plateFile);
     const CommandResult got = m_done.run(arguments << "--accept-implausible");
