@@ -25,7 +25,7 @@ struct InputRole {
 
     /** As the journal stores it.
         @param serialNumber  of the only instrument that the file is for, stored behind a blank */
-    QString toStore(std::optional<std::int32_t> serialNumber = std::nullopt) const;
+    QString toStore(std::optional<std::int32_t> serialNumber) const;
 
     const char* word;                      ///< of the journal
     const char* name;                      ///< for people, not translated

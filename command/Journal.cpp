@@ -76,10 +76,11 @@ JournalRow outcomeRow(qint64 instrument, Outcome outcome, const QStringList& rea
 
 } // namespace
 
-JournalInput journalInput(const InputRole& role, const InputFile& file) {
+JournalInput journalInput(const InputRole& role, const InputFile& file,
+                          std::optional<std::int32_t> serialNumber) {
     const bool isSettings = &role == &InputRole::network;
     const QByteArray content = isSettings ? withMaskedKey(file.content) : file.content;
-    return {role.toStore(), file.path, file.sha256(), content, isSettings};
+    return {role.toStore(serialNumber), file.path, file.sha256(), content, isSettings};
 }
 
 std::unique_ptr<Journal> Journal::open(const QString& path, Text& problem) {

@@ -7,7 +7,9 @@
 #include "instrument/InstrumentAccess.h"
 
 #include <chrono>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <vector>
 
 /**
@@ -76,7 +78,9 @@ private:
     Text m_problem; ///< of the first row that could not be stored
 };
 
-/** What the journal stores of a file: the security key of a settings file is masked. */
-JournalInput journalInput(const struct InputRole& role, const struct InputFile& file);
+/** What the journal stores of a file: the security key of a settings file is masked.
+    @param serialNumber  of the only instrument that the file is for */
+JournalInput journalInput(const struct InputRole& role, const struct InputFile& file,
+                          std::optional<std::int32_t> serialNumber = std::nullopt);
 
 #endif

@@ -50,7 +50,7 @@ std::optional<Scientific> scientific(std::string_view cell) {
 } // namespace
 
 PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_t& serialNumber) {
-    if (PlanCells::isAllDigits(cell)) // the usual form
+    if (isAllDigits(cell)) // the usual form
         return toNumber(cell, serialNumber) ? SerialFault::None : SerialFault::NoNumber;
     if (const auto number = scientific(cell)) {
         const auto exponent = static_cast<std::size_t>(number->exponent);
@@ -70,8 +70,7 @@ PlanCells::SerialFault PlanCells::parseSerial(std::string_view cell, std::int32_
             break;
         }
     }
-    const bool isNumber =
-        !cell.empty() && PlanCells::isAllDigits(cell) && toNumber(cell, serialNumber);
+    const bool isNumber = !cell.empty() && isAllDigits(cell) && toNumber(cell, serialNumber);
     return isNumber ? SerialFault::None : SerialFault::NoNumber;
 }
 

@@ -207,9 +207,8 @@ void PlanReader::takeValues(std::string_view cell) {
     auto values = file ? ValueFile::check(*file, Accessory, faults) : std::nullopt;
     if (values) {
         m_row->accessories.push_back(std::move(*values));
-        const InputRole& role = InputRole::of(Accessory);
-        m_row->inputs.push_back(::journalInput(role, *file));
-        m_row->inputs.back().role = role.toStore(m_row->serialNumber);
+        m_row->inputs.push_back(
+            ::journalInput(InputRole::of(Accessory), *file, m_row->serialNumber));
         return;
     }
     addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "The file \"%1\" cannot be used:"), cell);
