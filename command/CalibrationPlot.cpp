@@ -173,7 +173,7 @@ private:
         const double third = second + column;
         path("implausible", diamond(third + sample / 2, y));
         text(third + sample + 8, y + 4, "name",
-             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Implausible")).translated());
+             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Implausible")));
     }
 
     void panel(const Axis& axis, const Text& name, const char* style) const {
@@ -243,7 +243,7 @@ private:
             text(xOf(i), differenceBottom + 18, "index", QString::number(i));
         }
         text((left + right) / 2, height - 8, "index",
-             Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Index of the value")).translated());
+             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Index of the value")));
     }
 
     const CalibrationPlot& m_plot;

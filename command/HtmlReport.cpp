@@ -41,9 +41,9 @@ QString outcomeCounts(const std::vector<HtmlInstrument>& instruments) {
 
 HtmlWriter::Table runTable(const JournalRun& run, const QString& journal,
                            const std::vector<HtmlInstrument>& instruments) {
-    HtmlWriter::Table table(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run")).translated(), {}, "facts");
+    HtmlWriter::Table table(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run")), {}, "facts");
     const auto add = [&](const char* name, const QString& value) {
-        table.add({Text(name).translated(), HtmlTexts::orNone(value)});
+        table.add({translated(name), HtmlTexts::orNone(value)});
     };
     QString ended;
     QString exitStatus;
@@ -70,13 +70,12 @@ HtmlWriter::Table runTable(const JournalRun& run, const QString& journal,
 }
 
 HtmlWriter::Table instrumentTable(const std::vector<HtmlInstrument>& instruments) {
-    HtmlWriter::Table table(
-        Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instruments")).translated(),
-        {Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Serial number")).translated(),
-         Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Outcome")).translated(),
-         Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Changed fields")).translated(),
-         Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Last verification")).translated()},
-        "");
+    HtmlWriter::Table table(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Instruments")),
+                            {translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Serial number")),
+                             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Outcome")),
+                             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Changed fields")),
+                             translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Last verification"))},
+                            "");
     for (const HtmlInstrument& instrument : instruments) {
         const auto& verifications = instrument.part.verifications;
         QString last;
@@ -95,7 +94,7 @@ void writeBody(HtmlWriter& html, const JournalRun& run, const QString& journal,
     const auto body = html.open("body");
     const auto main = html.open("main");
     html.element("h1", title);
-    html.element("h2", Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Recap")).translated());
+    html.element("h2", translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Recap")));
     if (!instruments.empty())
         html.table(instrumentTable(instruments));
     html.table(runTable(run, journal, instruments));
@@ -117,9 +116,8 @@ std::optional<QByteArray> HtmlReport::make(const JournalRun& run, const QString&
                                QStringLiteral("instrument-%1").arg(instruments.size() + 1)});
     if (faults.size() != before)
         return std::nullopt;
-    const QString title =
-        Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "VQ-TL4: report of run %1"), {QString::number(run.id)})
-            .translated();
+    const QString title = translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "VQ-TL4: report of run %1"),
+                                     {QString::number(run.id)});
     QByteArray page;
     HtmlWriter html(&page);
     html.documentType();

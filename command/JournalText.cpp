@@ -110,7 +110,7 @@ QString markOf(const JournalCall& call) {
 QString answerOf(const JournalCall& call) {
     if (call.result)
         return resultText(*call.result);
-    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "(no answer)")).translated();
+    return translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "(no answer)"));
 }
 
 void printInstrument(const JournalInstrument& part) {
@@ -122,16 +122,14 @@ void printInstrument(const JournalInstrument& part) {
     for (const FieldChange& change : part.changes)
         print(changeLine(change));
     if (!part.snapshotPath.isEmpty())
-        print(
-            Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "  The state before is in %1"), {part.snapshotPath})
-                .translated());
+        print(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "  The state before is in %1"),
+                         {part.snapshotPath}));
     for (const JournalCall& call : part.calls)
         print(QStringLiteral("  %1 %2  %3: %4")
                   .arg(markOf(call), FieldTexts::time(call.began), call.function, answerOf(call)));
     for (const JournalVerification& verification : part.verifications)
-        print(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "  %1  looked at again: %2"),
-                   {FieldTexts::time(verification.at), verification.word})
-                  .translated());
+        print(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "  %1  looked at again: %2"),
+                         {FieldTexts::time(verification.at), verification.word}));
 }
 
 QString endOf(const JournalRun& run) {
@@ -182,7 +180,7 @@ QJsonObject JournalText::whole(const JournalRun& run) {
 
 void JournalText::printWhole(const JournalRun& run) {
     const auto field = [](const char* source, const QString& value) {
-        print(Text(source, {value}).translated());
+        print(translated(source, {value}));
     };
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run:           %1"), QString::number(run.id));
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Command:       %1"),
@@ -197,9 +195,8 @@ void JournalText::printWhole(const JournalRun& run) {
     field(QT_TRANSLATE_NOOP("vq-tl4ctl", "Its SHA-256:   %1"),
           QString::fromLatin1(run.librarySha256));
     for (const JournalInput& input : run.inputs)
-        print(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Input (%1): %2, SHA-256 %3"),
-                   {input.role, input.path, QString::fromLatin1(input.sha256)})
-                  .translated());
+        print(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Input (%1): %2, SHA-256 %3"),
+                         {input.role, input.path, QString::fromLatin1(input.sha256)}));
     for (const JournalInstrument& part : run.instruments)
         printInstrument(part);
 }

@@ -74,7 +74,7 @@ QString changeNote(const FieldChange& change) {
         change.field == QLatin1String("network.key") && change.oldText == change.newText;
     if (!isMasked)
         return {};
-    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", " (another key)")).translated();
+    return translated(QT_TRANSLATE_NOOP("vq-tl4ctl", " (another key)"));
 }
 
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value) {

@@ -76,7 +76,7 @@ void RunScreen::stepBegins(const char* name) {
                      [&](const auto& known) { return std::strcmp(known[0], name) == 0; });
     if (step == std::end(steps))
         return;
-    m_step = Text((*step)[1]).translated();
+    m_step = translated((*step)[1]);
     show();
 }
 
@@ -91,7 +91,7 @@ QString RunScreen::timeLeft() const {
     const QString time = QStringLiteral("%1:%2")
                              .arg(left.count() / secondsOfMinute)
                              .arg(left.count() % secondsOfMinute, 2, 10, QLatin1Char('0'));
-    return Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 left"), {time}).translated();
+    return translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "%1 left"), {time});
 }
 
 void RunScreen::show() const {
@@ -123,9 +123,8 @@ void RunScreen::sayVerdict(const Verdict& verdict) {
     sayToUser(Terminal::painted(sentence.translated(), colourOf(verdict.outcome)));
     for (const char* name : warningNames(verdict.warnings))
         sayToUser(QStringLiteral("  ") +
-                  Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "The library warned: %1"),
-                       {QString::fromLatin1(name)})
-                      .translated());
+                  translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "The library warned: %1"),
+                             {QString::fromLatin1(name)}));
     for (const Text& reason : verdict.reasons)
         sayToUser(QStringLiteral("  ") + reason.translated());
 }

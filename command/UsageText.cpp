@@ -72,7 +72,7 @@ Text textOf(const QString& message) {
 std::shared_ptr<CLI::Formatter> UsageText::formatter() {
     auto formatter = std::make_shared<GroupFormatter>();
     for (const Wording& wording : labels)
-        formatter->label(wording.key, Text(wording.text).translated().toStdString());
+        formatter->label(wording.key, translated(wording.text).toStdString());
     return formatter;
 }
 
@@ -85,8 +85,8 @@ std::string UsageText::failure(const CLI::App* app, const CLI::Error& error) {
     const Text text = textOf(message);
     if (!text.isEmpty())
         message = text.translated();
-    const QString help = Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run with %1 for more information."),
-                              {QString::fromStdString(app->get_help_ptr()->get_name())})
-                             .translated();
+    const QString help =
+        translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Run with %1 for more information."),
+                   {QString::fromStdString(app->get_help_ptr()->get_name())});
     return (message + QLatin1Char('\n') + help + QLatin1Char('\n')).toLocal8Bit().toStdString();
 }

@@ -27,7 +27,7 @@ void printLine(const KVA_PORTINFO& port, bool isUnfinished) {
     const char* source = isUnfinished
                              ? QT_TRANSLATE_NOOP("vq-tl4ctl", "%1  %2  (an unfinished write)")
                              : QT_TRANSLATE_NOOP("vq-tl4ctl", "%1  %2");
-    print(Text(source, {serialText(port.serialNumber), portText(port)}).translated());
+    print(translated(source, {serialText(port.serialNumber), portText(port)}));
 }
 
 } // namespace

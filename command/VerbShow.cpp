@@ -9,7 +9,7 @@
 namespace {
 
 void printField(const char* source, const QString& value) {
-    print(Text(source, {value}).translated());
+    print(translated(source, {value}));
 }
 
 void printNetwork(const KVA_NETWORKINFO& network, bool revealsKey) {
@@ -50,7 +50,7 @@ void printState(const InstrumentState& state, bool revealsKey) {
     if (state.network)
         printNetwork(*state.network, revealsKey);
     else
-        print(Text(QT_TRANSLATE_NOOP("vq-tl4ctl", "Wireless module:  none")).translated());
+        print(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Wireless module:  none")));
     printField(QT_TRANSLATE_NOOP("vq-tl4ctl", "Power-off time:   %1"),
                FieldTexts::powerOff(state.powerOffMode));
     printAccessory(QT_TRANSLATE_NOOP("vq-tl4ctl", "White plate:      %1"),
