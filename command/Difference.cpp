@@ -1,8 +1,8 @@
 #include "command/Difference.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/FieldTexts.h"
 #include "command/Snapshot.h"
-#include "instrument/CalibrationAccessory.h"
 
 #include <cstring>
 
@@ -14,9 +14,10 @@ void addIfDifferent(const QString& field, const QString& from, const QString& to
         changes.push_back({field, from, to});
 }
 
-void addAccessory(const QString& name, const CalibrationAccessory& accessory,
-                  const KVA_JIG_CALREFDATA& from, const KVA_JIG_CALREFDATA& to,
-                  FieldChanges& changes) {
+void addAccessory(const AccessoryTexts& texts, const KVA_JIG_CALREFDATA& from,
+                  const KVA_JIG_CALREFDATA& to, FieldChanges& changes) {
+    const CalibrationAccessory& accessory = texts.accessory;
+    const QString name = QLatin1String(texts.field);
     addIfDifferent(name + QStringLiteral(".serialNumber"),
                    FieldTexts::accessorySerial(from.*accessory.serialNo),
                    FieldTexts::accessorySerial(to.*accessory.serialNo), changes);
@@ -73,10 +74,8 @@ FieldChanges difference(const InstrumentState& from, const InstrumentState& to, 
     addDifference(from.network, to.network, withKey, changes);
     addIfDifferent(QStringLiteral("powerOff"), FieldTexts::powerOff(from.powerOffMode),
                    FieldTexts::powerOff(to.powerOffMode), changes);
-    addAccessory(QStringLiteral("whitePlate"), CalibrationAccessory::whitePlate, from.calibration,
-                 to.calibration, changes);
-    addAccessory(QStringLiteral("ambientAdapter"), CalibrationAccessory::ambientAdapter,
-                 from.calibration, to.calibration, changes);
+    for (const AccessoryTexts& texts : AccessoryTexts::all)
+        addAccessory(texts, from.calibration, to.calibration, changes);
     addRest(from.calibration, to.calibration, changes);
     return changes;
 }

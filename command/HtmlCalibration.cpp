@@ -1,5 +1,6 @@
 #include "command/HtmlCalibration.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/FieldTexts.h"
 #include "command/InputRole.h"
 #include "command/Report.h"
@@ -12,19 +13,10 @@
 
 namespace {
 
-/** The accessories, with their names in the fields of a difference. */
-struct Accessory {
-    const CalibrationAccessory& descriptor;
-    const char* field;
-};
-const Accessory accessories[] = {
-    {CalibrationAccessory::whitePlate, "whitePlate"},
-    {CalibrationAccessory::ambientAdapter, "ambientAdapter"},
-};
-
-std::vector<float> valuesOf(const Accessory& accessory, const KVA_JIG_CALREFDATA& record) {
-    const float* values = accessory.descriptor.values(record);
-    return {values, values + accessory.descriptor.valueCount};
+std::vector<float> valuesOf(const CalibrationAccessory& accessory,
+                            const KVA_JIG_CALREFDATA& record) {
+    const float* values = accessory.values(record);
+    return {values, values + accessory.valueCount};
 }
 
 bool areFinite(const std::vector<float>& values) {
@@ -81,7 +73,8 @@ std::vector<HtmlCalibration> HtmlCalibration::changed(const KVA_JIG_CALREFDATA& 
                                                       const KVA_JIG_CALREFDATA& after,
                                                       const QString& afterName, const QString& id) {
     std::vector<HtmlCalibration> parts;
-    for (const Accessory& accessory : accessories) {
+    for (const AccessoryTexts& texts : AccessoryTexts::all) {
+        const CalibrationAccessory& accessory = texts.accessory;
         HtmlCalibration part;
         part.m_before = valuesOf(accessory, before);
         part.m_after = valuesOf(accessory, after);
@@ -89,15 +82,15 @@ std::vector<HtmlCalibration> HtmlCalibration::changed(const KVA_JIG_CALREFDATA& 
         if (std::memcmp(part.m_before.data(), part.m_after.data(),
                         part.m_before.size() * sizeof(float)) == 0)
             continue;
-        part.m_accessory = &accessory.descriptor;
-        part.m_name = InputRole::of(accessory.descriptor).name;
-        part.m_field = QLatin1String(accessory.field) + QStringLiteral(".values[");
+        part.m_accessory = &accessory;
+        part.m_name = InputRole::of(accessory).name;
+        part.m_field = QLatin1String(texts.field) + QStringLiteral(".values[");
         part.m_beforeName = translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Before"));
         part.m_afterName = afterName;
-        part.m_id = id + QLatin1Char('-') + QLatin1String(accessory.field);
+        part.m_id = id + QLatin1Char('-') + QLatin1String(texts.field);
         if (areFinite(part.m_after))
             part.m_implausible =
-                findImplausible(accessory.descriptor, part.m_after.data(), part.m_before.data());
+                findImplausible(accessory, part.m_after.data(), part.m_before.data());
         parts.push_back(std::move(part));
     }
     return parts;

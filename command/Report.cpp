@@ -1,5 +1,6 @@
 #include "command/Report.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/InstrumentState.h"
 #include "command/Terminal.h"
 #include "instrument/ResultNames.h"
@@ -78,16 +79,10 @@ QString changeNote(const FieldChange& change) {
 }
 
 Text implausibleText(const CalibrationAccessory& accessory, const Implausible& value) {
-    const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
-    const char* source =
-        isPlate ? QT_TRANSLATE_NOOP(
-                      "vq-tl4ctl", "White plate, value %1 of %2, values[%3]: %4 (expected: %5). %6")
-                : QT_TRANSLATE_NOOP(
-                      "vq-tl4ctl",
-                      "Ambient adapter, value %1 of %2, values[%3]: %4 (expected: %5). %6");
-    return Text(source, {QString::number(value.index + 1), QString::number(accessory.valueCount),
-                         QString::number(value.index), QString::number(double(value.value)),
-                         value.expected.translated(), value.why.translated()});
+    return Text(AccessoryTexts::of(accessory).implausible,
+                {QString::number(value.index + 1), QString::number(accessory.valueCount),
+                 QString::number(value.index), QString::number(double(value.value)),
+                 value.expected.translated(), value.why.translated()});
 }
 
 namespace {

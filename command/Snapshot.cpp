@@ -1,8 +1,8 @@
 #include "command/Snapshot.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/DurableFile.h"
 #include "command/FieldTexts.h"
-#include "instrument/CalibrationAccessory.h"
 
 #include <QCryptographicHash>
 #include <QJsonArray>
@@ -151,10 +151,8 @@ QJsonObject readableState(const InstrumentState& state, bool showKey) {
     object[QStringLiteral("wirelessModule")] = state.wirelessModule != 0;
     object[QStringLiteral("network")] = readableNetwork(state.network, showKey);
     object[QStringLiteral("powerOff")] = FieldTexts::powerOff(state.powerOffMode);
-    object[QStringLiteral("whitePlate")] =
-        readableAccessory(CalibrationAccessory::whitePlate, state.calibration);
-    object[QStringLiteral("ambientAdapter")] =
-        readableAccessory(CalibrationAccessory::ambientAdapter, state.calibration);
+    for (const AccessoryTexts& texts : AccessoryTexts::all)
+        object[QLatin1String(texts.field)] = readableAccessory(texts.accessory, state.calibration);
     return object;
 }
 

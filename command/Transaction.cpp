@@ -1,5 +1,6 @@
 #include "command/Transaction.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/DataFolder.h"
 #include "command/Interrupt.h"
 #include "command/Snapshot.h"
@@ -209,9 +210,8 @@ Text Transaction::judgePlausibility() {
             continue;
         for (const Implausible& value : findImplausible(accessory, file.values.data(), held)) {
             m_observer.foundImplausible(accessory, value);
-            const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
             fields.append(QStringLiteral("%1.values[%2]")
-                              .arg(QLatin1String(isPlate ? "whitePlate" : "ambientAdapter"))
+                              .arg(QLatin1String(AccessoryTexts::of(accessory).field))
                               .arg(value.index));
         }
     }

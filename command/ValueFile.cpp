@@ -1,5 +1,6 @@
 #include "command/ValueFile.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/FileCheck.h"
 #include "files/BoundedLineReader.h"
 #include "files/NumberText.h"
@@ -174,10 +175,9 @@ const CalibrationAccessory& ValueFile::likelyAccessory(const InputFile& file) {
     const FileCheck check(file, none);
     const auto& lines = check.lines();
     const std::size_t count = lines.size() > valuesLine ? cellCount(lines[valuesLine]) : 0;
-    for (const CalibrationAccessory* accessory :
-         {&CalibrationAccessory::whitePlate, &CalibrationAccessory::ambientAdapter}) {
-        if (count == accessory->valueCount)
-            return *accessory;
+    for (const AccessoryTexts& texts : AccessoryTexts::all) {
+        if (count == texts.accessory.valueCount)
+            return texts.accessory;
     }
     const bool adapterSerialNo =
         lines.size() > serialNoLine && lines[serialNoLine].substr(0, 3) == "000";

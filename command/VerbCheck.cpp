@@ -1,3 +1,4 @@
+#include "command/AccessoryTexts.h"
 #include "command/Report.h"
 #include "command/SettingsFile.h"
 #include "command/Snapshot.h"
@@ -27,13 +28,8 @@ Text checkFile(const QString& path, Faults& faults) {
         break;
     case FileKind::Values:
         const CalibrationAccessory& accessory = ValueFile::likelyAccessory(*file);
-        const bool isPlate = &accessory == &CalibrationAccessory::whitePlate;
         if (ValueFile::check(*file, accessory, faults))
-            return Text(
-                isPlate
-                    ? QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: values of a white plate, no fault")
-                    : QT_TRANSLATE_NOOP("vq-tl4ctl", "%1: values of an ambient adapter, no fault"),
-                {path});
+            return Text(AccessoryTexts::of(accessory).noFault, {path});
         break;
     }
     return {};

@@ -1,3 +1,4 @@
+#include "command/AccessoryTexts.h"
 #include "command/InputRole.h"
 #include "command/Journal.h"
 #include "command/Report.h"
@@ -33,11 +34,10 @@ Change changeFor(const Snapshot& snapshot, const QStringList& only) {
         change.network = state.network;
     if (only.contains(QLatin1String("power-off")))
         change.powerOffMode = state.powerOffMode;
-    if (only.contains(QLatin1String("white-plate")))
-        change.accessories.push_back(partOf(state.calibration, CalibrationAccessory::whitePlate));
-    if (only.contains(QLatin1String("ambient-adapter")))
-        change.accessories.push_back(
-            partOf(state.calibration, CalibrationAccessory::ambientAdapter));
+    for (const AccessoryTexts& texts : AccessoryTexts::all) {
+        if (only.contains(QLatin1String(InputRole::of(texts.accessory).word)))
+            change.accessories.push_back(partOf(state.calibration, texts.accessory));
+    }
     return change;
 }
 

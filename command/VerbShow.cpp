@@ -1,3 +1,4 @@
+#include "command/AccessoryTexts.h"
 #include "command/FieldTexts.h"
 #include "command/Report.h"
 #include "command/Snapshot.h"
@@ -28,9 +29,9 @@ void printNetwork(const KVA_NETWORKINFO& network, bool revealsKey) {
                           : maskedKey(network));
 }
 
-void printAccessory(const char* source, const CalibrationAccessory& accessory,
-                    const KVA_JIG_CALREFDATA& record) {
-    printField(source, FieldTexts::accessorySerial(record.*accessory.serialNo));
+void printAccessory(const AccessoryTexts& texts, const KVA_JIG_CALREFDATA& record) {
+    const CalibrationAccessory& accessory = texts.accessory;
+    printField(texts.shown, FieldTexts::accessorySerial(record.*accessory.serialNo));
     constexpr std::size_t valuesInLine = 8;
     for (std::size_t first = 0; first < accessory.valueCount; first += valuesInLine) {
         QString line = QStringLiteral("  ");
@@ -53,10 +54,8 @@ void printState(const InstrumentState& state, bool revealsKey) {
         print(translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Wireless module:  none")));
     printField(QT_TRANSLATE_NOOP("vq-tl4ctl", "Power-off time:   %1"),
                FieldTexts::powerOff(state.powerOffMode));
-    printAccessory(QT_TRANSLATE_NOOP("vq-tl4ctl", "White plate:      %1"),
-                   CalibrationAccessory::whitePlate, state.calibration);
-    printAccessory(QT_TRANSLATE_NOOP("vq-tl4ctl", "Ambient adapter:  %1"),
-                   CalibrationAccessory::ambientAdapter, state.calibration);
+    for (const AccessoryTexts& texts : AccessoryTexts::all)
+        printAccessory(texts, state.calibration);
 }
 
 } // namespace
