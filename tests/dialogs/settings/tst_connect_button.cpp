@@ -25,6 +25,17 @@ QJsonArray instruments(int count) {
     return array;
 }
 
+/** How often a window was raised, which not every window system shows. */
+class RaiseCounter : public QObject {
+public:
+    explicit RaiseCounter(QWidget& window) { window.installEventFilter(this); }
+    bool eventFilter(QObject* object, QEvent* event) override {
+        count += event->type() == QEvent::ZOrderChange ? 1 : 0;
+        return QObject::eventFilter(object, event);
+    }
+    int count = 0;
+};
+
 /** The dialog without a connection. */
 class UnconnectedFixture : public SettingsFixture {
 public:
@@ -210,8 +221,10 @@ private Q_SLOTS:
                 choice.select(1);
                 choice.accept();
             });
+            const RaiseCounter raises(f.selection);
             f.click(connectButton);
             QVERIFY(f.selection.isVisible());
+            QCOMPARE(raises.count, 1);
             QCOMPARE(f.calls(), (QStringList{listCall, listCall}));
         });
         f.click(connectButton);
