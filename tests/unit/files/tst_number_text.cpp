@@ -5,7 +5,10 @@
 
 #include <cmath>
 #include <cstdlib>
+#include <cstring>
 #include <limits>
+#include <sys/mman.h>
+#include <unistd.h>
 
 namespace {
 
@@ -110,6 +113,24 @@ private Q_SLOTS:
         QVERIFY2(std::equal_to<float>()(actual, row.expected),
                  QByteArray::number(static_cast<double>(actual), 'g', 12).constData());
         QCOMPARE(std::signbit(actual), std::signbit(row.expected));
+    }
+
+    /** No byte behind the text is read: none can be. */
+    void endsWithTheText() {
+        const auto page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+        void* const pages =
+            ::mmap(nullptr, 2 * page, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANON, -1, 0);
+        QVERIFY(pages != MAP_FAILED);
+        char* const end = static_cast<char*>(pages) + page;
+        QCOMPARE(::mprotect(end, page, PROT_NONE), 0);
+        for (const QByteArray text : {"", "-", "1", "1.", "1.5", "1.5e", "0x"}) {
+            char* const start = end - text.size() - 1;
+            std::memcpy(start, text.constData(), static_cast<std::size_t>(text.size()) + 1);
+            QCOMPARE(NumberText::toFloat(start), std::strtof(text.constData(), nullptr));
+            QCOMPARE(NumberText::toInt32(start),
+                     static_cast<std::int32_t>(std::strtol(text.constData(), nullptr, 10)));
+        }
+        QCOMPARE(::munmap(pages, 2 * page), 0);
     }
 
     void notANumber() {
