@@ -1,6 +1,7 @@
 // Answers that no honest instrument gives. This program defines some functions of the library
 // itself: they pass each call on to the simulated library and then alter its answer.
 
+#include "instrument/InstrumentAccess.h"
 #include "tests/unit/instrument/ControllerFixture.h"
 
 #include <climits>
@@ -15,7 +16,13 @@ struct Alterations {
     std::function<KVA_RESULT(KVA_RESULT result, const QByteArray& symbol, uint8_t* bytes)> record;
 } alterations;
 
-int unfilled = 0; ///< so many calls that fill a record succeed and leave it as it is
+int unfilled = 0; ///< so many calls that fill a record or a list succeed and leave it as it is
+
+class NoObserver : public CallObserver {
+public:
+    void callBegins(const char* /*function*/) override {}
+    void callEnded(const CallResult& /*result*/) override {}
+};
 
 template <typename Function>
 Function simulated(const char* symbol) {
@@ -84,6 +91,10 @@ QVector<ReadBackRow> readBacks() {
 KVA_RESULT KVA_GetDevicePortList(KVA_PORTINFO* list, int32_t* count, int32_t maxEntries) {
     static const auto function =
         simulated<decltype(&KVA_GetDevicePortList)>("KVA_GetDevicePortList");
+    if (list && unfilled > 0) {
+        --unfilled;
+        return KVA_SUCCESS;
+    }
     const KVA_RESULT result = function(list, count, maxEntries);
     return alterations.portList ? alterations.portList(result, list, count) : result;
 }
@@ -140,6 +151,16 @@ private Q_SLOTS:
             QCOMPARE(controller.m_deviceNameList.last(), "VARNE-1(,Serial#00000000)");
         QVERIFY(!controller.Connect(row.listed, 10));
         QCOMPARE(log.lines().last(), "conect error \n");
+    }
+
+    void unfilledList() {
+        NoObserver observer;
+        InstrumentAccess access(observer);
+        std::vector<KVA_PORTINFO> ports;
+        unfilled = 1;
+        QCOMPARE(access.list(ports).code, KVA_SUCCESS);
+        QCOMPARE(unfilled, 0);
+        QVERIFY(ports.empty());
     }
 
     void negativeCountBeforeFailure() {

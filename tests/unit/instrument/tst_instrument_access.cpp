@@ -51,12 +51,29 @@ private Q_SLOTS:
             InstrumentAccess access(calls);
             QCOMPARE(access.open(serialNumber).state, InstrumentAccess::Opening::Open);
             QVERIFY(access.isConnected());
+            KVA_JIG_ACTIONOPTIONFACTORYDATA options = {};
+            KVA_NETWORKINFO network = {};
+            KVA_JIG_CALREFDATA record = {};
+            std::uint8_t mode = 0;
+            for (const CallResult& result :
+                 {access.read(options), access.read(network), access.readPowerOffMode(mode),
+                  access.read(record), access.write(network), access.writePowerOffMode(mode),
+                  access.stage(record), access.commit()})
+                QCOMPARE(result.code, KVA_SUCCESS);
         }
         const QStringList made = {"KVA_RegisterDeviceEventHandler",
                                   "KVA_GetDevicePortList",
                                   "KVA_GetDevicePortList",
                                   "KVA_Connect",
                                   "KVA_GetDeviceInfo",
+                                  "KVA_JIG_GetFactoryCalib_ACTIONOPTIONDATA",
+                                  "KVA_GetNetworkInfo",
+                                  "KVA_GetShutdownTime",
+                                  "KVA_JIG_GetFactoryCalib_CALREFDATA",
+                                  "KVA_SetNetworkInfo",
+                                  "KVA_SetShutdownTime",
+                                  "KVA_JIG_SetFactoryCalib_CALREFDATA",
+                                  "KVA_JIG_SetFactoryCalib_WriteSector",
                                   "KVA_Disconnect",
                                   "KVA_RegisterDeviceEventHandler"};
         QCOMPARE(calls.ended, made);
