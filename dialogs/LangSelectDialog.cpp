@@ -29,7 +29,6 @@ void LangSelectDialog::setLanguage(int code) {
         auto* button = findChild<QRadioButton*>(QLatin1String(language.radioButton));
         button->setText(tr(language.name));
         button->setAccessibleDescription(tr(language.description));
-        button->setChecked(false);
         if (language.code == languageCode)
             chosen = button;
     }
