@@ -23,20 +23,54 @@ three_times() {
     "$@" || { sleep 5 && "$@"; } || { sleep 15 && "$@"; }
 }
 
+is_installed_debian() {
+    dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
+}
+
+# update_debian: fetches apt's lists, once. By itself apt takes a list that cannot be fetched for
+# no error.
+updated=false
+update_debian() {
+    ! $updated || return 0
+    as_root apt-get update --quiet=2 -o APT::Update::Error-Mode=any ||
+        fail "apt could not fetch its lists of packages"
+    updated=true
+}
+
+# debian_offers PACKAGE...: each is installed or can be, by lists that are fetched before.
+debian_offers() {
+    local package policy
+    for package in "$@"; do
+        ! is_installed_debian "$package" || continue
+        update_debian
+        policy=$(LC_ALL=C apt-cache policy "$package") || fail "apt does not tell of $package"
+        grep -q '^ *Candidate: [^(]' <<<"$policy" || return 1
+    done
+}
+
 # install_debian PACKAGE...: installs the packages that are missing.
 install_debian() {
     local package missing=()
     for package in "$@"; do
-        if ! dpkg-query --show --showformat='${db:Status-Status}' "$package" 2>/dev/null |
-            grep -qx installed; then
-            missing+=("$package")
-        fi
+        is_installed_debian "$package" || missing+=("$package")
     done
     [ "${#missing[@]}" -gt 0 ] || return 0
     say "Installing ${missing[*]}"
-    as_root apt-get update --quiet=2
+    update_debian
     as_root env DEBIAN_FRONTEND=noninteractive \
         apt-get install --quiet=2 --yes --no-install-recommends "${missing[@]}" >/dev/null
+}
+
+# homebrew_offers FORMULA: it is installed or can be.
+homebrew_offers() {
+    local said
+    ! brew list --versions "$1" >/dev/null || return 0
+    if said=$(brew info --json=v2 --formula "$1" 2>&1); then
+        ! grep -Eq '"disabled": *true' <<<"$said"
+    else
+        grep -q 'No available formula' <<<"$said" || fail "$said"
+        return 1
+    fi
 }
 
 # install_homebrew FORMULA...: the same on macOS.
@@ -62,20 +96,19 @@ take_qt6() { qt=6 release=release-qt6 development=qt6; }
 install_homebrew_qt() {
     formula=qt
     if [ "$qt" = 5 ]; then
-        if (install_homebrew qt@5); then
-            formula=qt@5
-            return
+        if homebrew_offers qt@5; then formula=qt@5; else
+            say "Homebrew does not give qt@5: taking Qt 6"
         fi
-        say "Homebrew does not give qt@5: taking Qt 6"
     fi
-    install_homebrew qt
+    install_homebrew "$formula"
 }
 
 # install_debian_qt: the same on Debian.
 install_debian_qt() {
+    local qt5=(qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools qttranslations5-l10n)
     if [ "$qt" = 5 ]; then
-        if (install_debian qtbase5-dev libqt5sql5-sqlite qttools5-dev qttools5-dev-tools \
-            qttranslations5-l10n); then
+        if debian_offers "${qt5[@]}"; then
+            install_debian "${qt5[@]}"
             return
         fi
         say "apt does not give Qt 5: taking Qt 6"
