@@ -1,7 +1,6 @@
 # VQ-TL4.app, with Qt and libKVASDK inside, signed, on a disk image: cmake --preset bundle, then cpack.
 if(NOT VQTL4_BUNDLE)
-    install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" vq-tl4-scaled
-        DESTINATION "${VQTL4_PROGRAM_DESTINATION}")
+    install(PROGRAMS ${scripts} DESTINATION "${VQTL4_PROGRAM_DESTINATION}")
     return()
 endif()
 
@@ -11,13 +10,11 @@ set_target_properties(vq-tl4 PROPERTIES
     MACOSX_BUNDLE_INFO_PLIST "${CMAKE_CURRENT_SOURCE_DIR}/macos/Info.plist.in"
     OUTPUT_NAME VQ-TL4)
 set_target_properties(vq-tl4 vq-tl4ctl PROPERTIES INSTALL_RPATH "@executable_path/../Frameworks")
-install(PROGRAMS "${CMAKE_RUNTIME_OUTPUT_DIRECTORY}/vq-tl4-diagnose" vq-tl4-scaled
-    DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
+install(PROGRAMS ${scripts} DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(FILES macos/VQ_TL4.icns DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(DIRECTORY macos/en.lproj macos/ja.lproj DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 
 # That of the Qt in use, whatever other Qt is on the path.
-get_target_property(qmake Qt::qmake IMPORTED_LOCATION)
 get_filename_component(beside_qmake "${qmake}" DIRECTORY)
 execute_process(COMMAND "${qmake}" -query QT_HOST_BINS
     OUTPUT_VARIABLE qt_programs OUTPUT_STRIP_TRAILING_WHITESPACE)
