@@ -132,6 +132,11 @@ install_build_needs() {
     fi
 }
 
+# xrdb and xrandr, which tell the launcher the desktop's scale.
+install_scale_needs() {
+    is_macos || ! command -v apt-get >/dev/null || install_debian x11-xserver-utils
+}
+
 # What a virtual X server, mouse, keyboard and terminal need, and the fonts of both languages.
 install_virtual_needs() {
     install_debian xvfb openbox xdotool wmctrl imagemagick jq xterm fonts-dejavu-core fonts-noto-cjk
