@@ -27,24 +27,26 @@ is_installed_debian() {
     dpkg-query --show --showformat='${db:Status-Status}' "$1" 2>/dev/null | grep -qx installed
 }
 
-# update_debian: fetches apt's lists, once. By itself apt takes a list that cannot be fetched for
-# no error.
-updated=false
+# update_debian: fetches apt's lists, once. One that cannot be fetched, which apt by itself takes for
+# no error, may be of a source that nothing here needs.
+updated=false has_all_lists=true
 update_debian() {
     ! $updated || return 0
-    as_root apt-get update --quiet=2 -o APT::Update::Error-Mode=any ||
-        fail "apt could not fetch its lists of packages"
+    as_root apt-get update --quiet=2 -o APT::Update::Error-Mode=any || has_all_lists=false
     updated=true
 }
 
-# debian_offers PACKAGE...: each is installed or can be, by lists that are fetched before.
+# debian_offers PACKAGE...: each is installed or can be, by lists that are fetched before. Fails where
+# a package might be in a list that could not be fetched.
 debian_offers() {
     local package policy
     for package in "$@"; do
         ! is_installed_debian "$package" || continue
         update_debian
         policy=$(LC_ALL=C apt-cache policy "$package") || fail "apt does not tell of $package"
-        grep -q '^ *Candidate: [^(]' <<<"$policy" || return 1
+        ! grep -q '^ *Candidate: [^(]' <<<"$policy" || continue
+        $has_all_lists || fail "apt could not fetch all lists of packages, and does not know $package"
+        return 1
     done
 }
 
