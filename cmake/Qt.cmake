@@ -1,13 +1,15 @@
-# Which Qt: 5.15 where it is installed, else 6. Its targets are named without a number, Qt::Core, and
-# so are its functions, qt_add_translation.
+# Which Qt: 5.15 where all that is needed of it is installed, else 6. Its targets are named without a
+# number, Qt::Core, and so are its functions, qt_add_translation.
 set(VQTL4_QT "" CACHE STRING "Qt's major version, 5 or 6; empty: 5 where it is installed, else 6")
+set(qt_components Core Gui Sql Widgets LinguistTools)
+if(BUILD_TESTING)
+    list(APPEND qt_components Test)
+endif()
+set(qt5_minimum 5.15)
+set(qt6_minimum 5.15)
+
 if(VQTL4_QT STREQUAL "")
-    find_package(Qt5 5.15 QUIET COMPONENTS Core)
-    if(Qt5_FOUND)
-        set(VQTL4_QT_MAJOR 5)
-    else()
-        set(VQTL4_QT_MAJOR 6)
-    endif()
+    add_subdirectory("${CMAKE_CURRENT_LIST_DIR}/qt5" qt5)
 elseif(VQTL4_QT MATCHES "^[56]$")
     set(VQTL4_QT_MAJOR "${VQTL4_QT}")
 else()
@@ -23,7 +25,4 @@ if(VQTL4_QT_IN_USE AND NOT VQTL4_QT_IN_USE EQUAL VQTL4_QT_MAJOR)
 endif()
 set(VQTL4_QT_IN_USE "${VQTL4_QT_MAJOR}" CACHE INTERNAL "Qt's major version of the last configuration")
 
-# vqtl4_find_qt(<component>...): these components of that Qt.
-macro(vqtl4_find_qt)
-    find_package(Qt${VQTL4_QT_MAJOR} 5.15 REQUIRED COMPONENTS ${ARGN})
-endmacro()
+find_package(Qt${VQTL4_QT_MAJOR} ${qt${VQTL4_QT_MAJOR}_minimum} REQUIRED COMPONENTS ${qt_components})
