@@ -6,7 +6,7 @@ if(BUILD_TESTING)
     list(APPEND qt_components Test)
 endif()
 set(qt5_minimum 5.15)
-set(qt6_minimum 5.15)
+set(qt6_minimum 6.4)
 
 if(VQTL4_QT STREQUAL "")
     add_subdirectory("${CMAKE_CURRENT_LIST_DIR}/qt5" qt5)
