@@ -21,7 +21,7 @@ sys.dont_write_bytecode = True  # the sources' folder is to hold sources
 import command_figures  # noqa: E402
 import figures  # noqa: E402
 import qt_versions  # noqa: E402
-from programs import Build, Failure, output  # noqa: E402
+from programs import Build, Failure, qt_version  # noqa: E402
 
 GROUPS = figures.GROUPS + command_figures.GROUPS + qt_versions.GROUPS
 ROOT = os.path.dirname(os.path.dirname(os.path.abspath(__file__)))
@@ -61,7 +61,7 @@ def machine(build):
         "processor": first_match(cpuinfo, r"^model name\s*:(.*)$"),
         "cores": os.cpu_count(),
         "kernel": platform.release(),
-        "qt": output(build, [build.program("bare_dialog"), "version"]).strip(),
+        "qt": qt_version(build),
         "compiler": command_output(compiler, "--version").splitlines()[0],
         "buildType": first_match(cache, r"^CMAKE_BUILD_TYPE:\w+=(.*)$"),
         "linkTimeOptimization": first_match(

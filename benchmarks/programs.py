@@ -146,6 +146,11 @@ def output(build, command, folder=None):
     return finished.stdout.decode()
 
 
+def qt_version(build):
+    """That of the Qt which the programs run with, such as 5.15.8."""
+    return output(build, [build.program("bare_dialog"), "version"]).strip()
+
+
 @contextlib.contextmanager
 def virtual_screen():
     """An X server of our own with a window manager; yields the platform's environment."""

@@ -1,23 +1,28 @@
 """The tool built with Qt 6 against the same built with Qt 5, in alternation. Nothing is to be
-reached: the rows show what a change of Qt costs."""
+reached: the rows show what a change of Qt costs. Where there is no Qt 5, both have the same."""
 
 import contextlib
 import json
 import os
+import sys
 
 from figures import Figure, in_turn, launched, peak
-from programs import Build, output, virtual_screen
+from programs import Build, output, qt_version, virtual_screen
 
 
 def qt_versions(build, plan):
     qt6 = Build(build.root + "-qt6", build.bench)
     with contextlib.closing(qt6):
-        yield from compared(qt6, build, plan)
+        versions = [qt_version(one) for one in (qt6, build)]
+        if versions[0] == versions[1]:
+            print(f"Not compared: both are built with Qt {versions[0]}", file=sys.stderr)
+            return
+        yield from compared(qt6, build, plan, *versions)
 
 
-def compared(qt6, qt5, plan):
+def compared(qt6, qt5, plan, version6, version5):
     def figure(name, unit, measure):
-        result = Figure(f"Qt 6: {name}", "Qt 5", None, unit)
+        result = Figure(f"Qt {version6}: {name}", f"Qt {version5}", None, unit)
         for build in (qt6, qt5):
             measure(build)  # what a first start reads from the disk is not the program's
         for run in range(plan.runs):
