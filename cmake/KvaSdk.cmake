@@ -3,8 +3,18 @@
 add_library(KVASDK_in_use INTERFACE)
 if(KVASDK_ROOT)
     find_library(KVASDK_LIBRARY KVASDK PATHS "${KVASDK_ROOT}/lib" NO_DEFAULT_PATH REQUIRED)
-    file(COPY "${KVASDK_LIBRARY}" DESTINATION "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}"
-        FOLLOW_SYMLINK_CHAIN)
+    # The file and the links to it: the linker looks for one name, the started program for the one
+    # that the library gives itself.
+    file(REAL_PATH "${KVASDK_LIBRARY}" real)
+    set(names "")
+    file(GLOB candidates "${KVASDK_ROOT}/lib/libKVASDK.*")
+    foreach(candidate IN LISTS candidates)
+        file(REAL_PATH "${candidate}" its_real)
+        if(its_real STREQUAL real)
+            list(APPEND names "${candidate}")
+        endif()
+    endforeach()
+    file(COPY ${names} DESTINATION "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}" FOLLOW_SYMLINK_CHAIN)
     if(APPLE)
         # The programs record the name that the library gives itself, which may be any path. By this
         # one it is found in lib/. A changed library has to be signed anew.
@@ -17,7 +27,9 @@ if(KVASDK_ROOT)
     target_link_directories(KVASDK_in_use INTERFACE "${CMAKE_LIBRARY_OUTPUT_DIRECTORY}")
     target_link_libraries(KVASDK_in_use INTERFACE -lKVASDK)
     # In no Debian package: vq-tl4 is the tool alone, whichever library it was built with.
-    install(FILES "${KVASDK_LIBRARY}" DESTINATION "${VQTL4_LIBRARY_DESTINATION}" COMPONENT plain)
+    list(JOIN names "\" \"" names)
+    install(CODE "file(INSTALL \"${names}\" FOLLOW_SYMLINK_CHAIN
+        DESTINATION \"\${CMAKE_INSTALL_PREFIX}/${VQTL4_LIBRARY_DESTINATION}\")" COMPONENT plain)
 else()
     add_subdirectory(simulator)
     target_link_libraries(KVASDK_in_use INTERFACE KVASDK)
