@@ -11,6 +11,8 @@ set_target_properties(vq-tl4 PROPERTIES
     OUTPUT_NAME VQ-TL4)
 set_target_properties(vq-tl4 vq-tl4ctl PROPERTIES INSTALL_RPATH "@executable_path/../Frameworks")
 install(PROGRAMS ${scripts} DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
+# For whoever puts another library into the finished bundle, which breaks its signature.
+install(PROGRAMS macos/sign DESTINATION "${VQTL4_RESOURCES_DESTINATION}" RENAME vq-tl4-sign)
 install(FILES macos/VQ_TL4.icns DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 install(DIRECTORY macos/en.lproj macos/ja.lproj DESTINATION "${VQTL4_RESOURCES_DESTINATION}")
 
