@@ -2,7 +2,7 @@
 # lib/ beside the program's folder, so that another one of that name can take its place at start.
 add_library(KVASDK_in_use INTERFACE)
 if(KVASDK_ROOT)
-    find_library(KVASDK_LIBRARY KVASDK PATHS "${KVASDK_ROOT}/lib" NO_DEFAULT_PATH REQUIRED)
+    find_library(KVASDK_LIBRARY KVASDK PATHS "${KVASDK_ROOT}/lib" NO_DEFAULT_PATH REQUIRED NO_CACHE)
     # The file and the links to it: the linker looks for one name, the started program for the one
     # that the library gives itself.
     file(REAL_PATH "${KVASDK_LIBRARY}" real)
