@@ -104,7 +104,9 @@ private Q_SLOTS:
         const bool sendsZeros = isForBody && row.dhcp == 1;
         const bool keepsSwitches = row.wireless == 2;
         const QJsonObject values = networkValues(row.wireless, row.dhcp);
-        ConnectedFixture f(SettingsFixture::Network, keepsSwitches ? networkPatch(values) : "{}");
+        // Where switches are sent, the instrument holds the others.
+        const QJsonObject others{{"APConnectUse", 1 - row.wireless}, {"DHCPUse", 1 - row.dhcp}};
+        ConnectedFixture f(SettingsFixture::Network, networkPatch(keepsSwitches ? values : others));
         const QJsonObject sent = sendsZeros ? withAddresses(values, "0.0.0.0") : values;
         const QJsonObject state = isForBody ? stateWith(sent) : TestBench::state();
         if (keepsSwitches) {

@@ -28,6 +28,8 @@ class TestInstrumentAccess : public QObject {
 private Q_SLOTS:
     void init() { TestBench::load({TestBench::instrument(), TestBench::instrument(77)}); }
 
+    void hasLostNothingAtFirst() { QVERIFY(!InstrumentAccess::isConnectionLost()); }
+
     void listsAll() {
         Calls calls;
         InstrumentAccess access(calls);
