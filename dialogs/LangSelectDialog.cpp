@@ -24,16 +24,15 @@ void LangSelectDialog::setLanguage(int code) {
 
     // setChecked() emits no clicked(), so no slot sets the code.
     languageCode = Language::ofCode(code) ? code : Language::japanese;
-    QRadioButton* chosen = nullptr;
     for (const Language& language : Language::all) {
         auto* button = findChild<QRadioButton*>(QLatin1String(language.radioButton));
         button->setText(tr(language.name));
         button->setAccessibleDescription(tr(language.description));
-        if (language.code == languageCode)
-            chosen = button;
+        const bool isChosen = language.code == languageCode;
+        button->setChecked(isChosen);
+        if (isChosen)
+            button->setFocus(); // else the first has it, and an arrow key would start there
     }
-    chosen->setChecked(true);
-    chosen->setFocus(); // else the first button has it, and an arrow key would start there
 }
 
 void LangSelectDialog::on_pushButton_clicked() {
