@@ -1,7 +1,7 @@
 #ifndef COMMAND_ACCESSORYTEXTS_H
 #define COMMAND_ACCESSORYTEXTS_H
 
-#include "instrument/CalibrationAccessory.h"
+#include "command/InputRole.h"
 
 /** How the command writes of a calibration accessory. Constant; any thread. */
 struct AccessoryTexts {
@@ -10,6 +10,7 @@ struct AccessoryTexts {
     static const AccessoryTexts& of(const CalibrationAccessory& accessory);
 
     const CalibrationAccessory& accessory;
+    const InputRole& role;   ///< of its value files
     const char* field;       ///< its name in a difference and in JSON
     const char* shown;       ///< of the serial number %1; not translated, as the others
     const char* noFault;     ///< of the value file %1

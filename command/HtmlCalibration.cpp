@@ -2,7 +2,6 @@
 
 #include "command/AccessoryTexts.h"
 #include "command/FieldTexts.h"
-#include "command/InputRole.h"
 #include "command/Report.h"
 
 #include <algorithm>
@@ -83,7 +82,7 @@ std::vector<HtmlCalibration> HtmlCalibration::changed(const KVA_JIG_CALREFDATA& 
                         part.m_before.size() * sizeof(float)) == 0)
             continue;
         part.m_accessory = &accessory;
-        part.m_name = InputRole::of(accessory).name;
+        part.m_name = texts.role.name;
         part.m_field = QLatin1String(texts.field) + QStringLiteral(".values[");
         part.m_beforeName = translated(QT_TRANSLATE_NOOP("vq-tl4ctl", "Before"));
         part.m_afterName = afterName;

@@ -16,10 +16,6 @@ const InputRole InputRole::snapshot = {"snapshot", QT_TRANSLATE_NOOP("vq-tl4ctl"
                                        nullptr};
 const InputRole InputRole::plan = {"plan", QT_TRANSLATE_NOOP("vq-tl4ctl", "Plan"), nullptr};
 
-const InputRole& InputRole::of(const CalibrationAccessory& accessory) {
-    return &accessory == whitePlate.accessory ? whitePlate : ambientAdapter;
-}
-
 const InputRole* InputRole::stored(const QString& text) {
     const QString word = text.section(QLatin1Char(' '), 0, 0);
     for (const InputRole* role : {&network, &whitePlate, &ambientAdapter, &snapshot, &plan}) {

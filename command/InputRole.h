@@ -16,8 +16,6 @@ struct InputRole {
     static const InputRole snapshot;
     static const InputRole plan;
 
-    /** The role of a value file. */
-    static const InputRole& of(const CalibrationAccessory& accessory);
     /** The role that the journal stored; null if it is none of these. */
     static const InputRole* stored(const QString& text);
     /** The serial number that was stored with the role; empty if none was. */

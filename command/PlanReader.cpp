@@ -1,8 +1,8 @@
 #include "command/PlanReader.h"
 
+#include "command/AccessoryTexts.h"
 #include "command/FieldTexts.h"
 #include "command/FileCheck.h"
-#include "command/InputRole.h"
 #include "command/InstrumentState.h"
 #include "command/Journal.h"
 
@@ -208,7 +208,7 @@ void PlanReader::takeValues(std::string_view cell) {
     if (values) {
         m_row->accessories.push_back(std::move(*values));
         m_row->inputs.push_back(
-            ::journalInput(InputRole::of(Accessory), *file, m_row->serialNumber));
+            ::journalInput(AccessoryTexts::of(Accessory).role, *file, m_row->serialNumber));
         return;
     }
     addHere(QT_TRANSLATE_NOOP("vq-tl4ctl", "The file \"%1\" cannot be used:"), cell);

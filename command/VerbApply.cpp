@@ -1,3 +1,4 @@
+#include "command/AccessoryTexts.h"
 #include "command/FieldTexts.h"
 #include "command/InputRole.h"
 #include "command/Journal.h"
@@ -17,7 +18,7 @@ void addValues(const QString& path, const CalibrationAccessory& accessory, Chang
     const auto file = InputFile::read(path, faults);
     if (!file)
         return;
-    inputs.push_back(journalInput(InputRole::of(accessory), *file));
+    inputs.push_back(journalInput(AccessoryTexts::of(accessory).role, *file));
     const auto values = ValueFile::check(*file, accessory, faults);
     if (values)
         change.accessories.push_back(*values);

@@ -35,7 +35,7 @@ Change changeFor(const Snapshot& snapshot, const QStringList& only) {
     if (only.contains(QLatin1String("power-off")))
         change.powerOffMode = state.powerOffMode;
     for (const AccessoryTexts& texts : AccessoryTexts::all) {
-        if (only.contains(QLatin1String(InputRole::of(texts.accessory).word)))
+        if (only.contains(QLatin1String(texts.role.word)))
             change.accessories.push_back(partOf(state.calibration, texts.accessory));
     }
     return change;
